@@ -1,0 +1,5 @@
+#pragma once
+namespace sparkrig {
+template <class T, int N, int copy>
+class DynaMem {};
+}   // namespace sparkrig

@@ -1,0 +1,67 @@
+// A file of bytes: little-endian numbers, length-prefixed strings, packed files, in-memory mode.
+#pragma once
+#include <cstdint>
+#include <cstdio>
+
+#include "base/error.h"
+#include "base/string.h"
+
+namespace sparkrig {
+
+class File : public ErrorClass {
+  public:
+    File();
+    ~File();
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    /// Opens an existing file; a packed one is unpacked into memory. False, with a warning if asked for, when the
+    /// system cannot open it.
+    bool Open(const String& name, bool read_only, bool in_memory, bool report_errors);
+    /// Writes back what was changed. With keep_buffer the memory buffer stays for TakeBuffer.
+    void Close(bool keep_buffer = false);
+
+    bool Read(void* data, int n);
+    std::int32_t ReadInt32();
+    std::int16_t ReadInt16();
+    std::int8_t ReadByte();
+    bool ReadString(String& text);
+
+    bool Write(const void* data, int n);
+    void WriteInt32(std::int32_t value);
+    void WriteInt16(std::int16_t value);
+    void WriteByte(std::int8_t value);
+    void WriteString(const String& text);
+
+    void Seek(int position);
+    int Tell() const { return position_; }
+    int GetSize() const { return size_; }
+    /// Cuts the content; a size that is not below the present one does nothing.
+    void SetSize(int new_size);
+    bool IsModified() const { return modified_; }
+    bool IsOpen() const { return handle_ != nullptr; }
+    int PackMode() const { return pack_mode_; }
+    /// The content in in-memory mode; null otherwise.
+    const std::uint8_t* GetBuffer() const { return buffer_; }
+    /// Seconds since 1970, or -1 when no file is open.
+    std::int32_t GetFileTime() const;
+
+    [[noreturn]] void Error(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
+
+    static int m_OpenHandlesCount;
+
+  private:
+    std::FILE* handle_ = nullptr;
+    bool readable_ = false;
+    bool writable_ = false;
+    bool modified_ = false;
+    String name_;
+    std::int32_t size_ = 0;
+    std::int32_t position_ = 0;
+    bool in_memory_ = false;
+    std::int32_t capacity_ = 0;
+    std::uint8_t* buffer_ = nullptr;
+    std::int32_t pack_mode_ = 0;
+};
+
+}   // namespace sparkrig

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace sparkrig {
+
+/// Appends one line to logfile.txt in the directory that was current at the first call. The first entry of a run
+/// empties the file; the 500000th is the last.
+void WriteLog(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// The program's clock in seconds: monotonic, high resolution.
+double GetSeconds();
+
+}   // namespace sparkrig

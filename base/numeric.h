@@ -1,0 +1,15 @@
+#pragma once
+
+namespace sparkrig {
+
+/// To the nearest integer, halves away from zero. Out of range: the nearest int; not a number: 0.
+int Round(float x);
+/// a moved into the period m; a negative multiple of m gives m, not 0.
+double WrapFloat(double a, double m);
+float WrapFloat(float a, float m);
+/// a / m rounded down.
+int FloorDiv(float a, float m);
+/// Remainder in 0 .. m - 1 for positive m.
+int PositiveMod(int a, int m);
+
+}   // namespace sparkrig

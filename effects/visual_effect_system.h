@@ -1,0 +1,50 @@
+// Plays visual effects: loads the definitions, starts, moves and draws their live instances.
+#pragma once
+#include <memory>
+
+#include "base/error.h"
+#include "base/string.h"
+#include "platform/d3dx/d3dx_math.h"
+
+namespace sparkrig {
+
+class KRN_Gfx;
+struct VisualEffectSystemParts;
+
+class VisualEffectSystem : public ErrorClass {
+  public:
+    VisualEffectSystem();
+    ~VisualEffectSystem();
+    VisualEffectSystem(const VisualEffectSystem&) = delete;
+    VisualEffectSystem& operator=(const VisualEffectSystem&) = delete;
+
+    /// Borrows the device. Loads "cfg/texCatalogue.cfg" and the particle shader effect. Without Init everything but
+    /// preloading and drawing works.
+    void Init(KRN_Gfx& gfx, int mode);
+    /// With keep_instances running instances go on with the new definitions.
+    void LoadEffects(const char* file, bool keep_instances);
+    int GetEffectCount() const;
+    String GetEffectName(int index) const;   // in file order
+
+    void StartEffect(const char* name, const D3DXVECTOR3& position);
+    void PreloadEffect(const char* name);
+    void Update(float elapsed_seconds);
+    /// The number of draw calls.
+    int Draw();
+    int DrawnParticleCount() const;
+    int DrawCallCount() const;
+    void SetDetailLevel(int level);
+    int DetailLevel() const;
+    int LiveInstanceCount() const;
+    double SystemTime() const;
+
+    void Clear();
+    void Release();
+
+    VisualEffectSystemParts& Parts() { return *parts_; }
+
+  private:
+    std::unique_ptr<VisualEffectSystemParts> parts_;
+};
+
+}   // namespace sparkrig

@@ -1,0 +1,178 @@
+// KRN_Gfx: the one object through which the program draws. It forwards; its parts decide.
+//
+// Life: constructed (Direct3D object only) -> InitDevice -> BeginScene .. EndScene, PresentFrame, for ever. A lost or
+// resized device is reset inside PresentFrame; the states that the program asked for are applied again, so callers
+// never repeat them. Setters remember what the device holds and skip repeats.
+#pragma once
+#include <memory>
+
+#include "gfx/gfx_types.h"
+#include "gfx/point_sprite_settings.h"
+#include "gfx/vertex_list.h"
+#include "platform/d3d9/d3d9.h"
+#include "platform/d3dx/d3dx_effect.h"
+#include "platform/d3dx/d3dx_math.h"
+
+namespace sparkrig {
+
+class KRN_Camera;
+class KRN_Font;
+class KRN_Light;
+class KRN_Mesh;
+class KRN_PrintfContainer;
+class KRN_ShaderEffect;
+class KRN_Surface;
+class KRN_Texture;
+class KRN_TextureCatalogue;
+struct GfxParts;
+
+class KRN_Gfx : public KRN_Base {
+  public:
+    using CreateDirect3D = IDirect3D9* (*)(UINT sdk_version);
+
+    explicit KRN_Gfx(CreateDirect3D create = Direct3DCreate9);
+    ~KRN_Gfx();
+    KRN_Gfx(const KRN_Gfx&) = delete;
+    KRN_Gfx& operator=(const KRN_Gfx&) = delete;
+
+    // ---- Device
+    int InitDevice(HWND window, int windowed, const D3DDISPLAYMODE* mode, int z_buffer_bits, int vsync,
+                   int vertex_processing, int device_select, int multithreaded);
+    int ResetDevice(const D3DDISPLAYMODE* mode, int vsync);
+    int PresentFrame();
+    int BeginScene();
+    int EndScene();
+    int Clear(D3DCOLOR colour, float z, const D3DRECT* rectangle);
+    int ClearZBuffer(float z, const D3DRECT* rectangle);
+    float GetFrameRate() const;
+    void GetAdapterDisplayMode(D3DDISPLAYMODE& mode) const;
+    bool FindDisplayMode(D3DDISPLAYMODE& mode) const;
+    bool CheckTextureFormat(D3DFORMAT format, int usage_mode) const;
+    void GetCaps(D3DCAPS9& caps) const;
+    const D3DCAPS9& Caps() const;
+    D3DFORMAT AlphaFormat() const;
+    D3DFORMAT OpaqueFormat() const;
+    D3DFORMAT DisplayFormat() const;
+    bool HardwareVertexProcessing() const;
+    /// Seconds since the device was created.
+    double DeviceSeconds() const;
+    IDirect3DDevice9* Device() const;   // borrowed; null before InitDevice
+    ID3DXEffectPool* EffectPool() const;
+    /// A copy of the back buffer as A8R8G8B8, row by row from the top. For captures.
+    void ReadBackBuffer(std::vector<D3DCOLOR>& pixels, UINT& width, UINT& height);
+
+    // ---- States
+    int SetBlendingMode(int mode, int alpha, int stage);
+    int BlendingMode() const;
+    int BlendingAlpha() const;
+    int SetRenderSource(int source, int stage, D3DCOLOR colour);
+    void SetCullingMode(int mode);
+    int CullingMode() const;
+    void SetZBufferMode(int mode);
+    int ZBufferMode() const;
+    void SetZWrite(bool on);
+    bool ZWrite() const;
+    void PushZBufferOff();
+    void PopZBufferOff();
+    int SetMipmapMode(int mode, float bias, int stage);
+    int MipmapMode() const;
+    float MipmapBias() const;
+    int SetTextureFilter(int preset, int stage);
+    int SetAddressModeU(DWORD mode, int stage);
+    int SetAddressModeV(DWORD mode, int stage);
+    void SetFillMode(int mode, const PointSpriteSettings* settings);
+    void SetPointSprite(const PointSpriteSettings& settings, bool device_limit);
+    /// With lighting off, `colour`, if given, stands in for the vertices' diffuse colour (see SetTexture).
+    void SetLighting(bool on, const D3DCOLOR* colour);
+    bool Lighting() const;
+    void EndLightingOverride();
+    void PushLightingOff();
+    void PopLightingOff();
+    void SetAmbient(D3DCOLOR colour);
+    void SetSpecular(bool on);
+    void SetNormalizeNormals(bool on);
+    void SetAlphaTest(int mode, int reference);
+    void SetTextureFactor(D3DCOLOR colour);
+    void SetFog(const FogSettings& settings);
+    void SetFogEnable(bool on);
+    bool FogEnable() const;
+    const FogSettings& Fog() const;
+    void SetMaterial(const D3DMATERIAL9& material);
+    int SetLight(int index, KRN_Light& light, double time, bool evaluate);
+    void SetLightEnable(int index, bool on);
+    void SetVertexFormat(DWORD fvf);
+    void SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride);
+    void SetIndices(IDirect3DIndexBuffer9* buffer);
+    void SetRenderTarget(IDirect3DSurface9* surface, DWORD index);
+    bool SetGammaRamp(const D3DGAMMARAMP* ramp, bool calibrate);
+    void SetSoftwareVertexProcessing(bool on);
+    void SetColourOverride(const D3DCOLOR* colour);
+
+    // ---- Transforms and view
+    void SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DXMATRIX& matrix);
+    void ResetWorldTransform();
+    const D3DXMATRIX& WorldMatrix() const;
+    const D3DXMATRIX& ViewMatrix() const;
+    const D3DXMATRIX& ProjectionMatrix() const;
+    void SetProjection(float z_near, float z_far, float fov, float aspect);
+    void SetMirroredProjection();
+    int SetViewPort(int x1, int y1, int x2, int y2, float min_z, float max_z);
+    const D3DVIEWPORT9& Viewport() const;
+    /// Makes the camera's eye, direction and up vector the view.
+    void SetView(const KRN_Camera& camera);
+    D3DXVECTOR3 CameraPosition() const;   // from the inverse view matrix
+    float DistanceToCamera(const D3DXVECTOR3& point) const;
+    /// The unit direction from the camera through a pixel of the viewport.
+    D3DXVECTOR3 PixelRay(int x, int y) const;
+    bool SphereInView(const D3DXVECTOR3& centre, float radius) const;
+    bool BoundsInView(const class KRN_ClipObject& bounds, const D3DXMATRIX& world) const;
+
+    // ---- Textures
+    void SetBasePath(const char* path);
+    void SetDefaultTexturePath(const char* path);
+    void LoadTexture(KRN_Texture* texture, const char* file, D3DCOLOR colour_key, int parameter, int format = -1,
+                     int mip_levels = 1);
+    void CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels);
+    /// Null, or a texture without a picture, unbinds. Stage -1 means all stages in use.
+    void SetTexture(KRN_Texture* texture, int stage);
+    /// The texture that DrawTexture2D draws. Borrowed.
+    void SetTexture2D(KRN_Texture* texture);
+    void UpdateVideoSource(int index);
+    KRN_TextureCatalogue& Catalogue();
+
+    // ---- Shader effects
+    bool LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool);
+    /// The effect of the draws that follow; null or an invalid one for fixed-function drawing. Borrowed.
+    void SetShaderEffect(KRN_ShaderEffect* effect);
+    /// The effect that a draw uses now, or null.
+    KRN_ShaderEffect* EffectForDraw() const;
+
+    // ---- Geometry
+    bool CreateVertexList(KRN_VertexList* list, UINT elements, int usage, bool system_memory);
+    void DrawTriangleList(KRN_VertexList& list, UINT first, int count);
+    struct Quad2D {
+        float left, top, right, bottom;
+    };
+    void DrawTexture2D(const Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]);
+    /// The 2D texture over the whole viewport.
+    void DrawFullScreenTexture(D3DCOLOR colour, float z);
+    void DrawLastTexture();
+    bool DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world);
+
+    // ---- Text
+    void SetFont(KRN_Font* font, float size, D3DCOLOR colour);
+    /// At pixel (x, y) of the client area.
+    void Printf(float x, float y, const char* format, ...) __attribute__((format(printf, 4, 5)));
+    /// The same with the options saved, the first option field set to 1, and restored: (x, y) is the middle of the
+    /// text.
+    void PrintfCentred(float x, float y, const char* format, ...) __attribute__((format(printf, 4, 5)));
+    /// Draws what Printf gathered and empties it.
+    void DrawText();
+
+    GfxParts& Parts() { return *parts_; }
+
+  private:
+    std::unique_ptr<GfxParts> parts_;
+};
+
+}   // namespace sparkrig

@@ -1,0 +1,112 @@
+// A vertex buffer of one vertex type together with how to draw it.
+#pragma once
+#include <cstdint>
+
+#include "gfx/point_sprite_settings.h"
+#include "platform/d3d9/d3d9.h"
+#include "scene/object_3d.h"
+
+namespace sparkrig {
+
+class KRN_Gfx;
+
+struct KRN_TLVertex {
+    static constexpr DWORD kFormat = 0x1C4;
+    float x, y, z, rhw;
+    D3DCOLOR diffuse, specular;
+    float u, v;
+};
+
+struct KRN_LVertex {
+    static constexpr DWORD kFormat = 0x1C2;
+    float x, y, z;
+    D3DCOLOR diffuse, specular;
+    float u, v;
+};
+
+struct KRN_VertexPosTex {
+    static constexpr DWORD kFormat = 0x102;
+    float x, y, z, u, v;
+};
+
+struct KRN_PointVertex {
+    static constexpr DWORD kFormat = 0x42;
+    float x, y, z;
+    D3DCOLOR diffuse;
+};
+
+/// Where the components of a vertex format lie, in bytes.
+struct VertexLayout {
+    DWORD format = 0;
+    int stride = 0;
+    int position = 0, rhw_or_weights = 0, normal = 0, point_size = 0, diffuse = 0, specular = 0;
+    int weights = 0;   // blend weights
+    int texture_sets = 0;
+    int texture_offset[8] = {}, texture_floats[8] = {};
+};
+VertexLayout ComputeVertexLayout(DWORD format);
+
+enum class PrimitiveMode : std::int32_t {
+    PointList = 1,
+    LineList = 2,
+    LineStrip = 3,
+    TriangleList = 4,
+    TriangleStrip = 5,
+    TriangleFan = 6,
+};
+
+class KRN_VertexListBase : public KRN_3dObject {
+  public:
+    KRN_VertexListBase();
+
+  protected:
+    ~KRN_VertexListBase() = default;
+};
+
+class KRN_VertexList : public KRN_VertexListBase {
+  public:
+    KRN_VertexList(PrimitiveMode mode, DWORD format);
+    ~KRN_VertexList();
+
+    /// First element, element count. Null never comes back: a failing lock is an error.
+    void* LockElements(UINT first, UINT count, DWORD flags);
+    bool Unlock();
+
+    PrimitiveMode Mode() const { return mode_; }
+    void SetMode(PrimitiveMode mode) { mode_ = mode; }
+    const VertexLayout& Layout() const { return layout_; }
+    UINT ElementCount() const { return elements_; }
+    UINT PrimitiveCount() const { return primitives_; }
+    bool IsLocked() const { return locked_; }
+    PointSpriteSettings& PointSprites() { return point_sprites_; }
+    IDirect3DVertexBuffer9* Buffer() const { return buffer_.Get(); }
+    /// Lets go of the device buffer.
+    void ReleaseBuffer() { buffer_.Reset(); }
+
+  private:
+    friend class VertexListDrawer;
+    PrimitiveMode mode_;
+    VertexLayout layout_;
+    DevicePtr<IDirect3DVertexBuffer9> buffer_;
+    DWORD usage_ = 0;
+    D3DPOOL pool_ = D3DPOOL_MANAGED;
+    UINT elements_ = 0, primitives_ = 0;
+    bool locked_ = false;
+    PointSpriteSettings point_sprites_;
+};
+
+/// The number of primitives that `elements` vertices make; an unknown mode is an error of `reporter`.
+UINT PrimitiveCount(const KRN_Base& reporter, int mode, UINT elements);
+
+/// A list of one vertex type. Its format is the type's kFormat.
+template <class Vertex>
+class KRN_VertexListTemp : public KRN_VertexList {
+  public:
+    explicit KRN_VertexListTemp(PrimitiveMode mode = PrimitiveMode::TriangleList)
+        : KRN_VertexList(mode, Vertex::kFormat) {}
+    Vertex* Lock(UINT first, UINT count, DWORD flags) {
+        return static_cast<Vertex*>(LockElements(first, count, flags));
+    }
+};
+
+}   // namespace sparkrig

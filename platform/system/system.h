@@ -1,0 +1,69 @@
+// The operating system as the program sees it: paths, clock, memory, current directory, per-user settings.
+#pragma once
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "platform/system/win_types.h"
+
+namespace sparkrig {
+
+// ---- Paths. Data files are named with "\" or "/" and in any letter case.
+
+/// The name under which the disk holds `name`: "\" becomes "/", and each component that does not exist as written is
+/// looked up ignoring ASCII letter case. Components that are not found stay as they are, so that a new file can be
+/// made.
+std::string ResolvePath(const char* name);
+
+/// fopen on the resolved path; null with errno set on failure.
+std::FILE* OpenFileStream(const char* name, const char* mode);
+
+bool FileExists(const char* name);
+
+/// Modification time in seconds since 1970, or -1 when there is no such file.
+std::int32_t FileModificationTime(const char* name);
+
+std::string GetCurrentDirectoryA();
+bool SetCurrentDirectoryA(const char* name);
+
+// ---- Clock and memory
+
+/// A monotonic counter; its frequency is constant.
+std::int64_t QueryPerformanceCounter();
+std::int64_t QueryPerformanceFrequency();
+void Sleep(DWORD milliseconds);
+
+/// Physical memory that is free for new programs, in bytes.
+std::uint64_t AvailablePhysicalMemory();
+
+// ---- Per-user registry values, kept in $XDG_CONFIG_HOME/sparkrig/registry.toml (default ~/.config).
+// Key and value names ignore letter case.
+
+inline constexpr LONG ERROR_SUCCESS = 0;
+inline constexpr LONG ERROR_FILE_NOT_FOUND = 2;
+inline constexpr LONG ERROR_MORE_DATA = 234;
+inline constexpr DWORD KEY_READ = 0x20019;
+inline constexpr DWORD KEY_WRITE = 0x20006;
+
+/// An open key below HKEY_CURRENT_USER. Empty while closed.
+struct RegistryKey {
+    std::string path;
+    DWORD access = 0;
+};
+
+LONG RegOpenKeyExA(const char* path, DWORD access, RegistryKey& key);
+LONG RegCreateKeyExA(const char* path, DWORD access, RegistryKey& key);
+/// Reads a text value. size: in, the bytes of the buffer; out, the bytes of the text with its terminator.
+LONG RegQueryValueExA(const RegistryKey& key, const char* name, char* buffer, DWORD& size);
+LONG RegSetValueExA(const RegistryKey& key, const char* name, const char* text);
+void RegCloseKey(RegistryKey& key);
+
+/// The sentence for a system error code, without a line end.
+std::string FormatMessageA(LONG error);
+
+// ---- Libraries: the presence probes that the graphics device makes. Both answer true.
+
+bool LoadLibraryA(const char* name);
+void FreeLibrary(const char* name);
+
+}   // namespace sparkrig

@@ -1,0 +1,40 @@
+#pragma once
+#include "scene/object_3d.h"
+
+namespace sparkrig {
+
+/// A node with an eye, a view direction and an up vector.
+class KRN_Target3dObject : public KRN_3dObject {
+  public:
+    KRN_Target3dObject();
+
+    void SetEye(float x, float y, float z, bool apply);
+    /// The direction is stored normalised.
+    void SetViewDirection(float x, float y, float z, bool apply);
+    void SetUp(float x, float y, float z) { up_ = {x, y, z}; }
+    /// Turns view direction and up vector about an axis (radians).
+    void RotateView(const D3DXVECTOR3& axis, float angle);
+    void TurnAroundUp(float angle);
+    virtual void ApplyOrientation(const D3DXMATRIX*) {}
+
+    const D3DXVECTOR3& Eye() const { return eye_; }
+    const D3DXVECTOR3& ViewDirection() const { return direction_; }
+    const D3DXVECTOR3& Up() const { return up_; }
+
+  protected:
+    ~KRN_Target3dObject() = default;
+
+    D3DXVECTOR3 eye_;
+    D3DXVECTOR3 direction_ = {0, 1, 0};
+    D3DXVECTOR3 up_ = {0, 0, 1};
+};
+
+class KRN_Camera : public KRN_Target3dObject {
+  public:
+    KRN_Camera();
+    ~KRN_Camera() = default;
+
+    float fov = 0.7854f;   // radians
+};
+
+}   // namespace sparkrig
