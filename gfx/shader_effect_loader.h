@@ -1,0 +1,43 @@
+// Loads shader effects and keeps their registry: one compiled effect for a file, however many objects share it.
+#pragma once
+#include <memory>
+
+#include "gfx/shader_effect.h"
+
+namespace sparkrig {
+
+class ShaderEffectRegistry;
+
+class ShaderEffectLoader {
+  public:
+    using GameTimeSource = float (*)();   // seconds
+
+    /// Reports through `gfx`, which must outlive the loader. Every effect is released before the loader.
+    explicit ShaderEffectLoader(KRN_Gfx& gfx);
+    ~ShaderEffectLoader();
+    ShaderEffectLoader(const ShaderEffectLoader&) = delete;
+    ShaderEffectLoader& operator=(const ShaderEffectLoader&) = delete;
+
+    /// False, after a warning, for a missing file that is not required. A required one and a compile failure are
+    /// errors. `flags` are D3DXSHADER_ flags.
+    bool Load(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool);
+
+    /// Around a device reset.
+    void OnLostDevice();
+    void OnResetDevice();
+
+    /// Whether a file that is loaded already is shared. Initially on.
+    void SetSharing(bool on);
+    /// With the frame cache on, an effect's frame semantics are filled once in a frame. Initially off.
+    void SetFrameCache(bool on);
+    /// A frame was presented.
+    void NextFrame();
+    /// Gives the parameter GAMETIME its value; null for the seconds since the device was created.
+    void SetGameTimeSource(GameTimeSource source);
+
+  private:
+    KRN_Gfx& gfx_;
+    std::unique_ptr<ShaderEffectRegistry> registry_;
+};
+
+}   // namespace sparkrig
