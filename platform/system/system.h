@@ -15,13 +15,18 @@ namespace sparkrig {
 /// made.
 std::string ResolvePath(const char* name);
 
-/// fopen on the resolved path; null with errno set on failure.
+/// fopen on the resolved path; null with errno set on failure. Folders, pipes and devices are no files.
 std::FILE* OpenFileStream(const char* name, const char* mode);
 
 bool FileExists(const char* name);
 
 /// Modification time in seconds since 1970, or -1 when there is no such file.
 std::int32_t FileModificationTime(const char* name);
+std::int32_t FileModificationTime(std::FILE* stream);
+
+/// Gives a file new content, or makes it: written beside it, then renamed over it, so that a failure leaves the old
+/// content whole. Permissions and owner survive, links are followed. False with errno set on failure.
+bool ReplaceFileContent(const char* name, const void* data, std::size_t size);
 
 std::string GetCurrentDirectoryA();
 bool SetCurrentDirectoryA(const char* name);
@@ -41,7 +46,12 @@ std::uint64_t AvailablePhysicalMemory();
 
 inline constexpr LONG ERROR_SUCCESS = 0;
 inline constexpr LONG ERROR_FILE_NOT_FOUND = 2;
+inline constexpr LONG ERROR_ACCESS_DENIED = 5;
+inline constexpr LONG ERROR_INVALID_HANDLE = 6;
 inline constexpr LONG ERROR_MORE_DATA = 234;
+inline constexpr LONG ERROR_BADDB = 1009;   // the file is no valid TOML; it is then never overwritten
+inline constexpr LONG ERROR_CANTWRITE = 1013;
+inline constexpr LONG ERROR_UNSUPPORTED_TYPE = 1630;   // not a text, or no UTF-8
 inline constexpr DWORD KEY_READ = 0x20019;
 inline constexpr DWORD KEY_WRITE = 0x20006;
 

@@ -1,0 +1,9 @@
+// ASCII letter case, whatever the locale.
+#pragma once
+
+namespace sparkrig {
+
+constexpr char AsciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+}   // namespace sparkrig

@@ -1,0 +1,73 @@
+// The one way a user's file gets new content: written beside it, then renamed over it.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <string>
+
+#include "platform/system/system.h"
+
+namespace sparkrig {
+namespace {
+
+/// Where a link points, so that the link survives the renaming; the name itself for a file that is new.
+std::string FollowLinks(const std::string& path) {
+    char real[PATH_MAX];
+    return realpath(path.c_str(), real) ? real : path;
+}
+
+bool WriteAll(int descriptor, const char* data, std::size_t size) {
+    while (size > 0) {
+        const ssize_t written = write(descriptor, data, size);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return false;
+        data += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+mode_t NewFileMode() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+/// Owner and permissions of the old file. Giving a file away is a right of its own: an owner that cannot be kept is an
+/// error only where it differs from ours.
+bool CopyOwnerAndMode(int descriptor, const std::string& path) {
+    struct stat old {};
+    if (stat(path.c_str(), &old) != 0) return fchmod(descriptor, NewFileMode()) == 0;
+    struct stat fresh {};
+    if (fstat(descriptor, &fresh) != 0) return false;
+    const bool same = fresh.st_uid == old.st_uid && fresh.st_gid == old.st_gid;
+    if (!same && fchown(descriptor, old.st_uid, old.st_gid) != 0) return false;
+    return fchmod(descriptor, old.st_mode & 07777) == 0;
+}
+
+}   // namespace
+
+bool ReplaceFileContent(const char* name, const void* data, std::size_t size) {
+    const std::string path = FollowLinks(ResolvePath(name));
+    std::string beside = path + ".XXXXXX";
+    const int descriptor = mkstemp(beside.data());
+    if (descriptor < 0) return false;
+
+    bool done = WriteAll(descriptor, static_cast<const char*>(data), size) && CopyOwnerAndMode(descriptor, path) &&
+                fsync(descriptor) == 0;
+    int reason = errno;
+    if (close(descriptor) != 0 && done) {
+        done = false;
+        reason = errno;
+    }
+    if (done && std::rename(beside.c_str(), path.c_str()) == 0) return true;
+    if (done) reason = errno;
+    unlink(beside.c_str());
+    errno = reason;
+    return false;
+}
+
+}   // namespace sparkrig
