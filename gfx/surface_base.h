@@ -20,6 +20,8 @@ class KRN_SurfaceBase : public KRN_ResourceBase {
     D3DCOLOR GetPixel(int x, int y) const;
     void SetPixel(int x, int y, D3DCOLOR argb);
     D3DFORMAT Format() const { return format_; }
+    /// The device's record of the present lock.
+    D3DLOCKED_RECT& Locked() { return locked_data_; }
 
   protected:
     KRN_SurfaceBase() = default;
