@@ -1,0 +1,103 @@
+// What a test sees of the recording device: the calls that were made, what fails next, what the adapter offers.
+//
+//     Recording recording;                                  // from now on it serves Recording::Create
+//     recording.Fail("CreateTexture", E_OUTOFMEMORY, 2);    // the second call from now
+//     ... code under test, given Recording::Create ...
+//     EXPECT_THAT(recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW));
+//     EXPECT_EQ(recording.LiveObjects(), 0);
+#pragma once
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/d3d9/d3d9.h"
+
+namespace sparkrig {
+
+/// One call of the contract. Floats stand as their bits, objects as their serial numbers (0 for null).
+struct RecordedCall {
+    std::string method;
+    std::vector<DWORD> arguments;
+    bool operator==(const RecordedCall&) const = default;
+};
+
+/// One draw call, with a copy of the vertices that it reads and what was bound to stage 0.
+struct RecordedDraw {
+    D3DPRIMITIVETYPE type;
+    UINT first, count;
+    DWORD fvf;
+    UINT stride;
+    std::vector<BYTE> vertices;   // of a draw without indices: the count that it needs, from `first` on
+    UINT texture;                 // serial number, 0 for none
+    std::map<DWORD, DWORD> render_states;
+    D3DMATRIX world;
+};
+
+class Recording {
+  public:
+    Recording();
+    ~Recording();
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+
+    /// In place of Direct3DCreate9: a Direct3D object of the newest recording. Null when `offers_direct3d` is off.
+    static IDirect3D9* Create(UINT sdk_version);
+
+    // ---- What the adapter offers; set before the device is made.
+    bool offers_direct3d = true;
+    D3DCAPS9 caps;
+    D3DDISPLAYMODE desktop = {1920, 1080, 60, D3DFMT_X8R8G8B8};
+    std::vector<D3DDISPLAYMODE> modes;
+    std::vector<std::string> adapters = {"Recording adapter"};
+    std::set<D3DFORMAT> refused_texture_formats = {D3DFMT_R8G8B8};
+    UINT client_width = 640, client_height = 480;   // the back buffer of a window
+
+    // ---- Calls
+    const std::vector<RecordedCall>& Calls() const { return calls_; }
+    const std::vector<RecordedDraw>& Draws() const { return draws_; }
+    int Count(const std::string& method) const;
+    /// The methods in order; an empty list means every method.
+    std::vector<std::string> Methods(const std::set<std::string>& of = {}) const;
+    /// The values sent, in order.
+    std::vector<DWORD> Sent(D3DRENDERSTATETYPE state) const;
+    std::vector<DWORD> Sent(DWORD stage, D3DTEXTURESTAGESTATETYPE type) const;
+    std::vector<DWORD> Sent(DWORD sampler, D3DSAMPLERSTATETYPE type) const;
+    void ForgetCalls();
+
+    // ---- Failing. A failing call has no effect but its record.
+    /// The n-th call of `method` from now on gives `code`.
+    void Fail(const std::string& method, HRESULT code, int nth = 1);
+    /// From now on TestCooperativeLevel says lost for `polls` calls, then not-reset until Reset.
+    void LoseDevice(int polls);
+
+    // ---- Objects
+    /// Device objects that somebody still holds, the Direct3D object and the device included.
+    int LiveObjects() const { return live_objects_; }
+    int LiveDefaultPoolObjects() const { return default_pool_objects_; }
+
+    // ---- For the recording device alone
+    HRESULT Record(const char* method, std::vector<DWORD> arguments);
+    void RecordDraw(RecordedDraw draw) { draws_.push_back(std::move(draw)); }
+    UINT ObjectMade(bool default_pool);
+    void ObjectGone(bool default_pool);
+    HRESULT CooperativeLevel();
+    bool Lost() const { return lost_; }
+    void ResetDone() { lost_ = false; }
+
+  private:
+    Recording* previous_;
+    std::vector<RecordedCall> calls_;
+    std::vector<RecordedDraw> draws_;
+    struct Failure {
+        int left;
+        HRESULT code;
+    };
+    std::map<std::string, std::vector<Failure>> failures_;
+    UINT serial_ = 0;
+    int live_objects_ = 0, default_pool_objects_ = 0;
+    bool lost_ = false;
+    int lost_polls_ = 0;
+};
+
+}   // namespace sparkrig
