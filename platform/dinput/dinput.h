@@ -45,6 +45,7 @@ class IDirectInput8 {
     ~IDirectInput8() = default;
 };
 
+/// Version 0x800 or later; anything else is refused with DIERR_INVALIDPARAM.
 HRESULT DirectInput8Create(DWORD version, IDirectInput8** input);
 
 }   // namespace sparkrig

@@ -25,20 +25,25 @@ struct MSG {
     UINT message;
     WPARAM wParam;
     LPARAM lParam;
+    char character = 0;   // ours: what the key of a WM_KEYDOWN types, 0 for nothing; TranslateMessage posts it
 };
 
 struct WNDCLASSEXA {
-    UINT style;
     WNDPROC lpfnWndProc;
-    const char* lpszClassName;
+    const char* lpszClassName;   // copied
 };
 
+/// False when the class has no name or no procedure. A class of the same name is replaced.
 bool RegisterClassExA(const WNDCLASSEXA& window_class);
 
-/// Width and height are those of the whole window; CW_USEDEFAULT gives 1024 x 768 of client area. Null on failure.
-HWND CreateWindowExA(const char* class_name, const char* title, DWORD style, int x, int y, int width, int height);
+/// Width and height are those of the whole window, with its frame; CW_USEDEFAULT as width gives 1024 x 768 of client
+/// area. The window is hidden until ShowWindow. Null when the class is unknown or the system refuses.
+HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, int width, int height);
+/// Hides the window and sends WM_DESTROY. What OpenGL drew into stays until the next window is made or the process
+/// ends, since the device outlives its window.
 void DestroyWindow(HWND window);
-void ShowWindow(HWND window, int command);
+void ShowWindow(HWND window);
+/// Lets the system place and size the window, so that its client area is the final one.
 void UpdateWindow(HWND window);
 /// Empty (0 x 0) while the window is minimised.
 void GetClientRect(HWND window, RECT& rectangle);
@@ -49,16 +54,28 @@ bool PeekMessageA(MSG& message, UINT remove);
 bool GetMessageA(MSG& message);
 void TranslateMessage(const MSG& message);
 LRESULT DispatchMessageA(const MSG& message);
+/// Works without any display: tests drive window procedures with it.
 void PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 void PostQuitMessage(int exit_code);
 LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+/// Keeps a counter, starting at 0; the cursor shows while it is not negative.
 void ShowCursor(bool show);
+/// Erases the window to its class's background. Only without a device on it.
 void RedrawWindow(HWND window);
-/// A modal box with an OK button. Without a display it prints "caption: text" on the error stream.
+/// Prints "caption: text" on the error stream and, where there is a display, shows it in a modal box with an OK button.
 void MessageBoxA(HWND window, const char* text, const char* caption);
 
 /// For the device layer alone: the window that OpenGL draws into.
 SDL_Window* NativeWindow(HWND window);
+
+/// For the keyboard layer: turns what the system has into queued messages and dispatches none.
+void CollectEvents();
+/// For the keyboard layer: whether keys go to the window. Always true where there is no focus at all.
+bool IsForegroundWindow(HWND window);
+
+/// Whether windows are seen by anybody: false with SDL's off-screen drivers. Starts the window system if need be;
+/// false as well when that fails.
+bool HasDisplay();
 
 }   // namespace sparkrig

@@ -1,0 +1,61 @@
+#include "platform/dinput/keyboard_device.h"
+
+#include <SDL2/SDL_keyboard.h>
+
+#include <cstring>
+
+#include "platform/dinput/scan_codes.h"
+#include "platform/window/window.h"
+
+namespace sparkrig {
+
+namespace {
+
+std::span<const std::uint8_t> SystemKeys() {
+    CollectEvents();   // SDL learns of keys while it collects events
+    int count = 0;
+    const std::uint8_t* keys = SDL_GetKeyboardState(&count);
+    return {keys, static_cast<std::size_t>(count)};
+}
+
+}   // namespace
+
+const KeyboardSource kSystemKeyboard = {IsForegroundWindow, SystemKeys};
+
+HRESULT KeyboardDevice::SetDataFormat() {
+    format_set_ = true;
+    return DI_OK;
+}
+
+HRESULT KeyboardDevice::SetCooperativeLevel(HWND window, DWORD flags) {
+    const bool one_access = ((flags & DISCL_EXCLUSIVE) != 0) != ((flags & DISCL_NONEXCLUSIVE) != 0);
+    const bool one_ground = ((flags & DISCL_FOREGROUND) != 0) != ((flags & DISCL_BACKGROUND) != 0);
+    if (!window || !one_access || !one_ground) return DIERR_INVALIDPARAM;
+    window_ = window;
+    flags_ = flags;
+    return DI_OK;
+}
+
+HRESULT KeyboardDevice::Acquire() {
+    if (!format_set_) return DIERR_INVALIDPARAM;
+    if (acquired_) return S_FALSE;
+    if (!MayRead()) return DIERR_OTHERAPPHASPRIO;
+    acquired_ = true;
+    return DI_OK;
+}
+
+HRESULT KeyboardDevice::GetDeviceState(DWORD bytes, void* state) {
+    if (bytes != kKeyCodes || !state) return DIERR_INVALIDPARAM;
+    const std::span<const std::uint8_t> keys = source_.keys();
+    if (!acquired_) return DIERR_NOTACQUIRED;
+    if (!MayRead()) {
+        acquired_ = false;
+        return DIERR_INPUTLOST;
+    }
+    BYTE translated[kKeyCodes];
+    TranslateKeys(keys, translated);
+    std::memcpy(state, translated, sizeof(translated));
+    return DI_OK;
+}
+
+}   // namespace sparkrig

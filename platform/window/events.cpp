@@ -1,0 +1,105 @@
+#include "platform/window/events.h"
+
+#include <SDL2/SDL_mouse.h>
+
+#include "platform/window/virtual_keys.h"
+#include "platform/window/window_object.h"
+
+namespace sparkrig {
+
+namespace {
+
+/// Two signed 16-bit numbers, the first in the low word.
+LPARAM PackWords(int low, int high) {
+    return static_cast<LPARAM>((static_cast<DWORD>(high) & 0xFFFFu) << 16 | (static_cast<DWORD>(low) & 0xFFFFu));
+}
+
+void QueueSize(HWND window, WPARAM type) {
+    RECT client;
+    GetClientRect(window, client);
+    Messages().Post({window, WM_SIZE, type, PackWords(client.right, client.bottom)});
+}
+
+WPARAM ShownSizeType(HWND window) {
+    return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MAXIMIZED) != 0 ? SIZE_MAXIMIZED : SIZE_RESTORED;
+}
+
+// X tells neither start nor end of a drag: a window that moves or grows while a mouse button is down is dragged.
+void NoticeDragging(HWND window) {
+    if (window->moved_by_hand || SDL_GetGlobalMouseState(nullptr, nullptr) == 0) return;
+    window->moved_by_hand = true;
+    Messages().Post({window, WM_ENTERSIZEMOVE, 0, 0});
+}
+
+void QueueWindowEvent(const SDL_WindowEvent& event) {
+    const HWND window = WindowFromId(event.windowID);
+    if (!window) return;
+    switch (event.event) {
+        case SDL_WINDOWEVENT_MOVED: NoticeDragging(window); break;
+        case SDL_WINDOWEVENT_SIZE_CHANGED:
+            NoticeDragging(window);
+            QueueSize(window, ShownSizeType(window));
+            break;
+        case SDL_WINDOWEVENT_MINIMIZED: QueueSize(window, SIZE_MINIMIZED); break;
+        case SDL_WINDOWEVENT_MAXIMIZED:
+        case SDL_WINDOWEVENT_RESTORED: QueueSize(window, ShownSizeType(window)); break;
+        case SDL_WINDOWEVENT_FOCUS_GAINED: Messages().Post({window, WM_ACTIVATEAPP, 1, 0}); break;
+        case SDL_WINDOWEVENT_FOCUS_LOST: Messages().Post({window, WM_ACTIVATEAPP, 0, 0}); break;
+        case SDL_WINDOWEVENT_CLOSE: Messages().Post({window, WM_CLOSE, 0, 0}); break;
+        default: break;
+    }
+}
+
+// The text of a repeat that was merged away goes with it.
+bool text_is_merged = false;
+
+void QueueKey(const SDL_KeyboardEvent& event) {
+    const HWND window = WindowFromId(event.windowID);
+    const WPARAM key = VirtualKey(event.keysym.sym);
+    if (event.type == SDL_KEYUP) {
+        Messages().Post({window, WM_KEYUP, key, 0});
+        return;
+    }
+    // A repeat that finds its key still waiting adds nothing: a slow program must not be buried in repeats.
+    text_is_merged = event.repeat != 0 && Messages().Holds(WM_KEYDOWN, key);
+    if (!text_is_merged) Messages().Post({window, WM_KEYDOWN, key, 1, ControlCharacter(event.keysym.sym)});
+}
+
+void QueueText(const SDL_TextInputEvent& event) {
+    for (const char* character = event.text; *character && !text_is_merged; ++character) {
+        if (static_cast<unsigned char>(*character) >= 0x80) continue;   // nothing here is named with such letters
+        MSG* last = Messages().Last();
+        if (last && last->message == WM_KEYDOWN && last->character == 0) {
+            last->character = *character;
+        } else {
+            Messages().Post({WindowFromId(event.windowID), WM_CHAR, static_cast<WPARAM>(*character), 1});
+        }
+    }
+}
+
+void QueueButton(const SDL_MouseButtonEvent& event) {
+    if (event.button != SDL_BUTTON_LEFT) return;
+    const UINT message = event.type == SDL_MOUSEBUTTONDOWN ? WM_LBUTTONDOWN : WM_LBUTTONUP;
+    Messages().Post({WindowFromId(event.windowID), message, 0, PackWords(event.x, event.y)});
+}
+
+}   // namespace
+
+void QueueEvent(const SDL_Event& event) {
+    switch (event.type) {
+        case SDL_WINDOWEVENT: QueueWindowEvent(event.window); break;
+        case SDL_KEYDOWN:
+        case SDL_KEYUP: QueueKey(event.key); break;
+        case SDL_TEXTINPUT: QueueText(event.text); break;
+        case SDL_MOUSEMOTION:
+            Messages().Post(
+                {WindowFromId(event.motion.windowID), WM_MOUSEMOVE, 0, PackWords(event.motion.x, event.motion.y)});
+            break;
+        case SDL_MOUSEBUTTONDOWN:
+        case SDL_MOUSEBUTTONUP: QueueButton(event.button); break;
+        case SDL_QUIT: Messages().Post({FirstWindow(), WM_CLOSE, 0, 0}); break;   // the session ends
+        default: break;
+    }
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,172 @@
+#include "platform/window/window.h"
+
+#include <SDL2/SDL.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/window/window_object.h"
+
+namespace sparkrig {
+
+namespace {
+
+constexpr int kDefaultWidth = 1024, kDefaultHeight = 768;
+
+struct WindowSystem {
+    std::map<std::string, WNDPROC> classes;
+    std::vector<std::unique_ptr<Window>> windows;
+    std::vector<std::unique_ptr<Window>> destroyed;   // a device may still hold its context on them
+    int cursor_counter = 0;
+};
+
+WindowSystem& System() {
+    static WindowSystem system;
+    return system;
+}
+
+auto FindWindow(HWND window) {
+    auto& windows = System().windows;
+    return std::find_if(windows.begin(), windows.end(), [&](const auto& known) { return known.get() == window; });
+}
+
+void DestroyNativeWindows(std::vector<std::unique_ptr<Window>>& windows) {
+    for (const std::unique_ptr<Window>& window : windows) SDL_DestroyWindow(window->native);
+    windows.clear();
+}
+
+bool IsMinimised(HWND window) { return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MINIMIZED) != 0; }
+
+// Drivers that show nothing have no keyboard focus either.
+bool DriverIsInvisible() {
+    const std::string driver = SDL_GetCurrentVideoDriver();
+    return driver == "offscreen" || driver == "dummy";
+}
+
+void ChooseOpenGL() {
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 4);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 5);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
+    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);   // frames are drawn into a buffer of our own and copied
+}
+
+}   // namespace
+
+bool StartVideo() {
+    if (SDL_WasInit(SDL_INIT_VIDEO) != 0) return true;
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");          // Ctrl+C ends long work at once
+    SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");   // the window procedure decides
+    SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");    // the click that activates counts
+    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    if (SDL_Init(SDL_INIT_VIDEO) != 0) return false;
+    std::atexit(SDL_Quit);
+    return true;
+}
+
+bool HasDisplay() { return StartVideo() && !DriverIsInvisible(); }
+
+MessageQueue& Messages() {
+    static MessageQueue queue;
+    return queue;
+}
+
+bool IsWindow(HWND window) { return FindWindow(window) != System().windows.end(); }
+
+HWND WindowFromId(Uint32 sdl_window_id) {
+    for (const std::unique_ptr<Window>& window : System().windows) {
+        if (SDL_GetWindowID(window->native) == sdl_window_id) return window.get();
+    }
+    return nullptr;
+}
+
+HWND FirstWindow() { return System().windows.empty() ? nullptr : System().windows.front().get(); }
+
+void WatchDragging() {
+    if (!AnyWindowDragged() || SDL_GetGlobalMouseState(nullptr, nullptr) != 0) return;
+    for (const std::unique_ptr<Window>& window : System().windows) {
+        if (std::exchange(window->moved_by_hand, false)) Messages().Post({window.get(), WM_EXITSIZEMOVE, 0, 0});
+    }
+}
+
+bool AnyWindowDragged() {
+    const auto& windows = System().windows;
+    return std::any_of(windows.begin(), windows.end(), [](const auto& window) { return window->moved_by_hand; });
+}
+
+bool RegisterClassExA(const WNDCLASSEXA& window_class) {
+    if (!window_class.lpszClassName || !window_class.lpfnWndProc) return false;
+    System().classes[window_class.lpszClassName] = window_class.lpfnWndProc;
+    return true;
+}
+
+HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, int width, int height) {
+    const auto window_class = System().classes.find(class_name);
+    if (window_class == System().classes.end() || !StartVideo()) return nullptr;
+    DestroyNativeWindows(System().destroyed);
+    const bool sized = width != CW_USEDEFAULT;
+    if (!sized) width = kDefaultWidth, height = kDefaultHeight;
+    if (x == CW_USEDEFAULT) x = y = static_cast<int>(SDL_WINDOWPOS_UNDEFINED);
+    ChooseOpenGL();
+    SDL_Window* native = SDL_CreateWindow(title, x, y, std::max(width, 1), std::max(height, 1),
+                                          SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN);
+    if (!native) return nullptr;
+    auto window = std::make_unique<Window>(Window{native, window_class->second});
+    if (sized) window->whole_width = width, window->whole_height = height;
+    return System().windows.emplace_back(std::move(window)).get();
+}
+
+void DestroyWindow(HWND window) {
+    const auto place = FindWindow(window);
+    if (place == System().windows.end()) return;
+    SDL_HideWindow(window->native);
+    window->procedure(window, WM_DESTROY, 0, 0);
+    Messages().Forget(window);
+    System().destroyed.push_back(std::move(*place));
+    System().windows.erase(place);
+}
+
+void ShowWindow(HWND window) { SDL_ShowWindow(window->native); }
+
+void UpdateWindow(HWND window) {
+    SDL_PumpEvents();
+    int top = 0, left = 0, bottom = 0, right = 0;
+    if (window->whole_width <= 0 || SDL_GetWindowBordersSize(window->native, &top, &left, &bottom, &right) != 0) return;
+    SDL_SetWindowSize(window->native, std::max(window->whole_width - left - right, 1),
+                      std::max(window->whole_height - top - bottom, 1));
+    window->whole_width = window->whole_height = 0;
+}
+
+void GetClientRect(HWND window, RECT& rectangle) {
+    rectangle = {0, 0, 0, 0};
+    if (!IsMinimised(window)) SDL_GetWindowSize(window->native, &rectangle.right, &rectangle.bottom);
+}
+
+void ShowCursor(bool show) {
+    System().cursor_counter += show ? 1 : -1;
+    SDL_ShowCursor(System().cursor_counter >= 0 ? SDL_ENABLE : SDL_DISABLE);
+}
+
+void RedrawWindow(HWND window) {
+    SDL_Surface* surface = SDL_GetWindowSurface(window->native);
+    if (!surface) return;
+    SDL_FillRect(surface, nullptr, SDL_MapRGB(surface->format, 255, 255, 255));
+    SDL_UpdateWindowSurface(window->native);
+}
+
+SDL_Window* NativeWindow(HWND window) { return window->native; }
+
+bool IsForegroundWindow(HWND window) {
+    return DriverIsInvisible() || (SDL_GetWindowFlags(window->native) & SDL_WINDOW_INPUT_FOCUS) != 0;
+}
+
+LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {
+    if (message == WM_CLOSE) DestroyWindow(window);
+    return 0;
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,150 @@
+#include "input/input_keyboard.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "input/input.h"
+#include "tests/input/fake_direct_input.h"
+
+namespace sparkrig {
+namespace {
+
+const HWND kWindow = reinterpret_cast<HWND>(16);
+double now;
+
+class KeyboardTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        fake_keys = {};
+        now = 100;
+        input_.Create(kWindow, -1);
+        input_.CreateKeyboard(keyboard_, -1);
+        MSG message;
+        while (PeekMessageA(message, PM_REMOVE)) {
+        }
+    }
+    void Hold(int key) { fake_keys.state[key] = 0x80; }
+    void LetGo(int key) { fake_keys.state[key] = 0; }
+    int UpdateAt(double time) {
+        now = time;
+        return keyboard_.UpdateKeyboard();
+    }
+
+    KRN_Input input_{CreateFakeDirectInput};
+    KRN_InputKeyboard keyboard_{[] { return now; }};
+};
+
+TEST_F(KeyboardTest, GivesEachEdgeInOneFrameOnly) {
+    Hold(DIK_TAB);
+    constexpr struct {
+        bool held;
+        int edge;
+    } kFrames[] = {{true, 1}, {true, 0}, {true, 0}, {false, 255}, {false, 0}};
+    for (const auto& frame : kFrames) {
+        if (!frame.held) LetGo(DIK_TAB);
+        EXPECT_EQ(UpdateAt(now + 0.25), 1);
+        EXPECT_EQ(keyboard_.KeyEdge(DIK_TAB), frame.edge);
+        EXPECT_EQ(keyboard_.IsKeyDown(DIK_TAB), frame.held);
+        EXPECT_EQ(keyboard_.KeyPressCount(DIK_TAB), frame.edge == 1 ? 1 : 0);
+        EXPECT_EQ(keyboard_.KeyEdge(DIK_B), 0);
+    }
+}
+
+TEST_F(KeyboardTest, CountsEveryRepeatOnce) {
+    keyboard_.SetRepeat(0.2f, 10.0f);
+    Hold(DIK_R);
+    int presses = 0;
+    for (int frame = 0; frame <= 32; ++frame) {   // half a second, exact in binary
+        UpdateAt(200 + frame / 64.0);
+        presses += keyboard_.KeyPressCount(DIK_R);
+    }
+    EXPECT_EQ(presses, 1 + 3);
+    EXPECT_EQ(keyboard_.KeyPressCount(DIK_R), 0);
+}
+
+TEST_F(KeyboardTest, AcquiresALostKeyboardSilently) {
+    Hold(DIK_C);
+    fake_keys.failing_reads = 1;
+    UpdateAt(101);
+    EXPECT_TRUE(keyboard_.IsKeyDown(DIK_C));
+}
+
+TEST_F(KeyboardTest, TakesAllKeysAsUpWhenNothingCanBeRead) {
+    Hold(DIK_C);
+    UpdateAt(101);
+    fake_keys.failing_reads = 2;
+    UpdateAt(102);
+    EXPECT_FALSE(keyboard_.IsKeyDown(DIK_C));
+    EXPECT_EQ(keyboard_.KeyEdge(DIK_C), 255);
+}
+
+TEST_F(KeyboardTest, LeavesTheMessageUnlessToldToPump) {
+    static int deactivations;
+    deactivations = 0;
+    keyboard_.SetDeactivationCallback([] { ++deactivations; });
+    PostMessageA(nullptr, WM_ACTIVATEAPP, 0, 0);
+    UpdateAt(101);
+    EXPECT_EQ(deactivations, 1);
+    keyboard_.SetPumpMessages(true);
+    UpdateAt(102);
+    EXPECT_EQ(deactivations, 2);
+    MSG message;
+    EXPECT_FALSE(PeekMessageA(message, PM_NOREMOVE));
+}
+
+TEST_F(KeyboardTest, WaitsForTheQuitFlag) {
+    int quit = 1;
+    keyboard_.SetWaitForQuit(&quit);
+    EXPECT_EQ(UpdateAt(101), 2);
+    quit = 0;
+    PostQuitMessage(0);
+    EXPECT_EQ(UpdateAt(102), 2);
+}
+
+TEST(Keyboard, WithoutADeviceReadsNothing) {
+    KRN_InputKeyboard keyboard;
+    EXPECT_EQ(keyboard.UpdateKeyboard(), 0);
+}
+
+TEST(Input, ReportsWhatFails) {
+    const struct {
+        int version;
+        HRESULT device, format, level;
+        const char* message;
+    } kRows[] = {{0x700, DI_OK, DI_OK, DI_OK, "Can not create DirectInput !"},
+                 {-1, E_FAIL, DI_OK, DI_OK, "Can not create KeyboardDevice !"},
+                 {-1, DI_OK, E_FAIL, DI_OK, "Wrong device data format !"},
+                 {-1, DI_OK, DI_OK, E_FAIL, "Can not set cooperative level (DI)"}};
+    for (const auto& row : kRows) {
+        fake_keys = {};
+        fake_keys.create_device = row.device;
+        fake_keys.data_format = row.format;
+        fake_keys.cooperative_level = row.level;
+        KRN_Input input(CreateFakeDirectInput);
+        KRN_InputKeyboard keyboard;
+        try {
+            input.Create(kWindow, row.version);
+            input.CreateKeyboard(keyboard, -1);
+            ADD_FAILURE() << row.message;
+        } catch (const KRN_Error& error) {
+            EXPECT_STREQ(error.message, row.message);
+            EXPECT_STREQ(error.class_name, "KRN_Input");
+        }
+    }
+}
+
+TEST(Input, AsksForASharedForegroundKeyboardByDefault) {
+    fake_keys = {};
+    KRN_Input input(CreateFakeDirectInput);
+    EXPECT_FALSE(input.IsCreated());
+    KRN_InputKeyboard keyboard;
+    input.Create(kWindow, -1);
+    input.CreateKeyboard(keyboard, -1);
+    EXPECT_TRUE(input.IsCreated());
+    EXPECT_EQ(fake_keys.flags, 6u);
+    EXPECT_EQ(keyboard.Owner(), &input);
+}
+
+}   // namespace
+}   // namespace sparkrig

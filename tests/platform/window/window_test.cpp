@@ -1,0 +1,186 @@
+#include "platform/window/window.h"
+
+#include <SDL2/SDL_events.h>
+#include <SDL2/SDL_video.h>
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::Field;
+using ::testing::IsEmpty;
+
+std::vector<MSG> received;
+
+LRESULT Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    received.push_back({window, message, wParam, lParam});
+    if (message == WM_DESTROY) PostQuitMessage(0);
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+auto Is(UINT message, WPARAM wParam) {
+    return ::testing::AllOf(Field(&MSG::message, message), Field(&MSG::wParam, wParam));
+}
+
+class WindowTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        RegisterClassExA({Record, "RECORDER"});
+        window_ = CreateWindowExA("RECORDER", "A title", CW_USEDEFAULT, 0, 800, 600);
+        ASSERT_NE(window_, nullptr);
+        ShowWindow(window_);
+        UpdateWindow(window_);
+        MSG message;
+        while (PeekMessageA(message, PM_REMOVE)) {
+        }
+        received.clear();
+    }
+    void TearDown() override {
+        DestroyWindow(window_);
+        MSG message;
+        while (PeekMessageA(message, PM_REMOVE)) {
+        }
+    }
+    Uint32 Id() { return SDL_GetWindowID(NativeWindow(window_)); }
+    void PushKey(Uint32 type, SDL_Keycode key, bool repeat) {
+        SDL_Event event = {};
+        event.key = {type, 0, Id(), SDL_PRESSED, repeat, 0, 0, {SDL_SCANCODE_UNKNOWN, key, 0, 0}};
+        SDL_PushEvent(&event);
+    }
+    void PushText(const char* text) {
+        SDL_Event event = {};
+        event.text = {SDL_TEXTINPUT, 0, Id(), {}};
+        SDL_strlcpy(event.text.text, text, sizeof(event.text.text));
+        SDL_PushEvent(&event);
+    }
+    void PushMouse(Uint32 type, Uint8 button, int x, int y) {
+        SDL_Event event = {};
+        event.button = {type, 0, Id(), 0, button, SDL_PRESSED, 1, 0, x, y};
+        SDL_PushEvent(&event);
+    }
+    void PushWindowEvent(Uint8 kind) {
+        SDL_Event event = {};
+        event.window = {SDL_WINDOWEVENT, 0, Id(), kind, 0, 0, 0, 0, 0};
+        SDL_PushEvent(&event);
+    }
+    void HandleAll() {
+        MSG message;
+        while (PeekMessageA(message, PM_REMOVE) && message.message != WM_QUIT) {
+            TranslateMessage(message);
+            DispatchMessageA(message);
+        }
+    }
+    HWND window_ = nullptr;
+};
+
+TEST_F(WindowTest, NeedsARegisteredClass) {
+    EXPECT_EQ(CreateWindowExA("UNKNOWN", "A title", 0, 0, 64, 48), nullptr);
+    EXPECT_FALSE(RegisterClassExA({nullptr, "NO PROCEDURE"}));
+}
+
+TEST_F(WindowTest, HasTheSizeAskedForOrTheDefault) {
+    RECT client;
+    GetClientRect(window_, client);
+    EXPECT_EQ(client, (RECT{0, 0, 800, 600}));
+    const HWND by_default = CreateWindowExA("RECORDER", "Another", CW_USEDEFAULT, 0, CW_USEDEFAULT, 0);
+    GetClientRect(by_default, client);
+    EXPECT_EQ(client, (RECT{0, 0, 1024, 768}));
+    DestroyWindow(by_default);
+}
+
+TEST_F(WindowTest, DispatchesPostedMessagesInOrder) {
+    PostMessageA(window_, WM_COMMAND, 105, 0);
+    PostMessageA(window_, WM_ENTERMENULOOP, 0, 0);
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_COMMAND, 105), Is(WM_ENTERMENULOOP, 0)));
+}
+
+TEST_F(WindowTest, LooksAtAMessageWithoutTakingIt) {
+    PostMessageA(window_, WM_ACTIVATEAPP, 1, 0);
+    MSG message;
+    EXPECT_TRUE(PeekMessageA(message, PM_NOREMOVE));
+    EXPECT_TRUE(PeekMessageA(message, PM_REMOVE));
+    EXPECT_EQ(message.message, WM_ACTIVATEAPP);
+    EXPECT_FALSE(PeekMessageA(message, PM_REMOVE));
+}
+
+TEST_F(WindowTest, ClosingDestroysAndQuits) {
+    PushWindowEvent(SDL_WINDOWEVENT_CLOSE);
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_CLOSE, 0), Is(WM_DESTROY, 0)));
+    PostQuitMessage(4);
+    MSG message;
+    EXPECT_FALSE(GetMessageA(message));
+    EXPECT_EQ(message.message, WM_QUIT);
+    EXPECT_EQ(message.wParam, 4u);
+}
+
+TEST_F(WindowTest, TypedTextFollowsItsKey) {
+    PushKey(SDL_KEYDOWN, SDLK_d, false);
+    PushText("d");
+    PushKey(SDL_KEYUP, SDLK_d, false);
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, 'D'), Is(WM_CHAR, 'd'), Is(WM_KEYUP, 'D')));
+}
+
+TEST_F(WindowTest, RepeatsOfAWaitingKeyAreMerged) {
+    for (const bool repeat : {false, true, true}) {
+        PushKey(SDL_KEYDOWN, SDLK_SPACE, repeat);
+        PushText(" ");
+    }
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, ' '), Is(WM_CHAR, ' ')));
+    received.clear();
+    PushKey(SDL_KEYDOWN, SDLK_SPACE, true);
+    PushText(" ");
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, ' '), Is(WM_CHAR, ' ')));
+}
+
+TEST_F(WindowTest, ClicksCarrySignedClientCoordinates) {
+    PushMouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, 300, 70);
+    PushMouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_RIGHT, 1, 2);
+    PushMouse(SDL_MOUSEBUTTONUP, SDL_BUTTON_LEFT, -3, -8);
+    HandleAll();
+    ASSERT_THAT(received, ElementsAre(Is(WM_LBUTTONDOWN, 0), Is(WM_LBUTTONUP, 0)));
+    EXPECT_EQ(received[0].lParam, (70 << 16) | 300);
+    EXPECT_EQ(static_cast<std::int16_t>(received[1].lParam & 0xFFFF), -3);
+    EXPECT_EQ(static_cast<std::int16_t>(received[1].lParam >> 16), -8);
+}
+
+TEST_F(WindowTest, FocusAndSizeBecomeMessages) {
+    PushWindowEvent(SDL_WINDOWEVENT_FOCUS_LOST);
+    PushWindowEvent(SDL_WINDOWEVENT_FOCUS_GAINED);
+    PushWindowEvent(SDL_WINDOWEVENT_MINIMIZED);
+    PushWindowEvent(SDL_WINDOWEVENT_RESTORED);
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_ACTIVATEAPP, 0), Is(WM_ACTIVATEAPP, 1), Is(WM_SIZE, SIZE_MINIMIZED),
+                                      Is(WM_SIZE, SIZE_RESTORED)));
+    EXPECT_EQ(received[3].lParam, (600 << 16) | 800);
+}
+
+TEST_F(WindowTest, CountsAsForegroundWhereThereIsNoFocus) {
+    EXPECT_FALSE(HasDisplay());
+    EXPECT_TRUE(IsForegroundWindow(window_));
+}
+
+TEST_F(WindowTest, SaysTheMessageBoxOnTheErrorStream) {
+    ::testing::internal::CaptureStderr();
+    MessageBoxA(window_, "KRN_Gfx: broken", "A caption");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "A caption: KRN_Gfx: broken\n");
+}
+
+TEST_F(WindowTest, DropsMessagesOfADestroyedWindow) {
+    const HWND second = CreateWindowExA("RECORDER", "Another", 0, 0, 64, 48);
+    PostMessageA(second, WM_COMMAND, 104, 0);
+    DestroyWindow(second);
+    PostMessageA(second, WM_COMMAND, 105, 0);
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_DESTROY, 0)));
+}
+
+}   // namespace
+}   // namespace sparkrig
