@@ -1,0 +1,153 @@
+// Small solid things: chips of stone, leaves, petals, paper. Light, so that the effect's colour tints them.
+#include <array>
+
+#include "tools/textures/noise.h"
+#include "tools/textures/shapes.h"
+#include "tools/textures/sprite.h"
+
+namespace sparkrig {
+
+namespace {
+
+/// A broken stone: a polygon of facets that meet off its centre, each with its own light.
+struct Chip {
+    static constexpr int kCorners = 6;
+    std::array<Point, kCorners> corners;
+    std::array<float, kCorners> light;
+    Point peak;
+    std::uint32_t seed;
+
+    explicit Chip(std::uint32_t from) : seed(from) {
+        Dice dice(from);
+        peak = {dice.Range(-0.2f, 0.1f), dice.Range(-0.05f, 0.25f)};
+        for (int i = 0; i < kCorners; ++i) {
+            const float angle = 2 * kPi * (static_cast<float>(i) + dice.Range(-0.28f, 0.28f)) / kCorners;
+            const float radius = dice.Range(0.5f, 0.88f);
+            corners[i] = {radius * std::cos(angle), 0.82f * radius * std::sin(angle)};
+            light[i] = Unit(0.55f + 0.38f * std::sin(angle + 0.6f) + dice.Range(-0.08f, 0.08f));
+        }
+    }
+
+    Pixel operator()(Point p) const {
+        for (int i = 0; i < kCorners; ++i) {
+            const Point a = corners[i], b = corners[(i + 1) % kCorners];
+            if (!IsInside(p, a, b)) continue;
+            const float rough = 0.14f * Fractal({p.x * 7, p.y * 7}, 3, seed + 1);
+            return Grey(Unit(light[i] + rough), 1);
+        }
+        return Grey(0.5f, 0);
+    }
+
+  private:
+    bool IsInside(Point p, Point a, Point b) const {
+        const auto side = [](Point from, Point to, Point q) {
+            return (to.x - from.x) * (q.y - from.y) - (to.y - from.y) * (q.x - from.x);
+        };
+        return side(peak, a, p) >= 0 && side(b, peak, p) >= 0 && side(a, b, p) >= 0;
+    }
+};
+
+/// Light over a leaf whose halves fold up along the midrib; veins run from it to the edge.
+Pixel LeafSurface(Point p, float inside, std::uint32_t seed) {
+    const float fold = p.x < 0 ? 0.94f : 0.74f;
+    const float vein_phase = (std::fabs(p.x) * 0.9f - p.y) * 17;
+    const float veins = 0.16f * Square(Square(0.5f + 0.5f * std::cos(vein_phase))) * Step(0.02f, 0.12f, std::fabs(p.x));
+    const float midrib = 0.34f * Gauss(p.x, 0.035f);
+    const float blotches = 0.2f * Fractal({p.x * 3.2f, p.y * 3.2f}, 3, seed);
+    const float light = Unit(fold - veins - midrib + blotches);
+    return {light, light * Unit(0.97f + 0.3f * blotches), light * 0.9f, inside};
+}
+
+/// A plain pointed leaf with a stalk.
+Pixel PaintBeech(Point p) {
+    const float bend = 0.1f * p.y * p.y;
+    const Point q{p.x - bend, p.y};
+    const float h = Unit((q.y + 0.58f) / 1.4f);
+    const float width = 0.98f * std::pow(h, 0.62f) * std::pow(1 - h, 0.78f) * (1 + 0.05f * std::cos(q.y * 40));
+    const float blade = Step(0.03f, -0.02f, std::fabs(q.x) - width) * Step(-0.6f, -0.56f, q.y);
+    const float stalk = Step(0.055f, 0.025f, std::fabs(q.x)) * Step(-0.92f, -0.88f, q.y) * Step(-0.4f, -0.5f, q.y);
+    return LeafSurface(q, std::max(blade, stalk), 901);
+}
+
+/// A leaf with five pointed lobes.
+Pixel PaintMaple(Point p) {
+    constexpr std::array<float, 5> kReach = {0.62f, 0.82f, 0.92f, 0.82f, 0.62f};
+    const Point centre{p.x, p.y + 0.25f};
+    const float angle = Angle({centre.y, centre.x}), r = Length(centre);   // 0 points up
+    float outline = 0.2f;
+    for (int i = 0; i < 5; ++i) {
+        const float off = std::fabs(angle - (static_cast<float>(i) - 2) * 0.82f);
+        const float lobe = kReach[i] * 1.15f * (1 - 0.92f * std::pow(Unit(off / 0.62f), 0.8f));
+        outline = std::max(outline, lobe);
+    }
+    outline *= 1 + 0.05f * std::cos(angle * 34);
+    const float blade = Step(0.03f, -0.02f, r - outline);
+    const float stalk = Step(0.05f, 0.025f, std::fabs(p.x + 0.06f * (p.y + 0.25f))) * Step(-0.92f, -0.88f, p.y) *
+                        Step(-0.15f, -0.3f, p.y);
+    return LeafSurface({p.x, p.y}, std::max(blade, stalk), 911);
+}
+
+/// A leaf with round lobes along its sides.
+Pixel PaintOak(Point p) {
+    const float h = Unit((p.y + 0.55f) / 1.42f);
+    const float lobes = 0.72f + 0.28f * std::cos(h * 25.0f + 2.6f);
+    const float width =
+        0.8f * std::pow(h, 0.5f) * std::pow(1 - h, 0.5f) * Mix(1, lobes, Step(1.0f, 0.75f, h)) * (0.7f + 0.4f * h);
+    const float blade = Step(0.03f, -0.03f, std::fabs(p.x) - width) * Step(-0.57f, -0.53f, p.y);
+    const float stalk = Step(0.055f, 0.025f, std::fabs(p.x)) * Step(-0.92f, -0.88f, p.y) * Step(-0.35f, -0.5f, p.y);
+    return LeafSurface(p, std::max(blade, stalk), 921);
+}
+
+/// A cupped petal, paler at its edge.
+Pixel PaintPetal(Point p) {
+    const float h = Unit((p.y + 0.8f) / 1.55f);
+    const float notch = 0.16f * Gauss(p.x, 0.16f);
+    const float width = 0.86f * std::pow(h, 0.75f) * std::sqrt(Unit(1 - h)) * 1.15f;
+    const float inside = Step(0.03f, -0.03f, std::fabs(p.x) - width) * Step(0.78f - notch, 0.72f - notch, p.y);
+    const float light =
+        Unit(0.72f + 0.28f * h - 0.22f * Gauss(p.x - 0.16f * h, 0.14f) + 0.1f * Fractal({p.x * 7, p.y * 2}, 2, 931));
+    return {1, Mix(0.62f, 1, light), Mix(0.7f, 1, light), inside};
+}
+
+/// A piece of paper: a rectangle of the given proportions, turned, bent along a fold so that one part is in shadow.
+Pixel PaintPaper(Point p, float half_width, float half_height, float turn, float fold) {
+    Point q = Rotated(p, turn);
+    q.x += 0.12f * q.y * q.y;   // the curl of the paper
+    const float inside =
+        Step(0.04f, -0.02f, std::fabs(q.x) - half_width) * Step(0.04f, -0.02f, std::fabs(q.y) - half_height);
+    const float lit =
+        q.y > fold ? 1.0f - 0.25f * (q.y - fold) / half_height : 0.62f + 0.22f * (q.y - fold) / half_height;
+    const float gloss = 0.3f * Gauss(q.y - fold - 0.3f * half_height, 0.16f * half_height);
+    return Grey(Unit(lit + gloss), inside);
+}
+
+Sprite Paper(const char* name, float half_width, float half_height, float turn, float fold) {
+    return {name, 64, [=](Point p) { return PaintPaper(p, half_width, half_height, turn, fold); }};
+}
+
+/// A curled paper streamer.
+Pixel PaintStreamer(Point p) {
+    const float x = 0.34f * std::sin(p.y * 6.5f) * (0.75f + 0.25f * p.y);
+    const float slope = std::cos(p.y * 6.5f);
+    const float inside = Step(0.17f, 0.11f, std::fabs(p.x - x)) * Step(0.9f, 0.85f, std::fabs(p.y));
+    return Grey(Unit(0.75f + 0.28f * slope), inside);
+}
+
+}   // namespace
+
+std::vector<Sprite> SolidSprites() {
+    return {
+        {"chip1", 64, Chip(941)},
+        {"chip2", 64, Chip(953)},
+        {"chip3", 64, Chip(967)},
+        {"leaf1", 64, PaintBeech},
+        {"leaf2", 64, PaintMaple},
+        {"leaf3", 64, PaintOak},
+        {"petal", 64, PaintPetal},
+        Paper("confetti1", 0.5f, 0.72f, 0.3f, -0.1f),
+        Paper("confetti2", 0.24f, 0.7f, -0.5f, 0.15f),
+        {"streamer", 64, PaintStreamer},
+    };
+}
+
+}   // namespace sparkrig
