@@ -22,6 +22,9 @@ void LogFile::Write(const char* format, std::va_list arguments) {
     if (entry_count_ >= max_entries_) return;
     if (entry_count_ == 0) start_seconds_ = GetSeconds();
 
+    const std::string name = std::string(directory_) + "/logfile.txt";
+    std::FILE* file = std::fopen(name.c_str(), entry_count_ == 0 ? "w" : "a");
+    if (!file) return;
     char suffix[96];
     std::snprintf(suffix, sizeof suffix, "(Time:%.2f, free sysmem:%i)\n", GetSeconds() - start_seconds_,
                   FreeMebibytes());
@@ -29,9 +32,6 @@ void LogFile::Write(const char* format, std::va_list arguments) {
     std::vsnprintf(line, sizeof line - std::strlen(suffix), format, arguments);
     std::strcat(line, suffix);
 
-    const std::string name = std::string(directory_) + "/logfile.txt";
-    std::FILE* file = std::fopen(name.c_str(), entry_count_ == 0 ? "w" : "a");
-    if (!file) return;
     ++entry_count_;
     std::fputs(line, file);
     if (entry_count_ == max_entries_) std::fputs(kLimitLine, file);

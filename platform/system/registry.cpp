@@ -59,15 +59,20 @@ std::optional<toml::table> ReadRegistry() {
     }
 }
 
+/// False for texts that are no UTF-8: they would come back changed, or make the file unreadable for good.
+bool ReadsBackAs(const std::string& text, const toml::table& registry) {
+    try {
+        return toml::parse(text) == registry;
+    } catch (const toml::parse_error&) {
+        return false;
+    }
+}
+
 LONG WriteRegistry(const toml::table& registry) {
     std::ostringstream stream;
     stream << registry << '\n';
     const std::string text = stream.str();
-    try {
-        static_cast<void>(toml::parse(text));   // a value that is no UTF-8 would make the file unreadable for good
-    } catch (const toml::parse_error&) {
-        return ERROR_UNSUPPORTED_TYPE;
-    }
+    if (!ReadsBackAs(text, registry)) return ERROR_UNSUPPORTED_TYPE;
     const std::filesystem::path file = RegistryFile();
     std::error_code error;
     std::filesystem::create_directories(file.parent_path(), error);
