@@ -2,15 +2,19 @@
 #pragma once
 #include <cstdint>
 #include <cstdio>
+#include <vector>
 
 #include "base/error.h"
 #include "base/string.h"
 
 namespace sparkrig {
 
+/// In in-memory mode the file on disk is written at Close, beside the old one and then renamed over it: a failure
+/// leaves what was there. Otherwise every write goes to the disk at once.
 class File : public ErrorClass {
   public:
     File();
+    /// Closes; what Close reports stays in the log.
     ~File();
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -40,9 +44,12 @@ class File : public ErrorClass {
     void SetSize(int new_size);
     bool IsModified() const { return modified_; }
     bool IsOpen() const { return handle_ != nullptr; }
+    /// 0 for a plain file, else the algorithm that it is packed with.
     int PackMode() const { return pack_mode_; }
     /// The content in in-memory mode; null otherwise.
-    const std::uint8_t* GetBuffer() const { return buffer_; }
+    const std::uint8_t* GetBuffer() const { return buffer_.data(); }
+    /// GetSize() bytes, given away: of a file that is in memory, or was closed with keep_buffer.
+    std::vector<std::uint8_t> TakeBuffer();
     /// Seconds since 1970, or -1 when no file is open.
     std::int32_t GetFileTime() const;
 
@@ -51,6 +58,17 @@ class File : public ErrorClass {
     static int m_OpenHandlesCount;
 
   private:
+    enum class Direction { None, Reading, Writing };
+
+    void DetermineSize();
+    void LoadIntoMemory();
+    void ReadStream(void* data, int n);
+    void WriteStream(const void* data, int n);
+    void WriteMemory(const void* data, int n);
+    void Turn(Direction direction);
+    void WriteBack();
+    void CloseStream();
+
     std::FILE* handle_ = nullptr;
     bool readable_ = false;
     bool writable_ = false;
@@ -59,9 +77,9 @@ class File : public ErrorClass {
     std::int32_t size_ = 0;
     std::int32_t position_ = 0;
     bool in_memory_ = false;
-    std::int32_t capacity_ = 0;
-    std::uint8_t* buffer_ = nullptr;
+    std::vector<std::uint8_t> buffer_;   // its size is the capacity
     std::int32_t pack_mode_ = 0;
+    Direction direction_ = Direction::None;   // of the last transfer on the stream
 };
 
 }   // namespace sparkrig

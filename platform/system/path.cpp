@@ -86,6 +86,10 @@ std::int32_t FileModificationTime(std::FILE* stream) {
     return fstat(fileno(stream), &status) == 0 ? ClampToInt32(status.st_mtime) : -1;
 }
 
+bool TruncateStream(std::FILE* stream, std::int32_t size) {
+    return std::fflush(stream) == 0 && ftruncate(fileno(stream), size) == 0;
+}
+
 std::string GetCurrentDirectoryA() {
     std::error_code error;
     return std::filesystem::current_path(error).string();

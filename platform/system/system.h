@@ -24,6 +24,9 @@ bool FileExists(const char* name);
 std::int32_t FileModificationTime(const char* name);
 std::int32_t FileModificationTime(std::FILE* stream);
 
+/// Cuts the open file at `size` bytes; what the stream still holds is written first. False with errno set.
+bool TruncateStream(std::FILE* stream, std::int32_t size);
+
 /// Gives a file new content, or makes it: written beside it, then renamed over it, so that a failure leaves the old
 /// content whole. Permissions and owner survive, links are followed. False with errno set on failure.
 bool ReplaceFileContent(const char* name, const void* data, std::size_t size);
