@@ -1,6 +1,7 @@
 // Plays visual effects: loads the definitions, starts, moves and draws their live instances.
 #pragma once
 #include <memory>
+#include <vector>
 
 #include "base/error.h"
 #include "base/string.h"
@@ -10,6 +11,22 @@ namespace sparkrig {
 
 class KRN_Gfx;
 struct VisualEffectSystemParts;
+
+/// One live instance, as it stands between two updates.
+struct EffectInstanceState {
+    int id;
+    String effect;
+    int kind;                   // 1 mesh, 2 particle, 3 special
+    int sub_index;              // in the effect's list of that kind
+    double time, birth_delay;   // of its own clock, seconds
+    float count;
+    float random[4];
+    D3DXVECTOR3 base, position, scale;
+    D3DXQUATERNION rotation;
+    float angle;   // radians; this and the colour at its age, or at 0 before its birth
+    D3DXVECTOR3 colour;
+    float alpha;
+};
 
 class VisualEffectSystem : public ErrorClass {
   public:
@@ -37,6 +54,8 @@ class VisualEffectSystem : public ErrorClass {
     int DetailLevel() const;
     int LiveInstanceCount() const;
     double SystemTime() const;
+    /// Every live instance, in ascending order of ids.
+    std::vector<EffectInstanceState> GetInstanceStates() const;
 
     void Clear();
     void Release();

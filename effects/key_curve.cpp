@@ -1,0 +1,135 @@
+#include "effects/key_curve.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/numeric.h"
+
+namespace sparkrig {
+namespace {
+
+template <int Components>
+void Slope(const CurveKey<Components>& from, const CurveKey<Components>& to, float interval,
+           float (&slope)[Components]) {
+    for (int i = 0; i < Components; ++i) slope[i] = (to.value[i] - from.value[i]) / interval;
+}
+
+/// Of one key: its neighbours, or null, and the intervals to them, 0 where there is none.
+template <int Components>
+struct Neighbours {
+    const CurveKey<Components>* previous = nullptr;
+    const CurveKey<Components>* next = nullptr;
+    float to_previous = 0, to_next = 0;
+};
+
+template <int Components>
+void SetTangents(CurveKey<Components>& key, const Neighbours<Components>& near, float tension) {
+    float in_slope[Components] = {}, out_slope[Components] = {};
+    if (near.to_previous != 0) Slope(*near.previous, key, near.to_previous, in_slope);
+    if (near.to_next != 0) Slope(key, *near.next, near.to_next, out_slope);
+    for (int i = 0; i < Components; ++i) {
+        const float both = in_slope[i] + out_slope[i];
+        key.in[i] = near.to_next == 0 ? -in_slope[i] * near.to_previous : -both * near.to_previous * 0.5f;
+        key.out[i] = near.to_previous == 0 ? out_slope[i] * near.to_next : both * near.to_next * 0.5f;
+        key.in[i] *= tension;
+        key.out[i] *= tension;
+    }
+}
+
+struct HermiteWeights {
+    explicit HermiteWeights(float s) {
+        const float s2 = s * s;
+        const float s3 = s2 * s;
+        from = 2 * s3 - 3 * s2 + 1;
+        to = 3 * s2 - 2 * s3;
+        out = s3 - 2 * s2 + s;
+        in = s3 - s2;
+    }
+    float from, to, out, in;
+};
+
+}   // namespace
+
+template <int Components>
+int FindSegment(const std::vector<CurveKey<Components>>& keys, double time) {
+    const auto after = std::upper_bound(keys.begin() + 1, keys.end(), time,
+                                        [](double t, const CurveKey<Components>& key) { return t < key.time; });
+    return static_cast<int>(after - keys.begin()) - 1;
+}
+
+template <int Components>
+void KeyCurve<Components>::AddKey(float time, const float (&value)[Components]) {
+    Key key;
+    key.time = time;
+    std::copy_n(value, Components, key.value);
+    keys_.push_back(key);
+}
+
+template <int Components>
+void KeyCurve<Components>::SetLoop(bool on, float end_time) {
+    loop_ = on;
+    loop_end_ = end_time;
+}
+
+template <int Components>
+void KeyCurve<Components>::ComputeTangents(float tension) {
+    if (keys_.empty()) return;
+    const std::size_t last = keys_.size() - 1;
+    loop_end_ = std::max(loop_end_, keys_[last].time);
+    const float seam = loop_end_ - keys_[last].time;
+    for (std::size_t i = 0; i <= last; ++i) {
+        Neighbours<Components> near;
+        if (i > 0) {
+            near.previous = &keys_[i - 1];
+            near.to_previous = keys_[i].time - near.previous->time;
+        } else if (loop_) {
+            near.previous = &keys_[last];
+            near.to_previous = seam;
+        }
+        if (i < last) {
+            near.next = &keys_[i + 1];
+            near.to_next = near.next->time - keys_[i].time;
+        } else if (loop_) {
+            near.next = &keys_[0];
+            near.to_next = seam;
+        }
+        SetTangents(keys_[i], near, tension);
+    }
+}
+
+template <int Components>
+void KeyCurve<Components>::EvaluateCurve(double time, float (&value)[Components]) const {
+    std::fill_n(value, Components, 0.0f);
+    if (keys_.empty()) return;
+    const Key& first = keys_.front();
+    const Key& last = keys_.back();
+    if (loop_) {
+        const double period = std::max(loop_end_, last.time) - first.time;
+        if (!(period > 0)) return void(std::copy_n(first.value, Components, value));
+        time = first.time + WrapFloat(time, period);
+    } else {
+        if (time <= first.time) return void(std::copy_n(first.value, Components, value));
+        if (time >= last.time) return void(std::copy_n(last.value, Components, value));
+    }
+    const auto segment = static_cast<std::size_t>(FindSegment(keys_, time));
+    const bool at_seam = segment + 1 == keys_.size();   // only in a loop
+    const Key& from = keys_[segment];
+    const Key& to = at_seam ? first : keys_[segment + 1];
+    const double end = at_seam ? std::max(loop_end_, last.time) : to.time;
+    const double interval = end - from.time;
+    const float s = interval > 0 ? static_cast<float>((time - from.time) / interval) : 0.0f;
+    if (mode_ == CurveMode::Hermite) {
+        const HermiteWeights w(s);
+        for (int i = 0; i < Components; ++i)
+            value[i] = from.value[i] * w.from + to.value[i] * w.to + from.out[i] * w.out - to.in[i] * w.in;
+    } else {
+        for (int i = 0; i < Components; ++i) value[i] = from.value[i] + (to.value[i] - from.value[i]) * s;
+    }
+}
+
+template int FindSegment(const std::vector<CurveKey<3>>&, double);
+template int FindSegment(const std::vector<CurveKey<1>>&, double);
+template class KeyCurve<3>;
+template class KeyCurve<1>;
+
+}   // namespace sparkrig
