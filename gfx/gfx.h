@@ -5,7 +5,9 @@
 // never repeat them. Setters remember what the device holds and skip repeats.
 #pragma once
 #include <memory>
+#include <vector>
 
+#include "gfx/gfx_environment.h"
 #include "gfx/gfx_types.h"
 #include "gfx/point_sprite_settings.h"
 #include "gfx/vertex_list.h"
@@ -30,18 +32,24 @@ class KRN_Gfx : public KRN_Base {
   public:
     using CreateDirect3D = IDirect3D9* (*)(UINT sdk_version);
 
-    explicit KRN_Gfx(CreateDirect3D create = Direct3DCreate9);
+    /// What is missing on this machine is an error.
+    explicit KRN_Gfx(CreateDirect3D create = Direct3DCreate9, const GfxEnvironment& environment = kSystemEnvironment);
     ~KRN_Gfx();
     KRN_Gfx(const KRN_Gfx&) = delete;
     KRN_Gfx& operator=(const KRN_Gfx&) = delete;
 
     // ---- Device
+    /// mode: the full-screen mode; not looked at in a window. z_buffer_bits 0, 16, 24 or 32; vsync 0 to 4 frames;
+    /// vertex_processing 0 software, 1 mixed, 2 hardware; device_select 1 reference, 2 performance analysis.
     int InitDevice(HWND window, int windowed, const D3DDISPLAYMODE* mode, int z_buffer_bits, int vsync,
                    int vertex_processing, int device_select, int multithreaded);
+    /// A null mode and vsync -1 keep what there is. 0 if the device had been lost.
     int ResetDevice(const D3DDISPLAYMODE* mode, int vsync);
+    /// 0 when the device had to be reset and nothing was shown.
     int PresentFrame();
     int BeginScene();
     int EndScene();
+    /// z 0 to 1; the rectangle in pixels, null for the whole viewport.
     int Clear(D3DCOLOR colour, float z, const D3DRECT* rectangle);
     int ClearZBuffer(float z, const D3DRECT* rectangle);
     float GetFrameRate() const;

@@ -45,6 +45,9 @@ class KRN_3dObject : public KRN_ResourceBase {
     bool dirty_ = true;
     D3DXVECTOR3 position_;
     String node_name_ = "*undefined*";
+
+  private:
+    void Placed(bool rebuild_now);
 };
 
 }   // namespace sparkrig

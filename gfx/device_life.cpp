@@ -1,0 +1,200 @@
+#include "gfx/device_life.h"
+
+#include "gfx/display_modes.h"
+
+namespace sparkrig {
+
+namespace {
+
+constexpr DWORD kClipping = TRUE, kPatchEdgeStyle = 0;   // kept numbers that nothing else sets
+constexpr int kDefaultStages = 3;                        // stages that get default samplers
+constexpr int kLinearMipmaps = 2;
+
+LONG Width(const RECT& rectangle) { return rectangle.right - rectangle.left; }
+LONG Height(const RECT& rectangle) { return rectangle.bottom - rectangle.top; }
+
+D3DPRESENT_PARAMETERS PresentParameters(GfxParts& parts) {
+    const D3DPRESENT_PARAMETERS parameters = BuildPresentParameters(parts.graphics.Reporter(), parts.presentation);
+    parts.graphics.Environment().client_rectangle(parts.presentation.window, parts.client_rectangle);
+    return parameters;
+}
+
+void SetWholeViewport(GfxParts& parts) {
+    const D3DVIEWPORT9 whole = {0, 0, parts.targets.Width(), parts.targets.Height(), 0.0f, 1.0f};
+    parts.graphics.Require(parts.transforms.SetViewport(whole), "SetViewPort failed: ");
+}
+
+void SetDefaultSamplers(GfxParts& parts) {
+    for (int stage = 0; stage < kDefaultStages; ++stage) {
+        parts.samplers.SetMipmaps(kLinearMipmaps, 0.0f, stage);
+        parts.samplers.SetAddressU(D3DTADDRESS_WRAP, stage);
+        parts.samplers.SetAddressV(D3DTADDRESS_WRAP, stage);
+        parts.samplers.SetMagFilter(D3DTEXF_LINEAR, stage);
+        parts.samplers.SetMinFilter(D3DTEXF_LINEAR, stage);
+    }
+}
+
+// ---- Creation
+
+void ChooseDisplayMode(GfxParts& parts, const DeviceRequest& request) {
+    const GraphicsDevice& graphics = parts.graphics;
+    parts.presentation = request.presentation;
+    if (parts.presentation.windowed) {
+        graphics.Require(graphics.Direct3D().GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &parts.presentation.mode),
+                         "GetAdapterDisplayMode failed: ");
+    } else if (!request.mode) {
+        graphics.Reporter().Error("No displaymode specified!");
+    } else {
+        parts.presentation.mode = *request.mode;
+    }
+}
+
+void SetFirstStates(GfxParts& parts) {
+    parts.points.SetFillMode(static_cast<int>(D3DFILL_SOLID), nullptr);
+    parts.depth.SetMode(parts.presentation.z_buffer_bits > 0 ? 1 : 0);
+    parts.targets.Fetch(parts.presentation.z_buffer_bits);
+    SetWholeViewport(parts);
+    parts.transforms.SetProjection(1.0f, 10000.0f, Transforms::kFieldOfView, Transforms::kDerivedAspect);
+    parts.lighting.Set(true, nullptr);
+    parts.lighting.SetSpecular(false);
+    parts.blending.Set(1, 255, 0);
+    parts.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
+    parts.render_sources.Set(RenderSources::kTextureDiffuse, 0, 0);
+}
+
+void SetLastStates(GfxParts& parts) {
+    parts.lighting.SetNormalizeNormals(true);
+    parts.bindings.SetSoftwareProcessing(false);
+    SetDefaultSamplers(parts);
+    parts.culling.Set(-1);
+    parts.fog.Set(FogSettings());
+    parts.fog.Enable(false);
+}
+
+// ---- Reset
+
+/// Pumps window messages while the device is lost. Returns whether it was.
+bool WaitForDevice(GfxParts& parts) {
+    bool was_lost = false;
+    while (parts.graphics.Device()->TestCooperativeLevel() == D3DERR_DEVICELOST) {
+        was_lost = true;
+        parts.graphics.Environment().pump_message();
+    }
+    return was_lost;
+}
+
+void ReleaseDefaultPool(GfxParts& parts) {
+    parts.textures.ReleaseDefaultPool();
+    parts.texture_stages.Forget();
+    parts.shader_effects.OnLostDevice();
+    parts.targets.Release();
+}
+
+/// The viewport stays where it was; one that covered the whole back buffer, or that leaves the new one, becomes whole.
+void ReapplyViewport(GfxParts& parts, UINT old_width, UINT old_height) {
+    const D3DVIEWPORT9 kept = parts.transforms.Viewport();
+    const bool was_whole = kept.X == 0 && kept.Y == 0 && kept.Width == old_width && kept.Height == old_height;
+    const bool fits = kept.X + kept.Width <= parts.targets.Width() && kept.Y + kept.Height <= parts.targets.Height();
+    if (was_whole || !fits || FAILED(parts.transforms.SetViewport(kept))) SetWholeViewport(parts);
+}
+
+void ReapplyStates(GfxParts& parts, UINT old_width, UINT old_height) {
+    ReapplyViewport(parts, old_width, old_height);
+    parts.transforms.SetProjection(parts.transforms.Near(), parts.transforms.Far(), Transforms::kFieldOfView,
+                                   Transforms::kDerivedAspect);
+    parts.transforms.Set(D3DTS_VIEW, parts.transforms.View());
+    parts.lighting.Reapply();
+    parts.blending.Set(parts.blending.Mode(), parts.blending.Alpha(), 0);
+    parts.culling.Set(parts.culling.Mode());
+    parts.fog.Set(parts.fog.Settings());
+    parts.fog.Enable(parts.fog.Enabled());
+    parts.sender.SendRenderState(D3DRS_CLIPPING, kClipping);
+    parts.alpha_test.Reapply();
+    parts.sender.SendRenderState(D3DRS_PATCHEDGESTYLE, kPatchEdgeStyle);
+    parts.samplers.SetMipmaps(parts.samplers.MipmapMode(), parts.samplers.MipmapBias(), 0);
+    parts.points.SetFillMode(parts.points.FillMode(), nullptr);
+    parts.depth.Reapply();
+    parts.samplers.SetAddressU(parts.samplers.AddressU(0), 0);
+    parts.samplers.SetAddressV(parts.samplers.AddressV(0), 0);
+    parts.gamma.Reapply();
+    SetDefaultSamplers(parts);
+}
+
+/// What creation set and the program may have changed since, beyond the states above.
+void ReapplyRest(GfxParts& parts) {
+    parts.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
+    parts.texture_factor.Set(parts.texture_factor.Colour());
+    parts.render_sources.Reapply();
+    parts.lighting.ReapplyMaterial();
+    parts.lights.Reapply();
+    parts.transforms.Set(D3DTS_WORLD, parts.transforms.World());
+    parts.bindings.SetSoftwareProcessing(false);
+}
+
+void ForgetDeviceStates(GfxParts& parts) {
+    parts.sender.Cache().Forget();
+    parts.alpha_test.Forget();
+    parts.bindings.Forget();
+}
+
+}   // namespace
+
+void InitDevice(GfxParts& parts, const DeviceRequest& request) {
+    ChooseDisplayMode(parts, request);
+    const D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
+    parts.alpha_format = AlphaFormatOf(parts.presentation.mode.Format);
+    parts.opaque_format = OpaqueFormatOf(parts.presentation.mode.Format);
+    parts.graphics.Create(parts.presentation.window, request.choice, parameters);
+    ForgetDeviceStates(parts);
+    SetFirstStates(parts);
+    parts.graphics.CreateEffectPool();
+    parts.ready = true;
+    parts.created_at = parts.graphics.Environment().seconds();
+    parts.frames.SetLastPresent(parts.created_at);
+    SetLastStates(parts);
+}
+
+int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
+    const bool was_lost = WaitForDevice(parts);
+    const UINT old_width = parts.targets.Width(), old_height = parts.targets.Height();
+    ReleaseDefaultPool(parts);
+    if (mode) parts.presentation.mode = *mode;
+    if (vsync >= 0) parts.presentation.vsync = vsync;
+    D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
+    parts.graphics.Require(parts.graphics.Device()->Reset(&parameters), "Device Reset failed: ");
+
+    parts.shader_effects.OnResetDevice();
+    parts.targets.Fetch(parts.presentation.z_buffer_bits);
+    ForgetDeviceStates(parts);
+    ReapplyStates(parts, old_width, old_height);
+    ReapplyRest(parts);
+    return was_lost ? 0 : 1;
+}
+
+int PresentFrame(GfxParts& parts) {
+    const GraphicsDevice& graphics = parts.graphics;
+    if (parts.presentation.windowed) {
+        RECT client = {};
+        graphics.Environment().client_rectangle(parts.presentation.window, client);
+        const bool resized =
+            Width(client) != Width(parts.client_rectangle) || Height(client) != Height(parts.client_rectangle);
+        parts.client_rectangle = client;
+        if (resized) {
+            ResetDevice(parts, nullptr, -1);
+            return 0;
+        }
+    }
+    const HRESULT result = graphics.Device()->Present(nullptr, nullptr, nullptr, nullptr);
+    parts.frames.Presented(graphics.Environment().seconds());
+    parts.shader_effects.NextFrame();
+    if (SUCCEEDED(result)) return 1;
+    if (result == D3DERR_DRIVERINTERNALERROR) {
+        graphics.Reporter().Warning("Present failed! %s", DXGetErrorString9(result));
+    } else if (result != D3DERR_DEVICELOST) {
+        graphics.Reporter().Error("Present failed! %s", DXGetErrorString9(result));
+    }
+    ResetDevice(parts, nullptr, -1);
+    return 0;
+}
+
+}   // namespace sparkrig

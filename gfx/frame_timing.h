@@ -1,0 +1,33 @@
+#pragma once
+#include <cstdint>
+
+namespace sparkrig {
+
+/// Measures the frame rate over at most the last second, from samples at least 1/60 s apart.
+class FrameTimeRing {
+  public:
+    /// A frame was presented at `now` (seconds).
+    void Presented(double now);
+    /// Frames per second; 0 before there are two samples.
+    float Rate() const;
+
+    std::uint32_t TotalFrames() const { return total_frames_; }
+    double LastPresent() const { return last_present_; }
+    void SetLastPresent(double now) { last_present_ = now; }
+
+  private:
+    static constexpr int kEntries = 60;
+    static int Next(int index) { return (index + 1) % kEntries; }
+    static int Previous(int index) { return (index + kEntries - 1) % kEntries; }
+
+    struct Entry {
+        std::uint32_t frames = 0;
+        double time = 0;
+    };
+    Entry entries_[kEntries];
+    int write_ = 0;
+    std::uint32_t total_frames_ = 0;
+    double last_present_ = 0;
+};
+
+}   // namespace sparkrig

@@ -1,0 +1,197 @@
+#include "gfx/gfx.h"
+
+#include "gfx/device_life.h"
+#include "gfx/display_modes.h"
+#include "gfx/gfx_parts.h"
+#include "scene/camera.h"
+
+namespace sparkrig {
+
+KRN_Gfx::KRN_Gfx(CreateDirect3D create, const GfxEnvironment& environment) {
+    SetName("KRN_Gfx");
+    parts_ = std::make_unique<GfxParts>(*this, create, environment);
+}
+
+KRN_Gfx::~KRN_Gfx() = default;
+
+// ---- Device
+
+int KRN_Gfx::InitDevice(HWND window, int windowed, const D3DDISPLAYMODE* mode, int z_buffer_bits, int vsync,
+                        int vertex_processing, int device_select, int multithreaded) {
+    DeviceRequest request = {};
+    request.presentation.window = window;
+    request.presentation.windowed = windowed != 0;
+    request.presentation.z_buffer_bits = z_buffer_bits;
+    request.presentation.vsync = vsync;
+    request.mode = mode;
+    request.choice = {vertex_processing, device_select, multithreaded};
+    sparkrig::InitDevice(*parts_, request);
+    return 1;
+}
+
+int KRN_Gfx::ResetDevice(const D3DDISPLAYMODE* mode, int vsync) { return sparkrig::ResetDevice(*parts_, mode, vsync); }
+int KRN_Gfx::PresentFrame() { return sparkrig::PresentFrame(*parts_); }
+
+int KRN_Gfx::BeginScene() {
+    parts_->graphics.Require(Device()->BeginScene(), "BeginScene failed: ");
+    return 1;
+}
+
+int KRN_Gfx::EndScene() {
+    parts_->graphics.Require(Device()->EndScene(), "EndScene failed: ");
+    return 1;
+}
+
+int KRN_Gfx::Clear(D3DCOLOR colour, float z, const D3DRECT* rectangle) {
+    return parts_->targets.Clear(colour, z, rectangle);
+}
+int KRN_Gfx::ClearZBuffer(float z, const D3DRECT* rectangle) { return parts_->targets.ClearZBuffer(z, rectangle); }
+float KRN_Gfx::GetFrameRate() const { return parts_->frames.Rate(); }
+void KRN_Gfx::GetAdapterDisplayMode(D3DDISPLAYMODE& mode) const {
+    sparkrig::GetAdapterDisplayMode(parts_->graphics, mode);
+}
+bool KRN_Gfx::FindDisplayMode(D3DDISPLAYMODE& mode) const { return sparkrig::FindDisplayMode(parts_->graphics, mode); }
+bool KRN_Gfx::CheckTextureFormat(D3DFORMAT format, int usage_mode) const {
+    return sparkrig::CheckTextureFormat(parts_->graphics, parts_->opaque_format, format, usage_mode);
+}
+void KRN_Gfx::GetCaps(D3DCAPS9& caps) const { caps = parts_->graphics.Caps(); }
+const D3DCAPS9& KRN_Gfx::Caps() const { return parts_->graphics.Caps(); }
+D3DFORMAT KRN_Gfx::AlphaFormat() const { return parts_->alpha_format; }
+D3DFORMAT KRN_Gfx::OpaqueFormat() const { return parts_->opaque_format; }
+D3DFORMAT KRN_Gfx::DisplayFormat() const { return parts_->presentation.mode.Format; }
+bool KRN_Gfx::HardwareVertexProcessing() const { return parts_->graphics.HardwareProcessing(); }
+double KRN_Gfx::DeviceSeconds() const { return parts_->graphics.Environment().seconds() - parts_->created_at; }
+IDirect3DDevice9* KRN_Gfx::Device() const { return parts_->graphics.Device(); }
+ID3DXEffectPool* KRN_Gfx::EffectPool() const { return parts_->graphics.EffectPool(); }
+
+void KRN_Gfx::ReadBackBuffer(std::vector<D3DCOLOR>& pixels, UINT& width, UINT& height) {
+    parts_->targets.Read(pixels);
+    width = parts_->targets.Width();
+    height = parts_->targets.Height();
+}
+
+// ---- States
+
+int KRN_Gfx::SetBlendingMode(int mode, int alpha, int stage) { return parts_->blending.Set(mode, alpha, stage); }
+int KRN_Gfx::BlendingMode() const { return parts_->blending.Mode(); }
+int KRN_Gfx::BlendingAlpha() const { return parts_->blending.Alpha(); }
+int KRN_Gfx::SetRenderSource(int source, int stage, D3DCOLOR colour) {
+    return parts_->render_sources.Set(source, stage, colour);
+}
+void KRN_Gfx::SetCullingMode(int mode) { parts_->culling.Set(mode); }
+int KRN_Gfx::CullingMode() const { return parts_->culling.Mode(); }
+void KRN_Gfx::SetZBufferMode(int mode) { parts_->depth.SetMode(mode); }
+int KRN_Gfx::ZBufferMode() const { return parts_->depth.Mode(); }
+void KRN_Gfx::SetZWrite(bool on) { parts_->depth.SetWrite(on); }
+bool KRN_Gfx::ZWrite() const { return parts_->depth.Write(); }
+void KRN_Gfx::PushZBufferOff() { parts_->depth.PushOff(); }
+void KRN_Gfx::PopZBufferOff() { parts_->depth.PopOff(); }
+int KRN_Gfx::SetMipmapMode(int mode, float bias, int stage) { return parts_->samplers.SetMipmaps(mode, bias, stage); }
+int KRN_Gfx::MipmapMode() const { return parts_->samplers.MipmapMode(); }
+float KRN_Gfx::MipmapBias() const { return parts_->samplers.MipmapBias(); }
+int KRN_Gfx::SetTextureFilter(int preset, int stage) { return parts_->samplers.SetPreset(preset, stage); }
+int KRN_Gfx::SetAddressModeU(DWORD mode, int stage) { return parts_->samplers.SetAddressU(mode, stage); }
+int KRN_Gfx::SetAddressModeV(DWORD mode, int stage) { return parts_->samplers.SetAddressV(mode, stage); }
+void KRN_Gfx::SetFillMode(int mode, const PointSpriteSettings* settings) { parts_->points.SetFillMode(mode, settings); }
+void KRN_Gfx::SetPointSprite(const PointSpriteSettings& settings, bool device_limit) {
+    parts_->points.Apply(settings, device_limit);
+}
+void KRN_Gfx::SetLighting(bool on, const D3DCOLOR* colour) { parts_->lighting.Set(on, colour); }
+bool KRN_Gfx::Lighting() const { return parts_->lighting.On(); }
+void KRN_Gfx::EndLightingOverride() { parts_->lighting.EndOverride(); }
+void KRN_Gfx::PushLightingOff() { parts_->lighting.PushOff(); }
+void KRN_Gfx::PopLightingOff() { parts_->lighting.PopOff(); }
+void KRN_Gfx::SetAmbient(D3DCOLOR colour) { parts_->lighting.SetAmbient(colour); }
+void KRN_Gfx::SetSpecular(bool on) { parts_->lighting.SetSpecular(on); }
+void KRN_Gfx::SetNormalizeNormals(bool on) { parts_->lighting.SetNormalizeNormals(on); }
+void KRN_Gfx::SetAlphaTest(int mode, int reference) { parts_->alpha_test.Set(mode, reference); }
+void KRN_Gfx::SetTextureFactor(D3DCOLOR colour) { parts_->texture_factor.Set(colour); }
+void KRN_Gfx::SetFog(const FogSettings& settings) { parts_->fog.Set(settings); }
+void KRN_Gfx::SetFogEnable(bool on) { parts_->fog.Enable(on); }
+bool KRN_Gfx::FogEnable() const { return parts_->fog.Enabled(); }
+const FogSettings& KRN_Gfx::Fog() const { return parts_->fog.Settings(); }
+void KRN_Gfx::SetMaterial(const D3DMATERIAL9& material) { parts_->lighting.SetMaterial(material); }
+void KRN_Gfx::SetLightEnable(int index, bool on) { parts_->lights.SetEnable(index, on); }
+void KRN_Gfx::SetVertexFormat(DWORD fvf) { parts_->bindings.SetVertexFormat(fvf); }
+void KRN_Gfx::SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride) {
+    parts_->bindings.SetStreamSource(buffer, stride);
+}
+void KRN_Gfx::SetIndices(IDirect3DIndexBuffer9* buffer) { parts_->bindings.SetIndices(buffer); }
+void KRN_Gfx::SetRenderTarget(IDirect3DSurface9* surface, DWORD index) { parts_->targets.Set(surface, index); }
+bool KRN_Gfx::SetGammaRamp(const D3DGAMMARAMP* ramp, bool calibrate) { return parts_->gamma.Set(ramp, calibrate); }
+void KRN_Gfx::SetSoftwareVertexProcessing(bool on) { parts_->bindings.SetSoftwareProcessing(on); }
+
+// ---- Transforms and view
+
+void KRN_Gfx::SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DXMATRIX& matrix) {
+    parts_->transforms.Set(kind, matrix);
+}
+void KRN_Gfx::ResetWorldTransform() { parts_->transforms.Set(D3DTS_WORLD, kIdentityMatrix); }
+const D3DXMATRIX& KRN_Gfx::WorldMatrix() const { return parts_->transforms.World(); }
+const D3DXMATRIX& KRN_Gfx::ViewMatrix() const { return parts_->transforms.View(); }
+const D3DXMATRIX& KRN_Gfx::ProjectionMatrix() const { return parts_->transforms.Projection(); }
+void KRN_Gfx::SetProjection(float z_near, float z_far, float fov, float aspect) {
+    parts_->transforms.SetProjection(z_near, z_far, fov, aspect);
+}
+void KRN_Gfx::SetMirroredProjection() { parts_->transforms.MirrorProjection(); }
+
+int KRN_Gfx::SetViewPort(int x1, int y1, int x2, int y2, float min_z, float max_z) {
+    const D3DVIEWPORT9 viewport = {static_cast<DWORD>(x1),
+                                   static_cast<DWORD>(y1),
+                                   static_cast<DWORD>(x2 - x1),
+                                   static_cast<DWORD>(y2 - y1),
+                                   min_z,
+                                   max_z};
+    const HRESULT result = parts_->transforms.SetViewport(viewport);
+    if (SUCCEEDED(result)) return 1;
+    if (!parts_->presentation.windowed) Error("SetViewPort failed: %s", DXGetErrorString9(result));
+    Warning("SetViewPort failed: %s", DXGetErrorString9(result));
+    return 0;
+}
+
+const D3DVIEWPORT9& KRN_Gfx::Viewport() const { return parts_->transforms.Viewport(); }
+
+void KRN_Gfx::SetView(const KRN_Camera& camera) {
+    const D3DXVECTOR3 at = camera.Eye() + camera.ViewDirection();
+    D3DXMATRIX view;
+    D3DXMatrixLookAtLH(&view, &camera.Eye(), &at, &camera.Up());
+    parts_->transforms.Set(D3DTS_VIEW, view);
+}
+
+D3DXVECTOR3 KRN_Gfx::CameraPosition() const { return parts_->transforms.CameraPosition(); }
+float KRN_Gfx::DistanceToCamera(const D3DXVECTOR3& point) const {
+    const D3DXVECTOR3 offset = point - parts_->transforms.CameraPosition();
+    return D3DXVec3Length(offset);
+}
+D3DXVECTOR3 KRN_Gfx::PixelRay(int x, int y) const { return parts_->transforms.PixelRay(x, y); }
+bool KRN_Gfx::SphereInView(const D3DXVECTOR3& centre, float radius) const {
+    return SphereVisible(parts_->transforms.Planes(), centre, radius);
+}
+bool KRN_Gfx::BoundsInView(const KRN_ClipObject& bounds, const D3DXMATRIX& world) const {
+    return BoundsVisible(parts_->transforms.Planes(), bounds, world);
+}
+
+// ---- Textures
+
+void KRN_Gfx::SetBasePath(const char* path) { parts_->texture_loader.Paths().SetBasePath(path); }
+void KRN_Gfx::SetDefaultTexturePath(const char* path) { parts_->texture_loader.Paths().SetDefaultTexturePath(path); }
+void KRN_Gfx::LoadTexture(KRN_Texture* texture, const char* file, D3DCOLOR colour_key, int parameter, int format,
+                          int mip_levels) {
+    parts_->texture_loader.LoadTexture(texture, file, colour_key, parameter, format, mip_levels);
+}
+void KRN_Gfx::CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels) {
+    parts_->texture_loader.CreateTexture(texture, width, height, mode, format, mip_levels);
+}
+void KRN_Gfx::SetTexture(KRN_Texture* texture, int stage) { parts_->texture_stages.SetTexture(texture, stage); }
+void KRN_Gfx::UpdateVideoSource(int index) { parts_->videos.Update(*this, index); }
+KRN_TextureCatalogue& KRN_Gfx::Catalogue() { return parts_->catalogue; }
+
+// ---- Shader effects
+
+bool KRN_Gfx::LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool) {
+    return parts_->shader_effects.Load(effect, file, required, flags, use_pool);
+}
+void KRN_Gfx::SetShaderEffect(KRN_ShaderEffect* effect) { parts_->effects.SetCurrent(effect); }
+KRN_ShaderEffect* KRN_Gfx::EffectForDraw() const { return parts_->effects.ForDraw(); }
+
+}   // namespace sparkrig

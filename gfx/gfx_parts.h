@@ -1,0 +1,85 @@
+// What KRN_Gfx is made of. Each part can be read and tested without the others; what they share is the device.
+#pragma once
+#include <optional>
+
+#include "gfx/alpha_test.h"
+#include "gfx/blending.h"
+#include "gfx/culling.h"
+#include "gfx/depth_states.h"
+#include "gfx/effect_choice.h"
+#include "gfx/fog.h"
+#include "gfx/frame_timing.h"
+#include "gfx/gamma.h"
+#include "gfx/geometry_bindings.h"
+#include "gfx/gfx.h"
+#include "gfx/graphics_device.h"
+#include "gfx/light_slots.h"
+#include "gfx/lighting.h"
+#include "gfx/point_sprites.h"
+#include "gfx/presentation.h"
+#include "gfx/render_sources.h"
+#include "gfx/render_targets.h"
+#include "gfx/sampler_settings.h"
+#include "gfx/shader_effect_loader.h"
+#include "gfx/state_sender.h"
+#include "gfx/texture_catalogue.h"
+#include "gfx/texture_factor.h"
+#include "gfx/texture_loader.h"
+#include "gfx/texture_registry.h"
+#include "gfx/texture_stages.h"
+#include "gfx/transforms.h"
+#include "gfx/video_sources.h"
+
+namespace sparkrig {
+
+struct GfxParts {
+    GfxParts(KRN_Gfx& gfx, KRN_Gfx::CreateDirect3D create, const GfxEnvironment& environment)
+        : graphics(gfx, create, environment),
+          textures(gfx),
+          texture_loader(gfx, textures, videos),
+          texture_stages(gfx),
+          shader_effects(gfx),
+          catalogue(gfx) {}
+    GfxParts(const GfxParts&) = delete;
+    GfxParts& operator=(const GfxParts&) = delete;
+
+    GraphicsDevice graphics;
+
+    // Presentation
+    PresentationSettings presentation;
+    RECT client_rectangle = {};
+    D3DFORMAT alpha_format = D3DFMT_UNKNOWN, opaque_format = D3DFMT_UNKNOWN;
+    RenderTargets targets{graphics};
+    FrameTimeRing frames;
+    double created_at = 0;   // seconds of the clock
+    bool ready = false;
+
+    // States: what the device holds, and what the program wants
+    StateSender sender{graphics};
+    TextureFactor texture_factor{sender};
+    BlendingState blending{sender, texture_factor};
+    RenderSources render_sources{sender, texture_factor};
+    CullingState culling{sender};
+    DepthStates depth{sender};
+    AlphaTest alpha_test{sender};
+    SamplerSettings samplers{sender};
+    PointSprites points{sender};
+    FogState fog{sender};
+    LightingState lighting{sender};
+    LightSlots lights{sender};
+    Transforms transforms{sender, culling};
+    GammaState gamma{graphics};
+    GeometryBindings bindings{graphics};
+    std::optional<D3DCOLOR> colour_override;
+
+    // Resources
+    TextureRegistry textures;
+    VideoSources videos;
+    TextureLoader texture_loader;
+    TextureStages texture_stages;
+    ShaderEffectLoader shader_effects;
+    EffectChoice effects;
+    KRN_TextureCatalogue catalogue;
+};
+
+}   // namespace sparkrig

@@ -1,0 +1,39 @@
+#pragma once
+#include "gfx/state_sender.h"
+
+namespace sparkrig {
+
+/// The eight lights of the device.
+class LightSlots {
+  public:
+    static constexpr int kCount = 8;
+
+    explicit LightSlots(StateSender& sender) : sender_(sender) {}
+
+    /// An index outside 0 to 7 is an error.
+    void SetEnable(int index, bool on);
+    void Set(int index, const D3DLIGHT9& light);
+
+    /// index 0 to 7.
+    bool Enabled(int index) const { return slots_[index].on; }
+    const D3DLIGHT9& Light(int index) const { return slots_[index].light; }
+
+    /// After a reset: the device knows no lights; enabled and set ones are sent again.
+    void Reapply();
+
+  private:
+    void CheckIndex(int index) const;
+    void Send(int index);
+    void SendEnable(int index, bool on);
+
+    struct Slot {
+        bool on = false;      // as asked for
+        int device_on = -1;   // as the device holds it; -1 unknown
+        bool set = false;
+        D3DLIGHT9 light = {};
+    };
+    StateSender& sender_;
+    Slot slots_[kCount];
+};
+
+}   // namespace sparkrig

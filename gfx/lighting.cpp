@@ -1,0 +1,64 @@
+#include "gfx/lighting.h"
+
+namespace sparkrig {
+
+void LightingState::Set(bool on, const D3DCOLOR* colour) {
+    sender_.SetRenderState(D3DRS_LIGHTING, DWORD{on});
+    on_ = on;
+    colour_.reset();
+    if (!on && colour) colour_ = *colour;
+}
+
+void LightingState::PushOff() {
+    if (pushes_++ == 0) sender_.SetRenderState(D3DRS_LIGHTING, DWORD{FALSE});
+}
+
+void LightingState::PopOff() {
+    if (pushes_ == 0) return;   // a pop without its push
+    if (--pushes_ == 0 && on_) Set(true, nullptr);
+}
+
+void LightingState::SetAmbient(D3DCOLOR colour) {
+    ambient_ = colour;
+    sender_.SendRenderState(D3DRS_AMBIENT, colour);
+}
+
+void LightingState::SetSpecular(bool on) {
+    sender_.SetRenderState(D3DRS_SPECULARENABLE, DWORD{on});
+    specular_ = on;
+}
+
+void LightingState::SetNormalizeNormals(bool on) {
+    sender_.SetRenderState(D3DRS_NORMALIZENORMALS, DWORD{on});
+    normalize_normals_ = on;
+}
+
+void LightingState::SendMaterial() {
+    sender_.Graphics().Require(sender_.Device().SetMaterial(&material_), "SetMaterial failed: ");
+}
+
+void LightingState::SetMaterial(const D3DMATERIAL9& material) {
+    material_ = material;
+    material_given_ = true;
+    if (!MaterialLocked()) SendMaterial();
+}
+
+void LightingState::EndOverride() {
+    colour_.reset();
+    const bool held_back = MaterialLocked() && material_given_;
+    material_locks_[0] = material_locks_[1] = false;
+    if (held_back) SendMaterial();
+}
+
+void LightingState::Reapply() {
+    sender_.SetRenderState(D3DRS_LIGHTING, DWORD{on_ && pushes_ == 0});
+    SetSpecular(specular_);
+}
+
+void LightingState::ReapplyMaterial() {
+    SetAmbient(ambient_);
+    SetNormalizeNormals(normalize_normals_);
+    if (material_given_ && !MaterialLocked()) SendMaterial();
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,50 @@
+#include "gfx/state_sender.h"
+
+#include <algorithm>
+
+namespace sparkrig {
+
+void StateCache::Forget() {
+    std::fill_n(render_, kRenderStateCount, kUnknown);
+    std::fill_n(&stages_[0][0], kTextureStages * kStageStateCount, kUnknown);
+    std::fill_n(&samplers_[0][0], kTextureStages * kSamplerStateCount, kUnknown);
+}
+
+void StateSender::SendRenderState(D3DRENDERSTATETYPE state, DWORD value) {
+    const HRESULT result = Device().SetRenderState(state, value);
+    if (FAILED(result)) {
+        Reporter().Error(" SetRenderState (state %i, value: %i failed: %s", static_cast<int>(state),
+                         static_cast<int>(value), DXGetErrorString9(result));
+    }
+}
+
+void StateSender::SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
+    const HRESULT result = Device().SetTextureStageState(stage, type, value);
+    if (FAILED(result)) {
+        Reporter().Error(" SetTextureStageState failed: %s (stage %i, type %i, value %i)", DXGetErrorString9(result),
+                         static_cast<int>(stage), static_cast<int>(type), static_cast<int>(value));
+    }
+}
+
+void StateSender::SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
+    if (cache_.Holds(stage, type, value)) return;
+    SendStageState(stage, type, value);
+    cache_.Remember(stage, type, value);
+}
+
+void StateSender::SendSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
+    const HRESULT result = Device().SetSamplerState(sampler, type, value);
+    if (FAILED(result)) {
+        Reporter().Error(" SetSamplerState failed: %s (stage %i, type %i, value %i)", DXGetErrorString9(result),
+                         static_cast<int>(sampler), static_cast<int>(type), static_cast<int>(value));
+    }
+}
+
+HRESULT StateSender::TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
+    if (cache_.Holds(sampler, type, value)) return D3D_OK;
+    const HRESULT result = Device().SetSamplerState(sampler, type, value);
+    if (SUCCEEDED(result)) cache_.Remember(sampler, type, value);
+    return result;
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,49 @@
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+
+RECT FakeEnvironment::client = {};
+int FakeEnvironment::pumped = 0;
+double FakeEnvironment::now = 0;
+const char* FakeEnvironment::missing = nullptr;
+
+const GfxEnvironment FakeEnvironment::kTable = {
+    [](const char* name) { return !missing || std::string(missing) != name; },
+    [](const char*) {},
+    [](HWND, RECT& rectangle) { rectangle = client; },
+    [] { ++pumped; },
+    [] { return now; },
+};
+
+void FakeEnvironment::Reset() {
+    client = {20, 30, 660, 510};
+    pumped = 0;
+    now = 100;
+    missing = nullptr;
+}
+
+HWND FakeWindow() {
+    static char window;
+    return reinterpret_cast<HWND>(&window);
+}
+
+RecordedGfx::RecordedGfx(State state) {
+    FakeEnvironment::Reset();
+    gfx_ = std::make_unique<KRN_Gfx>(Recording::Create, FakeEnvironment::kTable);
+    if (state == State::Ready) Init();
+}
+
+void RecordedGfx::Init() {
+    gfx_->InitDevice(FakeWindow(), 1, nullptr, 16, 0, 1, 0, 0);
+    recording.ForgetCalls();
+}
+
+void RecordedGfx::ResizeWindow(int width, int height) {
+    RECT& client = FakeEnvironment::client;
+    client.right = client.left + width;
+    client.bottom = client.top + height;
+    recording.client_width = static_cast<UINT>(width);
+    recording.client_height = static_cast<UINT>(height);
+}
+
+}   // namespace sparkrig

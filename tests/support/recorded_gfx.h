@@ -1,0 +1,61 @@
+// A KRN_Gfx on the recording device, in a window that tests resize at will.
+//
+//     RecordedGfx gfx;                       // initialised: windowed, 640 x 480, 16 bits of depth
+//     gfx->SetCullingMode(1);
+//     EXPECT_THAT(gfx.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW));
+#pragma once
+#include <memory>
+
+#include "gfx/gfx.h"
+#include "tests/support/recording.h"
+
+namespace sparkrig {
+
+/// The system around a KRN_Gfx under test. The members are the process's: one test uses them at a time.
+struct FakeEnvironment {
+    static RECT client;
+    static int pumped;            // messages dispatched
+    static double now;            // seconds
+    static const char* missing;   // the library that cannot be loaded, or null
+    static const GfxEnvironment kTable;
+
+    /// As at the start of a test.
+    static void Reset();
+};
+
+/// Any non-null handle: no window stands behind it.
+HWND FakeWindow();
+
+class RecordedGfx {
+  public:
+    enum class State { Constructed, Ready };
+    explicit RecordedGfx(State state = State::Ready);
+
+    /// Windowed, 16 bits of depth, mixed vertex processing. What was recorded before is forgotten afterwards.
+    void Init();
+
+    KRN_Gfx* operator->() { return gfx_.get(); }
+    KRN_Gfx& operator*() { return *gfx_; }
+    /// The client area's new size; the recording's back buffer follows.
+    void ResizeWindow(int width, int height);
+    /// Destroys the KRN_Gfx.
+    void Destroy() { gfx_.reset(); }
+
+    Recording recording;
+
+  private:
+    std::unique_ptr<KRN_Gfx> gfx_;
+};
+
+/// The message of the KRN_Error that `action` throws; empty when it throws none.
+template <class Action>
+std::string ErrorOf(Action action) {
+    try {
+        action();
+    } catch (const KRN_Error& error) {
+        return error.message;
+    }
+    return "";
+}
+
+}   // namespace sparkrig
