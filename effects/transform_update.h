@@ -1,0 +1,36 @@
+// Position, scale, rotation and alpha of live instances at their present age. Instances wait in groups, one for each
+// sub-effect, so that a group can be evaluated stage after stage.
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "effects/effect_instance.h"
+#include "effects/motion_lanes.h"
+
+namespace sparkrig {
+
+class TransformUpdate {
+  public:
+    /// Before its birth an instance only takes its place. One that is born waits until its group is full or for Flush:
+    /// it must not be moved or deleted meanwhile.
+    void Add(VisualEffectObject& object);
+    /// Evaluates all that wait.
+    void Flush();
+
+  private:
+    struct Group {
+        SubEffect* sub = nullptr;   // borrowed
+        int count = 0;
+        VisualEffectObject* objects[kLanes];
+    };
+
+    Group& GroupOf(SubEffect& sub);
+
+    std::vector<std::unique_ptr<Group>> groups_;
+    std::size_t used_groups_ = 0;
+};
+
+/// The motion inputs of instances of one sub-effect, at their present age; at 0 before their birth.
+void GatherLanes(VisualEffectObject* const* objects, int count, MotionLanes& in);
+
+}   // namespace sparkrig
