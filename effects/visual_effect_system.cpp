@@ -1,0 +1,86 @@
+#include "effects/visual_effect_system.h"
+
+#include "effects/motion.h"
+#include "effects/visual_effect_system_parts.h"
+
+namespace sparkrig {
+namespace {
+
+VisualEffect& FindEffect(const ErrorClass& reporter, const EffectDefinitions& definitions, const char* name) {
+    VisualEffect* effect = definitions.effects.Find(name);
+    if (!effect) reporter.Error("Effect '%s' not found", name);
+    return *effect;
+}
+
+EffectInstanceState StateOf(int id, const VisualEffectObject& object) {
+    const SubEffect& sub = *object.sub_effect;
+    const double age = std::max(object.Age(), 0.0);
+    EffectInstanceState state;
+    state.id = id;
+    state.effect = sub.owner->name;
+    state.kind = static_cast<int>(object.kind);
+    state.sub_index = sub.index;
+    state.time = object.time;
+    state.birth_delay = object.birth_delay;
+    state.count = object.count_value;
+    std::copy_n(object.random, 4, state.random);
+    state.base = object.base_position;
+    state.position = object.position;
+    state.scale = object.scale;
+    state.rotation = object.rotation;
+    state.angle = EvalRotationAngle(sub, age, object.count_value, object.random);
+    state.colour = EvalColor(sub, age, object.count_value, object.random);
+    state.alpha = object.alpha;
+    return state;
+}
+
+}   // namespace
+
+VisualEffectSystem::VisualEffectSystem() : parts_(std::make_unique<VisualEffectSystemParts>(*this)) {
+    SetName("VisualEffectSystem");
+}
+
+VisualEffectSystem::~VisualEffectSystem() = default;
+
+void VisualEffectSystem::LoadEffects(const char* file, bool keep_instances) {
+    if (!keep_instances) Clear();
+    auto definitions = std::make_unique<EffectDefinitions>();
+    LoadEffectsFile(file, *this, *definitions);
+    const auto bindings = parts_->simulation.GetBindings();
+    parts_->definitions = std::move(definitions);
+    parts_->simulation.Rebind(bindings, *parts_->definitions);
+}
+
+int VisualEffectSystem::GetEffectCount() const { return parts_->definitions->names.GetCount(); }
+
+String VisualEffectSystem::GetEffectName(int index) const {
+    const String* name = parts_->definitions->names.GetAt(index);
+    return name ? *name : String();
+}
+
+void VisualEffectSystem::StartEffect(const char* name, const D3DXVECTOR3& position) {
+    parts_->simulation.StartEffect(FindEffect(*this, *parts_->definitions, name), position);
+}
+
+void VisualEffectSystem::Update(float elapsed_seconds) { parts_->simulation.Update(elapsed_seconds); }
+
+void VisualEffectSystem::SetDetailLevel(int level) { parts_->simulation.SetDetailLevel(level); }
+int VisualEffectSystem::DetailLevel() const { return parts_->simulation.DetailLevel(); }
+int VisualEffectSystem::LiveInstanceCount() const { return parts_->simulation.Live().GetCount(); }
+double VisualEffectSystem::SystemTime() const { return parts_->simulation.SystemTime(); }
+
+std::vector<EffectInstanceState> VisualEffectSystem::GetInstanceStates() const {
+    const auto& live = parts_->simulation.Live();
+    std::vector<EffectInstanceState> states;
+    states.reserve(static_cast<std::size_t>(live.GetCount()));
+    for (int position = 0; position < live.GetCount(); ++position)
+        states.push_back(StateOf(live.GetIdAt(position), *live.GetAt(position)));
+    return states;
+}
+
+void VisualEffectSystem::Clear() {
+    parts_->simulation.Clear();
+    parts_->definitions->Clear();
+}
+
+}   // namespace sparkrig
