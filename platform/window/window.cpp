@@ -70,6 +70,8 @@ bool StartVideo() {
 
 bool HasDisplay() { return StartVideo() && !DriverIsInvisible(); }
 
+void HideFromDisplay() { SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, "offscreen", SDL_HINT_OVERRIDE); }
+
 MessageQueue& Messages() {
     static MessageQueue queue;
     return queue;

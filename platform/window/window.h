@@ -77,5 +77,7 @@ bool IsForegroundWindow(HWND window);
 /// Whether windows are seen by anybody: false with SDL's off-screen drivers. Starts the window system if need be;
 /// false as well when that fails.
 bool HasDisplay();
+/// Windows made from now on are seen by nobody, whatever display there is. Before the first window.
+void HideFromDisplay();
 
 }   // namespace sparkrig

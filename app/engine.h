@@ -1,0 +1,42 @@
+// The objects that the program owns, made and released in a fixed order.
+#pragma once
+#include <memory>
+
+#include "app/options.h"
+#include "app/tester_state.h"
+#include "effects/visual_effect_system.h"
+#include "gfx/font.h"
+#include "gfx/gfx.h"
+#include "gfx/texture.h"
+#include "input/input.h"
+#include "input/input_keyboard.h"
+
+namespace sparkrig {
+
+struct Engine {
+    std::unique_ptr<KRN_Gfx> gfx;
+    std::unique_ptr<KRN_Input> input;
+    std::unique_ptr<KRN_InputKeyboard> keyboard;
+    std::unique_ptr<KRN_Font> font;
+    VisualEffectSystem effects;
+    KRN_Texture background;
+
+    /// Makes device, keyboard and font on the window. Everything that fails is an error.
+    ///   seed  of the random generator; none: the counter
+    void Start(TesterState& state, std::optional<std::uint32_t> seed);
+    /// Also after an error in Start: what was not made is not released.
+    void ShutDown();
+};
+
+/// Reads "/full", "/resx" and "/resy". True when one of the two sizes is given.
+bool ReadWindowOptions(TesterState& state, const std::string& command_line);
+
+enum class WindowSize { Resolution, ChosenBySystem };
+
+/// Registers the window class, makes the window and shows it. False when the system refuses.
+bool MakeTesterWindow(TesterState& state, WindowSize size);
+
+/// Sets size factor and colour of the overlay's letters.
+void SetTextSize(KRN_Font& font, float size);
+
+}   // namespace sparkrig

@@ -1,0 +1,67 @@
+#include "app/frame_drawing.h"
+
+#include <algorithm>
+
+#include "app/background_picture.h"
+#include "app/camera_commands.h"
+#include "app/overlay.h"
+#include "app/tester_commands.h"
+
+namespace sparkrig {
+
+namespace {
+
+constexpr D3DCOLOR kClearColour = 0xFF000014, kWhite = 0xFFFFFFFF;
+
+void DrawBackground(Engine& engine) {
+    KRN_Gfx& gfx = *engine.gfx;
+    if (!engine.background.IsValid()) {
+        gfx.Clear(kClearColour, 1.0f, nullptr);
+        return;
+    }
+    gfx.ClearZBuffer(1.0f, nullptr);
+    gfx.SetTexture(&engine.background, -1);
+    gfx.SetTexture2D(&engine.background);
+    gfx.DrawFullScreenTexture(kWhite, 1.0f);
+}
+
+void DrawEffects(Engine& engine, LoopState& loop) {
+    KRN_Gfx& gfx = *engine.gfx;
+    gfx.SetCullingMode(1);
+    engine.effects.Draw();
+    loop.drawn_particles = engine.effects.DrawnParticleCount();
+    loop.most_drawn_particles = std::max(loop.most_drawn_particles, loop.drawn_particles);
+    gfx.ResetWorldTransform();
+    gfx.SetCullingMode(-1);
+    gfx.SetZWrite(true);
+    gfx.SetZBufferMode(2);
+}
+
+}   // namespace
+
+void BeginPlaying(Engine& engine, TesterState& state, LoopState& loop) {
+    KRN_Gfx& gfx = *engine.gfx;
+    engine.effects.Init(gfx, 0);
+    ReloadEffects(engine.effects, state, loop, false);
+    PlaceCameraAtHome(loop.camera);
+    gfx.SetProjection(1.0f, 2000.0f, 0.7854f, -1.0f);
+    gfx.SetCullingMode(-1);
+    LoadBackgroundPicture(gfx, engine.background, state.background_path);
+    loop.show_backdrop = !engine.background.IsValid();
+    state.clock.Restart();
+    loop.rate.Restart(state.clock.Now());
+}
+
+void DrawFrame(Engine& engine, const TesterState& state, LoopState& loop) {
+    KRN_Gfx& gfx = *engine.gfx;
+    gfx.BeginScene();
+    DrawBackground(engine);
+    gfx.SetCullingMode(0);
+    gfx.ResetWorldTransform();
+    DrawEffects(engine, loop);
+    loop.rate.CountFrame(state.clock.FrameTime());
+    DrawOverlay(engine, state, loop);
+    gfx.EndScene();
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,146 @@
+#include "app/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+
+#include "app/resources.h"
+
+namespace sparkrig {
+
+namespace {
+
+constexpr int kWrongUsage = 2;
+constexpr int kMostFrames = 1'000'000;
+constexpr double kLongestPlay = 3600;   // seconds
+
+constexpr char kAbout[] =
+    "Sparkrig plays particle effects from cfg/effects.cfg in a window, or without one for automation.\n"
+    "  /full             full screen\n"
+    "  /resx:N /resy:N   size of the window, or of a captured picture";
+constexpr char kFooter[] =
+    "Keys: Tab next effect, Return start, Space select, R and F5 reload, L preload, Pause, B backdrop, C camera,\n"
+    "F8 overlay, keypad * and / speed, arrows and Page Up/Down with Shift or Ctrl camera, Escape end.\n"
+    "Automation ends with 0 done, 1 findings, 2 wrong usage, 3 when the environment cannot do it.";
+
+struct ModeRow {
+    RunMode mode;
+    const char* option;
+    const char* value;   // null: none
+    const char* help;
+};
+
+constexpr ModeRow kModes[] = {
+    {RunMode::Capture, "--capture", "FILE.png", "play the effect without a window and save one frame"},
+    {RunMode::Sequence, "--sequence", "DIR", "the same, every frame as a numbered PNG"},
+    {RunMode::Sheet, "--sheet", "FILE.png", "every effect at its liveliest moment on one contact sheet"},
+    {RunMode::Record, "--record", "FILE.jsonl", "play without a window and write one JSON object per frame"},
+    {RunMode::Check, "--check", nullptr, "load every configuration file and all that it names, print each problem"},
+};
+
+void AddModes(CLI::App& app, Options& options) {
+    for (const ModeRow& row : kModes) {
+        const auto choose = [&options, &row](const std::string& value) {
+            options.mode = row.mode;
+            options.output = value;
+        };
+        if (row.value) {
+            app.add_option_function<std::string>(row.option, choose, row.help)->type_name(row.value);
+        } else {
+            app.add_flag_callback(
+                row.option, [choose] { choose({}); }, row.help);
+        }
+    }
+}
+
+void AddOptions(CLI::App& app, Options& options) {
+    app.add_option("--effect", options.effect, "the current effect, started at once (default: the first)")
+        ->type_name("NAME");
+    app.add_flag("--repeat", options.repeat, "start it again whenever the last of its instances has ended");
+    app.add_option_function<std::uint32_t>(
+           "--seed", [&options](const std::uint32_t& seed) { options.seed = seed; },
+           "the random generator starts from N instead of the counter (automation: instead of 1)")
+        ->type_name("N");
+    app.add_option("--data", options.data, "work in DIR instead of the current directory")->type_name("DIR");
+    app.add_option("--at", options.at_seconds, "seconds to play before --capture saves its frame (default: 1)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, kLongestPlay));
+    app.add_option("--frames", options.frames, "frames of --sequence or --record (default: 60)")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMostFrames));
+    app.add_flag("!--no-overlay", options.overlay, "leave the text out");
+    app.add_flag("!--no-backdrop", options.backdrop, "leave the floor and the wall out");
+    app.add_option("--journal", options.journal,
+                   "an aid for scripts: write a JSON object whenever what the window shows changes")
+        ->type_name("FILE.jsonl");
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) names.push_back("--" + option->get_single_name());
+    return names;
+}
+
+std::string UnknownOption(const CLI::App& app) {
+    for (const std::string& word : app.remaining()) {
+        if (word.rfind("--", 0) != 0 || word == "--") continue;
+        const std::string name = word.substr(0, word.find('='));
+        const std::string nearest = NearestWord(name, OptionNames(app));
+        return "unknown option " + name + (nearest.empty() ? "" : "; did you mean " + nearest + "?");
+    }
+    return {};
+}
+
+std::string Conflict(const CLI::App& app, const Options& options) {
+    std::string first;
+    for (const ModeRow& row : kModes) {
+        if (app.count(row.option) == 0) continue;
+        if (!first.empty()) return first + " and " + row.option + " cannot be given together";
+        first = row.option;
+    }
+    const bool plays_frames = options.mode == RunMode::Sequence || options.mode == RunMode::Record;
+    if (app.count("--at") != 0 && options.mode != RunMode::Capture) return "--at needs --capture";
+    if (app.count("--frames") != 0 && !plays_frames) return "--frames needs --sequence or --record";
+    if (!std::isfinite(options.at_seconds)) return "--at is no number of seconds";
+    if (!options.journal.empty() && options.mode != RunMode::Interactive) return "--journal needs a window";
+    if (!first.empty() && first != "--check" && options.output.empty()) return first + " needs a name";
+    return {};
+}
+
+ParsedCommandLine Refuse(const std::string& reason) {
+    return {{}, kWrongUsage, "sparkrig: " + reason + " (--help shows the options)\n"};
+}
+
+std::string Join(const std::vector<std::string>& words) {
+    std::string line;
+    for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;
+    return line;
+}
+
+}   // namespace
+
+ParsedCommandLine ParseCommandLine(const std::vector<std::string>& words) {
+    ParsedCommandLine parsed;
+    CLI::App app(kAbout, "sparkrig");
+    app.allow_extras();
+    app.footer(kFooter);
+    app.set_help_flag("--help", "show this text");
+    app.set_version_flag("--version", std::string(kProgramName) + " " + kProgramVersion, "show name and version");
+    AddModes(app, parsed.options);
+    AddOptions(app, parsed.options);
+    try {
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::CallForHelp&) {
+        return {{}, 0, app.help()};
+    } catch (const CLI::CallForVersion& version) {
+        return {{}, 0, std::string(version.what()) + "\n"};
+    } catch (const CLI::ParseError& error) {
+        return Refuse(error.what());
+    }
+    if (const std::string unknown = UnknownOption(app); !unknown.empty()) return Refuse(unknown);
+    if (const std::string conflict = Conflict(app, parsed.options); !conflict.empty()) return Refuse(conflict);
+    parsed.options.command_line = Join(words);
+    return parsed;
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,59 @@
+#include "app/overlay.h"
+
+#include <algorithm>
+
+namespace sparkrig {
+
+namespace {
+
+constexpr float kMargin = 13, kSpeedFromRight = 70, kDrawsFromRight = 140;
+
+void PrintLines(Engine& engine, const TesterState& state, const LoopState& loop) {
+    KRN_Gfx& gfx = *engine.gfx;
+    const float width = static_cast<float>(state.client_width), height = static_cast<float>(state.client_height);
+    const float middle = static_cast<float>(state.client_width / 2);
+    gfx.Printf(1, 1, "FPS:%.2f", static_cast<double>(loop.rate.PerSecond()));
+    gfx.PrintfCentred(width - kSpeedFromRight, kMargin, "Spd:%.2f", static_cast<double>(loop.speed));
+    gfx.PrintfCentred(middle, kMargin, "%s", engine.effects.GetEffectName(state.current_effect).c_str());
+    gfx.Printf(1, height - kMargin, "NrPart:%i/%i", loop.drawn_particles, loop.most_drawn_particles);
+    gfx.Printf(width - kDrawsFromRight, height - kMargin, "NrDraws:%i", engine.effects.DrawCallCount());
+}
+
+void BeginText(Engine& engine, float size) {
+    engine.gfx->SetTextureFilter(2, 0);
+    engine.gfx->PushZBufferOff();
+    engine.gfx->SetBlendingMode(4, 255, 0);
+    SetTextSize(*engine.font, size);
+}
+
+void EndText(Engine& engine) {
+    SetTextSize(*engine.font, 1.0f);
+    engine.gfx->PopZBufferOff();
+    engine.gfx->SetBlendingMode(1, 255, 0);
+    engine.gfx->SetTextureFilter(1, 0);
+}
+
+}   // namespace
+
+void DrawOverlay(Engine& engine, const TesterState& state, const LoopState& loop) {
+    BeginText(engine, 2.0f);
+    if (loop.show_overlay) {
+        PrintLines(engine, state, loop);
+        engine.gfx->DrawText();
+    }
+    EndText(engine);
+}
+
+void DrawEffectName(Engine& engine, const TesterState& state) {
+    constexpr float kLargest = 4, kTopMargin = 18;
+    const String name = engine.effects.GetEffectName(state.current_effect);
+    const float width = static_cast<float>(state.client_width);
+    SetTextSize(*engine.font, 1.0f);
+    const float advance = engine.font->Advance('0') * static_cast<float>(std::max(name.GetLength(), 1));
+    BeginText(engine, std::min(kLargest, width / advance));
+    engine.gfx->PrintfCentred(width / 2, kTopMargin, "%s", name.c_str());
+    engine.gfx->DrawText();
+    EndText(engine);
+}
+
+}   // namespace sparkrig

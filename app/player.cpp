@@ -1,0 +1,55 @@
+#include "app/player.h"
+
+#include "app/frame_drawing.h"
+#include "app/overlay.h"
+#include "app/tester_commands.h"
+#include "base/random.h"
+
+namespace sparkrig {
+
+namespace {
+
+constexpr std::uint32_t kDefaultSeed = 1;
+
+}   // namespace
+
+Player::Player(Engine& engine, TesterState& state, const Options& options)
+    : engine_(engine), state_(state), seed_(options.seed.value_or(kDefaultSeed)), repeat_(options.repeat) {}
+
+void Player::Load() { BeginPlaying(engine_, state_, loop_); }
+
+void Player::StartEffect(int index) {
+    if (engine_.effects.SystemTime() > 0) ReloadEffects(engine_.effects, state_, loop_, false);   // a clean start
+    state_.current_effect = index;
+    state_.clock = FrameClock::Stepped(kAutomationStep);
+    loop_.rate = {};
+    SeedRandom(seed_);
+    StartCurrentEffect(engine_.effects, state_, {0, 0, 0});
+}
+
+void Player::Advance() {
+    state_.clock.NextFrame();
+    engine_.effects.Update(static_cast<float>(state_.clock.FrameSeconds() * loop_.speed));
+    if (!repeat_ || engine_.effects.LiveInstanceCount() > 0) return;
+    SeedRandom(seed_);
+    StartCurrentEffect(engine_.effects, state_, {0, 0, 0});
+}
+
+void Player::Draw() {
+    engine_.gfx->SetView(loop_.camera);
+    DrawFrame(engine_, state_, loop_);
+}
+
+void Player::DrawCaption() {
+    engine_.gfx->BeginScene();
+    DrawEffectName(engine_, state_);
+    engine_.gfx->EndScene();
+}
+
+Picture Player::TakePicture() {
+    Picture picture;
+    engine_.gfx->ReadBackBuffer(picture.pixels, picture.width, picture.height);
+    return picture;
+}
+
+}   // namespace sparkrig

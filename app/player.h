@@ -1,0 +1,39 @@
+#pragma once
+#include "app/engine.h"
+#include "app/output_file.h"
+
+namespace sparkrig {
+
+/// Plays effects by the clock of automation: every frame advances by 1/60 s times the speed, then draws. Frame n shows
+/// the time (n + 1)/60.
+class Player {
+  public:
+    Player(Engine& engine, TesterState& state, const Options& options);
+
+    /// Loads everything. Before anything else.
+    void Load();
+    LoopState& Loop() { return loop_; }
+    int EffectCount() const { return loop_.effect_count; }
+
+    /// Ends what plays and starts an effect at the origin, the generator at its seed.
+    void StartEffect(int index);
+    /// Advances by one frame.
+    void Advance();
+    /// Draws the present moment into the back buffer.
+    void Draw();
+    /// The name of the current effect over what is drawn, in large letters.
+    void DrawCaption();
+    Picture TakePicture();
+    /// Ends the frame. What was drawn is gone.
+    void Present() { engine_.gfx->PresentFrame(); }
+    const VisualEffectSystem& Effects() const { return engine_.effects; }
+
+  private:
+    Engine& engine_;
+    TesterState& state_;
+    LoopState loop_;
+    std::uint32_t seed_;
+    bool repeat_;
+};
+
+}   // namespace sparkrig

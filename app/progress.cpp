@@ -1,0 +1,20 @@
+#include "app/progress.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace sparkrig {
+
+Progress::Progress(const char* what, int total) : what_(what), total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
+
+Progress::~Progress() {
+    if (shown_) std::fputs("\r\033[K", stderr);
+}
+
+void Progress::Next(const char* name) {
+    ++step_;
+    if (shown_) std::fprintf(stderr, "\r\033[K%s %d of %d %s", what_, step_, total_, name);
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,17 @@
+#include "app/tester_state.h"
+
+namespace sparkrig {
+
+TesterState& Tester() {
+    static TesterState state;
+    return state;
+}
+
+void TesterState::ReadClientSize() {
+    RECT client;
+    GetClientRect(window, client);
+    client_width = client.right;
+    client_height = client.bottom;
+}
+
+}   // namespace sparkrig

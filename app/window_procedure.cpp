@@ -1,0 +1,50 @@
+#include "app/window_procedure.h"
+
+#include "app/resources.h"
+#include "app/tester_state.h"
+
+namespace sparkrig {
+
+namespace {
+
+int LowWord(LPARAM lParam) { return static_cast<std::int16_t>(lParam & 0xFFFF); }
+int HighWord(LPARAM lParam) { return static_cast<std::int16_t>((lParam >> 16) & 0xFFFF); }
+
+void RecordClick(TesterState& state, LPARAM lParam) {
+    constexpr double kDoubleClickSeconds = 0.3;
+    const double now = state.clock.Now();
+    if (now - state.last_click_time <= kDoubleClickSeconds) return;
+    state.click = {0, 1, LowWord(lParam), HighWord(lParam)};
+    state.last_click_time = now;
+}
+
+}   // namespace
+
+LRESULT WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    TesterState& state = Tester();
+    switch (message) {
+        case WM_DESTROY:
+            state.quit_requested = 1;
+            PostQuitMessage(0);
+            return 0;
+        case WM_SIZE:
+            state.window_visible = wParam != SIZE_MINIMIZED && wParam != SIZE_MAXHIDE;
+            state.ReadClientSize();
+            return 0;
+        case WM_ACTIVATEAPP: state.application_active = static_cast<int>(wParam); return 0;
+        case WM_COMMAND:
+            if ((wParam & 0xFFFF) != kCommandExit) break;
+            DestroyWindow(window);
+            return 0;
+        case WM_LBUTTONDOWN: RecordClick(state, lParam); return 0;
+        case WM_LBUTTONUP: state.last_click_time = 0.0; return 0;
+        case WM_ENTERMENULOOP:
+        case WM_ENTERSIZEMOVE: state.paused = 1; return 0;
+        case WM_EXITMENULOOP:
+        case WM_EXITSIZEMOVE: state.paused = 0; return 0;
+        default: break;
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,66 @@
+#include "app/clock.h"
+
+#include <gtest/gtest.h>
+
+namespace sparkrig {
+namespace {
+
+double now;
+double Now() { return now; }
+
+TEST(FrameClock, ClampsLongFrames) {
+    constexpr struct { double time, seconds; } kFrames[] = {{5.25, 0.0625}, {5.28125, 0.03125}, {8.5, 0.1}, {8.5, 0}};
+    now = 5.1875;
+    FrameClock clock(Now);
+    clock.Restart();
+    for (const auto& frame : kFrames) {
+        now = frame.time;
+        clock.NextFrame();
+        EXPECT_EQ(clock.FrameSeconds(), frame.seconds);
+        EXPECT_EQ(clock.FrameTime(), frame.time);
+    }
+}
+
+TEST(FrameClock, AFrameOfExactlyATenthIsKept) {
+    now = 0;
+    FrameClock clock(Now);
+    clock.Restart();
+    now = 0.1;
+    clock.NextFrame();
+    EXPECT_EQ(clock.FrameSeconds(), 0.1);
+}
+
+TEST(FrameClock, AStallBelongsToNoFrame) {
+    now = 2;
+    FrameClock clock(Now);
+    clock.Restart();
+    now = 60;
+    clock.Restart();
+    now = 60.03125;
+    clock.NextFrame();
+    EXPECT_EQ(clock.FrameSeconds(), 0.03125);
+}
+
+TEST(FrameClock, SteppedMovesByEqualSteps) {
+    FrameClock clock = FrameClock::Stepped(kAutomationStep);
+    for (int frame = 1; frame <= 600; ++frame) {
+        clock.NextFrame();
+        EXPECT_EQ(clock.FrameSeconds(), kAutomationStep);
+        clock.Restart();
+    }
+    EXPECT_DOUBLE_EQ(clock.Now(), 10.0);
+}
+
+TEST(FrameRate, IsMeasuredOverMoreThanASecond) {
+    FrameRate rate;
+    rate.Restart(3);
+    for (int frame = 1; frame <= 4; ++frame) rate.CountFrame(3 + frame * 0.25);
+    EXPECT_EQ(rate.PerSecond(), 0);
+    rate.CountFrame(4.25);
+    EXPECT_EQ(rate.PerSecond(), 4);
+    for (int frame = 1; frame <= 3; ++frame) rate.CountFrame(4.25 + frame * 0.5);
+    EXPECT_EQ(rate.PerSecond(), 2);
+}
+
+}   // namespace
+}   // namespace sparkrig

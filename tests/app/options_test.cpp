@@ -1,0 +1,97 @@
+#include "app/options.h"
+
+#include <gmock/gmock.h>
+
+namespace sparkrig {
+namespace {
+
+using ::testing::HasSubstr;
+using Words = std::vector<std::string>;
+
+TEST(Options, WithoutWordsTheTesterRuns) {
+    const ParsedCommandLine parsed = ParseCommandLine({});
+    EXPECT_FALSE(parsed.exit_code.has_value());
+    EXPECT_EQ(parsed.options.mode, RunMode::Interactive);
+    EXPECT_FALSE(parsed.options.seed.has_value());
+    EXPECT_TRUE(parsed.options.overlay && parsed.options.backdrop);
+}
+
+TEST(Options, EachModeTakesItsOutput) {
+    const struct {
+        Words words;
+        RunMode mode;
+        const char* output;
+    } kRows[] = {{{"--capture", "a.png", "--at", "2.5"}, RunMode::Capture, "a.png"},
+                 {{"--sequence=frames", "--frames", "7"}, RunMode::Sequence, "frames"},
+                 {{"--sheet", "/tmp/b.png"}, RunMode::Sheet, "/tmp/b.png"},
+                 {{"--record", "c.jsonl", "--frames=7"}, RunMode::Record, "c.jsonl"},
+                 {{"--check"}, RunMode::Check, ""}};
+    for (const auto& row : kRows) {
+        const ParsedCommandLine parsed = ParseCommandLine(row.words);
+        ASSERT_FALSE(parsed.exit_code.has_value()) << parsed.text;
+        EXPECT_EQ(parsed.options.mode, row.mode);
+        EXPECT_EQ(parsed.options.output, row.output);
+    }
+    EXPECT_EQ(ParseCommandLine(kRows[0].words).options.at_seconds, 2.5);
+    EXPECT_EQ(ParseCommandLine(kRows[3].words).options.frames, 7);
+}
+
+TEST(Options, ReadsTheRest) {
+    const Options options = ParseCommandLine({"/resx:640", "--effect", "Blue Fire", "--repeat", "--seed", "4000000000",
+                                              "--data", "dir", "--no-overlay", "--no-backdrop", "nonsense", "-x"})
+                                .options;
+    EXPECT_EQ(options.effect, "Blue Fire");
+    EXPECT_TRUE(options.repeat);
+    EXPECT_EQ(options.seed, 4000000000u);
+    EXPECT_EQ(options.data, "dir");
+    EXPECT_FALSE(options.overlay || options.backdrop);
+    EXPECT_THAT(options.command_line, HasSubstr("/resx:640 "));
+}
+
+TEST(Options, RefusesWrongUsageWithTwo) {
+    const struct {
+        Words words;
+        const char* text;
+    } kRows[] = {{{"--captur", "a.png"}, "unknown option --captur; did you mean --capture?"},
+                 {{"--no-overlays"}, "did you mean --no-overlay?"},
+                 {{"--xyzzyplugh=3"}, "unknown option --xyzzyplugh"},
+                 {{"--capture"}, "--capture"},
+                 {{"--capture", "a.png", "--sheet", "b.png"}, "--capture and --sheet cannot be given together"},
+                 {{"--capture", ""}, "--capture needs a name"},
+                 {{"--at", "2"}, "--at needs --capture"},
+                 {{"--capture", "a.png", "--at", "nan"}, "--at"},
+                 {{"--capture", "a.png", "--at", "-1"}, "--at"},
+                 {{"--frames", "5"}, "--frames needs"},
+                 {{"--record", "a.jsonl", "--frames", "0"}, "--frames"},
+                 {{"--seed", "many"}, "--seed"},
+                 {{"--check", "--journal", "j"}, "--journal needs a window"}};
+    for (const auto& row : kRows) {
+        const ParsedCommandLine parsed = ParseCommandLine(row.words);
+        EXPECT_EQ(parsed.exit_code, 2) << row.text;
+        EXPECT_THAT(parsed.text, HasSubstr(row.text));
+        EXPECT_EQ(std::count(parsed.text.begin(), parsed.text.end(), '\n'), 1) << parsed.text;
+    }
+}
+
+TEST(Options, HelpShowsEveryOption) {
+    const ParsedCommandLine parsed = ParseCommandLine({"--help"});
+    EXPECT_EQ(parsed.exit_code, 0);
+    for (const char* option :
+         {"--effect", "--repeat", "--seed", "--data", "--capture", "--at", "--sequence", "--frames", "--sheet",
+          "--record", "--check", "--no-overlay", "--no-backdrop", "--version", "--journal", "/full", "/resx"}) {
+        EXPECT_THAT(parsed.text, HasSubstr(option));
+    }
+    EXPECT_EQ(ParseCommandLine({"--version"}).text, "Sparkrig 1.3\n");
+}
+
+TEST(NearestWord, FindsMistypedNamesOnly) {
+    const Words names = {"campfire", "snowfall", "fountain"};
+    const struct {
+        const char* word;
+        const char* nearest;
+    } kRows[] = {{"campfir", "campfire"}, {"SNOWFALL", "snowfall"}, {"funtain", "fountain"}, {"teapot", ""}, {"", ""}};
+    for (const auto& row : kRows) EXPECT_EQ(NearestWord(row.word, names), row.nearest) << row.word;
+}
+
+}   // namespace
+}   // namespace sparkrig

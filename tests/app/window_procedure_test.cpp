@@ -1,0 +1,116 @@
+#include "app/window_procedure.h"
+
+#include <gtest/gtest.h>
+
+#include "app/resources.h"
+#include "app/tester_state.h"
+
+namespace sparkrig {
+namespace {
+
+double now;
+
+class WindowProcedureTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        Tester() = {};
+        now = 50;
+        Tester().clock = FrameClock([] { return now; });
+        RegisterClassExA({WindowProcedure, "KRN_DEFAULT"});
+        Tester().window = CreateWindowExA("KRN_DEFAULT", "Sparkrig", CW_USEDEFAULT, 0, 320, 240);
+        ASSERT_NE(Tester().window, nullptr);
+    }
+    void TearDown() override {
+        DestroyWindow(Tester().window);
+        Tester() = {};
+        MSG message;
+        while (PeekMessageA(message, PM_REMOVE)) {
+        }
+    }
+    void Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+        PostMessageA(Tester().window, message, wParam, lParam);
+        MSG first;
+        while (PeekMessageA(first, PM_REMOVE) && first.message != WM_QUIT) DispatchMessageA(first);
+    }
+    void ClickAt(double time, int x, int y) {
+        now = time;
+        Send(WM_LBUTTONDOWN, 0, (static_cast<LPARAM>(y) & 0xFFFF) << 16 | (static_cast<LPARAM>(x) & 0xFFFF));
+    }
+    bool TakeClick() { return std::exchange(Tester().click.button, -1) == 0; }
+};
+
+TEST_F(WindowProcedureTest, SizeTellsVisibilityAndClientArea) {
+    constexpr struct {
+        WPARAM type;
+        int visible;
+    } kRows[] = {{SIZE_MINIMIZED, 0}, {SIZE_RESTORED, 1}, {SIZE_MAXHIDE, 0}, {SIZE_MAXSHOW, 1}, {SIZE_MAXIMIZED, 1}};
+    for (const auto& row : kRows) {
+        Send(WM_SIZE, row.type);
+        EXPECT_EQ(Tester().window_visible, row.visible) << row.type;
+    }
+    EXPECT_EQ(Tester().client_width, 320);
+    EXPECT_EQ(Tester().client_height, 240);
+}
+
+TEST_F(WindowProcedureTest, WaitsWhileHiddenOrInactiveUntilQuit) {
+    EXPECT_FALSE(Tester().MustWait());
+    Send(WM_ACTIVATEAPP, 0);
+    EXPECT_TRUE(Tester().MustWait());
+    Send(WM_ACTIVATEAPP, 1);
+    EXPECT_FALSE(Tester().MustWait());
+    Send(WM_SIZE, SIZE_MINIMIZED);
+    EXPECT_TRUE(Tester().MustWait());
+    Send(WM_CLOSE);
+    EXPECT_EQ(Tester().quit_requested, 1);
+    EXPECT_FALSE(Tester().MustWait());
+}
+
+TEST_F(WindowProcedureTest, TheExitCommandDestroysTheWindow) {
+    Send(WM_COMMAND, kCommandExit);
+    EXPECT_EQ(Tester().quit_requested, 1);
+}
+
+TEST_F(WindowProcedureTest, RecordsAClickOnce) {
+    ClickAt(50, 31, -7);
+    EXPECT_EQ(Tester().click.x, 31);
+    EXPECT_EQ(Tester().click.y, -7);
+    EXPECT_EQ(Tester().click.pressed, 1);
+    EXPECT_TRUE(TakeClick());
+    ClickAt(50.25, 5, 6);
+    EXPECT_FALSE(TakeClick()) << "within 0.3 s";
+    ClickAt(50.5, 5, 6);
+    EXPECT_TRUE(TakeClick());
+    Send(WM_LBUTTONUP);
+    ClickAt(50.5625, 8, 9);
+    EXPECT_TRUE(TakeClick()) << "released in between";
+}
+
+TEST_F(WindowProcedureTest, MenusAndDragsPauseAndAlwaysGoOn) {
+    constexpr struct {
+        UINT enter, leave;
+    } kRows[] = {{WM_ENTERMENULOOP, WM_EXITMENULOOP}, {WM_ENTERSIZEMOVE, WM_EXITSIZEMOVE}};
+    for (const auto& row : kRows) {
+        Send(row.enter);
+        EXPECT_EQ(Tester().paused, 1);
+        Send(row.leave);
+        EXPECT_EQ(Tester().paused, 0);
+    }
+}
+
+TEST(Resources, HoldTheStrings) {
+    constexpr struct {
+        UINT id;
+        const char* text;
+    } kRows[] = {{103, "Sparkrig"}, {106, "Sparkrig"}, {109, "KRN_DEFAULT"}, {77, ""}};
+    for (const auto& row : kRows) {
+        char buffer[100];
+        EXPECT_EQ(LoadStringA(row.id, buffer, 100), static_cast<int>(std::string(row.text).size()));
+        EXPECT_STREQ(buffer, row.text);
+    }
+    char small[4];
+    EXPECT_EQ(LoadStringA(kWindowTitle, small, 4), 3);
+    EXPECT_STREQ(small, "Spa");
+}
+
+}   // namespace
+}   // namespace sparkrig
