@@ -39,7 +39,9 @@ bool File::Open(const String& name, bool read_only, bool in_memory, bool report_
     name_ = name;
     handle_ = OpenFileStream(name_.c_str(), read_only ? "rb" : "r+b");
     if (!handle_) {
-        if (report_errors) Warning("Open() failed: %s, file:'%s'", std::strerror(errno), name_.c_str());
+        const int reason = errno;
+        if (report_errors) Warning("Open() failed: %s, file:'%s'", std::strerror(reason), name_.c_str());
+        errno = reason;   // callers print it
         return false;
     }
     ++m_OpenHandlesCount;

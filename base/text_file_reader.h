@@ -1,16 +1,23 @@
 // A whole text file, indexed by lines.
 #pragma once
 #include <cstdint>
+#include <optional>
+#include <string_view>
 #include <vector>
 
+#include "base/line_index.h"
+#include "base/report_listener.h"
 #include "base/text_data_file_reader.h"
 
 namespace sparkrig {
 
+/// Reports nothing itself. Reports of others are attributed to the file and the line read last, from Load to the next
+/// Load or the end.
 class TextFileReader : public TextFileReaderBase {
   public:
-    static constexpr int kMaxLines = 8388480;
-    static constexpr int kMaxLineLength = 65535;
+    TextFileReader() = default;
+    TextFileReader(const TextFileReader&) = delete;
+    TextFileReader& operator=(const TextFileReader&) = delete;
 
     /// 0, or 1 with an error text.
     int Load(const char* name);
@@ -18,19 +25,30 @@ class TextFileReader : public TextFileReaderBase {
     int BuildLineIndex();
     /// The text of line i (from 0) in a buffer that the next call overwrites, or null with an error text.
     const char* GetLine(int i);
-    int GetLineCount() const;
+    int GetLineCount() const { return lines_.Count(); }
     const char* GetErrorText() const { return error_text_; }
     const char* GetFileName() const { return file_name_; }
 
   protected:
-    bool loaded_ = false;
-    std::vector<char> content_;
-    std::vector<std::int32_t> line_starts_;
-    std::vector<std::int32_t> line_lengths_;
-    char file_name_[256] = "";
-    char error_text_[256] = "No error";
+    std::string_view Line(int i) const {   // of a line that exists
+        const auto line = static_cast<std::size_t>(i);
+        return {reinterpret_cast<const char*>(content_.data()) + lines_.starts[line],
+                static_cast<std::size_t>(lines_.lengths[line])};
+    }
+
+    /// The line, from 1, that reports are about from now on.
+    void SetReportLine(int line) {
+        if (source_) source_->SetLine(line);
+    }
 
   private:
+    void SetErrorText(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+    std::vector<std::uint8_t> content_;
+    LineIndex lines_;
+    std::optional<SourceFileScope> source_;   // while a file is loaded
+    char file_name_[256] = "";
+    char error_text_[256] = "No error";
     std::vector<char> line_buffer_;
 };
 

@@ -1,0 +1,255 @@
+#include "base/file.h"
+
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include "base/file_validator.h"
+#include "tests/base/open_stream.h"
+#include "tests/base/reports.h"
+#include "tests/base/temporary_folder.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::ElementsAre;
+
+class FileTest : public TemporaryFolder, public testing::WithParamInterface<bool> {
+  protected:
+    bool InMemory() const { return GetParam(); }
+};
+INSTANTIATE_TEST_SUITE_P(OnDiskAndInMemory, FileTest, testing::Bool(),
+                         [](const auto& row) { return row.param ? "InMemory" : "OnDisk"; });
+
+TEST_P(FileTest, ReadsLittleEndianNumbersAndStrings) {
+    WriteFile("a.bin", std::string("\x78\x56\x34\x92\xFE\xFF\x81\3\0\0\0abc\0\0\0\0\xFF\xFF\xFF\xFFz", 23));
+    File file;
+    ASSERT_TRUE(file.Open("A.BIN", true, InMemory(), true));
+    EXPECT_EQ(file.GetSize(), 23);
+    EXPECT_EQ(file.ReadInt32(), static_cast<std::int32_t>(0x92345678));
+    EXPECT_EQ(file.ReadInt16(), -2);
+    EXPECT_EQ(file.ReadByte(), -127);
+    String text("old");
+    EXPECT_TRUE(file.ReadString(text));
+    EXPECT_STREQ(text.c_str(), "abc");
+    EXPECT_TRUE(file.ReadString(text));
+    EXPECT_STREQ(text.c_str(), "");
+    EXPECT_TRUE(file.ReadString(text));   // a negative length
+    EXPECT_EQ(file.ReadByte(), 'z');
+    EXPECT_EQ(file.Tell(), 23);
+    EXPECT_TRUE(file.Read(nullptr, 0));
+    EXPECT_EQ(ErrorOf([&] { file.ReadByte(); }), "File: A.BIN: Error reading from file (Success)");
+    EXPECT_FALSE(file.IsModified());
+}
+
+TEST_P(FileTest, RefusesToReadOutsideTheContent) {
+    WriteFile("a.bin", "0123456");
+    File file;
+    ASSERT_TRUE(file.Open("a.bin", true, InMemory(), true));
+    char bytes[16];
+    EXPECT_EQ(ErrorOf([&] { file.Read(bytes, 8); }), "File: a.bin: Error reading from file (Success)");
+    file.Seek(9);
+    EXPECT_EQ(ErrorOf([&] { file.Read(bytes, 1); }), "File: a.bin: Error reading from file (Success)");
+    file.Seek(3);
+    EXPECT_THROW(file.Read(bytes, -2), ErrorMsg);
+    WriteFile("long.bin", std::string("\xFF\xFF\xFF\x7F", 4) + "x");   // claims two thousand million characters
+    ASSERT_TRUE(file.Open("long.bin", true, InMemory(), true));
+    String text;
+    EXPECT_EQ(ErrorOf([&] { file.ReadString(text); }), "File: long.bin: Error reading from file (Success)");
+}
+
+TEST_P(FileTest, WritesWhatItReadsBack) {
+    WriteFile("a.bin", "0123456789");
+    File file;
+    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    EXPECT_EQ(file.ReadByte(), '0');
+    file.WriteInt32(0x44434241);
+    EXPECT_EQ(file.ReadByte(), '5');
+    file.WriteInt16(0x6261);
+    file.WriteByte('!');
+    file.WriteString("xyz");
+    file.WriteString("");
+    EXPECT_TRUE(file.Write(nullptr, 0));
+    EXPECT_EQ(file.GetSize(), 20);
+    EXPECT_TRUE(file.IsModified());
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), std::string("0ABCD5ab!\3\0\0\0xyz\0\0\0\0", 20));
+}
+
+TEST_P(FileTest, SetSizeOnlyCuts) {
+    WriteFile("a.bin", "0123456789");
+    File file;
+    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    file.SetSize(12);
+    EXPECT_FALSE(file.IsModified());
+    file.Write("abcdefgh", 8);
+    file.SetSize(4);
+    EXPECT_EQ(file.Tell(), 4);
+    file.Seek(6);
+    file.WriteByte('x');   // the gap reads as zeros
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), std::string("abcd\0\0x", 7));
+    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    file.SetSize(0);
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), "");
+}
+
+TEST_P(FileTest, ReportsWhatIsNotAllowed) {
+    WriteFile("a.bin", "0123456789");
+    File file;
+    EXPECT_EQ(ErrorOf([&] { file.ReadByte(); }), "File: File is not readable");
+    ASSERT_TRUE(file.Open("a.bin", true, InMemory(), true));
+    EXPECT_EQ(ErrorOf([&] { file.WriteByte('x'); }), "File: a.bin: File is not writeable");
+    EXPECT_EQ(ErrorOf([&] { file.SetSize(3); }), "File: a.bin: Can not delete data without write permission");
+    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    EXPECT_EQ(ErrorOf([&] { file.SetSize(-1); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
+    EXPECT_EQ(ErrorOf([&] { file.Write("x", -1); }), "File: a.bin: Error writing to file (File too large)");
+    file.Close();
+    EXPECT_EQ(ErrorOf([&] { file.WriteByte('x'); }), "File: a.bin: File is not writeable");
+}
+
+using FileOnDisk = TemporaryFolder;
+
+TEST_F(FileOnDisk, OpenWarnsOnlyWhenAsked) {
+    Reports reports;
+    File file;
+    EXPECT_FALSE(file.Open("none.bin", true, false, false));
+    EXPECT_FALSE(file.Open("none.bin", false, true, true));
+    EXPECT_EQ(errno, ENOENT);
+    std::filesystem::create_directory("folder");
+    EXPECT_FALSE(file.Open("folder", true, true, true));
+    EXPECT_THAT(reports.All(), ElementsAre("warning File: Open() failed: No such file or directory, file:'none.bin'",
+                                           "warning File: Open() failed: Is a directory, file:'folder'"));
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_EQ(file.GetFileTime(), -1);
+}
+
+TEST_F(FileOnDisk, CountsOpenFiles) {
+    WriteFile("a.bin", "0123");
+    const int before = File::m_OpenHandlesCount;
+    {
+        File first, second;
+        first.Open("a.bin", true, true, true);
+        second.Open("a.bin", true, false, true);
+        second.Open("a.bin", true, false, true);
+        EXPECT_EQ(File::m_OpenHandlesCount, before + 2);
+        struct stat status {};
+        stat("a.bin", &status);
+        EXPECT_EQ(first.GetFileTime(), status.st_mtime);
+        EXPECT_EQ(first.GetSize(), 4);
+        EXPECT_EQ(first.PackMode(), 0);
+    }
+    EXPECT_EQ(File::m_OpenHandlesCount, before);
+    Reports reports;
+    File file;
+    file.Open("a.bin", true, false, true);
+    File::m_OpenHandlesCount = 0;
+    file.Close();
+    EXPECT_EQ(reports.Last(), "warning File: Invalid m_OpenHandlesCount !");
+    File::m_OpenHandlesCount = before;
+}
+
+TEST_F(FileOnDisk, HandsItsBufferOut) {
+    WriteFile("a.bin", "0123");
+    File file;
+    file.Open("a.bin", false, true, true);
+    EXPECT_EQ(file.GetBuffer()[2], '2');
+    file.Close(true);
+    EXPECT_THAT(file.TakeBuffer(), ElementsAre('0', '1', '2', '3'));
+    EXPECT_EQ(file.GetBuffer(), nullptr);
+}
+
+TEST_F(FileOnDisk, MemoryReachesTheDiskAtClose) {
+    WriteFile("a.bin", "0123456789");
+    ASSERT_EQ(chmod("a.bin", 0640), 0);
+    {
+        File file;
+        file.Open("a.bin", false, true, true);
+        file.SetSize(3);
+        file.Write("x", 1);
+        EXPECT_EQ(ReadFile("a.bin").substr(0, 3), "012");
+    }   // the destructor closes
+    EXPECT_EQ(ReadFile("a.bin"), "012x");
+    struct stat status {};
+    stat("a.bin", &status);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+}
+
+TEST_F(FileOnDisk, FailedWriteBackKeepsTheOldContent) {
+    const std::string content(20000, 'n');
+    WriteFile("a.bin", "0123456789");
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    File file;
+    file.Open("a.bin", false, true, true);
+    file.Write(content.data(), static_cast<int>(content.size()));
+    const rlimit small{4096, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const std::string error = ErrorOf([&] { file.Close(); });
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(error, "File: a.bin: Error writing to file (File too large)");
+    EXPECT_EQ(ReadFile("a.bin"), "0123456789");
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(file.IsModified());
+}
+
+TEST_F(FileOnDisk, ReportsAStreamThatBreaks) {
+    const std::string content(20000, 'n');
+    WriteFile("a.bin", content);
+    File file;
+    file.Open("a.bin", false, false, true);
+    ReplaceByPipe("a.bin");
+    EXPECT_EQ(ErrorOf([&] { file.Seek(7); }), "File: a.bin: fseek failed: -1");
+    EXPECT_EQ(ErrorOf([&] { file.SetSize(5); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
+    file.Open("a.bin", false, false, true);
+    ReplaceByFile("a.bin", "/dev/full", O_RDWR);
+    EXPECT_EQ(ErrorOf([&] { file.Write(content.data(), static_cast<int>(content.size())); }),
+              "File: a.bin: Error writing to file (No space left on device)");
+    Reports reports;
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), content);
+
+    file.Open("a.bin", false, true, true);
+    file.Write("x", 1);
+    ReplaceByPipe("a.bin");
+    EXPECT_EQ(ErrorOf([&] { file.Close(); }), "File: a.bin: fseek failed (WriteVirtualFile): -1");
+    EXPECT_EQ(ReadFile("a.bin"), content);
+}
+
+TEST_F(FileOnDisk, WarnsWhenTheStreamDoesNotClose) {
+    WriteFile("a.bin", "0123");
+    Reports reports;
+    const int before = File::m_OpenHandlesCount;
+    File file;
+    file.Open("a.bin", true, false, true);
+    close(DescriptorOf("a.bin"));
+    file.Close();
+    EXPECT_EQ(reports.Last(), "warning File: Could not close file: 'a.bin' - Bad file descriptor");
+    File::m_OpenHandlesCount = before;
+}
+
+TEST(FileValidator, AcceptsRelativePathsOnly) {
+    const struct {
+        const char *path, *report;
+    } kRows[] = {{"data\\a.tga", ""},
+                 {"a", ""},
+                 {"\\", ""},
+                 {"", ""},
+                 {"C:\\data\\a.tga", "warning ErrorClassSimple: Absolute file path: 'C:\\data\\a.tga'"},
+                 {"\\data\\a.tga", "warning ErrorClassSimple: Absolute file path: '\\data\\a.tga'"},
+                 {"/data/a.tga", "warning ErrorClassSimple: Absolute file path: '/data/a.tga'"},
+                 {"\\\\server\\a.tga", "warning ErrorClassSimple: Network file accessed: '\\\\server\\a.tga'"}};
+    for (const auto& row : kRows) {
+        Reports reports;
+        EXPECT_EQ(CFileValidator().CheckPath(row.path), *row.report == '\0') << row.path;
+        EXPECT_EQ(reports.Last(), row.report);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
