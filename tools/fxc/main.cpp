@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <fstream>
 
+#include "platform/system/system.h"
 #include "tools/fxc/effect_builder.h"
 
 namespace {
@@ -26,17 +26,6 @@ void LimitResources() {
     setrlimit(RLIMIT_CORE, &core);
 }
 
-bool WriteFile(const std::string& path, const std::vector<sparkrig::BYTE>& bytes) {
-    // Beside it first, so that a reader never sees half a file.
-    const std::string beside = path + ".new";
-    std::ofstream file(beside, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (file.good() && std::rename(beside.c_str(), path.c_str()) == 0) return true;
-    std::remove(beside.c_str());
-    return false;
-}
-
 int Compile(const std::string& input, const std::string& output) {
     sparkrig::fxc::Diagnostics diagnostics;
     const std::optional<sparkrig::EffectFile> effect = sparkrig::fxc::BuildEffect(input, diagnostics);
@@ -44,7 +33,8 @@ int Compile(const std::string& input, const std::string& output) {
         std::fputs(diagnostics.Text().c_str(), stderr);
         return kErrors;
     }
-    if (WriteFile(output, sparkrig::WriteEffectFile(*effect))) return kDone;
+    const std::vector<sparkrig::BYTE> bytes = sparkrig::WriteEffectFile(*effect);
+    if (sparkrig::ReplaceFileContent(output.c_str(), bytes.data(), bytes.size())) return kDone;
     fmt::print(stderr, "{}(1): error X1000: can not write the file\n", output);
     return kErrors;
 }

@@ -1,9 +1,7 @@
 #include "tools/fxc/preprocessor.h"
 
-#include <charconv>
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 #include <fmt/format.h>
@@ -22,13 +20,13 @@ constexpr std::size_t kMostFiles = 256;               // opened in one run
 constexpr std::size_t kDeepestInclude = 32;
 
 std::optional<std::string> ReadText(const std::string& path) {
-    if (!std::filesystem::is_regular_file(path)) return std::nullopt;
-    std::ifstream file(path, std::ios::binary);
+    std::FILE* file = OpenFileStream(path.c_str(), "rb");
+    if (!file) return std::nullopt;
     std::string text(kMostBytes + 1, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (file.bad() || (file.gcount() == 0 && !file.eof())) return std::nullopt;
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    return text;
+    text.resize(std::fread(text.data(), 1, text.size(), file));
+    const bool read = std::ferror(file) == 0;
+    std::fclose(file);
+    return read ? std::optional(std::move(text)) : std::nullopt;
 }
 
 class Preprocessor {

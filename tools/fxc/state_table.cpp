@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "platform/d3d9/d3d9_constants.h"
+#include "platform/system/ascii.h"
 
 namespace sparkrig::fxc {
 
@@ -223,11 +224,11 @@ constexpr StateRow kRows[] = {
 };
 // clang-format on
 
-constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 }   // namespace
 
-bool EqualIgnoringCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, Lower, Lower); }
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, AsciiLower, AsciiLower);
+}
 
 const StateRow* FindState(std::string_view name) {
     const auto* row = std::ranges::find_if(kRows, [&](const StateRow& r) { return EqualIgnoringCase(r.name, name); });
