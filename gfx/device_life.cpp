@@ -168,6 +168,7 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
     ForgetDeviceStates(parts);
     ReapplyStates(parts, old_width, old_height);
     ReapplyRest(parts);
+    parts.catalogue.Restore();
     return was_lost ? 0 : 1;
 }
 
