@@ -16,30 +16,6 @@ D3DXVECTOR3 Oriented(const D3DXQUATERNION& orientation, const D3DXVECTOR3& v) {
 
 constexpr float kFullAlpha = 255.0f;
 
-void Evaluate(const SubEffect& sub, VisualEffectObject* const* objects, int count) {
-    MotionLanes in;
-    GatherLanes(objects, count, in);
-
-    VectorLanes position, scale;
-    QuaternionLanes rotation;
-    alignas(64) float alpha[kLanes];
-    alignas(64) float fade[kLanes];
-    EvalPosition(sub, in, position);
-    EvalScale(sub, in, scale);
-    EvalRotation(sub, in, rotation);
-    EvalAlpha(sub, in, alpha);
-    FadeFactor(sub, in, fade);
-
-    for (int i = 0; i < count; ++i) {
-        VisualEffectObject& object = *objects[i];
-        object.local_offset = {position.x[i], position.y[i], position.z[i]};
-        object.position = object.base_position + Oriented(object.base_orientation, object.local_offset);
-        object.scale = {scale.x[i], scale.y[i], scale.z[i]};
-        object.rotation = {rotation.x[i], rotation.y[i], rotation.z[i], rotation.w[i]};
-        object.alpha = alpha[i] * fade[i] * (static_cast<float>(object.colour >> 24) / kFullAlpha);
-    }
-}
-
 }   // namespace
 
 void GatherLanes(VisualEffectObject* const* objects, int count, MotionLanes& in) {
@@ -56,14 +32,30 @@ void GatherLanes(VisualEffectObject* const* objects, int count, MotionLanes& in)
     }
 }
 
-TransformUpdate::Group& TransformUpdate::GroupOf(SubEffect& sub) {
-    if (sub.waiting_group < 0) {
-        if (used_groups_ == groups_.size()) groups_.push_back(std::make_unique<Group>());
-        groups_[used_groups_]->sub = &sub;
-        groups_[used_groups_]->count = 0;
-        sub.waiting_group = static_cast<std::int32_t>(used_groups_++);
+void TransformUpdate::Group::Evaluate() {
+    if (count == 0) return;
+    MotionLanes in;
+    GatherLanes(objects, count, in);
+
+    VectorLanes position, scale;
+    QuaternionLanes rotation;
+    alignas(64) float alpha[kLanes];
+    alignas(64) float fade[kLanes];
+    EvalPosition(*sub, in, position);
+    EvalScale(*sub, in, scale);
+    EvalRotation(*sub, in, rotation);
+    EvalAlpha(*sub, in, alpha);
+    FadeFactor(*sub, in, fade);
+
+    for (int i = 0; i < count; ++i) {
+        VisualEffectObject& object = *objects[i];
+        object.local_offset = {position.x[i], position.y[i], position.z[i]};
+        object.position = object.base_position + Oriented(object.base_orientation, object.local_offset);
+        object.scale = {scale.x[i], scale.y[i], scale.z[i]};
+        object.rotation = {rotation.x[i], rotation.y[i], rotation.z[i], rotation.w[i]};
+        object.alpha = alpha[i] * fade[i] * (static_cast<float>(object.colour >> 24) / kFullAlpha);
     }
-    return *groups_[static_cast<std::size_t>(sub.waiting_group)];
+    count = 0;
 }
 
 void TransformUpdate::Add(VisualEffectObject& object) {
@@ -71,20 +63,14 @@ void TransformUpdate::Add(VisualEffectObject& object) {
         object.position = object.base_position;
         return;
     }
-    Group& group = GroupOf(*object.sub_effect);
+    Group& group = groups_[groups_.NumberOf(*object.sub_effect)];
     group.objects[group.count++] = &object;
-    if (group.count < kLanes) return;
-    Evaluate(*group.sub, group.objects, group.count);
-    group.count = 0;
+    if (group.count == kLanes) group.Evaluate();
 }
 
 void TransformUpdate::Flush() {
-    for (std::size_t i = 0; i < used_groups_; ++i) {
-        Group& group = *groups_[i];
-        if (group.count > 0) Evaluate(*group.sub, group.objects, group.count);
-        group.sub->waiting_group = -1;
-    }
-    used_groups_ = 0;
+    for (int i = 0; i < groups_.Count(); ++i) groups_[i].Evaluate();
+    groups_.Release();
 }
 
 }   // namespace sparkrig

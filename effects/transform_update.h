@@ -1,11 +1,9 @@
 // Position, scale, rotation and alpha of live instances at their present age. Instances wait in groups, one for each
 // sub-effect, so that a group can be evaluated stage after stage.
 #pragma once
-#include <memory>
-#include <vector>
-
 #include "effects/effect_instance.h"
 #include "effects/motion_lanes.h"
+#include "effects/sub_effect_groups.h"
 
 namespace sparkrig {
 
@@ -22,12 +20,11 @@ class TransformUpdate {
         SubEffect* sub = nullptr;   // borrowed
         int count = 0;
         VisualEffectObject* objects[kLanes];
+
+        void Evaluate();
     };
 
-    Group& GroupOf(SubEffect& sub);
-
-    std::vector<std::unique_ptr<Group>> groups_;
-    std::size_t used_groups_ = 0;
+    SubEffectGroups<Group> groups_;
 };
 
 /// The motion inputs of instances of one sub-effect, at their present age; at 0 before their birth.
