@@ -28,6 +28,8 @@ class TextFileReader : public TextFileReaderBase {
     int GetLineCount() const { return lines_.Count(); }
     const char* GetErrorText() const { return error_text_; }
     const char* GetFileName() const { return file_name_; }
+    /// The line, from 1, that reports are about now; 0 when none is known.
+    int ReportLine() const { return source_ ? source_->Line() : 0; }
 
   protected:
     std::string_view Line(int i) const {   // of a line that exists

@@ -293,7 +293,7 @@ class EffectsFileLoader {
 
     void ReadEmission(SubEffect& sub) {
         if (reader_.ReadString("EmitEffect", sub.emit.name, entry_) != 0) return;
-        sub.emit.line = reader_.CursorLineNumber();
+        sub.emit.line = reader_.ReportLine();
         ReadKeys(kEmitKeys, sub.emit);
         ReadKeys(kTraceKeys, sub.trace);
     }
@@ -388,8 +388,8 @@ class EffectsFileLoader {
     void ReadValue(const char* key, D3DXVECTOR3& value) { ReadVector(key, value); }
     void ReadValue(const char* key, String& value) { reader_.ReadString(key, value, entry_); }
     void ReadValue(const char* key, std::uint16_t& value) {
-        std::int16_t number = 0;
-        if (reader_.ReadShort(key, number, entry_) == 0) value = static_cast<std::uint16_t>(number);
+        int number = 0;
+        if (reader_.ReadInt(key, number, entry_) == 0) value = static_cast<std::uint16_t>(number);
     }
 
     /// A vector with too few components leaves the value as it was.

@@ -1,0 +1,457 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/report_listener.h"
+#include "effects/effect_definitions.h"
+#include "tests/effects/effects_file_text.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct TestReporter : ErrorClass {
+    TestReporter() { SetName("TestReporter"); }
+};
+
+class EffectsFile : public testing::Test {
+  protected:
+    EffectsFile() {
+        SetReportListener(
+            [](const Report& report, void* list) {
+                static_cast<std::vector<std::string>*>(list)->push_back(std::to_string(report.line) + ": " +
+                                                                        report.message);
+            },
+            &reports);
+    }
+    ~EffectsFile() override { SetReportListener(nullptr, nullptr); }
+
+    /// Reads the text as an effects file; false when an error ended it.
+    bool Load(const std::string& text) {
+        reports.clear();
+        definitions.Clear();
+        const std::string file = WriteEffectsFile(text);
+        try {
+            LoadEffectsFile(file.c_str(), reporter, definitions);
+            return true;
+        } catch (const ErrorMsg&) {
+            return false;
+        }
+    }
+    /// Of the one effect that the lines define.
+    VisualEffect& LoadEffect(const std::string& lines) {
+        EXPECT_TRUE(Load("#one\n desc = \"one\"\n" + lines)) << (reports.empty() ? "" : reports.back());
+        return *definitions.effects.Find("one");
+    }
+    ParticleEffect& LoadParticle(const std::string& lines) {
+        return *LoadEffect(" PARTICLE {\n" + lines + "\n }\n").particles.Get(0);
+    }
+    VisualEffectMotion& LoadStage(const char* block, const std::string& lines) {
+        const ParticleEffect& particle =
+            LoadParticle(std::string("  ") + block + " {\n type = \"linear\"\n" + lines + "\n }");
+        for (const MotionChannel* channel : {&particle.position_stages, &particle.rotation_stages,
+                                             &particle.scale_stages, &particle.colour_stages, &particle.alpha_stages})
+            if (channel->GetCount() > 0) return *channel->Get(0);
+        throw std::logic_error("no stage");
+    }
+
+    TestReporter reporter;
+    EffectDefinitions definitions;
+    std::vector<std::string> reports;
+};
+
+TEST_F(EffectsFile, EntriesStandInTheOrderOfTheFile) {
+    ASSERT_TRUE(Load("; a comment\n#b\ndesc = \"Second\"\n#a\ndesc=\"first\"\n#c\ndesc = \"Third\"\n"));
+    ASSERT_EQ(definitions.names.GetCount(), 3);
+    EXPECT_STREQ(definitions.names.GetAt(0)->c_str(), "Second");
+    EXPECT_STREQ(definitions.names.GetAt(1)->c_str(), "first");
+    EXPECT_EQ(definitions.effects.Find("THIRD")->file_entry, 2);
+    EXPECT_EQ(definitions.effects.Find("Thir"), nullptr);
+}
+
+TEST_F(EffectsFile, AnEntryHasItsOwnKeys) {
+    const VisualEffect& effect = LoadEffect(
+        " sound = \"boom\"\n AmbiSound = \"wind\"\n scale = 2, 3, 4\n child = \"none\"\n child1 = \"a\"\n"
+        " child2 = \"b\"\n child4 = \"d\"\n");
+    EXPECT_STREQ(effect.sound.c_str(), "boom");
+    EXPECT_STREQ(effect.ambient_sound.c_str(), "wind");
+    EXPECT_EQ(effect.scale, D3DXVECTOR3(2, 3, 4));
+    ASSERT_EQ(effect.children.GetCount(), 2);
+    EXPECT_STREQ(effect.children.GetAt(1)->c_str(), "b");
+}
+
+TEST_F(EffectsFile, MissingKeysLeaveTheDefaults) {
+    const VisualEffect& effect = LoadEffect(" PARTICLE {\n }\n MESH {\n }\n SPECIAL {\n type = \"wave\"\n }\n");
+    const ParticleEffect& particle = *effect.particles.Get(0);
+    EXPECT_EQ(particle.owner, &effect);
+    EXPECT_EQ(particle.life, 0);
+    EXPECT_EQ(particle.scale, D3DXVECTOR3(1, 1, 1));
+    EXPECT_EQ(particle.colour, D3DXVECTOR3(1, 1, 1));
+    EXPECT_EQ(particle.start_rotation, D3DXQUATERNION());
+    EXPECT_EQ(particle.blend_mode, 9);
+    EXPECT_EQ(particle.billboard, 2);
+    EXPECT_EQ(particle.count, 1);
+    EXPECT_EQ(particle.speed, 1);
+    EXPECT_TRUE(particle.use_z_buffer && particle.write_z_buffer && particle.z_sort && particle.rotate_with_parent);
+    EXPECT_FLOAT_EQ(particle.vertical_size, 32 * 1.41421356f / 1.4142f);
+    EXPECT_EQ(effect.meshes.Get(0)->billboard, 0);
+    EXPECT_EQ(effect.meshes.Get(0)->blend_mode, 7);
+    const SpecialEffect& special = *effect.specials.Get(0);
+    EXPECT_EQ(special.billboard, 0);
+    EXPECT_EQ(special.second_colour, 0xFFFFFFFFu);
+    EXPECT_EQ(special.point_count, 32);
+    EXPECT_EQ(special.point_size, 1);
+    EXPECT_EQ(special.type, SpecialType::Wave);
+}
+
+TEST_F(EffectsFile, ReadsTheKeysOfASubEffect) {
+    const ParticleEffect& sub = LoadParticle(R"(
+        texture = "spark"
+        col = 0.1, 0.2, 0.3
+        RotateWithParent = 0
+        BirthTime = 0.25
+        StartTime = 1.5
+        SortDistOff = -7.5
+        SortClass = 40000
+        zsort = 0
+        Life = 3.5
+        LifeCountBez = 0, 0.5, 1, 1.5
+        FadeIn = 0.125
+        FadeOut = 0.75
+        BillBoard = 3
+        RotateWithView = 1
+        scale = 2, 3, 4
+        pos = 5, 6, 7
+        RotAxis = 0, 2, 0
+        RotAngle = 90
+        UseZBuf = 0
+        DetailLevel = 60
+        RandomMirrorX = 1
+        RandomMirrorZ = 1
+        RandomReverseRot = 1
+        WriteZBuf = 0
+        Count = 12
+        Speed = 0.5
+        vsize = 16
+        BirthCountOff = 2.5
+        CountType = "random"
+        BlendType = "subtractive")");
+    EXPECT_STREQ(sub.texture_name.c_str(), "spark");
+    EXPECT_EQ(sub.colour, D3DXVECTOR3(0.1f, 0.2f, 0.3f));
+    EXPECT_FALSE(sub.rotate_with_parent || sub.z_sort || sub.use_z_buffer || sub.write_z_buffer);
+    EXPECT_EQ(sub.birth_time, 0.25);
+    EXPECT_EQ(sub.start_time, 1.5);
+    EXPECT_EQ(sub.sort_distance_offset, -7.5f);
+    EXPECT_EQ(sub.sort_class, 40000);
+    EXPECT_EQ(sub.life, 3.5);
+    EXPECT_EQ(sub.life_count.KeyCount(), 2);
+    EXPECT_EQ(sub.fade_in, 0.125);
+    EXPECT_EQ(sub.fade_out, 0.75);
+    EXPECT_EQ(sub.billboard, 3);
+    EXPECT_TRUE(sub.rotate_with_view && sub.random_reverse_rotation);
+    EXPECT_EQ(sub.scale, D3DXVECTOR3(2, 3, 4));
+    EXPECT_EQ(sub.position_offset, D3DXVECTOR3(5, 6, 7));
+    EXPECT_NEAR(sub.start_rotation.y, 0.70710678, 1e-6);
+    EXPECT_EQ(sub.detail_level, 60);
+    EXPECT_THAT(sub.random_mirror, ElementsAre(true, false, true));
+    EXPECT_EQ(sub.count, 12);
+    EXPECT_EQ(sub.speed, 0.5);
+    EXPECT_EQ(sub.birth_count_offset, 2.5f);
+    EXPECT_EQ(sub.count_type, CountType::Random);
+    EXPECT_EQ(sub.blend_mode, 5);
+}
+
+TEST_F(EffectsFile, ReadsTheKeysOfMeshesAndSpecials) {
+    const VisualEffect& effect = LoadEffect(R"(
+        MESH {
+            sFile = "models\\rock.3sc"
+            loop = 1
+        }
+        SPECIAL {
+            texture = "drop"
+            col = 1, 0.5, 0
+            col2 = 0, 0.25, 2
+            numPart = 77
+            PartSize = 2.5
+            type = "splash"
+        }
+        special {
+            col = 1, 0.5, 0
+            type = "none"
+        })");
+    EXPECT_TRUE(effect.meshes.Get(0)->loop);
+    EXPECT_STREQ(effect.meshes.Get(0)->scene_file.c_str(), "models\\\\rock.3sc");
+    const SpecialEffect& special = *effect.specials.Get(0);
+    EXPECT_STREQ(special.texture_name.c_str(), "drop");
+    EXPECT_EQ(special.second_colour, 0xFF003FFEu);
+    EXPECT_EQ(special.point_count, 77);
+    EXPECT_EQ(special.point_size, 2.5f);
+    EXPECT_EQ(special.type, SpecialType::Splash);
+    EXPECT_EQ(effect.specials.Get(1)->second_colour, 0xFFFF7F00u);   // a copy of the first
+    EXPECT_EQ(effect.specials.Get(1)->index, 1);
+}
+
+TEST_F(EffectsFile, EntryScaleMultipliesScaleAndVerticalSize) {
+    const VisualEffect& effect = LoadEffect(R"( scale = 3, 4, 5
+        PARTICLE {
+            scale = 2, 3, 4
+            vsize = 10
+            POSITION {
+                type = "linear"
+                scale = 1, 10, 100
+            }
+            SCALE {
+                type = "linear"
+                scale = 1, 10, 100
+            }
+        })");
+    const ParticleEffect& sub = *effect.particles.Get(0);
+    EXPECT_EQ(sub.scale, D3DXVECTOR3(6, 12, 20));
+    EXPECT_FLOAT_EQ(sub.vertical_size, 10 * 5 / 1.4142f);
+    EXPECT_EQ(sub.position_stages.Get(0)->scale, D3DXVECTOR3(6, 120, 2000));
+    EXPECT_EQ(sub.scale_stages.Get(0)->scale, D3DXVECTOR3(1, 10, 100));
+}
+
+TEST_F(EffectsFile, AVectorWithTooFewComponentsLeavesItsField) {
+    const ParticleEffect& sub = LoadParticle("scale = 2, 3\n pos = 4\n col = 0.5, 0.5, 0.5");
+    EXPECT_EQ(sub.scale, D3DXVECTOR3(1, 1, 1));
+    EXPECT_EQ(sub.position_offset, D3DXVECTOR3());
+    EXPECT_EQ(sub.colour, D3DXVECTOR3(0.5f, 0.5f, 0.5f));
+}
+
+TEST_F(EffectsFile, ReadsTheKeysOfAStage) {
+    const VisualEffectMotion stage = LoadStage("rotation", R"(
+        TimeOff = 0.25
+        TimeCountOff = 0.5
+        SpeedCountOff = 0.75
+        SpeedLocalCountOff = 1.25
+        Speed = 1.5
+        SpeedLocal = 1.75
+        TimeScale = 2, 3, 4
+        TransformTimeScale = 0
+        scale = 5, 6, 7
+        RotAxis = 0, 0, 2
+        TimeMinMax = -1, 2
+        RotAngle = 90
+        Offset = 8, 9, 10
+        ConcatType = "multiply")");
+    EXPECT_EQ(stage.time_offset, 0.25f);
+    EXPECT_EQ(stage.time_count_offset, 0.5f);
+    EXPECT_EQ(stage.speed_count_offset, 0.75f);
+    EXPECT_EQ(stage.local_speed_count_offset, 1.25f);
+    EXPECT_EQ(stage.speed, 1.5f);
+    EXPECT_EQ(stage.local_speed, 1.75f);
+    EXPECT_EQ(stage.time_scale.inverse, 2);
+    EXPECT_EQ(stage.time_scale.constant, 3);
+    EXPECT_EQ(stage.time_scale.linear, 4);
+    EXPECT_FALSE(stage.time_scale_uses_stage_time);
+    EXPECT_EQ(stage.scale, D3DXVECTOR3(5, 6, 7));
+    EXPECT_EQ(stage.time_minimum, -1);
+    EXPECT_EQ(stage.time_maximum, 2);
+    EXPECT_NEAR(stage.rotation_angle, 1.5707963, 1e-6);
+    EXPECT_TRUE(stage.uses_transform);
+    EXPECT_NEAR(stage.transform.m[0][1], 1, 1e-6);
+    EXPECT_EQ(stage.transform.m[3][2], 10);
+    EXPECT_EQ(stage.concat, ConcatType::Multiply);
+}
+
+TEST_F(EffectsFile, ChannelsHaveTheirOwnDefaultConcatenation) {
+    const struct {
+        const char* block;
+        ConcatType concat;
+    } kRows[] = {{"POSITION", ConcatType::Add},
+                 {"Rotation", ConcatType::Rotate},
+                 {"SCALE", ConcatType::Multiply},
+                 {"COLOR", ConcatType::Multiply},
+                 {"alpha", ConcatType::Multiply}};
+    for (const auto& row : kRows) {
+        const VisualEffectMotion stage = LoadStage(row.block, "");
+        EXPECT_EQ(stage.concat, row.concat) << row.block;
+        EXPECT_FALSE(stage.uses_transform);
+        EXPECT_EQ(stage.time_minimum, -89999998976.0f);
+    }
+}
+
+TEST_F(EffectsFile, CurveTangentsKnowTheLoop) {
+    const VisualEffectMotion stage = LoadStage("POSITION", R"(
+        type = "bezier"
+        curve = 0,1,2,3, 1,5,6,7
+        curveLoopTime = 3)");
+    EXPECT_EQ(stage.type, AnimationType::Linear);   // the first key of a name counts
+    const ParticleEffect& sub =
+        LoadParticle("POSITION {\n type = \"bezier\"\n curve = 0,1,2,3, 1,5,6,7\n curveLoopTime = 3\n }");
+    const VectorCurve& curve = sub.position_stages.Get(0)->curve;
+    ASSERT_EQ(curve.KeyCount(), 2);
+    EXPECT_EQ(curve.GetKey(0).in[0], -2);
+    float value[3];
+    curve.EvaluateCurve(3, value);
+    EXPECT_EQ(value[2], 3);
+}
+
+TEST_F(EffectsFile, BlendTypeDependsOnWordKindAndTrace) {
+    const struct {
+        const char* block;
+        const char* lines;
+        int mode;
+    } kRows[] = {
+        {"PARTICLE", "", 9},
+        {"PARTICLE", "BlendType = \"ADDITIVE\"", 3},
+        {"PARTICLE", "BlendType = \"default\"", 9},
+        {"PARTICLE", "BlendType = \"subtractive\"", 5},
+        {"PARTICLE", "BlendType = \"strange\"", 9},
+        {"PARTICLE", "EmitEffect = \"trace:glow\"", 3},
+        {"PARTICLE", "EmitEffect = \"trace:glow\"\nBlendType = \"default\"", 9},
+        {"PARTICLE", "EmitEffect = \"one\"", 9},
+        {"MESH", "", 7},
+        {"MESH", "BlendType = \"additive\"", 12},
+        {"MESH", "BlendType = \"Default\"", 7},
+        {"MESH", "BlendType = \"subtractive\"", 17},
+        {"MESH", "EmitEffect = \"trace:glow\"", 3},
+        {"SPECIAL", "type = \"none\"\nBlendType = \"additive\"", 3},
+    };
+    for (const auto& row : kRows) {
+        const VisualEffect& effect = LoadEffect(std::string(row.block) + " {\n" + row.lines + "\n}\n");
+        ForEachSubEffect(effect, [&](const SubEffect& sub) {
+            EXPECT_EQ(sub.blend_mode, row.mode) << row.block << " " << row.lines;
+        });
+    }
+}
+
+TEST_F(EffectsFile, EmissionKeysNeedAnEmitEffect) {
+    const std::string keys = R"(
+        EmitEffectPerTime = 8
+        EmitEffectRand = 0
+        EmitEffectLocal = 1
+        EmitEffectVolume = 2, 3, 4
+        TraceEffectLifeTime = 0.5
+        TraceEffectFlag = 1
+        TraceEffectId = 2
+        TraceEffectTexScale = 3)";
+    const ParticleEffect& without = LoadParticle(keys);
+    EXPECT_EQ(without.emit.per_time, 0);
+    EXPECT_TRUE(without.emit.random);
+    EXPECT_EQ(without.trace.life_time, 1);
+    const ParticleEffect& with = LoadParticle("EmitEffect = \"ONE\"" + keys);
+    EXPECT_EQ(with.emit.effect, definitions.effects.Find("one"));
+    EXPECT_EQ(with.emit.per_time, 8);
+    EXPECT_FALSE(with.emit.random);
+    EXPECT_TRUE(with.emit.local && with.trace.flag);
+    EXPECT_EQ(with.emit.volume, D3DXVECTOR3(2, 3, 4));
+    EXPECT_EQ(with.trace.life_time, 0.5f);
+    EXPECT_EQ(with.trace.id, 2);
+    EXPECT_EQ(with.trace.texture_scale, 3);
+}
+
+TEST_F(EffectsFile, EmitEffectsMayStandLaterInTheFile) {
+    ASSERT_TRUE(Load("#a\ndesc=\"a\"\nPARTICLE {\nEmitEffect = \"b\"\n}\n#b\ndesc=\"b\"\n"));
+    EXPECT_EQ(definitions.effects.Find("a")->particles.Get(0)->emit.effect, definitions.effects.Find("b"));
+}
+
+TEST_F(EffectsFile, TracesAreNumberedThroughTheFileByTheirId) {
+    const auto trace = [](const char* block, int id) {
+        return std::string(block) +
+               " {\ntype = \"none\"\nEmitEffect = \"trace:t\"\nTraceEffectId = " + std::to_string(id) + "\n}\n";
+    };
+    ASSERT_TRUE(Load("#b\ndesc=\"b\"\n" + trace("MESH", 0) + trace("SPECIAL", 3) + trace("PARTICLE", 0) +
+                     trace("PARTICLE", -1) + "#a\ndesc=\"a\"\n" + trace("SPECIAL", 0) + trace("SPECIAL", 2)));
+    const VisualEffect& a = *definitions.effects.Find("a");
+    const VisualEffect& b = *definitions.effects.Find("b");
+    const auto number = [](const SubEffect* sub) { return sub->emit.trace_number; };
+    EXPECT_EQ(number(a.specials.Get(0)), 1);   // by name, not by place in the file
+    EXPECT_EQ(number(b.particles.Get(0)), 2);
+    EXPECT_EQ(number(b.specials.Get(0)), 3);
+    EXPECT_EQ(number(b.meshes.Get(0)), 4);
+    EXPECT_EQ(number(a.specials.Get(1)), 1);
+    EXPECT_EQ(number(b.particles.Get(1)), 2);   // -1 counts as 2
+    EXPECT_EQ(b.particles.Get(0)->emit.effect, nullptr);
+}
+
+TEST_F(EffectsFile, UnknownBlocksAreSkippedWithAWarning) {
+    const VisualEffect& effect = LoadEffect(R"( SPARKS {
+        type = 3
+        DEEPER {
+        }
+    }
+    ;PARTICLE {
+    }
+    PARTICLE {
+        SIZE {
+        }
+        ;SCALE {
+        }
+        SCALE {
+            type = "rand1"
+        }
+    }
+    )");
+    EXPECT_EQ(effect.particles.GetCount(), 1);
+    EXPECT_EQ(effect.particles.Get(0)->scale_stages.GetCount(), 1);
+    EXPECT_THAT(reports, ElementsAre("3: Unknown block name 'SPARKS' in effects.cfg",
+                                     "11: Unknown block name 'SIZE' in effects.cfg"));
+}
+
+TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
+    const struct {
+        const char* text;
+        const char* report;
+    } kRows[] = {
+        {"#a\n#b\ndesc = \"b\"\n", "1: Effect entry 0 without 'desc' entry"},
+        {"#a\ndesc = \"x\"\n#b\n\ndesc = \"X\"\n", "5: Multiple effect entry 'X' in effects.cfg"},
+        {"#a\ndesc = \"x\"\nSPECIAL {\n}\n", "4: No type in special effect 'x'"},
+        {"#a\ndesc = \"x\"\nSPECIAL {\n\ntype = \"rain\"\n}\n", "5: Unknown special effect type in effect 'x'"},
+        {"#a\ndesc = \"x\"\nMESH {\nCountType = \"odd\"\n}\n", "4: Unknown CountType 'odd' in effect 'x'"},
+        {"#a\ndesc = \"x\"\nMESH {\nBlendType = \"glow\"\n}\n", "4: Invalid blend mode 'glow' in effects.cfg"},
+        {"#a\ndesc = \"x\"\nMESH {\nTransformObjectFile = \"s\"\n}\n",
+         "4: 'TransformObjectName' missing in effect: 'x'"},
+        {"#a\ndesc = \"x\"\nMESH {\nTransformObjectFile = \"s\"\nTransformObjectName = \"o\"\n}\n",
+         "5: Can not load scene 's' for the transform object 'o' of effect 'x': scenes are not supported"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nALPHA {\n}\n}\n", "5: No 'type' specified for effect 'x'"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nALPHA {\ntype = \"jump\"\n}\n}\n",
+         "5: Unknown animation type 'jump' in effect 'x'"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nALPHA {\ntype = \"bezier\"\n}\n}\n",
+         "5: No bezier curve defined in effect 'x'"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nALPHA {\ntype = \"bezier\"\ncurve = 0,1,2\n}\n}\n", "6: Invalid curve entry"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nALPHA {\ntype = \"bezier\"\ncurve = 1,0,0,0, 0.5,0,0,0\n}\n}\n",
+         "6: Invalid order in bezier curve of entry 'x'"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nLifeCountBez = 0,1,2\n}\n", "4: Invalid LifeCountBez entry"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nLifeCountBez = 1,1,0,1\n}\n", "4: Invalid order in bezier curve of entry 'x'"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nALPHA {\ntype = \"sin\"\nConcatType = \"sum\"\n}\n}\n",
+         "6: Unknown concatenation type 'sum' in effect 'x'"},
+        {"#a\ndesc = \"x\"\nPARTICLE {\nEmitEffect = \"y\"\n}\n#b\ndesc = \"z\"\n",
+         "4: Emit effect 'y' of effect 'x' not found"},
+    };
+    for (const auto& row : kRows) {
+        EXPECT_FALSE(Load(row.text)) << row.text;
+        ASSERT_FALSE(reports.empty()) << row.text;
+        EXPECT_EQ(reports.back(), row.report);
+    }
+}
+
+TEST_F(EffectsFile, AFileThatIsNotThereIsAnError) {
+    EXPECT_THROW(LoadEffectsFile("no/such/effects.cfg", reporter, definitions), ErrorMsg);
+    ASSERT_FALSE(reports.empty());
+    EXPECT_EQ(reports.back(), "0: Can not open file 'no/such/effects.cfg': ");
+}
+
+TEST_F(EffectsFile, LongCurvesAreReadWhole) {
+    std::string list = "0, 0.5";
+    for (int i = 1; i < 500; ++i) list += ", " + std::to_string(i) + ", 1.5";
+    EXPECT_EQ(LoadParticle("LifeCountBez = " + list).life_count.KeyCount(), 500);
+}
+
+TEST_F(EffectsFile, CutShortAtEveryLengthItLoadsOrReports) {
+    const std::string text =
+        "#a\ndesc = \"x\"\nPARTICLE {\nLife = 2\nALPHA {\ntype = \"bezier\"\n"
+        "curve = 0,1,1,1, 1,0,0,0\n}\n}\n##b\ndesc = \"y\"\nSPECIAL {\ntype = \"wave\"\n}\n";
+    for (std::size_t length = 0; length <= text.size(); ++length) {
+        const bool loaded = Load(text.substr(0, length));
+        EXPECT_TRUE(loaded || !reports.empty()) << length;
+    }
+    EXPECT_THAT(reports, IsEmpty());
+}
+
+}   // namespace
+}   // namespace sparkrig
