@@ -1,7 +1,13 @@
 #include "effects/visual_effect_system.h"
 
+#include <algorithm>
+#include <cstring>
+#include <set>
+
 #include "effects/motion.h"
 #include "effects/visual_effect_system_parts.h"
+#include "gfx/gfx.h"
+#include "gfx/texture_catalogue.h"
 
 namespace sparkrig {
 namespace {
@@ -10,6 +16,27 @@ VisualEffect& FindEffect(const ErrorClass& reporter, const EffectDefinitions& de
     VisualEffect* effect = definitions.effects.Find(name);
     if (!effect) reporter.Error("Effect '%s' not found", name);
     return *effect;
+}
+
+/// Each effect once: effects may emit each other in a ring.
+void Preload(const ErrorClass& reporter, VisualEffectSystemParts& parts, const char* first) {
+    KRN_Gfx& gfx = parts.drawing.Gfx();
+    std::vector<const char*> names = {first};
+    std::set<const VisualEffect*> visited;
+    for (std::size_t next = 0; next < names.size(); ++next) {
+        const char* name = names[next];
+        if (String(name).StartsWith(kTracePrefix)) {
+            const char* texture = name + std::strlen(kTracePrefix);
+            if (*texture) gfx.Catalogue().GetTexture(texture);
+            continue;
+        }
+        const VisualEffect& effect = FindEffect(reporter, *parts.definitions, name);
+        if (!visited.insert(&effect).second) continue;
+        for (int i = 0; i < effect.particles.GetCount(); ++i) LoadParticleTexture(gfx, *effect.particles.GetAt(i));
+        ForEachSubEffect(effect, [&](const SubEffect& sub) {
+            if (sub.emit.name.GetLength() > 0) names.push_back(sub.emit.name.c_str());
+        });
+    }
 }
 
 EffectInstanceState StateOf(int id, const VisualEffectObject& object) {
@@ -64,6 +91,21 @@ void VisualEffectSystem::StartEffect(const char* name, const D3DXVECTOR3& positi
 
 void VisualEffectSystem::Update(float elapsed_seconds) { parts_->simulation.Update(elapsed_seconds); }
 
+void VisualEffectSystem::Init(KRN_Gfx& gfx, int mode) {
+    parts_->drawing.Init(gfx, mode);
+    gfx.Catalogue().Load("cfg/texCatalogue.cfg", "", false);
+}
+
+void VisualEffectSystem::PreloadEffect(const char* name) { Preload(*this, *parts_, name); }
+
+int VisualEffectSystem::Draw() {
+    parts_->drawing.Draw(parts_->simulation.Live(), DetailLevel());
+    return DrawCallCount();
+}
+
+int VisualEffectSystem::DrawnParticleCount() const { return parts_->drawing.DrawnParticles(); }
+int VisualEffectSystem::DrawCallCount() const { return parts_->drawing.DrawCalls(); }
+
 void VisualEffectSystem::SetDetailLevel(int level) { parts_->simulation.SetDetailLevel(level); }
 int VisualEffectSystem::DetailLevel() const { return parts_->simulation.DetailLevel(); }
 int VisualEffectSystem::LiveInstanceCount() const { return parts_->simulation.Live().GetCount(); }
@@ -80,7 +122,13 @@ std::vector<EffectInstanceState> VisualEffectSystem::GetInstanceStates() const {
 
 void VisualEffectSystem::Clear() {
     parts_->simulation.Clear();
+    parts_->drawing.ResetCounters();
     parts_->definitions->Clear();
+}
+
+void VisualEffectSystem::Release() {
+    Clear();
+    parts_->drawing.Release();
 }
 
 }   // namespace sparkrig

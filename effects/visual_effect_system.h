@@ -35,8 +35,8 @@ class VisualEffectSystem : public ErrorClass {
     VisualEffectSystem(const VisualEffectSystem&) = delete;
     VisualEffectSystem& operator=(const VisualEffectSystem&) = delete;
 
-    /// Borrows the device. Loads "cfg/texCatalogue.cfg" and the particle shader effect. Without Init everything but
-    /// preloading and drawing works.
+    /// Borrows the device, which has been made. Loads "cfg/texCatalogue.cfg" and the particle shader effect. Everything
+    /// but preloading and drawing works without it. Mode: the buffer mode of EffectParticleSystem::Init.
     void Init(KRN_Gfx& gfx, int mode);
     /// With keep_instances running instances go on with the new definitions.
     void LoadEffects(const char* file, bool keep_instances);
@@ -44,9 +44,10 @@ class VisualEffectSystem : public ErrorClass {
     String GetEffectName(int index) const;   // in file order
 
     void StartEffect(const char* name, const D3DXVECTOR3& position);
+    /// Loads the textures of the effect and of what it emits. A name that begins with "trace:" names a texture.
     void PreloadEffect(const char* name);
     void Update(float elapsed_seconds);
-    /// The number of draw calls.
+    /// Draws into the scene that has begun. The number of draw calls.
     int Draw();
     int DrawnParticleCount() const;
     int DrawCallCount() const;
@@ -57,7 +58,9 @@ class VisualEffectSystem : public ErrorClass {
     /// Every live instance, in ascending order of ids.
     std::vector<EffectInstanceState> GetInstanceStates() const;
 
+    /// Ends every instance and forgets the definitions.
     void Clear();
+    /// Lets go of everything that needs the device, which is not used any more.
     void Release();
 
     VisualEffectSystemParts& Parts() { return *parts_; }

@@ -2,6 +2,7 @@
 #pragma once
 #include <memory>
 
+#include "effects/effect_drawing.h"
 #include "effects/effect_simulation.h"
 
 namespace sparkrig {
@@ -11,6 +12,7 @@ struct VisualEffectSystemParts {
 
     std::unique_ptr<EffectDefinitions> definitions = std::make_unique<EffectDefinitions>();
     EffectSimulation simulation;
+    EffectDrawing drawing;
 };
 
 }   // namespace sparkrig

@@ -1,0 +1,29 @@
+// Built as motion_lanes.cpp is.
+#include "effects/particle_appearance.h"
+
+#include "effects/packed_colour.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr std::uint32_t kSubtractiveAlpha = 1;   // present, where 0 would mean invisible
+
+/// The byte times `factor` 65536ths. Where the product leaves the byte, it wraps.
+std::uint32_t Scaled(std::uint32_t byte, std::uint32_t factor) { return byte * factor >> 16 & 255u; }
+
+}   // namespace
+
+void PackParticleColours(const VectorLanes& rgb, const float (&alpha)[kLanes], int count, bool subtractive,
+                         std::uint32_t (&colours)[kLanes]) {
+    if (!subtractive) {
+        for (int i = 0; i < count; ++i) colours[i] = PackColour(rgb.x[i], rgb.y[i], rgb.z[i], ColourByte(alpha[i]));
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const auto factor = static_cast<std::uint32_t>(TruncateColour(alpha[i] * 65536.0f));
+        colours[i] = kSubtractiveAlpha << 24 | Scaled(ColourByte(rgb.x[i]), factor) << 16 |
+                     Scaled(ColourByte(rgb.y[i]), factor) << 8 | Scaled(ColourByte(rgb.z[i]), factor);
+    }
+}
+
+}   // namespace sparkrig
