@@ -63,6 +63,8 @@ void SetFirstStates(GfxParts& parts) {
 }
 
 void SetLastStates(GfxParts& parts) {
+    parts.immediate.Create(parts.lists);
+    parts.text_drawer.CreateVertexList();
     parts.lighting.SetNormalizeNormals(true);
     parts.bindings.SetSoftwareProcessing(false);
     SetDefaultSamplers(parts);
@@ -168,6 +170,7 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
     ForgetDeviceStates(parts);
     ReapplyStates(parts, old_width, old_height);
     ReapplyRest(parts);
+    parts.catalogue.Restore();
     return was_lost ? 0 : 1;
 }
 
@@ -187,6 +190,7 @@ int PresentFrame(GfxParts& parts) {
     const HRESULT result = graphics.Device()->Present(nullptr, nullptr, nullptr, nullptr);
     parts.frames.Presented(graphics.Environment().seconds());
     parts.shader_effects.NextFrame();
+    parts.statistics.NextFrame();
     if (SUCCEEDED(result)) return 1;
     if (result == D3DERR_DRIVERINTERNALERROR) {
         graphics.Reporter().Warning("Present failed! %s", DXGetErrorString9(result));

@@ -7,8 +7,8 @@ void GeometryBindings::SetVertexFormat(DWORD fvf) {
     fvf_ = fvf;
 }
 
-void GeometryBindings::SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride) {
-    graphics_.Require(graphics_.Device()->SetStreamSource(0, buffer, 0, stride), "SetStreamSource failed: ");
+void GeometryBindings::SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride, const char* failure) {
+    graphics_.Require(graphics_.Device()->SetStreamSource(0, buffer, 0, stride), failure);
     stride_ = stride;
 }
 

@@ -9,7 +9,8 @@ class GeometryBindings {
     explicit GeometryBindings(const GraphicsDevice& graphics) : graphics_(graphics) {}
 
     void SetVertexFormat(DWORD fvf);
-    void SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride);
+    /// `failure`: the message but for the code's name.
+    void SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride, const char* failure = "SetStreamSource failed: ");
     void SetIndices(IDirect3DIndexBuffer9* buffer);
     /// Acts on a device with mixed processing only; on others there is nothing to choose.
     void SetSoftwareProcessing(bool on);

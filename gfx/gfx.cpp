@@ -1,9 +1,13 @@
 #include "gfx/gfx.h"
 
+#include <cstdarg>
+#include <cstdio>
+
 #include "gfx/device_life.h"
 #include "gfx/display_modes.h"
 #include "gfx/gfx_parts.h"
 #include "scene/camera.h"
+#include "scene/mesh.h"
 
 namespace sparkrig {
 
@@ -193,5 +197,73 @@ bool KRN_Gfx::LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool 
 }
 void KRN_Gfx::SetShaderEffect(KRN_ShaderEffect* effect) { parts_->effects.SetCurrent(effect); }
 KRN_ShaderEffect* KRN_Gfx::EffectForDraw() const { return parts_->effects.ForDraw(); }
+
+// ---- Geometry
+
+bool KRN_Gfx::CreateVertexList(KRN_VertexList* list, UINT elements, int usage, bool system_memory) {
+    return parts_->lists.Create(list, elements, usage, system_memory);
+}
+void KRN_Gfx::DrawTriangleList(KRN_VertexList& list, UINT first, int count) { parts_->lists.Draw(list, first, count); }
+void KRN_Gfx::SetTexture2D(KRN_Texture* texture) {
+    parts_->texture_stages.SetTexture(texture, -1);
+    parts_->screen.SetTexture(texture);
+}
+void KRN_Gfx::DrawTexture2D(const Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]) {
+    parts_->screen.Draw(rectangle, colour, z);
+}
+void KRN_Gfx::DrawFullScreenTexture(D3DCOLOR colour, float z) {
+    const D3DVIEWPORT9& viewport = parts_->transforms.Viewport();
+    const float x = static_cast<float>(viewport.X), y = static_cast<float>(viewport.Y);
+    const Quad2D whole = {x, y, x + static_cast<float>(viewport.Width), y + static_cast<float>(viewport.Height)};
+    parts_->screen.Draw(whole, colour, {z, z, z, z});
+}
+void KRN_Gfx::DrawLastTexture() { parts_->screen.DrawLast(); }
+bool KRN_Gfx::DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world) { return parts_->meshes.Draw(mesh, world); }
+
+// ---- Text
+
+void KRN_Gfx::SetFont(KRN_Font* font, float size, D3DCOLOR colour) { parts_->text.SetFont(font, size, colour); }
+
+const char* KRN_Gfx::FormatText(const char* format, std::va_list arguments) {
+    std::vector<char>& scratch = parts_->scratch;
+    const int length = std::vsnprintf(scratch.data(), scratch.size(), format, arguments);
+    if (length >= 0 && static_cast<std::size_t>(length) < scratch.size()) return scratch.data();
+    Warning("String too long for Printf()");
+    return nullptr;
+}
+
+void KRN_Gfx::Printf(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    const char* text = FormatText(format, arguments);
+    va_end(arguments);
+    if (text) parts_->text.Add(text);
+}
+
+void KRN_Gfx::Printf(float x, float y, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    const char* text = FormatText(format, arguments);
+    va_end(arguments);
+    if (text) parts_->text.AddAt(x, y, text);
+}
+
+void KRN_Gfx::PrintfCentred(float x, float y, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    const char* text = FormatText(format, arguments);
+    va_end(arguments);
+    if (!text) return;
+    parts_->text.SaveOptions();
+    parts_->text.Options().alignment = TextAlignment::Centre;
+    parts_->text.AddAt(x, y, text);
+    parts_->text.RestoreOptions();
+}
+
+void KRN_Gfx::DrawText() {
+    const RECT whole = {0, 0, static_cast<LONG>(parts_->targets.Width()), static_cast<LONG>(parts_->targets.Height())};
+    parts_->text_drawer.Draw(parts_->text, whole, 0, 0);
+    parts_->text.Clear();
+}
 
 }   // namespace sparkrig

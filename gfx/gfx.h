@@ -4,6 +4,7 @@
 // resized device is reset inside PresentFrame; the states that the program asked for are applied again, so callers
 // never repeat them. Setters remember what the device holds and skip repeats.
 #pragma once
+#include <cstdarg>
 #include <memory>
 #include <vector>
 
@@ -143,7 +144,7 @@ class KRN_Gfx : public KRN_Base {
     void CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels);
     /// Null, or a texture without a picture, unbinds. Stage -1 means all stages in use.
     void SetTexture(KRN_Texture* texture, int stage);
-    /// The texture that DrawTexture2D draws. Borrowed.
+    /// The texture of the screen drawing below; bound to all stages. Borrowed.
     void SetTexture2D(KRN_Texture* texture);
     void UpdateVideoSource(int index);
     KRN_TextureCatalogue& Catalogue();
@@ -158,18 +159,25 @@ class KRN_Gfx : public KRN_Base {
     // ---- Geometry
     bool CreateVertexList(KRN_VertexList* list, UINT elements, int usage, bool system_memory);
     void DrawTriangleList(KRN_VertexList& list, UINT first, int count);
+    /// In pixels of the target.
     struct Quad2D {
         float left, top, right, bottom;
     };
+    /// z: for the corners left bottom, left top, right bottom, right top.
     void DrawTexture2D(const Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]);
     /// The 2D texture over the whole viewport.
     void DrawFullScreenTexture(D3DCOLOR colour, float z);
+    /// The 2D texture where it was drawn last.
     void DrawLastTexture();
+    /// False for a mesh that is null, empty or out of view. A null world is the identity.
     bool DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world);
 
     // ---- Text
+    /// size 0 and a colour with alpha 0 leave the font's own. Borrowed.
     void SetFont(KRN_Font* font, float size, D3DCOLOR colour);
-    /// At pixel (x, y) of the client area.
+    /// Behind the text before it.
+    void Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    /// With its upper left corner at pixel (x, y) of the client area.
     void Printf(float x, float y, const char* format, ...) __attribute__((format(printf, 4, 5)));
     /// The same with the options saved, the first option field set to 1, and restored: (x, y) is the middle of the
     /// text.
@@ -180,6 +188,9 @@ class KRN_Gfx : public KRN_Base {
     GfxParts& Parts() { return *parts_; }
 
   private:
+    /// Null, after a warning, for a text that is too long.
+    const char* FormatText(const char* format, std::va_list arguments);
+
     std::unique_ptr<GfxParts> parts_;
 };
 

@@ -6,6 +6,7 @@
 #include "gfx/blending.h"
 #include "gfx/culling.h"
 #include "gfx/depth_states.h"
+#include "gfx/draw_statistics.h"
 #include "gfx/effect_choice.h"
 #include "gfx/fog.h"
 #include "gfx/frame_timing.h"
@@ -13,21 +14,27 @@
 #include "gfx/geometry_bindings.h"
 #include "gfx/gfx.h"
 #include "gfx/graphics_device.h"
+#include "gfx/immediate_lists.h"
 #include "gfx/light_slots.h"
 #include "gfx/lighting.h"
+#include "gfx/mesh_drawer.h"
 #include "gfx/point_sprites.h"
 #include "gfx/presentation.h"
+#include "gfx/printf_container.h"
 #include "gfx/render_sources.h"
 #include "gfx/render_targets.h"
 #include "gfx/sampler_settings.h"
+#include "gfx/screen_drawer.h"
 #include "gfx/shader_effect_loader.h"
 #include "gfx/state_sender.h"
+#include "gfx/text_drawer.h"
 #include "gfx/texture_catalogue.h"
 #include "gfx/texture_factor.h"
 #include "gfx/texture_loader.h"
 #include "gfx/texture_registry.h"
 #include "gfx/texture_stages.h"
 #include "gfx/transforms.h"
+#include "gfx/vertex_list_drawer.h"
 #include "gfx/video_sources.h"
 
 namespace sparkrig {
@@ -79,7 +86,22 @@ struct GfxParts {
     TextureStages texture_stages;
     ShaderEffectLoader shader_effects;
     EffectChoice effects;
+
+    // Drawing
+    DrawStatistics statistics;
+    VertexListDrawer lists{graphics, bindings, points, transforms, effects, statistics};
+    ImmediateLists immediate;
+    ScreenDrawer screen{sender, bindings, culling, depth, samplers, effects, statistics};
+    MeshDrawer meshes{sender, bindings, culling, points, lighting, transforms, texture_stages, effects, statistics};
+
+    // Text
+    KRN_PrintfContainer text;
+    TextDrawer text_drawer{culling, depth, samplers, transforms, texture_stages, lists};
+    std::vector<char> scratch = std::vector<char>(kScratchBytes);   // of Printf
+
     KRN_TextureCatalogue catalogue;
+
+    static constexpr std::size_t kScratchBytes = 65536;
 };
 
 }   // namespace sparkrig

@@ -4,7 +4,8 @@
 
 namespace sparkrig {
 
-/// One row of the table of pixel formats: pack gives the stored value, unpack the ARGB colour.
+/// One row of the table of pixel formats: pack gives the stored value, unpack the ARGB colour. Channels are cut to
+/// their upper bits and come back shifted, not stretched: 31 of 5 bits is 248.
 struct PixelCodec {
     D3DFORMAT format;
     int bytes;   // per pixel; 0 for block-compressed formats

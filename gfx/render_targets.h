@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "gfx/graphics_device.h"
-#include "gfx/surface_base.h"
+#include "gfx/surface.h"
 
 namespace sparkrig {
 

@@ -1,4 +1,4 @@
-// What a locked image can do, and a plain surface.
+// What a locked image can do.
 #pragma once
 #include "base/resource_manager.h"
 #include "gfx/pixel_codec.h"
@@ -16,16 +16,32 @@ class KRN_SurfaceBase : public KRN_ResourceBase {
     virtual bool HasSurface() const = 0;
 
     bool IsLocked() const { return locked_; }
-    /// Inside a lock; x and y relative to the image. Outside the locked rectangle: 0, or nothing is written.
-    D3DCOLOR GetPixel(int x, int y) const;
-    void SetPixel(int x, int y, D3DCOLOR argb);
-    D3DFORMAT Format() const { return format_; }
     /// The device's record of the present lock.
     D3DLOCKED_RECT& Locked() { return locked_data_; }
+    D3DFORMAT Format() const { return format_; }
+
+    // Inside a lock; x and y relative to the image. Outside the locked rectangle: 0, or nothing is written. A format
+    // without a codec for single pixels is an error.
+    D3DCOLOR GetPixel(int x, int y) const;
+    void SetPixel(int x, int y, D3DCOLOR argb);
+    /// A single pixel of a block, always read as four colours; DXT5 takes the first end value as the alpha of all its
+    /// pixels. False outside the locked rectangle.
+    bool GetCompressedPix(int x, int y, D3DCOLOR& argb) const;
+
+    /// Set by AnalyseAlpha.
+    bool HasPartialAlpha() const { return partial_alpha_; }
 
   protected:
     KRN_SurfaceBase() = default;
     ~KRN_SurfaceBase() = default;
+
+    /// Chooses the codec of the image that will be locked.
+    void SetFormat(D3DFORMAT format);
+    /// After a successful lock, and before the unlock. The whole image is width x height.
+    void BeginLock(const RECT* rectangle, UINT width, UINT height, const D3DLOCKED_RECT& data);
+    void EndLock() { locked_ = false; }
+    /// Writes the colour into every pixel of the locked rectangle.
+    void FillLocked(D3DCOLOR argb);
 
     bool locked_ = false;
     RECT locked_rect_ = {};
@@ -33,31 +49,15 @@ class KRN_SurfaceBase : public KRN_ResourceBase {
     D3DFORMAT format_ = D3DFMT_UNKNOWN;
     const PixelCodec* codec_ = nullptr;
     bool partial_alpha_ = false;
-};
-
-class KRN_Surface : public KRN_SurfaceBase {
-  public:
-    KRN_Surface();
-    ~KRN_Surface();
-    KRN_Surface(const KRN_Surface&) = delete;
-    KRN_Surface& operator=(const KRN_Surface&) = delete;
-
-    /// Takes a further reference; null lets go.
-    void Wrap(IDirect3DSurface9* surface);
-    IDirect3DSurface9* Get() const { return surface_.Get(); }
-
-    bool Lock(const RECT* rectangle, DWORD flags) override;
-    bool Unlock() override;
-    void GetRect(RECT& rectangle) const override;
-    POINT GetSize() const override;
-    bool GetSize(UINT& width, UINT& height) const override;
-    bool HasSurface() const override { return static_cast<bool>(surface_); }
-    void Clear(class KRN_Gfx& gfx, D3DCOLOR colour, const RECT* rectangle);
 
   private:
-    DevicePtr<IDirect3DSurface9> surface_;
-    UINT width_ = 0, height_ = 0;
-    RECT rect_ = {};
+    bool InLock(int x, int y) const;
+    const PixelCodec& Codec() const;   // of single pixels, or the error that there is none
+    BYTE* PixelAt(int x, int y) const;
 };
+
+/// Fills a surface of the default pool, or a rectangle of it.
+void FillSurface(const KRN_Base& reporter, IDirect3DDevice9& device, IDirect3DSurface9& surface, const RECT* rectangle,
+                 D3DCOLOR colour);
 
 }   // namespace sparkrig

@@ -1,30 +1,47 @@
 // A picture that can be drawn: up to four layers, a sequence of frames, or a video source.
+//
+// Life: made empty -> KRN_Gfx::LoadTexture or CreateTexture, as often as wanted -> Release or destruction, before
+// KRN_Gfx goes. Pictures in the default pool are gone after a device reset (HasSurface) and are made again by the
+// owner.
 #pragma once
 #include <cstdint>
 #include <vector>
 
 #include "base/string.h"
 #include "gfx/surface_base.h"
+#include "gfx/texture_matrix.h"
+#include "gfx/texture_sequence.h"
 
 namespace sparkrig {
 
 class KRN_Gfx;
+class TextureRegistry;
 
-enum class MapKind : std::int32_t { None = 0, Diffuse = 1, Bump = 2, Reflection = 3 };
-enum class PlaybackMode : std::int32_t { Loop = 0, PingPong = 1, Once = 2 };
+/// What a layer does to the picture. Kind 1 stands at any stage, 3 and 6 at stage 0 only.
+enum class MapKind : std::int32_t {
+    None = 0,
+    Diffuse = 1,
+    Bump = 2,
+    Reflection = 3,
+    Light = 4,              // multiplies
+    Detail = 5,             // multiplies, twice as bright
+    SphereReflection = 6,   // a reflection whose coordinates the program computes
+    Decal = 7,              // covers by its own alpha
+};
 
 class KRN_Texture : public KRN_SurfaceBase {
   public:
     static constexpr int kLayers = 4;
 
     KRN_Texture();
-    ~KRN_Texture();
+    ~KRN_Texture() { Release(); }
     KRN_Texture(const KRN_Texture&) = delete;
     KRN_Texture& operator=(const KRN_Texture&) = delete;
 
-    /// Lets go of every layer and frame.
+    /// Lets go of every layer and frame; what was set for the layers stays.
     void Release();
 
+    // ---- As a surface: the level chosen by SetMipLevel of the device texture in use.
     bool IsValid() const override;
     bool Lock(const RECT* rectangle, DWORD flags) override;
     bool Unlock() override;
@@ -32,42 +49,114 @@ class KRN_Texture : public KRN_SurfaceBase {
     POINT GetSize() const override;
     bool GetSize(UINT& width, UINT& height) const override;
     /// Whether a device texture is in use.
-    bool HasSurface() const override;
+    bool HasSurface() const override { return DeviceTexture() != nullptr; }
+    void SetMipLevel(UINT level) { mip_level_ = level; }
+    UINT MipLevel() const { return mip_level_; }
+    DevicePtr<IDirect3DSurface9> GetSurfaceLevel(UINT level);
+    /// A rectangle only for textures of the default pool; others are filled whole.
+    void Clear(D3DCOLOR colour, const RECT* rectangle);
+    /// Looks for alpha strictly between none and full in at most 64 x 64 samples.
+    void AnalyseAlpha();
 
+    // ---- Layers. The current layer, 0 at first, is the one that loading and locking act on.
+    /// With `apply` the layer's texture is also bound to the stage of the same number.
     bool SelectLayer(int layer, bool apply);
-    bool SelectSequenceFrame(int frame);
+    int CurrentLayer() const { return current_layer_; }
     bool SetStageMap(int layer, MapKind kind, float amount);
-    /// Start time and frame duration in seconds.
-    void SetSequenceTiming(float start, float frame_seconds, PlaybackMode mode);
+    MapKind KindOf(int layer) const { return layers_[layer].kind; }
+    float AmountOf(int layer) const { return layers_[layer].amount; }
+    void SetLayerMatrix(int layer, const TextureMatrixValues& values);
+    const D3DXMATRIX& LayerMatrix(int layer) const { return layers_[layer].matrix; }
+    /// Borrowed; null for a layer without a picture. Layer 0 of a sequence is the current frame.
+    IDirect3DTexture9* LayerTexture(int layer) const;
+
+    // ---- Sequences
+    bool SelectSequenceFrame(int frame);
+    void SetSequenceTiming(const SequenceTiming& timing) { timing_ = timing; }
+    int SequenceFrames() const { return static_cast<int>(frames_.size()); }
+    int CurrentFrame() const { return current_frame_; }
+    void FreeSequenceFrame(int frame);
     /// Advances texture matrices and the sequence frame to time t (seconds).
     void Update(float t);
 
-    bool GetCompressedPix(int x, int y, D3DCOLOR& argb) const;
-    void AnalyseAlpha();
-    bool HasPartialAlpha() const { return partial_alpha_; }
-    void Clear(D3DCOLOR colour, const RECT* rectangle);
-    DevicePtr<IDirect3DSurface9> GetSurfaceLevel(UINT level);
-
-    /// The device texture in use: the current layer's, or the current frame's. Borrowed.
+    // ---- What is in use
+    /// Borrowed; null without a picture.
     IDirect3DTexture9* DeviceTexture() const;
-    int SequenceFrames() const;
-    int CurrentFrame() const;
-    /// The name that the current layer was loaded by; empty for created ones.
-    const String& Name() const;
-    /// The texture's identifier: the registry index of what is in use, plus 1; 0 without a picture.
-    int Identifier() const;
-    /// Texture coordinates of the picture: u, v of the origin and its size.
+    /// The name that the current layer, or the sequence, was loaded by; empty for created ones.
+    const String& Name() const { return layers_[current_layer_].name; }
+    /// Seconds since 1970 of the current layer's file, 0 without one.
+    std::uint32_t TimeStamp() const { return layers_[current_layer_].time_stamp; }
+    /// The registry index of what is in use, plus 1; 0 without a picture. Textures that share have the same.
+    int Identifier() const { return InUse().entry + 1; }
+    /// 0 to 15, or -1.
+    int VideoSourceIndex() const { return video_source_; }
+    /// The picture's own size, which may be less than the device texture's.
+    float Width() const { return InUse().width; }
+    float Height() const { return InUse().height; }
+    /// Texture coordinates of the picture: its origin, its size, and what lies beyond.
     struct Rectangle {
-        float u, v, size_u, size_v, extra_u, extra_v;
+        float u = 0, v = 0, size_u = 1, size_v = 1, extra_u = 0, extra_v = 0;
     };
-    const Rectangle& TextureRectangle() const;
-    void SetAlphaTest(bool on);
-    bool AlphaTest() const;
+    const Rectangle& TextureRectangle() const { return InUse().rectangle; }
+    void SetTextureRectangle(const Rectangle& rectangle) { InUse().rectangle = rectangle; }
+
+    // ---- How it is drawn
+    /// SetTexture switches the alpha test on or off by this.
+    void SetAlphaTest(bool on) { alpha_test_ = on; }
+    bool AlphaTest() const { return alpha_test_; }
+    /// Whether screen-space drawing lets it repeat beyond its edges.
+    void SetRepeats(bool repeats) { repeats_ = repeats; }
+    bool Repeats() const { return repeats_; }
+    /// The four vertices of its screen-space drawing; made by the drawer.
+    DevicePtr<IDirect3DVertexBuffer9>& ScreenQuad() { return screen_quad_; }
 
   private:
     friend class TextureLoader;
-    struct Data;
-    Data* data_;   // owned
+
+    /// One device texture, by its registry entry, and the picture in it.
+    struct Picture {
+        int entry = -1;
+        UINT texture_width = 0, texture_height = 0;   // level 0
+        float width = 0, height = 0;
+        Rectangle rectangle;
+    };
+    struct Layer {
+        Picture picture;
+        bool default_pool = false;
+        String name;
+        std::uint32_t time_stamp = 0;
+        MapKind kind = MapKind::None;
+        float amount = 1;
+        TextureMatrixValues matrix_values;
+        D3DXMATRIX matrix = kIdentityMatrix;
+    };
+
+    const Picture& InUse() const { return frames_.empty() ? layers_[current_layer_].picture : frames_[current_frame_]; }
+    Picture& InUse() { return frames_.empty() ? layers_[current_layer_].picture : frames_[current_frame_]; }
+    IDirect3DTexture9* TextureOf(const Picture& picture) const;
+
+    // For the loader.
+    void Attach(KRN_Gfx& gfx, TextureRegistry& registry);
+    void ReleasePicture(Picture& picture);
+    void ReleaseFrames();
+    void StartSequence(int frames);
+    /// Puts an entry, one user of which it takes over, into use. The picture's size is the device texture's.
+    void Adopt(int entry);
+    /// The picture covers only the upper left width x height pixels of its device texture.
+    void SetPictureSize(float width, float height);
+
+    KRN_Gfx* gfx_ = nullptr;                // borrowed, since the first load
+    TextureRegistry* registry_ = nullptr;   // borrowed, of gfx_
+    Layer layers_[kLayers];
+    int current_layer_ = 0;
+    std::vector<Picture> frames_;   // of the sequence; empty for none
+    int current_frame_ = 0;
+    SequenceTiming timing_;
+    int video_source_ = -1;
+    UINT mip_level_ = 0;
+    bool alpha_test_ = false;
+    bool repeats_ = false;
+    DevicePtr<IDirect3DVertexBuffer9> screen_quad_;
 };
 
 }   // namespace sparkrig

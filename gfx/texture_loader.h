@@ -2,11 +2,15 @@
 //
 // The same file is loaded once: its device texture is shared through the registry under the file's name and time.
 #pragma once
+#include <memory>
 #include <string>
 
+#include "base/file_validator.h"
+#include "gfx/texture_format.h"
 #include "gfx/texture_paths.h"
 #include "gfx/texture_registry.h"
 #include "gfx/video_sources.h"
+#include "platform/d3dx/d3dx_texture.h"
 
 namespace sparkrig {
 
@@ -22,40 +26,60 @@ struct TextureSettings {
     UINT compression_threshold = 65536;
 };
 
-/// Bits that stand beside the load parameter proper, which is -1, 0, 1, 2 or 3.
+/// Bits that stand beside the load parameter proper, which is 0 or 2 (managed pool), 1 (default pool) or 3 (a render
+/// target in the default pool). -1 is 0 without bits.
 inline constexpr int kLoadWithoutStretching = 0x1000, kLoadKeepsTexture = 0x2000;
-/// Bit that stands beside CreateTexture's mode, which is -1, 1, 2, 3 or 4.
+/// Bit that stands beside CreateTexture's mode, which is 1 (default pool), 2 (system memory), 3 (render target) or 4
+/// (managed). -1 is 4 without the bit.
 inline constexpr int kCreateDynamic = 0x200;
-/// Frames of one image-file list, and of everything that one LoadTexture reads.
-inline constexpr int kMaxSequenceFrames = 4096;
 
 class TextureLoader {
   public:
     /// `gfx` reports, and gives the device, its capabilities and its formats; all are borrowed.
     TextureLoader(KRN_Gfx& gfx, TextureRegistry& registry, VideoSources& videos);
+    ~TextureLoader();
 
+    /// What the name says is loaded into the texture's current layer.
     void LoadTexture(KRN_Texture* texture, const char* name, D3DCOLOR colour_key, int parameter, int format,
                      int mip_levels);
+    /// An empty texture in the current layer. Format -1 is the device's alpha format.
     void CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels);
+    /// Whether LoadTexture would find something under the name.
+    bool CanLoad(const char* name) const;
 
     TextureSettings& Settings() { return settings_; }
     TexturePaths& Paths() { return paths_; }
     const TexturePaths& Paths() const { return paths_; }
+    const CFileValidator& Validator() const { return validator_; }
 
   private:
-    struct Request;
-    void Load(KRN_Texture& texture, const Request& request);
+    /// What LoadTexture was asked for, its parameter taken apart.
+    struct Request {
+        D3DCOLOR colour_key;
+        int format, mip_levels;
+        bool stretching, keeps_texture;
+        DWORD usage;
+        D3DPOOL pool;
+    };
+    /// How an image file becomes a texture.
+    struct Plan;
+
+    Request TakeApart(D3DCOLOR colour_key, int parameter, int format, int mip_levels) const;
     void LoadVideoSource(KRN_Texture& texture, const char* name);
-    void LoadImageList(KRN_Texture& texture, const Request& request);
+    void LoadFrameList(KRN_Texture& texture, const std::string& list, const Request& request);
+    void LoadPicture(KRN_Texture& texture, const std::string& file, const Request& request);
     void LoadPlaceholder(KRN_Texture& texture);
-    void LoadImageFile(KRN_Texture& texture, const Request& request);
+    int LoadImageFile(const std::string& file, const std::string& key, const Request& request);
+    Plan MakePlan(const std::string& file, const D3DXIMAGE_INFO& info, const Request& request) const;
+    D3DXIMAGE_INFO ReadInfo(const std::string& file) const;
 
     KRN_Gfx& gfx_;
     TextureRegistry& registry_;
     VideoSources& videos_;
+    CFileValidator validator_;
     TexturePaths paths_;
     TextureSettings settings_;
-    int placeholder_ = -1;   // registry index, one user is the loader
+    std::unique_ptr<KRN_Texture> placeholder_;   // made at first use
 };
 
 }   // namespace sparkrig

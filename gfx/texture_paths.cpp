@@ -3,14 +3,11 @@
 #include "platform/system/system.h"
 
 namespace sparkrig {
-namespace {
 
-std::string Below(const std::string& directory, const char* name) {
-    const char last = directory.back();
+std::string JoinPath(const std::string& directory, const char* name) {
+    const char last = directory.empty() ? '\0' : directory.back();
     return last == '/' || last == '\\' ? directory + name : directory + "\\" + name;
 }
-
-}   // namespace
 
 bool TexturePaths::Find(const char* name, std::string& found) const {
     if (*name == '\0') return false;
@@ -18,7 +15,7 @@ bool TexturePaths::Find(const char* name, std::string& found) const {
     if (FileExists(found.c_str())) return true;
     for (const std::string* directory : {&textures_, &base_}) {
         if (directory->empty()) continue;
-        found = Below(*directory, name);
+        found = JoinPath(*directory, name);
         if (FileExists(found.c_str())) return true;
     }
     return false;

@@ -4,6 +4,9 @@
 
 namespace sparkrig {
 
+/// directory + "\" + name; no separator is added behind one.
+std::string JoinPath(const std::string& directory, const char* name);
+
 class TexturePaths {
   public:
     void SetBasePath(const char* path) { base_ = path ? path : ""; }

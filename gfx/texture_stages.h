@@ -1,11 +1,12 @@
 // Binds textures to the device's stages and sets the stages up for the kinds of their layers.
 #pragma once
+#include "gfx/stage_recipes.h"
+#include "gfx/texture.h"
 #include "platform/d3d9/d3d9.h"
 
 namespace sparkrig {
 
 class KRN_Gfx;
-class KRN_Texture;
 
 class TextureStages {
   public:
@@ -13,7 +14,8 @@ class TextureStages {
     explicit TextureStages(KRN_Gfx& gfx) : gfx_(gfx) {}
 
     /// Null, or a texture without a picture, unbinds: every stage in use for stage -1, else that stage. Otherwise layer
-    /// n of the texture goes to stage n; with a stage number the current layer goes there.
+    /// n of the texture goes to stage n of the stages in use; a stage above 0 alone gets its layer, or the texture in
+    /// use when it has none.
     void SetTexture(KRN_Texture* texture, int stage);
 
     /// Stages that SetTexture sets and clears, 1 to 8.
@@ -24,9 +26,21 @@ class TextureStages {
     void Forget();
 
   private:
+    void Unbind(int stage);
+    void SetLayers(const KRN_Texture& texture);
+    void SetLayer(const KRN_Texture& texture, int layer, int stage);
+    void Bind(int stage, IDirect3DTexture9* texture, MapKind kind);
+    void SendColour(int stage, StageRecipe recipe);
+    void SendAlpha(int stage, DWORD operation, DWORD argument);
+    void SendMatrix(int stage, const D3DXMATRIX& matrix);
+    void SendBumpMatrix(int stage, float amount);
+    /// The argument by which the diffuse colour is taken now: itself, or the texture factor that stands in for it.
+    DWORD DiffuseArgument();
+
     KRN_Gfx& gfx_;
     int stages_in_use_ = 2;
-    const void* bound_[kTextureStages] = {};   // compared, never used
+    IDirect3DTexture9* bound_[kTextureStages] = {};   // borrowed: what the device holds is not freed meanwhile
+    MapKind kinds_[kTextureStages] = {};
 };
 
 }   // namespace sparkrig

@@ -35,12 +35,13 @@ struct KRN_PointVertex {
     D3DCOLOR diffuse;
 };
 
-/// Where the components of a vertex format lie, in bytes.
+/// Where the components of a vertex format lie, in bytes. A component that the format lacks has the place where it
+/// would stand.
 struct VertexLayout {
     DWORD format = 0;
     int stride = 0;
     int position = 0, rhw_or_weights = 0, normal = 0, point_size = 0, diffuse = 0, specular = 0;
-    int weights = 0;   // blend weights
+    int weights = 0;   // blend weights, packed indices counted as one
     int texture_sets = 0;
     int texture_offset[8] = {}, texture_floats[8] = {};
 };
@@ -55,33 +56,46 @@ enum class PrimitiveMode : std::int32_t {
     TriangleFan = 6,
 };
 
-class KRN_VertexListBase : public KRN_3dObject {
+/// The number of primitives that `elements` vertices make; an unknown mode is an error of `reporter`.
+UINT PrimitiveCount(const KRN_Base& reporter, int mode, UINT elements);
+
+/// A mesh is a vertex list too and has one node all the same: hence the virtual base.
+class KRN_VertexListBase : public virtual KRN_3dObject {
   public:
-    KRN_VertexListBase();
+    KRN_VertexListBase() { SetName("KRN_ListBase"); }
 
   protected:
     ~KRN_VertexListBase() = default;
 };
 
+/// Empty until KRN_Gfx::CreateVertexList. A list in the default pool must let go of its buffer before a device reset
+/// and be created again afterwards, by its owner.
 class KRN_VertexList : public KRN_VertexListBase {
   public:
-    KRN_VertexList(PrimitiveMode mode, DWORD format);
-    ~KRN_VertexList();
+    KRN_VertexList(PrimitiveMode mode, DWORD format) : mode_(mode), layout_(ComputeVertexLayout(format)) {
+        point_sprites_.size = 4.0f;
+    }
+    KRN_VertexList(const KRN_VertexList&) = delete;
+    KRN_VertexList& operator=(const KRN_VertexList&) = delete;
+    ~KRN_VertexList() = default;
 
-    /// First element, element count. Null never comes back: a failing lock is an error.
+    /// First element, element count; 0, 0 locks all. Null never comes back: a failing lock is an error.
     void* LockElements(UINT first, UINT count, DWORD flags);
     bool Unlock();
 
     PrimitiveMode Mode() const { return mode_; }
-    void SetMode(PrimitiveMode mode) { mode_ = mode; }
+    void SetMode(PrimitiveMode mode);
     const VertexLayout& Layout() const { return layout_; }
     UINT ElementCount() const { return elements_; }
     UINT PrimitiveCount() const { return primitives_; }
     bool IsLocked() const { return locked_; }
     PointSpriteSettings& PointSprites() { return point_sprites_; }
+    /// Its vertices are processed in software although the device has mixed processing.
+    bool SoftwareProcessing() const { return (usage_ & D3DUSAGE_SOFTWAREPROCESSING) != 0; }
+    D3DPOOL Pool() const { return pool_; }
     IDirect3DVertexBuffer9* Buffer() const { return buffer_.Get(); }
     /// Lets go of the device buffer.
-    void ReleaseBuffer() { buffer_.Reset(); }
+    void ReleaseBuffer();
 
   private:
     friend class VertexListDrawer;
@@ -94,9 +108,6 @@ class KRN_VertexList : public KRN_VertexListBase {
     bool locked_ = false;
     PointSpriteSettings point_sprites_;
 };
-
-/// The number of primitives that `elements` vertices make; an unknown mode is an error of `reporter`.
-UINT PrimitiveCount(const KRN_Base& reporter, int mode, UINT elements);
 
 /// A list of one vertex type. Its format is the type's kFormat.
 template <class Vertex>

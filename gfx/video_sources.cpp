@@ -1,6 +1,6 @@
 #include "gfx/video_sources.h"
 
-#include "gfx/surface_base.h"
+#include "gfx/surface.h"
 
 namespace sparkrig {
 

@@ -1,0 +1,72 @@
+#include "gfx/mesh_drawer.h"
+
+#include "gfx/effect_passes.h"
+#include "scene/mesh.h"
+
+namespace sparkrig {
+
+bool MeshDrawer::Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world) {
+    if (!mesh) {
+        sender_.Reporter().Warning("Pointer to mesh is zero");
+        return false;
+    }
+    if (!mesh->Geometry() || mesh->MaterialCount() == 0) return false;
+    D3DXMATRIX placed = mesh->WorldMatrix();
+    if (world) D3DXMatrixMultiply(&placed, &placed, world);
+    if (!BoundsVisible(transforms_.Planes(), *mesh, placed)) return false;
+
+    ++statistics_.meshes;
+    PrepareStates(*mesh, world != nullptr);
+    transforms_.Set(D3DTS_WORLD, placed);
+    const int culling = culling_.Mode();
+    if (D3DXMatrixDeterminant(&placed) < 0) culling_.Set(-culling);   // a mirrored mesh shows its backs
+    DrawGroups(*mesh);
+    culling_.Set(culling);
+    return true;
+}
+
+void MeshDrawer::PrepareStates(const KRN_MeshBase& mesh, bool world_given) {
+    sender_.SetRenderState(D3DRS_POINTSPRITEENABLE, DWORD{FALSE});
+    sender_.SetStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_DISABLE);
+    bindings_.SetSoftwareProcessing(mesh.SoftwareProcessing());
+    if (!world_given && points_.FillMode() == static_cast<int>(D3DFILL_POINT)) points_.Apply(points_.Settings(), false);
+    lighting_.SetNormalizeNormals(true);
+}
+
+void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh) {
+    DWORD entries = 0;
+    sender_.Graphics().Require(mesh.Geometry()->GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
+    if (entries == 0) {   // not sorted by group: drawn as one
+        lighting_.SetMaterial(mesh.Material(0).colours);
+        textures_.SetTexture(nullptr, -1);
+        DrawSubset(mesh, 0);
+        return;
+    }
+    for (const bool blending : {false, true}) {
+        for (int group = 0; group < mesh.MaterialCount(); ++group) {
+            const MeshMaterial& material = mesh.Material(group);
+            const bool drawn = !material.hidden && material.transparency != 1.0f;
+            if (drawn && material.blending == blending) DrawMaterial(mesh, group);
+        }
+    }
+}
+
+void MeshDrawer::DrawMaterial(const KRN_MeshBase& mesh, int group) {
+    const MeshMaterial& material = mesh.Material(group);
+    const int culling = culling_.Mode();
+    if (material.two_sided) culling_.Set(0);
+    lighting_.SetMaterial(material.colours);
+    textures_.SetTexture(nullptr, -1);
+    DrawSubset(mesh, static_cast<DWORD>(group));
+    culling_.Set(culling);
+}
+
+void MeshDrawer::DrawSubset(const KRN_MeshBase& mesh, DWORD subset) {
+    DrawWithEffect(effects_.ForDraw(), [&] {
+        ++statistics_.draw_calls;
+        if (statistics_.suppress_draws) return;
+        sender_.Graphics().Require(mesh.Geometry()->DrawSubset(subset), " DrawSubset failed: ");
+    });
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,51 @@
+// Draws a mesh group by group: opaque groups first, then blended ones.
+#pragma once
+#include "gfx/culling.h"
+#include "gfx/draw_statistics.h"
+#include "gfx/effect_choice.h"
+#include "gfx/geometry_bindings.h"
+#include "gfx/lighting.h"
+#include "gfx/point_sprites.h"
+#include "gfx/texture_stages.h"
+#include "gfx/transforms.h"
+
+namespace sparkrig {
+
+class KRN_MeshBase;
+
+class MeshDrawer {
+  public:
+    MeshDrawer(StateSender& sender, GeometryBindings& bindings, CullingState& culling, PointSprites& points,
+               LightingState& lighting, Transforms& transforms, TextureStages& textures, const EffectChoice& effects,
+               DrawStatistics& statistics)
+        : sender_(sender),
+          bindings_(bindings),
+          culling_(culling),
+          points_(points),
+          lighting_(lighting),
+          transforms_(transforms),
+          textures_(textures),
+          effects_(effects),
+          statistics_(statistics) {}
+
+    /// False for a mesh that is null (a warning), without geometry, or out of view. A null world is the identity.
+    bool Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world);
+
+  private:
+    void PrepareStates(const KRN_MeshBase& mesh, bool world_given);
+    void DrawGroups(const KRN_MeshBase& mesh);
+    void DrawMaterial(const KRN_MeshBase& mesh, int group);
+    void DrawSubset(const KRN_MeshBase& mesh, DWORD subset);
+
+    StateSender& sender_;
+    GeometryBindings& bindings_;
+    CullingState& culling_;
+    PointSprites& points_;
+    LightingState& lighting_;
+    Transforms& transforms_;
+    TextureStages& textures_;
+    const EffectChoice& effects_;
+    DrawStatistics& statistics_;
+};
+
+}   // namespace sparkrig

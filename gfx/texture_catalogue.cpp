@@ -1,0 +1,143 @@
+#include "gfx/texture_catalogue.h"
+
+#include <climits>
+#include <cstring>
+
+#include "base/file_validator.h"
+#include "base/text_data_file_reader.h"
+#include "gfx/gfx.h"
+#include "gfx/gfx_parts.h"
+#include "gfx/texture.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr D3DCOLOR kMissingFileColour = 0xFF969696;
+constexpr UINT kMissingFileSize = 4;
+
+/// The tree takes names that begin with a character of ASCII.
+bool CanBeName(const char* name) { return static_cast<signed char>(*name) >= 32; }
+
+/// Walks the tokens of a catalogue file and gives its pairs of name and file.
+class CatalogueFile {
+  public:
+    explicit CatalogueFile(const char* name) { reader_.Open(name, true); }
+
+    /// False at the end.
+    bool Next(String& name, String& file);
+
+  private:
+    /// Reads what stands next, leaving out blanks; for a quoted string its text.
+    enum class Token { End, Comment, Quoted, Equals, Other };
+    Token Read(String& text);
+    void SkipLine();
+
+    TextDataFileReader reader_;
+};
+
+void CatalogueFile::SkipLine() {
+    const int next = reader_.CurrentLine() + 1;
+    if (next < reader_.LineCount())
+        reader_.SeekLine(next);
+    else
+        reader_.Skip(INT_MAX / 2);
+}
+
+CatalogueFile::Token CatalogueFile::Read(String& text) {
+    if (reader_.SkipSpace() != 0) return Token::End;
+    const char first = reader_.PeekChar();
+    if (first == ';') {
+        SkipLine();
+        return Token::Comment;
+    }
+    if (first == '"') return reader_.ReadQuotedString(text) == 0 ? Token::Quoted : Token::End;
+    char word[TextDataFileReader::kTokenSize];
+    if (reader_.ReadWord(word) != 0) return Token::End;
+    return std::strcmp(word, "=") == 0 ? Token::Equals : Token::Other;
+}
+
+bool CatalogueFile::Next(String& name, String& file) {
+    bool pending = false;
+    for (;;) {
+        const Token token = Read(pending ? file : name);
+        if (token == Token::End) return false;
+        if (token == Token::Comment) pending = false;
+        if (token != Token::Quoted) continue;
+        if (pending) return true;
+        pending = true;
+        // The line on which the name ended: a string on a later line begins anew, so that one bad line costs no other.
+        for (int line = reader_.CurrentLine(); pending;) {
+            String text;
+            const Token behind = Read(text);
+            if (behind == Token::Equals) break;
+            if (behind == Token::End) return false;
+            reader_.Warning("No \"=\" behind \"%s\"", name.c_str());
+            pending = behind == Token::Quoted && reader_.CurrentLine() > line;
+            if (pending) name = text;
+            line = reader_.CurrentLine();
+        }
+    }
+}
+
+}   // namespace
+
+KRN_TextureCatalogue::KRN_TextureCatalogue(KRN_Gfx& gfx) : gfx_(gfx) { SetName("KRN_TextureCatalogue"); }
+KRN_TextureCatalogue::~KRN_TextureCatalogue() = default;
+
+void KRN_TextureCatalogue::Clear() { entries_.Clear(); }
+
+void KRN_TextureCatalogue::Load(const char* file, const char* directory, bool use_directory) {
+    const bool below = use_directory && directory && *directory;
+    CatalogueFile catalogue(file);
+    String name, entry_file;
+    while (catalogue.Next(name, entry_file)) {
+        gfx_.Parts().texture_loader.Validator().CheckPath(entry_file.c_str());
+        const std::string path = below ? JoinPath(directory, entry_file.c_str()) : entry_file.c_str();
+        Add(name.c_str(), path.c_str(), 1, true);
+    }
+}
+
+bool KRN_TextureCatalogue::Add(const char* name, const char* file, int load_parameter, bool flag) {
+    if (!CanBeName(name)) {
+        Warning("Invalid name '%s' of file '%s'", name, file);
+        return false;
+    }
+    TextureData* entry = entries_.Insert(name);
+    if (!entry) {
+        Warning("Duplicate entry '%s' in file '%s'", name, file);
+        return false;
+    }
+    entry->file = file;
+    entry->load_parameter = load_parameter;
+    entry->flag = flag;
+    if (!gfx_.Parts().texture_loader.CanLoad(file)) Warning("Texture file not found: '%s'", file);
+    return true;
+}
+
+KRN_Texture* KRN_TextureCatalogue::GetTexture(const char* name) {
+    TextureData* entry = CanBeName(name) ? entries_.Find(name) : nullptr;
+    if (!entry) return nullptr;
+    if (!entry->texture) {
+        auto texture = std::make_unique<KRN_Texture>();
+        LoadInto(*texture, *entry);
+        entry->texture = std::move(texture);
+    }
+    return entry->texture.get();
+}
+
+void KRN_TextureCatalogue::LoadInto(KRN_Texture& texture, const TextureData& entry) {
+    if (gfx_.Parts().texture_loader.CanLoad(entry.file.c_str())) {
+        gfx_.LoadTexture(&texture, entry.file.c_str(), 0, entry.load_parameter);
+        return;
+    }
+    gfx_.CreateTexture(&texture, kMissingFileSize, kMissingFileSize, -1, gfx_.AlphaFormat(), 1);
+    texture.Clear(kMissingFileColour, nullptr);
+}
+
+void KRN_TextureCatalogue::Restore() {
+    entries_.ResetIteration();
+    while (TextureData* entry = entries_.GetNext())
+        if (entry->texture && !entry->texture->HasSurface()) LoadInto(*entry->texture, *entry);
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,259 @@
+#include "gfx/texture_loader.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "gfx/frame_list.h"
+#include "gfx/gfx.h"
+#include "gfx/texture.h"
+#include "platform/d3dx/pixel_formats.h"
+#include "platform/system/system.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr char kVideoPrefix[] = ">>Video";
+constexpr D3DCOLOR kPlaceholderColour = 0xFFC8C8C8;
+constexpr UINT kPlaceholderSize = 8;
+
+bool IsVideoName(const char* name) { return std::strncmp(name, kVideoPrefix, sizeof kVideoPrefix - 1) == 0; }
+
+/// How a pool number, of LoadTexture or CreateTexture, is made.
+struct PoolRow {
+    int number;
+    DWORD usage;
+    D3DPOOL pool;
+};
+constexpr PoolRow kLoadPools[] = {{-1, 0, D3DPOOL_MANAGED},
+                                  {0, 0, D3DPOOL_MANAGED},
+                                  {1, 0, D3DPOOL_DEFAULT},
+                                  {2, 0, D3DPOOL_MANAGED},
+                                  {3, D3DUSAGE_RENDERTARGET, D3DPOOL_DEFAULT}};
+constexpr PoolRow kCreatePools[] = {{-1, 0, D3DPOOL_MANAGED},
+                                    {1, 0, D3DPOOL_DEFAULT},
+                                    {2, 0, D3DPOOL_SYSTEMMEM},
+                                    {3, D3DUSAGE_RENDERTARGET, D3DPOOL_DEFAULT},
+                                    {4, 0, D3DPOOL_MANAGED}};
+
+template <std::size_t n>
+const PoolRow* FindPool(const PoolRow (&rows)[n], int number) {
+    for (const PoolRow& row : rows)
+        if (row.number == number) return &row;
+    return nullptr;
+}
+
+bool HasCap(const KRN_Gfx& gfx, DWORD cap) { return (gfx.Caps().TextureCaps & cap) != 0; }
+
+/// The size that a device without free sizes gives to a picture.
+UINT DeviceSide(const KRN_Gfx& gfx, UINT side) {
+    return HasCap(gfx, D3DPTEXTURECAPS_POW2) ? RoundUpToPowerOfTwo(side) : side;
+}
+
+}   // namespace
+
+TextureLoader::TextureLoader(KRN_Gfx& gfx, TextureRegistry& registry, VideoSources& videos)
+    : gfx_(gfx), registry_(registry), videos_(videos) {}
+TextureLoader::~TextureLoader() = default;
+
+bool TextureLoader::CanLoad(const char* name) const {
+    std::string found;
+    return IsVideoName(name) || paths_.Find(name, found);
+}
+
+TextureLoader::Request TextureLoader::TakeApart(D3DCOLOR colour_key, int parameter, int format, int mip_levels) const {
+    const int bits = parameter == -1 ? 0 : parameter & (kLoadWithoutStretching | kLoadKeepsTexture);
+    const PoolRow* row = FindPool(kLoadPools, parameter == -1 ? -1 : parameter & ~bits);
+    if (!row) gfx_.Error("Wrong texture parameter in LoadTexture!");
+    return {.colour_key = colour_key,
+            .format = format,
+            .mip_levels = mip_levels,
+            .stretching = (bits & kLoadWithoutStretching) == 0,
+            .keeps_texture = (bits & kLoadKeepsTexture) != 0,
+            .usage = row->usage,
+            .pool = row->pool};
+}
+
+void TextureLoader::LoadTexture(KRN_Texture* texture, const char* name, D3DCOLOR colour_key, int parameter, int format,
+                                int mip_levels) {
+    if (!texture) gfx_.Error("KRN_Texture pointer in LoadTexture is NULL pointer!");
+    if (!name) name = "";
+    validator_.CheckPath(name);
+    if (*name == '\0') gfx_.Error("Invalid file name in LoadTexture");
+    texture->Attach(gfx_, registry_);
+    if (IsVideoName(name)) {
+        texture->ReleaseFrames();
+        LoadVideoSource(*texture, name);
+    } else {
+        const Request request = TakeApart(colour_key, parameter, format, mip_levels);
+        texture->ReleaseFrames();
+        if (!request.keeps_texture) texture->ReleasePicture(texture->InUse());
+        std::string file;
+        if (!paths_.Find(name, file)) gfx_.Error("Can not open file %s", name);
+        if (IsFrameListName(name))
+            LoadFrameList(*texture, file, request);
+        else
+            LoadPicture(*texture, file, request);
+    }
+    texture->layers_[texture->current_layer_].name = name;
+}
+
+// ---- Video sources
+
+void TextureLoader::LoadVideoSource(KRN_Texture& texture, const char* name) {
+    const long number = std::strtol(name + sizeof kVideoPrefix - 1, nullptr, 10);
+    const int slot = static_cast<int>(std::clamp(number, -1L, 99999L)) - 1;
+    if (!VideoSources::IsSlot(slot)) gfx_.Error("Invalid video source for texture: %i", slot + 1);
+    VideoSource& source = videos_[slot];
+    int entry = settings_.sharing ? registry_.Share(name) : -1;
+    if (entry < 0) {
+        if (source.width < 1 || source.height < 1)
+            gfx_.Error("Invalid video source specifications for source %i", slot + 1);
+        DevicePtr<IDirect3DTexture9> made;
+        const HRESULT result =
+            gfx_.Device()->CreateTexture(DeviceSide(gfx_, source.width), DeviceSide(gfx_, source.height), 1, 0,
+                                         source.format, D3DPOOL_MANAGED, made.Receive());
+        if (FAILED(result)) gfx_.Error("CreateTexture for video source failed: %s ", DXGetErrorString9(result));
+        source.texture = made;
+        entry = registry_.Add(std::move(made), name);
+    }
+    texture.Adopt(entry);
+    texture.SetPictureSize(static_cast<float>(source.width), static_cast<float>(source.height));
+    texture.video_source_ = slot;
+}
+
+// ---- Image-file lists
+
+void TextureLoader::LoadFrameList(KRN_Texture& texture, const std::string& list, const Request& request) {
+    const std::vector<std::string> frames = ReadFrameList(gfx_, list.c_str());
+    char directory[1024];
+    GetDirectory(list.c_str(), directory, sizeof directory);
+    texture.StartSequence(static_cast<int>(frames.size()));
+    for (int i = 0; i < static_cast<int>(frames.size()); ++i) {
+        texture.SelectSequenceFrame(i);
+        const char* name = frames[i].c_str();
+        if (IsVideoName(name)) {
+            LoadVideoSource(texture, name);
+            continue;
+        }
+        validator_.CheckPath(name);
+        const std::string beside = *directory ? JoinPath(directory, name) : name;
+        std::string file = name;
+        if (!FileExists(name) && FileExists(beside.c_str()))
+            file = beside;
+        else if (!paths_.Find(name, file))
+            gfx_.Error("Can not open file %s", name);
+        LoadPicture(texture, file, request);
+    }
+    texture.SelectSequenceFrame(0);
+}
+
+// ---- Image files
+
+void TextureLoader::LoadPlaceholder(KRN_Texture& texture) {
+    if (!placeholder_) {
+        auto made = std::make_unique<KRN_Texture>();
+        CreateTexture(made.get(), kPlaceholderSize, kPlaceholderSize, -1, -1, 1);
+        made->Clear(kPlaceholderColour, nullptr);
+        placeholder_ = std::move(made);
+    }
+    const int entry = placeholder_->InUse().entry;
+    registry_.AddUser(entry);
+    texture.Adopt(entry);
+}
+
+/// Width and height 0: the file's own.
+struct TextureLoader::Plan {
+    UINT width, height;
+    D3DFORMAT format;
+    UINT levels;
+    DWORD filter, mip_filter;
+};
+
+D3DXIMAGE_INFO TextureLoader::ReadInfo(const std::string& file) const {
+    D3DXIMAGE_INFO info;
+    const HRESULT result = D3DXGetImageInfoFromFileA(file.c_str(), &info);
+    if (FAILED(result))
+        gfx_.Error(" D3DXGetImageInfoFromFile failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
+    return info;
+}
+
+TextureLoader::Plan TextureLoader::MakePlan(const std::string& file, const D3DXIMAGE_INFO& info,
+                                            const Request& request) const {
+    Plan plan = {D3DX_DEFAULT_NONPOW2,
+                 D3DX_DEFAULT_NONPOW2,
+                 static_cast<D3DFORMAT>(request.format),
+                 static_cast<UINT>(request.mip_levels),
+                 request.stretching ? D3DX_FILTER_LINEAR : D3DX_FILTER_NONE,
+                 D3DX_FILTER_BOX};
+    if (request.format == -1)
+        plan.format = ChooseTextureFormat({info.Format, info.Width, info.Height, gfx_.DisplayFormat(),
+                                           settings_.compression, settings_.compression_threshold});
+    if (!HasCap(gfx_, D3DPTEXTURECAPS_MIPMAP)) plan.levels = 0;
+    if (IsPowerOfTwo(info.Width) && IsPowerOfTwo(info.Height)) return plan;
+    const bool compressed_levels = request.mip_levels != 1 && IsDxt(plan.format);
+    if (compressed_levels || HasCap(gfx_, D3DPTEXTURECAPS_POW2)) {
+        plan.width = RoundUpToPowerOfTwo(info.Width);
+        plan.height = RoundUpToPowerOfTwo(info.Height);
+    } else {
+        plan.mip_filter = D3DX_FILTER_LINEAR;
+    }
+    if (compressed_levels && !request.stretching)
+        gfx_.Warning("Loading none-power of 2 texture '%s' with options: mipmaps+noStretch+compressed", file.c_str());
+    return plan;
+}
+
+int TextureLoader::LoadImageFile(const std::string& file, const std::string& key, const Request& request) {
+    const Plan plan = MakePlan(file, ReadInfo(file), request);
+    DevicePtr<IDirect3DTexture9> made;
+    const HRESULT result = D3DXCreateTextureFromFileExA(
+        gfx_.Device(), file.c_str(), plan.width, plan.height, plan.levels, request.usage, plan.format, request.pool,
+        plan.filter, plan.mip_filter, request.colour_key, nullptr, made.Receive());
+    if (FAILED(result))
+        gfx_.Error(" D3DXCreateTextureFromFileA failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
+    return registry_.Add(std::move(made), key);
+}
+
+void TextureLoader::LoadPicture(KRN_Texture& texture, const std::string& file, const Request& request) {
+    texture.video_source_ = -1;
+    if (settings_.placeholders) return LoadPlaceholder(texture);
+    // A file that changed on disk is not shared with its older copy.
+    const std::int32_t time = FileModificationTime(file.c_str());
+    const std::string on_disk = ResolvePath(file.c_str());
+    const std::string key = time == -1 ? on_disk : on_disk + "_" + std::to_string(time);
+    int entry = settings_.sharing ? registry_.Share(key) : -1;
+    if (entry < 0) entry = LoadImageFile(file, key, request);
+    texture.Adopt(entry);
+    if (!request.stretching) {
+        const D3DXIMAGE_INFO info = ReadInfo(file);
+        texture.SetPictureSize(static_cast<float>(info.Width), static_cast<float>(info.Height));
+    }
+    texture.layers_[texture.current_layer_].time_stamp = static_cast<std::uint32_t>(time);
+}
+
+// ---- Empty textures
+
+void TextureLoader::CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels) {
+    if (!texture) gfx_.Error("KRN_Texture pointer in CreateTexture is NULL pointer!");
+    texture->Attach(gfx_, registry_);
+    texture->ReleaseFrames();
+    texture->ReleasePicture(texture->InUse());
+    const bool dynamic = mode != -1 && (mode & kCreateDynamic) != 0;
+    const PoolRow* row = FindPool(kCreatePools, dynamic ? mode & ~kCreateDynamic : mode);
+    if (!row) gfx_.Error("Wrong texture parameter in CreateTexture!");
+    const DWORD usage = row->usage | (dynamic ? D3DUSAGE_DYNAMIC : 0);
+    const D3DFORMAT chosen = format == -1 ? gfx_.AlphaFormat() : static_cast<D3DFORMAT>(format);
+    DevicePtr<IDirect3DTexture9> made;
+    const HRESULT result =
+        gfx_.Device()->CreateTexture(DeviceSide(gfx_, width), DeviceSide(gfx_, height), static_cast<UINT>(mip_levels),
+                                     usage, chosen, row->pool, made.Receive());
+    if (FAILED(result)) gfx_.Error("CreateTexture failed: %s", DXGetErrorString9(result));
+    texture->Adopt(registry_.Add(std::move(made), ""));
+    texture->SetPictureSize(static_cast<float>(width), static_cast<float>(height));
+    KRN_Texture::Layer& layer = texture->layers_[texture->current_layer_];
+    layer.name = "";
+    layer.time_stamp = 0;
+    texture->video_source_ = -1;
+}
+
+}   // namespace sparkrig

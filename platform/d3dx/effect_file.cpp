@@ -1,0 +1,112 @@
+#include "platform/d3dx/effect_file.h"
+
+#include "platform/d3dx/effect_archive.h"
+#include "platform/d3dx/effect_check.h"
+
+namespace sparkrig {
+
+namespace {
+
+// Each walk names the fields of a record in the order of the file. The number beside a list is the fewest bytes that
+// one of its elements takes.
+
+constexpr auto kWalkWord = [](auto& archive, DWORD& word) { archive.Number(word); };
+
+constexpr auto kWalkVariable = [](auto& archive, EffectVariable& variable) {
+    AllFields(archive, variable.name, variable.kind, variable.number, variable.rows, variable.columns,
+              variable.elements, variable.text);
+    archive.List(variable.words, 4, kWalkWord);
+};
+
+constexpr auto kWalkStep = [](auto& archive, ExpressionStep& step) {
+    AllFields(archive, step.code, step.parameter, step.constant, step.swizzle);
+};
+
+constexpr auto kWalkState = [](auto& archive, StateAssignment& state) {
+    AllFields(archive, state.group, state.state, state.index, state.type, state.value, state.constant, state.reference);
+    archive.List(state.expression, 25, kWalkStep);
+};
+
+constexpr auto kWalkParameter = [](auto& archive, EffectParameter& parameter) {
+    kWalkVariable(archive, parameter.variable);
+    AllFields(archive, parameter.semantic, parameter.shared, parameter.parent, parameter.function);
+    archive.List(parameter.annotations, 26, kWalkVariable);
+    archive.List(parameter.states, 39, kWalkState);
+};
+
+constexpr auto kWalkGlobal = [](auto& archive, GlobalBinding& binding) {
+    AllFields(archive, binding.parameter, binding.offset);
+};
+constexpr auto kWalkSampler = [](auto& archive, SamplerBinding& binding) {
+    AllFields(archive, binding.parameter, binding.sampler);
+};
+
+constexpr auto kWalkFunction = [](auto& archive, EffectFunction& function) {
+    AllFields(archive, function.stage, function.version, function.unsupported, function.code.glsl,
+              function.code.globals_bytes, function.code.varyings, function.code.writes_point_size);
+    archive.List(function.globals, 8, kWalkGlobal);
+    archive.List(function.samplers, 8, kWalkSampler);
+};
+
+constexpr auto kWalkPass = [](auto& archive, EffectPass& pass) {
+    archive.Text(pass.name);
+    archive.List(pass.annotations, 26, kWalkVariable);
+    archive.List(pass.states, 39, kWalkState);
+};
+
+constexpr auto kWalkTechnique = [](auto& archive, EffectTechnique& technique) {
+    archive.Text(technique.name);
+    archive.List(technique.annotations, 26, kWalkVariable);
+    archive.List(technique.passes, 12, kWalkPass);
+};
+
+template <class Archive>
+void WalkEffect(Archive& archive, EffectFile& effect) {
+    archive.List(effect.parameters, 47, kWalkParameter);
+    archive.List(effect.functions, 30, kWalkFunction);
+    archive.List(effect.techniques, 12, kWalkTechnique);
+}
+
+}   // namespace
+
+DWORD GlobalBytes(const EffectVariable& variable) {
+    constexpr DWORD kRowBytes = 16;
+    if (variable.kind == VariableClass::Matrix) {
+        return kRowBytes * variable.rows * (variable.elements > 0 ? variable.elements : 1);
+    }
+    return variable.elements > 0 ? kRowBytes * variable.elements : 4 * variable.columns;
+}
+
+std::vector<BYTE> WriteEffectFile(const EffectFile& effect) {
+    EffectWriter writer;
+    DWORD magic = kEffectMagic, version = kEffectVersion;
+    AllFields(writer, magic, version);
+    EffectFile copy = effect;   // the walk is shared with reading, which changes what it visits
+    WalkEffect(writer, copy);
+    return writer.Take();
+}
+
+bool ReadEffectFile(std::span<const BYTE> bytes, EffectFile& effect, std::string& error) {
+    EffectReader reader(bytes);
+    DWORD magic = 0, version = 0;
+    AllFields(reader, magic, version);
+    if (magic != kEffectMagic) {
+        error = "not a compiled effect";
+        return false;
+    }
+    if (version != kEffectVersion) {
+        error = "a compiled effect of version " + std::to_string(version) + "; version " +
+                std::to_string(kEffectVersion) + " is read";
+        return false;
+    }
+    effect = {};
+    WalkEffect(reader, effect);
+    if (reader.Failed() || !reader.AtEnd()) {
+        error = reader.Failed() ? "the compiled effect is cut short" : "the compiled effect goes on after its end";
+        return false;
+    }
+    error = FindEffectFault(effect);
+    return error.empty();
+}
+
+}   // namespace sparkrig

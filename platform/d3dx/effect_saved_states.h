@@ -1,0 +1,43 @@
+#pragma once
+#include <compare>
+#include <variant>
+#include <vector>
+
+#include "platform/d3d9/d3d9.h"
+#include "platform/d3dx/effect_file.h"
+
+namespace sparkrig {
+
+/// One thing that the device holds. Lights and the material are things as a whole: their members have no keys.
+struct StateKey {
+    StateGroup group = StateGroup::Render;
+    DWORD state = 0;
+    DWORD index = 0;
+    auto operator<=>(const StateKey&) const = default;
+};
+
+/// What a technique may change, as the device held it.
+class SavedStates {
+  public:
+    /// Reads every state of `keys` from the device.
+    HRESULT Capture(IDirect3DDevice9& device, const std::vector<StateKey>& keys);
+    /// Puts all of them back and lets go of what they hold.
+    HRESULT Restore(IDirect3DDevice9& device);
+    /// Lets go without putting anything back.
+    void Forget() { saved_.clear(); }
+
+  private:
+    using Value = std::variant<DWORD, D3DMATRIX, D3DLIGHT9, D3DMATERIAL9, DevicePtr<IDirect3DTexture9>,
+                               DevicePtr<IDirect3DVertexShader9>, DevicePtr<IDirect3DPixelShader9>>;
+    struct Saved {
+        StateKey key;
+        Value value;
+    };
+
+    static HRESULT Read(IDirect3DDevice9& device, const StateKey& key, Value& value);
+    static HRESULT Write(IDirect3DDevice9& device, const StateKey& key, const Value& value);
+
+    std::vector<Saved> saved_;   // keeps its memory from one use to the next
+};
+
+}   // namespace sparkrig

@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+
+#include "platform/d3dx/image_file.h"
+#include "tests/support/picture_files.h"
+
+namespace sparkrig {
+namespace {
+
+FileBytes BytesOf(const std::string& file) { return {reinterpret_cast<const BYTE*>(file.data()), file.size()}; }
+
+std::string Put16(std::string file, std::size_t at, UINT value) {
+    file[at] = static_cast<char>(value & 0xFF);
+    file[at + 1] = static_cast<char>(value >> 8 & 0xFF);
+    return file;
+}
+
+std::string Put32(std::string file, std::size_t at, UINT value) {
+    return Put16(Put16(std::move(file), at, value & 0xFFFF), at + 2, value >> 16);
+}
+
+TEST(ImageInfo, NamesTheFormatThatTheFileHolds) {
+    const TestPicture picture = TestPicture::Pattern(7, 5);
+    const struct {
+        const char* name;
+        std::string file;
+        D3DXIMAGE_FILEFORMAT kind;
+        D3DFORMAT format;
+    } rows[] = {
+        {"bmp 24", BmpFile(picture, D3DFMT_R8G8B8), D3DXIFF_BMP, D3DFMT_R8G8B8},
+        {"bmp 32", BmpFile(picture, D3DFMT_X8R8G8B8), D3DXIFF_BMP, D3DFMT_X8R8G8B8},
+        {"bmp alpha", BmpFile(picture, D3DFMT_A8R8G8B8), D3DXIFF_BMP, D3DFMT_A8R8G8B8},
+        {"bmp 565", BmpFile(picture, D3DFMT_R5G6B5), D3DXIFF_BMP, D3DFMT_R5G6B5},
+        {"bmp 555", BmpFile(picture, D3DFMT_X1R5G5B5), D3DXIFF_BMP, D3DFMT_X1R5G5B5},
+        {"jpg", JpgFile(picture, 3), D3DXIFF_JPG, D3DFMT_X8R8G8B8},
+        {"tga 24", TgaFile(picture, D3DFMT_R8G8B8), D3DXIFF_TGA, D3DFMT_R8G8B8},
+        {"tga 32", TgaFile(picture, D3DFMT_A8R8G8B8, true), D3DXIFF_TGA, D3DFMT_A8R8G8B8},
+        {"tga 16", TgaFile(picture, D3DFMT_A1R5G5B5), D3DXIFF_TGA, D3DFMT_A1R5G5B5},
+        {"tga 15", TgaFile(picture, D3DFMT_X1R5G5B5), D3DXIFF_TGA, D3DFMT_X1R5G5B5},
+        {"tga grey", TgaFile(picture, D3DFMT_L8), D3DXIFF_TGA, D3DFMT_L8},
+        {"png grey", PngFile(picture, 1), D3DXIFF_PNG, D3DFMT_L8},
+        {"png grey alpha", PngFile(picture, 2), D3DXIFF_PNG, D3DFMT_A8L8},
+        {"png", PngFile(picture, 3), D3DXIFF_PNG, D3DFMT_X8R8G8B8},
+        {"png alpha", PngFile(picture, 4), D3DXIFF_PNG, D3DFMT_A8R8G8B8},
+        {"png palette", PalettePngFile(picture, 0xFF102030, 0xFF405060), D3DXIFF_PNG, D3DFMT_P8},
+        {"dds", DdsFile(picture), D3DXIFF_DDS, D3DFMT_A8R8G8B8},
+    };
+    for (const auto& row : rows) {
+        D3DXIMAGE_INFO info = {};
+        ASSERT_EQ(ReadImageInfo(BytesOf(row.file), info), D3D_OK) << row.name;
+        EXPECT_EQ(info.Width, 7u) << row.name;
+        EXPECT_EQ(info.Height, 5u) << row.name;
+        EXPECT_EQ(info.MipLevels, 1u) << row.name;
+        EXPECT_EQ(info.Format, row.format) << row.name;
+        EXPECT_EQ(info.ImageFileFormat, row.kind) << row.name;
+    }
+}
+
+TEST(ImageInfo, RefusesWhatCannotBeAPicture) {
+    const std::string bmp = BmpFile(TestPicture::Pattern(6, 5), D3DFMT_R8G8B8);
+    const std::string tga = TgaFile(TestPicture::Pattern(6, 5), D3DFMT_R8G8B8);
+    const std::string png = PngFile(TestPicture::Pattern(6, 5), 4);
+    const struct {
+        const char* name;
+        std::string file;
+    } rows[] = {
+        {"empty", ""},
+        {"text", "no picture at all, only some lines of text that go on for a while"},
+        {"bmp 0 x 5", Put32(bmp, 18, 0)},
+        {"bmp 6 x 0", Put32(bmp, 22, 0)},
+        {"bmp lowest height", Put32(bmp, 22, 0x80000000)},
+        {"bmp product wraps", Put32(Put32(bmp, 18, 65536), 22, 65536)},
+        {"bmp data beyond the end", Put32(bmp, 10, 0xFFFFFFF0)},
+        {"bmp run-length coded", Put32(bmp, 30, 1)},
+        {"tga 0 x 5", Put16(tga, 12, 0)},
+        {"tga larger than its data", Put16(tga, 14, 6)},
+        {"png too large for its bytes", Put32(Put32(png, 16, 0x00400000), 20, 0x00400000)},
+        {"png without head", Put32(png, 12, 0)},
+    };
+    for (const auto& row : rows) {
+        D3DXIMAGE_INFO info = {};
+        EXPECT_EQ(ReadImageInfo(BytesOf(row.file), info), D3DXERR_INVALIDDATA) << row.name;
+    }
+}
+
+TEST(ImageInfo, TakesTheLongestSideThatIsAllowed) {
+    const std::string file = TgaFile(TestPicture::Pattern(kMaxImageSide, 1), D3DFMT_L8);
+    D3DXIMAGE_INFO info = {};
+    ASSERT_EQ(ReadImageInfo(BytesOf(file), info), D3D_OK);
+    EXPECT_EQ(info.Width, 16384u);
+    EXPECT_EQ(ReadImageInfo(BytesOf(TgaFile(TestPicture::Pattern(kMaxImageSide + 1, 1), D3DFMT_L8)), info),
+              D3DXERR_INVALIDDATA);
+}
+
+TEST(ImageFile, GivesThePixelsThatWereWritten) {
+    const TestPicture picture = TestPicture::Pattern(9, 6), opaque = TestPicture::Pattern(9, 6, false);
+    const struct {
+        const char* name;
+        std::string file;
+        const TestPicture& expected;
+    } rows[] = {
+        {"bmp", BmpFile(picture, D3DFMT_R8G8B8), opaque},
+        {"bmp without alpha mask", BmpFile(picture, D3DFMT_X8R8G8B8), opaque},
+        {"bmp alpha", BmpFile(picture, D3DFMT_A8R8G8B8), picture},
+        {"tga 24", TgaFile(picture, D3DFMT_R8G8B8, true), opaque},
+        {"tga 32", TgaFile(picture, D3DFMT_A8R8G8B8), picture},
+        {"png 3", PngFile(picture, 3), opaque},
+        {"png 4", PngFile(picture, 4), picture},
+    };
+    for (const auto& row : rows) {
+        D3DXIMAGE_INFO info = {};
+        Image image;
+        ASSERT_EQ(ReadImageInfo(BytesOf(row.file), info), D3D_OK) << row.name;
+        ASSERT_EQ(DecodeImage(BytesOf(row.file), info, image), D3D_OK) << row.name;
+        const std::vector<D3DCOLOR> pixels(image.Pixels().begin(), image.Pixels().end());
+        // Alpha does not change the other channels of the pattern, so both pictures have the same colours.
+        EXPECT_EQ(pixels, row.expected.pixels) << row.name;
+    }
+}
+
+TEST(ImageFile, CutShortAtEveryLengthItLoadsOrIsRefused) {
+    const TestPicture picture = TestPicture::Pattern(5, 3);
+    for (const std::string& file :
+         {BmpFile(picture, D3DFMT_R8G8B8), BmpFile(picture, D3DFMT_A8R8G8B8), TgaFile(picture, D3DFMT_A8R8G8B8, true),
+          TgaFile(picture, D3DFMT_L8), PngFile(picture, 4), PalettePngFile(picture, 0x40102030, 0xFF405060),
+          JpgFile(picture, 3)}) {
+        for (std::size_t length = 0; length < file.size(); ++length) {
+            const std::string cut = file.substr(0, length);
+            D3DXIMAGE_INFO info = {};
+            Image image;
+            if (FAILED(ReadImageInfo(BytesOf(cut), info)) || FAILED(DecodeImage(BytesOf(cut), info, image))) continue;
+            EXPECT_EQ(image.Count(), 15u);
+        }
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig

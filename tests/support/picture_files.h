@@ -1,0 +1,40 @@
+// Picture files made byte by byte for tests: pixels are 0xAARRGGBB, row by row from the top.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "platform/d3d9/d3d9_constants.h"
+
+namespace sparkrig {
+
+struct TestPicture {
+    UINT width, height;
+    std::vector<D3DCOLOR> pixels;
+
+    /// A pattern in which no two neighbours are equal and no channel equals another.
+    static TestPicture Pattern(UINT width, UINT height, bool alpha = true);
+    D3DCOLOR At(UINT x, UINT y) const { return pixels[y * width + x]; }
+};
+
+/// channels: 1 grey (the red channel), 2 grey with alpha, 3, 4.
+std::string PngFile(const TestPicture& picture, int channels);
+/// Two palette entries: entry 0 with the given alpha, entry 1 opaque; pixels whose blue is odd take entry 1.
+std::string PalettePngFile(const TestPicture& picture, D3DCOLOR first, D3DCOLOR second);
+std::string JpgFile(const TestPicture& picture, int channels);
+
+/// 16 bits with the masks of `format` (R5G6B5 or X1R5G5B5), 24 bits, or 32 bits with (A8R8G8B8) or without alpha mask.
+std::string BmpFile(const TestPicture& picture, D3DFORMAT format);
+/// 8 bits grey, 16 bits with (A1R5G5B5) or without alpha, 24 or 32 bits; run-length coded if asked for.
+std::string TgaFile(const TestPicture& picture, D3DFORMAT format, bool packed = false);
+
+struct DdsFields {
+    UINT width, height, mip_count;
+    UINT flags;   // of the pixel format
+    UINT four_cc, bits, r, g, b, a;
+    UINT caps2 = 0;
+};
+std::string DdsHead(const DdsFields& fields);
+/// An uncompressed A8R8G8B8 file with one level.
+std::string DdsFile(const TestPicture& picture);
+
+}   // namespace sparkrig

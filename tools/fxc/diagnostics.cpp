@@ -1,0 +1,25 @@
+#include "tools/fxc/diagnostics.h"
+
+#include <fmt/format.h>
+
+namespace sparkrig::fxc {
+
+namespace {
+constexpr int kMostErrors = 50;   // further ones are consequences
+}
+
+int Diagnostics::AddFile(std::string name) {
+    files_.push_back(std::move(name));
+    return static_cast<int>(files_.size()) - 1;
+}
+
+void Diagnostics::Error(const Place& place, ErrorCode code, std::string_view message) {
+    ErrorInLine(place.file, place.line, code, fmt::format("{} (column {})", message, place.column));
+}
+
+void Diagnostics::ErrorInLine(int file, int line, ErrorCode code, std::string_view message) {
+    if (count_++ >= kMostErrors) return;
+    text_ += fmt::format("{}({}): error X{}: {}\n", FileName(file), line, static_cast<int>(code), message);
+}
+
+}   // namespace sparkrig::fxc

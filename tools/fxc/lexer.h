@@ -1,0 +1,12 @@
+#pragma once
+#include <string_view>
+
+#include "tools/fxc/diagnostics.h"
+
+namespace sparkrig::fxc {
+
+/// The tokens of a source text, without comments and line splices. The last one is of kind End.
+/// A string that does not close on its line and a comment that does not close are reported.
+Tokens ReadTokens(std::string_view text, int file, Diagnostics& diagnostics);
+
+}   // namespace sparkrig::fxc

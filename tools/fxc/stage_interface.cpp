@@ -1,0 +1,144 @@
+#include "tools/fxc/stage_interface.h"
+
+#include <optional>
+
+#include <fmt/format.h>
+
+namespace sparkrig::fxc {
+
+namespace {
+
+struct Semantic {
+    std::string word;
+    int index = 0;
+};
+
+Semantic Split(const std::string& text) {
+    Semantic semantic;
+    std::size_t digits = text.size();
+    while (digits > 0 && text[digits - 1] >= '0' && text[digits - 1] <= '9') --digits;
+    for (const char c : text.substr(0, digits)) semantic.word += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    for (const char c : text.substr(digits))
+        semantic.index = semantic.index > 99 ? 99 : semantic.index * 10 + (c - '0');
+    return semantic;
+}
+
+struct Slots {
+    const char* word;
+    int first;   // the layer's number of index 0
+    int count;
+};
+
+constexpr Slots kVertexInputSlots[] = {
+    {"POSITION", kInputPosition, 1},  {"BLENDWEIGHT", kInputBlendWeight, 1}, {"BLENDINDICES", kInputBlendIndices, 1},
+    {"NORMAL", kInputNormal, 1},      {"PSIZE", kInputPointSize, 1},         {"COLOR", kInputColor0, 2},
+    {"TEXCOORD", kInputTexCoord0, 8},
+};
+constexpr Slots kVaryingSlots[] = {
+    {"COLOR", kVaryingColor0, 2},
+    {"TEXCOORD", kVaryingTexCoord0, 8},
+    {"FOG", kVaryingFog, 1},
+};
+
+template <std::size_t N>
+std::optional<int> FindSlot(const Slots (&slots)[N], const Semantic& semantic, int row) {
+    for (const Slots& slot : slots)
+        if (semantic.word == slot.word && semantic.index + row < slot.count) return slot.first + semantic.index + row;
+    return std::nullopt;
+}
+
+std::string RowName(const StageVariable& variable, int row) {
+    return variable.indexed ? fmt::format("{}[{}]", variable.name, row) : variable.name;
+}
+
+/// The first components of a vec4 as the variable's own type.
+std::string Narrowed(const StageVariable& variable, const std::string& source) {
+    constexpr std::string_view kComponents = "xyzw";
+    const auto swizzle = kComponents.substr(0, static_cast<std::size_t>(variable.components));
+    if (variable.components == 1) return fmt::format("{}({}.x)", variable.whole ? "int" : "float", source);
+    return fmt::format("{}vec{}({}.{})", variable.whole ? "i" : "", variable.components, source, swizzle);
+}
+
+/// A row as a vec4 whose missing components are 0, 0 and 1.
+std::string Widened(const StageVariable& variable, int row) {
+    constexpr const char* kRest[] = {"", ", 0.0, 0.0, 1.0", ", 0.0, 1.0", ", 1.0", ""};
+    return fmt::format("vec4({}{})", RowName(variable, row), kRest[variable.components]);
+}
+
+}   // namespace
+
+void StageInterface::Declare(const std::string& line) {
+    if (declarations_.find(line) == std::string::npos) declarations_ += line;
+}
+
+void StageInterface::Read(const StageVariable& variable, int row, const std::string& source) {
+    before_ += fmt::format("    {} = {};\n", RowName(variable, row), Narrowed(variable, source));
+}
+
+bool StageInterface::AddInput(const StageVariable& variable, std::string& unsupported) {
+    const Semantic semantic = Split(variable.semantic);
+    const bool vertex = stage_ == FunctionStage::Vertex;
+    if (!vertex && (semantic.word == "VPOS" || semantic.word == "VFACE")) {
+        // Pixel centres are whole numbers for effects, and front faces positive.
+        const bool position = semantic.word == "VPOS";
+        Read(variable, 0, position ? "(gl_FragCoord - vec4(0.5, 0.5, 0.0, 0.0))" : "vec4(gl_FrontFacing ? 1.0 : -1.0)");
+        return true;
+    }
+    for (int row = 0; row < variable.rows; ++row) {
+        const std::optional<int> slot =
+            vertex ? FindSlot(kVertexInputSlots, semantic, row) : FindSlot(kVaryingSlots, semantic, row);
+        if (!slot) {
+            const bool known = vertex && (semantic.word == "TANGENT" || semantic.word == "BINORMAL" ||
+                                          FindSlot(kVertexInputSlots, {semantic.word, 0}, 0));
+            if (known) unsupported = fmt::format("vertices have no {}", variable.semantic);
+            return known;
+        }
+        const std::string name = fmt::format("{}_{}", vertex ? "vertex_input" : "varying", *slot);
+        Declare(fmt::format("layout(location = {}) in vec4 {};\n", *slot, name));
+        Read(variable, row, name);
+        if (!vertex) varyings_ |= 1u << *slot;
+    }
+    return true;
+}
+
+bool StageInterface::AddOutput(const StageVariable& variable, std::string& unsupported) {
+    const Semantic semantic = Split(variable.semantic);
+    const auto write = [&](const std::string& target, const std::string& value) {
+        after_ += fmt::format("    {} = {};\n", target, value);
+    };
+    if (stage_ == FunctionStage::Pixel) {
+        if (semantic.word == "COLOR" && semantic.index + variable.rows > 1) {
+            unsupported = "it draws into more than one target";
+        } else if (semantic.word == "COLOR") {
+            Declare("layout(location = 0) out vec4 pixel_color;\n");
+            write("pixel_color", Widened(variable, 0));
+        } else if (semantic.word == "DEPTH" && semantic.index == 0) {
+            write("gl_FragDepth", fmt::format("{}.x", Widened(variable, 0)));
+        } else {
+            return false;
+        }
+        return true;
+    }
+    if (semantic.word == "POSITION" && semantic.index == 0) {
+        write("gl_Position", Widened(variable, 0));
+        return true;
+    }
+    if (semantic.word == "PSIZE" && semantic.index == 0) {
+        write("gl_PointSize", fmt::format("{}.x", Widened(variable, 0)));
+        writes_point_size_ = true;
+        return true;
+    }
+    for (int row = 0; row < variable.rows; ++row) {
+        const std::optional<int> slot = FindSlot(kVaryingSlots, semantic, row);
+        if (!slot) return false;
+        const std::string name = fmt::format("varying_{}", *slot);
+        Declare(fmt::format("layout(location = {}) out vec4 {};\n", *slot, name));
+        // Below version 3 colours leave the vertex stage as what a frame buffer can hold.
+        const bool clamped = version_ < 0x0300 && semantic.word == "COLOR";
+        write(name, clamped ? fmt::format("clamp({}, 0.0, 1.0)", Widened(variable, row)) : Widened(variable, row));
+        varyings_ |= 1u << *slot;
+    }
+    return true;
+}
+
+}   // namespace sparkrig::fxc

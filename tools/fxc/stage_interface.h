@@ -1,0 +1,45 @@
+#pragma once
+#include <string>
+
+#include "platform/d3dx/effect_file.h"
+
+namespace sparkrig::fxc {
+
+/// A variable through which a function meets what is before or after it, as GLSL names it.
+struct StageVariable {
+    std::string name;       // unique in the function
+    std::string semantic;   // such as TEXCOORD3
+    int components = 4;
+    int rows = 1;           // of a matrix or an array: each takes a place of its own
+    bool whole = false;     // integers
+    bool indexed = false;   // rows are reached by [i]
+};
+
+/// Collects the declarations, and the statements around the function, that connect its variables with the fixed
+/// places of the layer.
+class StageInterface {
+  public:
+    StageInterface(FunctionStage stage, DWORD version) : stage_(stage), version_(version) {}
+
+    /// False for a semantic that the stage does not have; `unsupported` is set for one that the layer leaves out.
+    bool AddInput(const StageVariable& variable, std::string& unsupported);
+    bool AddOutput(const StageVariable& variable, std::string& unsupported);
+
+    const std::string& Declarations() const { return declarations_; }
+    const std::string& Before() const { return before_; }
+    const std::string& After() const { return after_; }
+    DWORD Varyings() const { return varyings_; }
+    bool WritesPointSize() const { return writes_point_size_; }
+
+  private:
+    void Declare(const std::string& line);
+    void Read(const StageVariable& variable, int row, const std::string& source);
+
+    FunctionStage stage_;
+    DWORD version_;
+    std::string declarations_, before_, after_;
+    DWORD varyings_ = 0;
+    bool writes_point_size_ = false;
+};
+
+}   // namespace sparkrig::fxc

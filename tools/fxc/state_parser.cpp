@@ -1,0 +1,270 @@
+#include "tools/fxc/state_parser.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "tools/fxc/expression_parser.h"
+#include "tools/fxc/state_table.h"
+
+namespace sparkrig::fxc {
+
+namespace {
+
+DWORD ToWord(double value) {
+    if (std::isnan(value)) return 0;
+    // Negative numbers wrap, as they do in the device's unsigned states.
+    const double whole = std::round(std::clamp(value, -2147483648.0, 4294967295.0));
+    return whole < 0 ? static_cast<DWORD>(static_cast<std::int32_t>(whole)) : static_cast<DWORD>(whole);
+}
+
+DWORD ToColour(const std::vector<double>& values) {
+    if (values.size() == 1) return ToWord(values[0]);
+    const auto channel = [&](std::size_t i) {
+        const double value = i < values.size() ? values[i] : 1.0;
+        return static_cast<DWORD>(std::lround(std::clamp(value, 0.0, 1.0) * 255.0));
+    };
+    return channel(3) << 24 | channel(0) << 16 | channel(1) << 8 | channel(2);
+}
+
+DWORD FloatBits(double value) { return std::bit_cast<DWORD>(static_cast<float>(value)); }
+
+std::array<DWORD, 4> ToConstant(StateType type, const std::vector<double>& values) {
+    if (values.empty()) return {};
+    switch (type) {
+        case StateType::Bool: return {values[0] != 0 ? 1u : 0u};
+        case StateType::Float: return {FloatBits(values[0])};
+        case StateType::Colour: return {ToColour(values)};
+        case StateType::Vector: {
+            std::array<DWORD, 4> words = {};
+            for (std::size_t i = 0; i < words.size(); ++i)
+                if (values.size() == 1 || i < values.size()) words[i] = FloatBits(values[values.size() == 1 ? 0 : i]);
+            return words;
+        }
+        default: return {ToWord(values[0])};
+    }
+}
+
+class StateParser {
+  public:
+    StateParser(Cursor& cursor, ParsedEffect& effect, StateOwner owner)
+        : cursor_(cursor), effect_(effect), owner_(owner) {}
+
+    void ParseAssignment(std::vector<StateAssignment>& states) {
+        const Token name = cursor_.Peek();
+        cursor_.ExpectName("a state");
+        const StateRow* row = FindState(name.text);
+        StateAssignment state;
+        const DWORD index = ParseIndex();
+        cursor_.Expect("=", fmt::format("after the state '{}'", name.text));
+        if (!row || !BelongsHere(*row)) return Refuse(name);
+        state.group = row->group;
+        state.state = row->state;
+        state.type = row->type;
+        if (owner_ == StateOwner::Pass) SettleIndex(*row, name, index, state);
+        ParseValue(*row, state);
+        cursor_.Expect(";", fmt::format("after the value of '{}'", name.text));
+        std::erase_if(states, [&](const StateAssignment& other) {
+            return other.group == state.group && other.state == state.state && other.index == state.index;
+        });
+        states.push_back(std::move(state));
+    }
+
+  private:
+    bool BelongsHere(const StateRow& row) const {
+        return owner_ == StateOwner::Pass || row.group == StateGroup::SamplerState || row.group == StateGroup::Texture;
+    }
+
+    /// Reports a name that is no state, and goes on behind its value.
+    void Refuse(const Token& name) {
+        const bool constants = name.text.find("ShaderConstant") != std::string::npos;
+        if (!cursor_.Failed())
+            cursor_.Errors().Error(name.place, constants ? ErrorCode::Unsupported : ErrorCode::Syntax,
+                                   constants ? fmt::format("'{}' is not supported: use a parameter", name.text)
+                                   : owner_ == StateOwner::Pass
+                                       ? fmt::format("unknown state '{}'", name.text)
+                                       : fmt::format("'{}' is no state of a sampler", name.text));
+        while (!cursor_.AtEnd() && !cursor_.Peek().Is(";") && !cursor_.Peek().Is("}")) cursor_.Take();
+        cursor_.Expect(";", "after the value");
+    }
+
+    DWORD ParseIndex() {
+        if (!cursor_.Accept("[")) return 0;
+        const Expression index = ParseExpression(cursor_, effect_);
+        cursor_.Expect("]", "after the index");
+        const bool good = index.IsConstant() && !index.values.empty() && index.values[0] >= 0;
+        if (!good) cursor_.Fail(index.start, "an index is a constant from 0");
+        return good ? ToWord(index.values[0]) : 0;
+    }
+
+    void SettleIndex(const StateRow& row, const Token& name, DWORD index, StateAssignment& state) {
+        if (index >= IndexCount(row.group, row.state))
+            cursor_.Errors().Error(name.place, ErrorCode::Syntax,
+                                   fmt::format("'{}' has no index {}", name.text, index));
+        else if (row.group == StateGroup::Transform)
+            state.state += index;   // a transform's number says which one
+        else
+            state.index = index;
+    }
+
+    void ParseValue(const StateRow& row, StateAssignment& state) {
+        switch (row.type) {
+            case StateType::Texture: return ParseReference(state, VariableClass::Texture, "a texture");
+            case StateType::Sampler: return ParseReference(state, VariableClass::Sampler, "a sampler");
+            case StateType::Matrix: return ParseReference(state, VariableClass::Matrix, "a matrix");
+            case StateType::Shader: return ParseShader(row, state);
+            default: return ParseNumber(row, state);
+        }
+    }
+
+    bool AcceptNull() {
+        if (cursor_.AcceptWord("NULL")) return true;
+        if (cursor_.Peek().kind != TokenKind::Number || cursor_.Peek().text != "0") return false;
+        cursor_.Take();
+        return true;
+    }
+
+    /// <name>, (name), name or NULL.
+    void ParseReference(StateAssignment& state, VariableClass kind, const char* what) {
+        const char* close = cursor_.Accept("<") ? ">" : cursor_.Accept("(") ? ")" : nullptr;
+        const Token name = cursor_.Peek();
+        if (AcceptNull()) {
+            if (kind == VariableClass::Matrix || kind == VariableClass::Sampler)
+                cursor_.Fail(name, fmt::format("expected {}", what));
+        } else {
+            cursor_.ExpectName(what);
+            const auto found = effect_.symbols.parameters.find(name.text);
+            if (found == effect_.symbols.parameters.end() ||
+                effect_.file.parameters[found->second].variable.kind != kind) {
+                cursor_.Fail(name, fmt::format("'{}' is not {}", name.text, what));
+                return;
+            }
+            state.value = ValueKind::Parameter;
+            state.reference = found->second;
+        }
+        if (close) cursor_.Expect(close, fmt::format("after {}", what));
+    }
+
+    void ParseShader(const StateRow& row, StateAssignment& state) {
+        if (cursor_.Peek().IsName("asm")) {
+            cursor_.Errors().Error(cursor_.Peek().place, ErrorCode::Unsupported,
+                                   "functions in assembly language are not supported");
+            cursor_.Take();
+            cursor_.Expect("{", "after asm");
+            return cursor_.SkipPast("{", "}");
+        }
+        if (!cursor_.AcceptWord("compile")) return ParseReference(state, VariableClass::Shader, "a function");
+        state.value = ValueKind::Function;
+        const bool vertex = row.group == StateGroup::VertexShader;
+        state.reference = ParseCompile(cursor_, effect_, vertex ? FunctionStage::Vertex : FunctionStage::Pixel);
+    }
+
+    void ParseNumber(const StateRow& row, StateAssignment& state) {
+        if (AcceptNamedValue(row, state)) return;
+        const bool angle = cursor_.Accept("<");
+        const Expression value = ParseExpression(cursor_, effect_);
+        if (angle) cursor_.Expect(">", "after the name");
+        if (value.IsConstant()) {
+            state.value = ValueKind::Constant;
+            state.constant = ToConstant(row.type, value.values);
+        } else {
+            state.value = ValueKind::Expression;
+            state.expression = value.steps;
+        }
+    }
+
+    /// NAME | NAME | 2. Not taken when the first word is no name of a value.
+    bool AcceptNamedValue(const StateRow& row, StateAssignment& state) {
+        DWORD bits = 0;
+        bool named = false, first = true;
+        const std::size_t start = cursor_.Position();
+        do {
+            const Token& token = cursor_.Peek();
+            const bool word = token.kind == TokenKind::Identifier || token.kind == TokenKind::Number;
+            if (const NamedValue* value = word ? FindValue(row, token.text) : nullptr) {
+                cursor_.Take();
+                bits |= value->value;
+                named = true;
+            } else if (token.kind == TokenKind::Number) {
+                const std::vector<double> values = ParseExpression(cursor_, effect_).values;
+                bits |= values.empty() ? 0 : ToWord(values[0]);
+            } else if (first) {
+                return false;
+            } else {
+                cursor_.Fail(token, fmt::format("unknown value '{}' of '{}'", token.text, row.name));
+            }
+            named = named || (!first && !cursor_.Failed());
+            first = false;
+        } while (cursor_.Accept("|"));
+        if (!named) {   // one number: an expression may begin with it
+            cursor_.Rewind(start);
+            return false;
+        }
+        state.value = ValueKind::Constant;
+        state.constant = {row.type == StateType::Float ? FloatBits(bits) : bits};
+        return true;
+    }
+
+    Cursor& cursor_;
+    ParsedEffect& effect_;
+    StateOwner owner_;
+};
+
+bool SameTokens(const Tokens& a, const Tokens& b) { return std::ranges::equal(a, b, {}, &Token::text, &Token::text); }
+
+bool SameFunction(const FunctionRequest& a, const FunctionRequest& b) {
+    return a.target == b.target && a.entry == b.entry && std::ranges::equal(a.arguments, b.arguments, SameTokens);
+}
+
+std::vector<Tokens> ParseArguments(Cursor& cursor) {
+    std::vector<Tokens> arguments;
+    cursor.Expect("(", "after the name of the function");
+    if (cursor.Accept(")")) return arguments;
+    arguments.emplace_back();
+    for (int depth = 1; depth > 0;) {
+        if (cursor.AtEnd()) {
+            cursor.Expect(")", "after the arguments");
+            break;
+        }
+        const Token& token = cursor.Take();
+        depth += token.Is("(") ? 1 : token.Is(")") ? -1 : 0;
+        if (depth == 1 && token.Is(","))
+            arguments.emplace_back();
+        else if (depth > 0)
+            arguments.back().push_back(token);
+    }
+    return arguments;
+}
+
+}   // namespace
+
+DWORD ParseCompile(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
+    FunctionRequest request;
+    request.place = cursor.Peek().place;
+    request.target = cursor.ExpectName("a target such as vs_1_1");
+    if (!request.target.starts_with(stage == FunctionStage::Vertex ? "vs_" : "ps_") && !cursor.Failed())
+        cursor.Errors().Error(request.place, ErrorCode::Syntax,
+                              fmt::format("'{}' is not a target for this kind of function", request.target));
+    request.place = cursor.Peek().place;
+    request.entry = cursor.ExpectName("the name of a function");
+    request.arguments = ParseArguments(cursor);
+    for (std::size_t i = 0; i < effect.requests.size(); ++i)
+        if (SameFunction(effect.requests[i], request) && effect.file.functions[i].stage == stage)
+            return static_cast<DWORD>(i);
+    effect.requests.push_back(std::move(request));
+    effect.file.functions.emplace_back().stage = stage;
+    return static_cast<DWORD>(effect.requests.size() - 1);
+}
+
+void ParseStates(Cursor& cursor, ParsedEffect& effect, StateOwner owner, std::vector<StateAssignment>& states) {
+    cursor.Expect("{", "before the states");
+    while (!cursor.AtEnd() && !cursor.Peek().Is("}")) {
+        if (cursor.Accept(";")) continue;
+        StateParser(cursor, effect, owner).ParseAssignment(states);
+    }
+    cursor.Expect("}", "after the states");
+}
+
+}   // namespace sparkrig::fxc

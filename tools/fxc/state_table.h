@@ -1,0 +1,34 @@
+// The states that a pass or a sampler can set, by the names that effects use for them.
+#pragma once
+#include <span>
+#include <string_view>
+
+#include "platform/d3dx/effect_file.h"
+
+namespace sparkrig::fxc {
+
+struct NamedValue {
+    const char* name;
+    DWORD value;
+};
+
+struct StateRow {
+    const char* name;
+    StateGroup group;
+    DWORD state;
+    StateType type;
+    std::span<const NamedValue> values = {};   // the names that its value may have
+};
+
+/// Null for an unknown name. Letter case does not matter.
+const StateRow* FindState(std::string_view name);
+
+/// Null when the state's values have no such name. TRUE and FALSE are values of every number.
+const NamedValue* FindValue(const StateRow& row, std::string_view name);
+
+/// How many places "[index]" may name; 1 for states without an index.
+DWORD IndexCount(StateGroup group, DWORD state);
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b);
+
+}   // namespace sparkrig::fxc
