@@ -1,5 +1,10 @@
 // A compiled effect file whose parameters the engine fills by their semantics.
+//
+// Loaded by KRN_Gfx::LoadShaderEffect. To draw: ApplyFrameSemantics, and what else the geometry knows (lights,
+// material), Begin, for each pass BeginPass, draw, EndPass, then End.
 #pragma once
+#include <memory>
+
 #include "base/resource_manager.h"
 #include "base/string.h"
 #include "platform/d3dx/d3dx_effect.h"
@@ -7,6 +12,7 @@
 namespace sparkrig {
 
 class KRN_Gfx;
+class ShaderEffectRegistry;
 struct ShaderEffectData;
 
 class KRN_ShaderEffect : public KRN_ResourceBase {
@@ -19,30 +25,60 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
     void Release();
     /// Present and validated.
     bool IsValid() const override;
+    /// Chooses the first technique that this device can run, or checks the chosen one again. False when none, or not
+    /// this one, can be run: the last technique, or this one, stays chosen.
     bool SelectTechnique();
 
+    /// Null for a semantic that the effect does not have.
     D3DXHANDLE ParameterBySemantic(const char* semantic) const;
+    // What the effect does not take is an error.
     void SetParameter(D3DXHANDLE handle, float value);
     void SetParameter(D3DXHANDLE handle, bool value);
     void SetParameter(D3DXHANDLE handle, const D3DXVECTOR4& value);
+    void SetParameter(D3DXHANDLE handle, const INT (&value)[4]);
+    void SetParameter(D3DXHANDLE handle, const D3DXVECTOR4* values, std::size_t count);
     void SetParameter(D3DXHANDLE handle, const D3DXMATRIX& value);
+    void SetParameter(D3DXHANDLE handle, IDirect3DTexture9* value);
 
-    /// Fills every matrix, time, fog and viewport parameter that the effect has.
+    /// Fills every matrix, time, fog, viewport and resource-texture parameter that the effect has.
     void ApplyFrameSemantics();
+    /// From the eight lights of the device: the first two directional ones, the first six others, ambient light.
+    void ApplyLightSemantics();
+    /// The colours and the power of the current material.
+    void ApplyMaterialSemantics();
+
     /// The number of passes; each is drawn between BeginPass and EndPass, all before End.
     int Begin();
     void BeginPass(int pass);
     void EndPass();
     void End();
 
-    ID3DXEffect* Effect() const;
+    /// SelectTechnique gives stages 0 to 5 the texture coordinates of their own number.
+    void SetOwnTextureCoordinates(bool on) { own_texture_coordinates_ = on; }
+    /// Whether drawers are to call ApplyLightSemantics.
+    void SetLightSemantics(bool on) { light_semantics_ = on; }
+    bool LightSemantics() const { return light_semantics_; }
+    /// End gives fParam1 to vParam8 their stored values again.
+    void SetReapplyDefaults(bool on) { reapply_defaults_ = on; }
+
+    ID3DXEffect* Effect() const;   // borrowed; null while nothing is loaded
+    /// The chosen technique, -1 before one was chosen.
+    int Technique() const { return technique_; }
 
   private:
     friend class ShaderEffectLoader;
-    KRN_Gfx* gfx_ = nullptr;   // borrowed
+    void Check(HRESULT result) const;
+    void ReapplyDefaults();
+
+    KRN_Gfx* gfx_ = nullptr;                           // borrowed
+    std::shared_ptr<ShaderEffectRegistry> registry_;   // of KRN_Gfx; null while nothing is loaded
     int registry_index_ = -1;
-    ShaderEffectData* data_ = nullptr;   // shared through the registry of KRN_Gfx
     int technique_ = -1;
+    bool own_texture_coordinates_ = false;
+    bool light_semantics_ = false;
+    bool reapply_defaults_ = false;
+
+    ShaderEffectData* Data() const;
 };
 
 }   // namespace sparkrig

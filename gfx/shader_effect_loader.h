@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "gfx/shader_effect.h"
+#include "gfx/shader_effect_search_list.h"
 
 namespace sparkrig {
 
@@ -12,7 +13,7 @@ class ShaderEffectLoader {
   public:
     using GameTimeSource = float (*)();   // seconds
 
-    /// Reports through `gfx`, which must outlive the loader. Every effect is released before the loader.
+    /// Reports through `gfx`, which must outlive the loader.
     explicit ShaderEffectLoader(KRN_Gfx& gfx);
     ~ShaderEffectLoader();
     ShaderEffectLoader(const ShaderEffectLoader&) = delete;
@@ -21,6 +22,8 @@ class ShaderEffectLoader {
     /// False, after a warning, for a missing file that is not required. A required one and a compile failure are
     /// errors. `flags` are D3DXSHADER_ flags.
     bool Load(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool);
+    /// The first of the candidates that exists. False for an empty list.
+    bool Load(KRN_ShaderEffect& effect, const ShaderSearchList& candidates, bool required, DWORD flags, bool use_pool);
 
     /// Around a device reset.
     void OnLostDevice();
@@ -37,7 +40,7 @@ class ShaderEffectLoader {
 
   private:
     KRN_Gfx& gfx_;
-    std::unique_ptr<ShaderEffectRegistry> registry_;
+    std::shared_ptr<ShaderEffectRegistry> registry_;   // and of every loaded effect
 };
 
 }   // namespace sparkrig

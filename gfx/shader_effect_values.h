@@ -1,0 +1,18 @@
+// The values that parameters get by their semantics, from what the graphics device holds.
+#pragma once
+#include "gfx/shader_effect_registry.h"
+
+namespace sparkrig {
+
+class KRN_Gfx;
+class KRN_ShaderEffect;
+
+/// The matrices, times, fog and viewport values of this moment.
+void FillFrameSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data,
+                        ShaderEffectSettings& settings);
+/// The textures that "ResourceName" annotations name, through the texture catalogue.
+void FillResourceTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillMaterialSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+
+}   // namespace sparkrig
