@@ -16,7 +16,7 @@ int ToFrame(double frame, int frames) { return static_cast<int>(std::clamp(frame
 int FrameAt(const SequenceTiming& timing, int frames, float t) {
     const double since = static_cast<double>(t) - timing.start, duration = timing.frame_seconds;
     const double frame = std::floor(since / duration);
-    if (frames <= 1 || !(duration > 0) || !std::isfinite(frame)) return 0;
+    if (frames <= 1 || !(duration > 0) || !std::isfinite(duration) || !std::isfinite(frame)) return 0;
     switch (timing.mode) {
         case PlaybackMode::Once: return ToFrame(frame, frames);
         case PlaybackMode::PingPong: {

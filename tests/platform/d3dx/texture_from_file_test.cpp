@@ -1,0 +1,207 @@
+#include <gmock/gmock.h>
+
+#include "platform/d3dx/d3dx_texture.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/support/picture_files.h"
+#include "tests/support/recording_device.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::ElementsAre;
+
+class TextureFromFile : public TemporaryFolder {
+  protected:
+    TextureFromFile() {
+        const DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
+        D3DPRESENT_PARAMETERS parameters = {};
+        parameters.Windowed = TRUE;
+        direct3d->CreateDevice(0, D3DDEVTYPE_HAL, nullptr, D3DCREATE_HARDWARE_VERTEXPROCESSING, &parameters,
+                               device_.Receive());
+    }
+
+    struct Options {
+        UINT width = D3DX_DEFAULT_NONPOW2, height = D3DX_DEFAULT_NONPOW2, levels = 1;
+        DWORD usage = 0;
+        D3DFORMAT format = D3DFMT_UNKNOWN;
+        D3DPOOL pool = D3DPOOL_MANAGED;
+        DWORD filter = D3DX_FILTER_LINEAR, mip_filter = D3DX_FILTER_BOX;
+        D3DCOLOR colour_key = 0;
+    };
+    HRESULT Load(const std::string& content, const Options& o) {
+        WriteFile("picture", content);
+        return D3DXCreateTextureFromFileExA(device_.Get(), "picture", o.width, o.height, o.levels, o.usage, o.format,
+                                            o.pool, o.filter, o.mip_filter, o.colour_key, &info_, texture_.Receive());
+    }
+    HRESULT Load(const std::string& content) { return Load(content, Options()); }
+
+    RecordedImage& Level(UINT level) { return static_cast<RecordedTexture&>(*texture_).Level(level); }
+    std::vector<D3DCOLOR> Pixels(UINT level = 0) {
+        const RecordedImage& image = Level(level);
+        std::vector<D3DCOLOR> pixels;
+        for (UINT y = 0; y < image.desc.Height; ++y) {
+            const auto* row = reinterpret_cast<const D3DCOLOR*>(image.bytes.data() + y * image.pitch);
+            pixels.insert(pixels.end(), row, row + image.desc.Width);
+        }
+        return pixels;
+    }
+
+    Recording recording_;
+    DevicePtr<IDirect3DDevice9> device_;
+    DevicePtr<IDirect3DTexture9> texture_;
+    D3DXIMAGE_INFO info_ = {};
+};
+
+TEST_F(TextureFromFile, KeepsSizePixelsAndFormat) {
+    const TestPicture picture = TestPicture::Pattern(5, 3);
+    ASSERT_EQ(Load(PngFile(picture, 4)), D3D_OK);
+    EXPECT_EQ(Level(0).desc.Format, D3DFMT_A8R8G8B8);
+    EXPECT_EQ(Level(0).desc.Pool, D3DPOOL_MANAGED);
+    EXPECT_EQ(Pixels(), picture.pixels);
+    EXPECT_EQ(texture_->GetLevelCount(), 1u);
+    EXPECT_EQ(info_.Width, 5u);
+}
+
+TEST_F(TextureFromFile, TakesTheNearestFormatThatTheDeviceHas) {
+    recording_.refused_texture_formats.insert(D3DFMT_A8L8);
+    const TestPicture picture = TestPicture::Pattern(4, 4);
+    const struct {
+        std::string file;
+        D3DFORMAT asked, given;
+    } rows[] = {
+        {BmpFile(picture, D3DFMT_R8G8B8), D3DFMT_UNKNOWN, D3DFMT_X8R8G8B8},
+        {PalettePngFile(picture, 0xFF102030, 0xFF405060), D3DFMT_UNKNOWN, D3DFMT_X8R8G8B8},
+        {PalettePngFile(picture, 0x80102030, 0xFF405060), D3DFMT_UNKNOWN, D3DFMT_A8R8G8B8},
+        {PngFile(picture, 1), D3DFMT_UNKNOWN, D3DFMT_L8},
+        {PngFile(picture, 2), D3DFMT_UNKNOWN, D3DFMT_A8R8G8B8},
+        {PngFile(picture, 4), D3DFMT_A4R4G4B4, D3DFMT_A4R4G4B4},
+        {PngFile(picture, 4), D3DFMT_DXT5, D3DFMT_DXT5},
+        {JpgFile(picture, 3), D3DFMT_R5G6B5, D3DFMT_R5G6B5},
+    };
+    for (const auto& row : rows) {
+        Options options;
+        options.format = row.asked;
+        ASSERT_EQ(Load(row.file, options), D3D_OK);
+        EXPECT_EQ(Level(0).desc.Format, row.given);
+    }
+}
+
+TEST_F(TextureFromFile, ChoosesTheSize) {
+    const std::string file = PngFile(TestPicture::Pattern(6, 20), 3);
+    const struct {
+        UINT asked_width, asked_height, width, height;
+    } rows[] = {{D3DX_DEFAULT, D3DX_DEFAULT, 8, 32},
+                {0, 0, 8, 32},
+                {D3DX_DEFAULT_NONPOW2, D3DX_DEFAULT_NONPOW2, 6, 20},
+                {D3DX_FROM_FILE, D3DX_FROM_FILE, 6, 20},
+                {3, 40, 3, 40}};
+    for (const auto& row : rows) {
+        Options options;
+        options.width = row.asked_width;
+        options.height = row.asked_height;
+        ASSERT_EQ(Load(file, options), D3D_OK);
+        EXPECT_EQ(Level(0).desc.Width, row.width);
+        EXPECT_EQ(Level(0).desc.Height, row.height);
+    }
+}
+
+TEST_F(TextureFromFile, CountsLevels) {
+    const std::string file = PngFile(TestPicture::Pattern(20, 9), 3);
+    const struct {
+        UINT asked, given;
+    } rows[] = {{0, 5}, {D3DX_DEFAULT, 5}, {1, 1}, {3, 3}, {99, 5}, {D3DX_FROM_FILE, 1}};
+    for (const auto& row : rows) {
+        Options options;
+        options.levels = row.asked;
+        ASSERT_EQ(Load(file, options), D3D_OK);
+        EXPECT_EQ(texture_->GetLevelCount(), row.given);
+    }
+}
+
+TEST_F(TextureFromFile, AveragesEachLevelFromTheOneAbove) {
+    TestPicture picture = {4, 1, {0xFF000000, 0xFF0A1401, 0x80FF0000, 0x40000080}};
+    Options options;
+    options.levels = 0;
+    ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+    EXPECT_THAT(Pixels(1), ElementsAre(0xFF050A01, 0x60800040));
+    EXPECT_THAT(Pixels(2), ElementsAre(0xB0430521));
+}
+
+TEST_F(TextureFromFile, MakesThePixelsOfTheColourKeyTransparent) {
+    TestPicture picture = {3, 1, {0xFFFF00FF, 0x80FF00FF, 0xFF123456}};
+    Options options;
+    options.colour_key = 0xFFFF00FF;
+    ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+    EXPECT_THAT(Pixels(), ElementsAre(0u, 0x80FF00FF, 0xFF123456));
+}
+
+TEST_F(TextureFromFile, WithoutAFilterSurroundsOrCutsThePicture) {
+    TestPicture picture = {2, 2, {0xFF112233, 0xFF445566, 0xFF778899, 0xFFAABBCC}};
+    Options options;
+    options.filter = D3DX_FILTER_NONE;
+    options.width = 3;
+    options.height = 1;
+    ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+    EXPECT_THAT(Pixels(), ElementsAre(0xFF112233, 0xFF445566, 0u));
+}
+
+TEST_F(TextureFromFile, FillsWhatCannotBeLockedThroughSystemMemory) {
+    const TestPicture picture = TestPicture::Pattern(4, 2);
+    for (const DWORD usage : {0u, D3DUSAGE_RENDERTARGET, D3DUSAGE_DYNAMIC}) {
+        Options options;
+        options.pool = D3DPOOL_DEFAULT;
+        options.usage = usage;
+        recording_.ForgetCalls();
+        ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+        EXPECT_EQ(Level(0).desc.Pool, D3DPOOL_DEFAULT);
+        EXPECT_EQ(Pixels(), picture.pixels);
+        EXPECT_EQ(recording_.Count("UpdateTexture"), usage == D3DUSAGE_DYNAMIC ? 0 : 1);
+    }
+}
+
+TEST_F(TextureFromFile, PassesOnWhatFails) {
+    const std::string file = PngFile(TestPicture::Pattern(4, 4), 4);
+    const int objects_before = recording_.LiveObjects();
+    for (const char* method : {"CreateTexture", "LockRect", "UnlockRect"}) {
+        recording_.Fail(method, D3DERR_OUTOFVIDEOMEMORY);
+        EXPECT_EQ(Load(file), D3DERR_OUTOFVIDEOMEMORY) << method;
+        EXPECT_FALSE(texture_) << method;
+    }
+    EXPECT_EQ(Load("no picture"), D3DXERR_INVALIDDATA);
+    EXPECT_EQ(D3DXGetImageInfoFromFileA("missing", &info_), D3DXERR_INVALIDDATA);
+    EXPECT_EQ(D3DXGetImageInfoFromFileA(".", &info_), D3DXERR_INVALIDDATA);
+    EXPECT_EQ(D3DXGetImageInfoFromFileA(nullptr, &info_), D3DERR_INVALIDCALL);
+    EXPECT_EQ(recording_.LiveObjects(), objects_before);
+}
+
+TEST_F(TextureFromFile, TakesTheStoredLevelsOfADdsFileAndMakesTheOthers) {
+    // 4 x 4 and 2 x 2 in A8R8G8B8; the second level is no average of the first.
+    std::string file = DdsHead({4, 4, 2, 0x41, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000});
+    for (int i = 0; i < 16; ++i) file += "\x10\x20\x30\x40";
+    for (int i = 0; i < 4; ++i) file += "\x04\x08\x0C\x14";
+    Options options;
+    options.levels = 3;
+    ASSERT_EQ(Load(file, options), D3D_OK);
+    EXPECT_EQ(Pixels(0)[15], 0x40302010u);
+    EXPECT_EQ(Pixels(1)[3], 0x140C0804u);
+    EXPECT_THAT(Pixels(2), ElementsAre(0x140C0804u));
+}
+
+TEST_F(TextureFromFile, CopiesCompressedBlocksAsTheyAre) {
+    std::string file = DdsHead({4, 4, 1, 4, D3DFMT_DXT5, 0, 0, 0, 0, 0});
+    const std::string block = "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10";
+    ASSERT_EQ(Load(file + block), D3D_OK);
+    EXPECT_EQ(Level(0).desc.Format, D3DFMT_DXT5);
+    EXPECT_EQ(std::string(Level(0).bytes.begin(), Level(0).bytes.begin() + 16), block);
+}
+
+TEST_F(TextureFromFile, CorrectsTheShapeOfAnEmptyTexture) {
+    ASSERT_EQ(D3DXCreateTexture(device_.Get(), 0, 9, 0, 0, D3DFMT_R8G8B8, D3DPOOL_MANAGED, texture_.Receive()), D3D_OK);
+    EXPECT_EQ(Level(0).desc.Width, 1u);
+    EXPECT_EQ(Level(0).desc.Height, 9u);
+    EXPECT_EQ(Level(0).desc.Format, D3DFMT_X8R8G8B8);
+    EXPECT_EQ(texture_->GetLevelCount(), 4u);
+}
+
+}   // namespace
+}   // namespace sparkrig
