@@ -160,7 +160,7 @@ Pixel PaintRibbon(Point p, Pixel colour) {
     const float across = Spot(std::fabs(p.y) / 0.92f), core = Gauss(p.y, 0.2f);
     const Pixel lit = MixColour(colour, White(1), 0.75f * core * along);
     return {lit.r, lit.g, lit.b,
-            Unit(across * threads * 0.85f + 0.6f * core) * std::sqrt(along) * Step(0.95f, 0.7f, p.x)};
+            Unit(across * threads * 0.85f + 0.6f * core) * std::sqrt(along) * Step(0.95f, 0.5f, p.x)};
 }
 
 Sprite Ribbon(const char* name, Pixel colour) {

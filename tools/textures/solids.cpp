@@ -173,6 +173,21 @@ Pixel PaintLogs(Point p) {
     return pixel;
 }
 
+/// A shelf of rock that overhangs: broken below, flat and mossy on top.
+Pixel PaintLedge(Point p) {
+    const float top = 0.16f + 0.05f * Fractal({p.x * 3, 0.5f}, 3, 1401);
+    const float depth =
+        (0.34f + 0.3f * Fractal({p.x * 2.6f, 7.5f}, 4, 1411)) * std::sqrt(Unit(1 - Square(p.x / 0.95f)));
+    const float h = (p.y - (top - depth)) / std::max(depth, 0.01f);   // 0 at the lower edge, 1 on top
+    const float inside = Step(0.0f, 0.06f, h) * Step(1.04f, 0.98f, h) * Step(0.95f, 0.9f, std::fabs(p.x));
+    const float cracks = Billows({p.x * 4.5f + 0.6f * p.y, p.y * 7}, 4, 1421);
+    const float grain = Fractal({p.x * 16, p.y * 16}, 3, 1431);
+    const float light = Unit((0.28f + 0.5f * h) * (0.42f + 1.7f * cracks) + 0.14f * grain);
+    const Pixel stone{0.62f * light, 0.6f * light, 0.56f * light, inside};
+    const float moss = Step(0.72f, 0.95f, h + 0.55f * Fractal({p.x * 7, p.y * 9}, 3, 1441));
+    return MixColour(stone, {0.3f * light + 0.04f, 0.46f * light + 0.05f, 0.16f * light, inside}, 0.85f * moss);
+}
+
 }   // namespace
 
 std::vector<Sprite> SolidSprites() {
@@ -188,6 +203,7 @@ std::vector<Sprite> SolidSprites() {
         Paper("confetti2", 0.24f, 0.7f, -0.5f, 0.15f),
         {"streamer", 64, PaintStreamer},
         {"logs", 128, PaintLogs},
+        {"ledge", 256, PaintLedge},
     };
 }
 
