@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "app/options.h"
-#include "base/nearest_word.h"
 
 namespace sparkrig {
 

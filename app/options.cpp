@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "app/resources.h"
-#include "base/nearest_word.h"
 
 namespace sparkrig {
 

@@ -101,12 +101,15 @@ void ReapplyViewport(GfxParts& parts, UINT old_width, UINT old_height) {
 }
 
 void ReapplyStates(GfxParts& parts, UINT old_width, UINT old_height) {
+    const D3DCOLOR texture_factor = parts.texture_factor.Colour();
     ReapplyViewport(parts, old_width, old_height);
     parts.transforms.SetProjection(parts.transforms.Near(), parts.transforms.Far(), Transforms::kFieldOfView,
                                    Transforms::kDerivedAspect);
     parts.transforms.Set(D3DTS_VIEW, parts.transforms.View());
     parts.lighting.Reapply();
+    parts.render_sources.Reapply();   // before the blending mode, which may set the same stage
     parts.blending.Set(parts.blending.Mode(), parts.blending.Alpha(), 0);
+    parts.texture_factor.Set(texture_factor);   // the two before may have left their own
     parts.culling.Set(parts.culling.Mode());
     parts.fog.Set(parts.fog.Settings());
     parts.fog.Enable(parts.fog.Enabled());
@@ -125,8 +128,6 @@ void ReapplyStates(GfxParts& parts, UINT old_width, UINT old_height) {
 /// What creation set and the program may have changed since, beyond the states above.
 void ReapplyRest(GfxParts& parts) {
     parts.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
-    parts.texture_factor.Set(parts.texture_factor.Colour());
-    parts.render_sources.Reapply();
     parts.lighting.ReapplyMaterial();
     parts.lights.Reapply();
     parts.transforms.Set(D3DTS_WORLD, parts.transforms.World());

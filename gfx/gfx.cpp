@@ -7,6 +7,7 @@
 #include "gfx/display_modes.h"
 #include "gfx/gfx_parts.h"
 #include "scene/camera.h"
+#include "scene/light.h"
 #include "scene/mesh.h"
 
 namespace sparkrig {
@@ -115,6 +116,17 @@ void KRN_Gfx::SetFogEnable(bool on) { parts_->fog.Enable(on); }
 bool KRN_Gfx::FogEnable() const { return parts_->fog.Enabled(); }
 const FogSettings& KRN_Gfx::Fog() const { return parts_->fog.Settings(); }
 void KRN_Gfx::SetMaterial(const D3DMATERIAL9& material) { parts_->lighting.SetMaterial(material); }
+int KRN_Gfx::SetLight(int index, KRN_Light& light, double time, bool evaluate) {
+    if (light.off) return 0;
+    if (evaluate) {
+        light.Animate(time, false);
+    } else {
+        light.record.Position = light.Eye();
+        light.record.Direction = light.ViewDirection();
+    }
+    parts_->lights.Set(index, light.record);
+    return 1;
+}
 void KRN_Gfx::SetLightEnable(int index, bool on) { parts_->lights.SetEnable(index, on); }
 void KRN_Gfx::SetVertexFormat(DWORD fvf) { parts_->bindings.SetVertexFormat(fvf); }
 void KRN_Gfx::SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride) {
@@ -123,6 +135,7 @@ void KRN_Gfx::SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride) {
 void KRN_Gfx::SetIndices(IDirect3DIndexBuffer9* buffer) { parts_->bindings.SetIndices(buffer); }
 void KRN_Gfx::SetRenderTarget(IDirect3DSurface9* surface, DWORD index) { parts_->targets.Set(surface, index); }
 bool KRN_Gfx::SetGammaRamp(const D3DGAMMARAMP* ramp, bool calibrate) { return parts_->gamma.Set(ramp, calibrate); }
+void KRN_Gfx::SetColourOverride(const D3DCOLOR* colour) { parts_->meshes.SetColourOverride(colour); }
 void KRN_Gfx::SetSoftwareVertexProcessing(bool on) { parts_->bindings.SetSoftwareProcessing(on); }
 
 // ---- Transforms and view

@@ -107,6 +107,7 @@ class KRN_Gfx : public KRN_Base {
     bool FogEnable() const;
     const FogSettings& Fog() const;
     void SetMaterial(const D3DMATERIAL9& material);
+    /// 0 for a light that is off. With `evaluate` the light is placed for the time (seconds) first.
     int SetLight(int index, KRN_Light& light, double time, bool evaluate);
     void SetLightEnable(int index, bool on);
     void SetVertexFormat(DWORD fvf);
@@ -115,6 +116,7 @@ class KRN_Gfx : public KRN_Base {
     void SetRenderTarget(IDirect3DSurface9* surface, DWORD index);
     bool SetGammaRamp(const D3DGAMMARAMP* ramp, bool calibrate);
     void SetSoftwareVertexProcessing(bool on);
+    /// While set, meshes are drawn in this colour whatever their materials say; null for none.
     void SetColourOverride(const D3DCOLOR* colour);
 
     // ---- Transforms and view

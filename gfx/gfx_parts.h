@@ -1,7 +1,5 @@
 // What KRN_Gfx is made of. Each part can be read and tested without the others; what they share is the device.
 #pragma once
-#include <optional>
-
 #include "gfx/alpha_test.h"
 #include "gfx/blending.h"
 #include "gfx/culling.h"
@@ -77,7 +75,6 @@ struct GfxParts {
     Transforms transforms{sender, culling};
     GammaState gamma{graphics};
     GeometryBindings bindings{graphics};
-    std::optional<D3DCOLOR> colour_override;
 
     // Resources
     TextureRegistry textures;

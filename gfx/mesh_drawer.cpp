@@ -5,13 +5,28 @@
 
 namespace sparkrig {
 
+namespace {
+
+D3DCOLORVALUE ToColourValue(D3DCOLOR colour) {
+    const auto part = [colour](int shift) { return static_cast<float>(colour >> shift & 0xFF) / 255; };
+    return {part(16), part(8), part(0), part(24)};
+}
+
+}   // namespace
+
+void MeshDrawer::SetColourOverride(const D3DCOLOR* colour) {
+    colour_override_.reset();
+    if (colour) colour_override_ = *colour;
+}
+
 bool MeshDrawer::Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world) {
     if (!mesh) {
         sender_.Reporter().Warning("Pointer to mesh is zero");
         return false;
     }
     if (!mesh->Geometry() || mesh->MaterialCount() == 0) return false;
-    D3DXMATRIX placed = mesh->WorldMatrix();
+    D3DXMATRIX placed;
+    D3DXMatrixMultiply(&placed, &mesh->PivotMatrix(), &mesh->WorldMatrix());
     if (world) D3DXMatrixMultiply(&placed, &placed, world);
     if (!BoundsVisible(transforms_.Planes(), *mesh, placed)) return false;
 
@@ -37,8 +52,7 @@ void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh) {
     DWORD entries = 0;
     sender_.Graphics().Require(mesh.Geometry()->GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
     if (entries == 0) {   // not sorted by group: drawn as one
-        lighting_.SetMaterial(mesh.Material(0).colours);
-        textures_.SetTexture(nullptr, -1);
+        SetMaterial(mesh.Material(0));
         DrawSubset(mesh, 0);
         return;
     }
@@ -55,10 +69,19 @@ void MeshDrawer::DrawMaterial(const KRN_MeshBase& mesh, int group) {
     const MeshMaterial& material = mesh.Material(group);
     const int culling = culling_.Mode();
     if (material.two_sided) culling_.Set(0);
-    lighting_.SetMaterial(material.colours);
-    textures_.SetTexture(nullptr, -1);
+    SetMaterial(material);
     DrawSubset(mesh, static_cast<DWORD>(group));
     culling_.Set(culling);
+}
+
+void MeshDrawer::SetMaterial(const MeshMaterial& material) {
+    D3DMATERIAL9 colours = material.colours;
+    if (colour_override_) {
+        colours.Diffuse = colours.Ambient = ToColourValue(*colour_override_);
+        if (!lighting_.On()) lighting_.Set(false, &*colour_override_);
+    }
+    lighting_.SetMaterial(colours);
+    textures_.SetTexture(nullptr, -1);
 }
 
 void MeshDrawer::DrawSubset(const KRN_MeshBase& mesh, DWORD subset) {

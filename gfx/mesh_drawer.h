@@ -1,5 +1,7 @@
 // Draws a mesh group by group: opaque groups first, then blended ones.
 #pragma once
+#include <optional>
+
 #include "gfx/culling.h"
 #include "gfx/draw_statistics.h"
 #include "gfx/effect_choice.h"
@@ -12,6 +14,7 @@
 namespace sparkrig {
 
 class KRN_MeshBase;
+struct MeshMaterial;
 
 class MeshDrawer {
   public:
@@ -30,11 +33,14 @@ class MeshDrawer {
 
     /// False for a mesh that is null (a warning), without geometry, or out of view. A null world is the identity.
     bool Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world);
+    /// Takes the place of the materials' diffuse and ambient colours, and with lighting off of the vertices' colour.
+    void SetColourOverride(const D3DCOLOR* colour);
 
   private:
     void PrepareStates(const KRN_MeshBase& mesh, bool world_given);
     void DrawGroups(const KRN_MeshBase& mesh);
     void DrawMaterial(const KRN_MeshBase& mesh, int group);
+    void SetMaterial(const MeshMaterial& material);
     void DrawSubset(const KRN_MeshBase& mesh, DWORD subset);
 
     StateSender& sender_;
@@ -46,6 +52,7 @@ class MeshDrawer {
     TextureStages& textures_;
     const EffectChoice& effects_;
     DrawStatistics& statistics_;
+    std::optional<D3DCOLOR> colour_override_;
 };
 
 }   // namespace sparkrig

@@ -4,6 +4,14 @@ namespace sparkrig {
 
 KRN_Target3dObject::KRN_Target3dObject() { SetName("KRN_Target3dObject"); }
 
+void KRN_Target3dObject::Animate(double time, bool force) {
+    KRN_3dObject::Animate(time, force);
+    eye_ = {world_.m[3][0], world_.m[3][1], world_.m[3][2]};
+    up_ = {world_.m[1][0], world_.m[1][1], world_.m[1][2]};
+    direction_ = {-world_.m[2][0], -world_.m[2][1], -world_.m[2][2]};
+    ApplyOrientation(nullptr);
+}
+
 void KRN_Target3dObject::SetEye(float x, float y, float z, bool apply) {
     SetPosition(x, y, z, false);
     eye_ = {x, y, z};

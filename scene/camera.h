@@ -15,6 +15,9 @@ class KRN_Target3dObject : public KRN_3dObject {
     /// Turns view direction and up vector about an axis (radians).
     void RotateView(const D3DXVECTOR3& axis, float angle);
     void TurnAroundUp(float angle);
+    /// Places the node and takes eye, direction and up vector from where it stands: it looks down its own z axis.
+    void Animate(double time, bool force) override;
+    /// Called whenever the orientation changed.
     virtual void ApplyOrientation(const D3DXMATRIX*) {}
 
     const D3DXVECTOR3& Eye() const { return eye_; }

@@ -42,6 +42,13 @@ void KRN_3dObject::Placed(bool rebuild_now) {
     }
 }
 
+void KRN_3dObject::Animate(double time, bool force) {
+    if (time == last_time_ && !dirty_ && !force) return;
+    RebuildFromNodeTransform();
+    last_time_ = time;
+    dirty_ = false;
+}
+
 void KRN_3dObject::RebuildFromNodeTransform() {
     const D3DXVECTOR3 &scale = transform_.scale, &signs = transform_.axis_signs, &position = transform_.position;
     D3DXMATRIX part, local;

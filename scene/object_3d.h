@@ -31,8 +31,15 @@ class KRN_3dObject : public KRN_ResourceBase {
     void SetScale(float x, float y, float z, bool rebuild_now);
     void SetRotation(const D3DXQUATERNION& rotation, bool rebuild_now);
 
+    /// Places the node for a time (seconds): at its rest pose, since it has no tracks. With `force` also when nothing
+    /// changed since the last call.
+    virtual void Animate(double time, bool force);
+
     const D3DXMATRIX& WorldMatrix() const { return world_; }
     void SetWorldMatrix(const D3DXMATRIX& world) { world_ = world; }
+    /// Where the node's own coordinates lie relative to its geometry.
+    const D3DXMATRIX& PivotMatrix() const { return pivot_; }
+    void SetPivotMatrix(const D3DXMATRIX& pivot) { pivot_ = pivot; }
     const String& Name() const { return node_name_; }
     void SetNodeName(const char* name) { node_name_ = name; }
 
@@ -41,8 +48,10 @@ class KRN_3dObject : public KRN_ResourceBase {
     void RebuildFromNodeTransform();
 
     D3DXMATRIX world_ = kIdentityMatrix;
+    D3DXMATRIX pivot_ = kIdentityMatrix;
     NodeTransform transform_;
-    bool dirty_ = true;
+    bool dirty_ = true;      // must be placed again even at an unchanged time
+    double last_time_ = 0;   // of the last placing, seconds
     D3DXVECTOR3 position_;
     String node_name_ = "*undefined*";
 

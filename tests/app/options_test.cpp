@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "base/nearest_word.h"
-
 namespace sparkrig {
 namespace {
 

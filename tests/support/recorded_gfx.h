@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "gfx/gfx.h"
+#include "tests/base/reports.h"
 #include "tests/support/recording.h"
 
 namespace sparkrig {
@@ -46,16 +47,5 @@ class RecordedGfx {
   private:
     std::unique_ptr<KRN_Gfx> gfx_;
 };
-
-/// The message of the KRN_Error that `action` throws; empty when it throws none.
-template <class Action>
-std::string ErrorOf(Action action) {
-    try {
-        action();
-    } catch (const KRN_Error& error) {
-        return error.message;
-    }
-    return "";
-}
 
 }   // namespace sparkrig

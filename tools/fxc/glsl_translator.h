@@ -30,8 +30,7 @@ struct Translation {
 struct TranslationRequest {
     FunctionStage stage = FunctionStage::Vertex;
     DWORD version = 0;                                     // 0xMMmm
-    std::vector<std::string> samplers = {};                // of the effect, in the order of their declaration
-    std::map<std::string, DWORD> sampler_registers = {};   // given ones; the others get the first free, in order
+    std::map<std::string, DWORD> sampler_registers = {};   // that the effect gives; the others get the first free ones
 };
 
 /// On failure `error` says what is wrong with the function.

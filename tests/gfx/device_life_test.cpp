@@ -1,0 +1,333 @@
+// Creating the device, presenting, losing and resetting it.
+#include "gfx/device_life.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+
+#include "gfx/texture.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+
+DWORD Bits(float value) { return std::bit_cast<DWORD>(value); }
+
+TEST(Construction, NeedsTheRunTimeLibraries) {
+    constexpr struct {
+        const char* missing;
+        const char* error;
+    } kRows[] = {
+        {"d3d9.dll", "KRN_Gfx: At least DirectX 9.0 required!"},
+        {"d3dx9_30.dll",
+         "KRN_Gfx: Your DirectX 9.0 runtime is too old (d3dx9_30.dll not found).\n"
+         "Please download and install latest DirectX"},
+    };
+    const Recording recording;
+    for (const auto& row : kRows) {
+        FakeEnvironment::Reset();
+        FakeEnvironment::missing = row.missing;
+        EXPECT_EQ(ErrorOf([] { const KRN_Gfx gfx(Recording::Create, FakeEnvironment::kTable); }), row.error);
+    }
+    FakeEnvironment::Reset();
+}
+
+TEST(Construction, NeedsDirect3D) {
+    Recording recording;
+    recording.offers_direct3d = false;
+    FakeEnvironment::Reset();
+    EXPECT_EQ(ErrorOf([] { const KRN_Gfx gfx(Recording::Create, FakeEnvironment::kTable); }),
+              "KRN_Gfx: Direct3DCreate9 failed!");
+}
+
+TEST(Creation, ChoosesAdapterTypeAndBehaviour) {
+    constexpr struct {
+        const char* name;
+        int vertex_processing, device_select, multithreaded;
+        bool hardware;
+        DWORD adapter, type, behaviour;
+    } kRows[] = {
+        {"software", 0, 0, 0, true, 0, D3DDEVTYPE_HAL, 0x20},
+        {"mixed", 1, 0, 0, true, 0, D3DDEVTYPE_HAL, 0x80},
+        {"hardware, many threads", 2, 0, 1, true, 0, D3DDEVTYPE_HAL, 0x44},
+        {"no hardware", 2, 3, 0, false, 0, D3DDEVTYPE_HAL, 0x20},
+        {"reference", 1, 1, 0, true, 0, D3DDEVTYPE_REF, 0x80},
+        {"performance analysis", 1, 2, 0, true, 2, D3DDEVTYPE_REF, 0x80},
+    };
+    for (const auto& row : kRows) {
+        SCOPED_TRACE(row.name);
+        RecordedGfx gfx(RecordedGfx::State::Constructed);
+        gfx.recording.adapters = {"NVIDIA", "NVIDIA NVPerfHUD 2", "NVIDIA NVPerfHUD"};
+        if (!row.hardware) gfx.recording.caps.DevCaps = 0;
+        gfx->InitDevice(FakeWindow(), 1, nullptr, 16, 0, row.vertex_processing, row.device_select, row.multithreaded);
+        for (const RecordedCall& call : gfx.recording.Calls()) {
+            if (call.method != "CreateDevice") continue;
+            EXPECT_THAT(call.arguments, ElementsAre(row.adapter, row.type, row.behaviour));
+        }
+        EXPECT_EQ(gfx->HardwareVertexProcessing(), row.hardware && row.vertex_processing > 0);
+    }
+}
+
+TEST(Creation, WithoutAnAnalysisAdapterTheFirstOneServes) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    gfx->InitDevice(FakeWindow(), 1, nullptr, 16, 0, 1, 2, 0);
+    EXPECT_EQ(gfx->Parts().graphics.Adapter(), 0u);
+    EXPECT_EQ(gfx->Parts().graphics.DeviceType(), D3DDEVTYPE_HAL);
+}
+
+TEST(Creation, FullScreenNeedsAMode) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    EXPECT_EQ(ErrorOf([&] { gfx->InitDevice(FakeWindow(), 0, nullptr, 16, 0, 1, 0, 0); }),
+              "KRN_Gfx: No displaymode specified!");
+    const D3DDISPLAYMODE mode = {800, 600, 85, D3DFMT_R5G6B5};
+    EXPECT_EQ(gfx->InitDevice(FakeWindow(), 0, &mode, 16, 0, 1, 0, 0), 1);
+    EXPECT_EQ(gfx->Viewport().Width, 800u);
+    EXPECT_EQ(gfx->AlphaFormat(), D3DFMT_R5G6B5);
+    EXPECT_EQ(gfx->OpaqueFormat(), D3DFMT_R5G6B5);
+}
+
+TEST(Creation, StatesStartAtTheirDefaults) {
+    RecordedGfx gfx;
+    constexpr struct {
+        D3DRENDERSTATETYPE state;
+        DWORD value;
+    } kStates[] = {
+        {D3DRS_FILLMODE, 3},         {D3DRS_ZENABLE, 1},       {D3DRS_LIGHTING, 1},           {D3DRS_SPECULARENABLE, 0},
+        {D3DRS_ALPHABLENDENABLE, 0}, {D3DRS_DITHERENABLE, 1},  {D3DRS_NORMALIZENORMALS, 1},   {D3DRS_CULLMODE, 3},
+        {D3DRS_FOGENABLE, 0},        {D3DRS_FOGVERTEXMODE, 1}, {D3DRS_FOGDENSITY, 0x3F000000}};
+    for (const auto& row : kStates) {
+        DWORD value = 999;
+        gfx->Device()->GetRenderState(row.state, &value);
+        EXPECT_EQ(value, row.value) << row.state;
+    }
+    for (DWORD stage = 0; stage < 3; ++stage) {
+        DWORD value = 0;
+        gfx->Device()->GetSamplerState(stage, D3DSAMP_MIPFILTER, &value);
+        EXPECT_EQ(value, D3DTEXF_LINEAR) << stage;
+        gfx->Device()->GetSamplerState(stage, D3DSAMP_MINFILTER, &value);
+        EXPECT_EQ(value, D3DTEXF_LINEAR) << stage;
+    }
+    EXPECT_EQ(gfx->Viewport(), (D3DVIEWPORT9{0, 0, 640, 480, 0, 1}));
+    D3DXMATRIX projection;
+    D3DXMatrixPerspectiveFovLH(&projection, 0.7854f, 640.0f / 480, 1, 10000);
+    EXPECT_EQ(gfx->ProjectionMatrix(), projection);
+    EXPECT_NE(gfx->EffectPool(), nullptr);
+    EXPECT_EQ(gfx->DeviceSeconds(), 0);
+    FakeEnvironment::now += 2.5;
+    EXPECT_EQ(gfx->DeviceSeconds(), 2.5);
+}
+
+TEST(Destruction, LeavesNothingBehind) {
+    RecordedGfx gfx;
+    gfx->ResetDevice(nullptr, -1);
+    gfx.Destroy();
+    EXPECT_EQ(gfx.recording.LiveObjects(), 0);
+}
+
+TEST(Reset, AppliesTheKeptStatesInOrder) {
+    RecordedGfx gfx;
+    D3DXMATRIX view;
+    D3DXMatrixTranslation(&view, 3, 5, 7);
+    gfx->SetTransform(D3DTS_VIEW, view);
+    gfx->SetProjection(2, 600, 1.1f, 1.7f);
+    gfx->SetLighting(false, nullptr);
+    gfx->SetSpecular(true);
+    gfx->SetBlendingMode(7, 0x40, 0);
+    gfx->SetCullingMode(1);
+    gfx->SetFog({0xFF102030, D3DFOG_EXP2, false, 1, 2, 0.125f});
+    gfx->SetFogEnable(true);
+    gfx->SetAlphaTest(3, 0x60);
+    gfx->SetFillMode(2, nullptr);
+    gfx->SetZWrite(false);
+    gfx->SetZBufferMode(0);
+    gfx.recording.ForgetCalls();
+    EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 1);
+
+    std::vector<std::pair<DWORD, DWORD>> sent;
+    for (const RecordedCall& call : gfx.recording.Calls()) {
+        if (call.method == "SetRenderState") sent.emplace_back(call.arguments[0], call.arguments[1]);
+    }
+    const std::vector<std::pair<DWORD, DWORD>> expected = {
+        {D3DRS_LIGHTING, 0},
+        {D3DRS_SPECULARENABLE, 1},
+        {D3DRS_ALPHABLENDENABLE, 1},
+        {D3DRS_TEXTUREFACTOR, 0x40000000},
+        {D3DRS_SRCBLEND, 5},
+        {D3DRS_DESTBLEND, 6},
+        {D3DRS_TEXTUREFACTOR, 0x40000000},
+        {D3DRS_CULLMODE, 2},
+        {D3DRS_FOGCOLOR, 0xFF102030},
+        {D3DRS_FOGTABLEMODE, 2},
+        {D3DRS_FOGDENSITY, Bits(0.125f)},
+        {D3DRS_FOGENABLE, 1},
+        {D3DRS_CLIPPING, 1},
+        {D3DRS_ALPHATESTENABLE, 3},
+        {D3DRS_ALPHAFUNC, 5},
+        {D3DRS_ALPHAREF, 0x60},
+        {D3DRS_PATCHEDGESTYLE, 0},
+        {D3DRS_FILLMODE, 2},
+        {D3DRS_ZENABLE, 0},
+        {D3DRS_ZWRITEENABLE, 0},
+        {D3DRS_DITHERENABLE, 1},
+        {D3DRS_AMBIENT, 0},
+        {D3DRS_NORMALIZENORMALS, 1},
+    };
+    EXPECT_THAT(sent, ElementsAreArray(expected));
+    D3DXMATRIX device_view, projection;
+    gfx->Device()->GetTransform(D3DTS_VIEW, &device_view);
+    EXPECT_EQ(device_view, view);
+    D3DXMatrixPerspectiveFovLH(&projection, 0.7854f, 640.0f / 480, 2, 600);
+    EXPECT_EQ(gfx->ProjectionMatrix(), projection) << "near and far are kept";
+}
+
+TEST(Reset, TakesAnotherModeAndVsync) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    const D3DDISPLAYMODE first = {800, 600, 85, D3DFMT_X8R8G8B8}, second = {1024, 768, 72, D3DFMT_X8R8G8B8};
+    gfx->InitDevice(FakeWindow(), 0, &first, 16, 1, 1, 0, 0);
+    gfx.recording.ForgetCalls();
+    gfx->ResetDevice(&second, 3);
+    gfx->ResetDevice(nullptr, -1);
+    std::vector<std::vector<DWORD>> resets;
+    for (const RecordedCall& call : gfx.recording.Calls()) {
+        if (call.method == "Reset") resets.push_back(call.arguments);
+    }
+    const std::vector<DWORD> expected = {1024, 768, D3DPRESENT_INTERVAL_THREE};
+    EXPECT_THAT(resets, ElementsAre(expected, expected));
+    EXPECT_EQ(gfx->Viewport().Width, 1024u);
+}
+
+TEST(Reset, LetsGoOfDefaultPoolTextures) {
+    RecordedGfx gfx;
+    KRN_Texture managed, target;
+    gfx->CreateTexture(&managed, 8, 4, 4, -1, 1);
+    gfx->CreateTexture(&target, 16, 8, 3, -1, 1);
+    gfx->SetTexture(&target, 0);
+    EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 1);
+    EXPECT_TRUE(managed.HasSurface());
+    EXPECT_FALSE(target.HasSurface());
+}
+
+TEST(Reset, AViewportInsideStaysAndAWholeOneFollows) {
+    RecordedGfx gfx;
+    gfx.ResizeWindow(700, 300);
+    gfx->ResetDevice(nullptr, -1);
+    EXPECT_EQ(gfx->Viewport(), (D3DVIEWPORT9{0, 0, 700, 300, 0, 1}));
+    gfx->SetViewPort(10, 20, 110, 220, 0.25f, 0.5f);
+    gfx->ResetDevice(nullptr, -1);
+    EXPECT_EQ(gfx->Viewport(), (D3DVIEWPORT9{10, 20, 100, 200, 0.25f, 0.5f}));
+    gfx.ResizeWindow(90, 300);
+    gfx->ResetDevice(nullptr, -1);
+    EXPECT_EQ(gfx->Viewport(), (D3DVIEWPORT9{0, 0, 90, 300, 0, 1}));
+}
+
+TEST(Reset, WaitsForALostDeviceAndPumpsMessages) {
+    RecordedGfx gfx;
+    gfx.recording.LoseDevice(4);
+    EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 0);
+    EXPECT_EQ(FakeEnvironment::pumped, 4);
+    EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 1);
+}
+
+TEST(Present, ShowsAFrame) {
+    RecordedGfx gfx;
+    EXPECT_EQ(gfx->PresentFrame(), 1);
+    EXPECT_EQ(gfx.recording.Count("Present"), 1);
+    EXPECT_EQ(gfx.recording.Count("Reset"), 0);
+    for (int frame = 0; frame < 50; ++frame) {
+        FakeEnvironment::now += 0.02;
+        gfx->PresentFrame();
+    }
+    EXPECT_NEAR(gfx->GetFrameRate(), 50, 0.5);
+}
+
+TEST(Present, AResizedWindowResetsAndAMovedOneDoesNot) {
+    RecordedGfx gfx;
+    RECT& client = FakeEnvironment::client;
+    client = {client.left + 9, client.top + 8, client.right + 9, client.bottom + 8};
+    EXPECT_EQ(gfx->PresentFrame(), 1);
+    EXPECT_EQ(gfx.recording.Count("Reset"), 0);
+    gfx.ResizeWindow(500, 400);
+    EXPECT_EQ(gfx->PresentFrame(), 0);
+    EXPECT_EQ(gfx.recording.Count("Reset"), 1);
+    EXPECT_EQ(gfx.recording.Count("Present"), 1) << "the resized frame is not shown";
+    EXPECT_EQ(gfx->PresentFrame(), 1);
+    EXPECT_EQ(gfx->Viewport().Width, 500u);
+}
+
+TEST(Present, FullScreenDoesNotLookAtTheWindow) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    const D3DDISPLAYMODE mode = {800, 600, 85, D3DFMT_X8R8G8B8};
+    gfx->InitDevice(FakeWindow(), 0, &mode, 16, 0, 1, 0, 0);
+    gfx.ResizeWindow(500, 400);
+    EXPECT_EQ(gfx->PresentFrame(), 1);
+}
+
+TEST(Present, FailuresResetOrEnd) {
+    constexpr struct {
+        HRESULT code;
+        const char* warning;
+        const char* error;
+    } kRows[] = {
+        {D3DERR_DEVICELOST, "", "no error"},
+        {D3DERR_DRIVERINTERNALERROR, "warning KRN_Gfx: Present failed! D3DERR_DRIVERINTERNALERROR", "no error"},
+        {D3DERR_INVALIDCALL, "error KRN_Gfx: Present failed! D3DERR_INVALIDCALL",
+         "KRN_Gfx: Present failed! D3DERR_INVALIDCALL"},
+    };
+    for (const auto& row : kRows) {
+        RecordedGfx gfx;
+        const Reports reports;
+        gfx.recording.Fail("Present", row.code);
+        int result = -1;
+        EXPECT_EQ(ErrorOf([&] { result = gfx->PresentFrame(); }), row.error);
+        EXPECT_EQ(reports.Last(), row.warning);
+        const bool reset = std::string(row.error) == "no error";
+        EXPECT_EQ(gfx.recording.Count("Reset"), reset ? 1 : 0);
+        EXPECT_EQ(result, reset ? 0 : -1);
+    }
+}
+
+TEST(Scene, ClearsWhatTheTargetHas) {
+    RecordedGfx gfx;
+    const D3DRECT rectangle = {1, 2, 30, 40};
+    gfx->Clear(0xFF123456, 0.5f, nullptr);
+    EXPECT_EQ(gfx.recording.Calls().back().arguments, (std::vector<DWORD>{0, 3, 0xFF123456, Bits(0.5f), 0}));
+    EXPECT_EQ(gfx->ClearZBuffer(0.25f, &rectangle), 1);
+    EXPECT_EQ(gfx.recording.Calls().back().arguments, (std::vector<DWORD>{1, 2, 0, Bits(0.25f), 0}));
+
+    KRN_Texture larger;
+    gfx->CreateTexture(&larger, 2048, 16, 3, D3DFMT_A8R8G8B8, 1);
+    gfx->SetRenderTarget(larger.GetSurfaceLevel(0).Get(), 0);
+    gfx->Clear(0xFF123456, 1, nullptr);
+    EXPECT_EQ(gfx.recording.Calls().back().arguments[1], 1u) << "the depth buffer is too small for this target";
+    EXPECT_EQ(ErrorOf([&] { gfx->ClearZBuffer(1, nullptr); }), "KRN_Gfx: Render target has no zbuffer!");
+
+    RecordedGfx without(RecordedGfx::State::Constructed);
+    without->InitDevice(FakeWindow(), 1, nullptr, 0, 0, 1, 0, 0);
+    EXPECT_EQ(without->ClearZBuffer(1, nullptr), 0);
+    without->Clear(0xFF123456, 1, nullptr);
+    EXPECT_EQ(without.recording.Calls().back().arguments[1], 1u);
+}
+
+TEST(Scene, ReadsTheBackBuffer) {
+    RecordedGfx gfx;
+    DevicePtr<IDirect3DSurface9> back_buffer;
+    gfx->Device()->GetBackBuffer(0, 0, 0, back_buffer.Receive());
+    const RECT dot = {5, 3, 6, 4};
+    gfx->Device()->ColorFill(back_buffer.Get(), nullptr, 0xFF203040);
+    gfx->Device()->ColorFill(back_buffer.Get(), &dot, 0xFF506070);
+    std::vector<D3DCOLOR> pixels;
+    UINT width = 0, height = 0;
+    gfx->ReadBackBuffer(pixels, width, height);
+    EXPECT_EQ(width, 640u);
+    EXPECT_EQ(height, 480u);
+    ASSERT_EQ(pixels.size(), 640u * 480u);
+    EXPECT_EQ(pixels[3 * 640 + 5], 0xFF506070);
+    EXPECT_EQ(pixels[3 * 640 + 6], 0xFF203040);
+}
+
+}   // namespace
+}   // namespace sparkrig

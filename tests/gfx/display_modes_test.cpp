@@ -1,0 +1,64 @@
+#include "gfx/display_modes.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+TEST(DisplayModes, AreFoundBySizeFormatAndRate) {
+    constexpr struct {
+        const char* name;
+        D3DDISPLAYMODE wanted;
+        bool found;
+        UINT rate;
+    } kRows[] = {
+        {"the highest rate", {1024, 768, 0, D3DFMT_X8R8G8B8}, true, 75},
+        {"alpha does not count", {1024, 768, 0, D3DFMT_A8R8G8B8}, true, 75},
+        {"an exact rate", {1024, 768, 72, D3DFMT_X8R8G8B8}, true, 72},
+        {"no such rate", {1024, 768, 85, D3DFMT_X8R8G8B8}, false, 85},
+        {"no such size", {1024, 600, 0, D3DFMT_R5G6B5}, false, 0},
+        {"16 bits", {800, 600, 0, D3DFMT_R5G6B5}, true, 85},
+        {"no such format", {800, 600, 0, D3DFMT_A1R5G5B5}, false, 0},
+    };
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    for (const auto& row : kRows) {
+        D3DDISPLAYMODE mode = row.wanted;
+        EXPECT_EQ(gfx->FindDisplayMode(mode), row.found) << row.name;
+        EXPECT_EQ(mode.RefreshRate, row.rate) << row.name;
+    }
+}
+
+TEST(DisplayModes, FailuresAreErrors) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    D3DDISPLAYMODE mode = {1024, 768, 0, D3DFMT_X8R8G8B8};
+    gfx.recording.Fail("EnumAdapterModes", D3DERR_NOTAVAILABLE, 2);
+    EXPECT_EQ(ErrorOf([&] { gfx->FindDisplayMode(mode); }),
+              "KRN_Gfx:  GetAdapterDisplayMode failed: D3DERR_NOTAVAILABLE");
+    gfx.recording.Fail("GetAdapterDisplayMode", D3DERR_INVALIDCALL);
+    EXPECT_EQ(ErrorOf([&] { gfx->GetAdapterDisplayMode(mode); }),
+              "KRN_Gfx: GetAdapterDisplayMode() failed: D3DERR_INVALIDCALL");
+    gfx->GetAdapterDisplayMode(mode);
+    EXPECT_EQ(mode.Width, 1920u);
+}
+
+TEST(DisplayModes, TextureFormatsAreAskedForWithTheirUsage) {
+    constexpr struct {
+        int mode;
+        DWORD usage;
+    } kRows[] = {{3, D3DUSAGE_RENDERTARGET}, {5, D3DUSAGE_DEPTHSTENCIL}, {4, 0}, {-1, 0}};
+    RecordedGfx gfx;
+    for (const auto& row : kRows) {
+        EXPECT_TRUE(gfx->CheckTextureFormat(D3DFMT_A4R4G4B4, row.mode));
+        const std::vector<DWORD> expected = {0,         D3DDEVTYPE_HAL,   D3DFMT_X8R8G8B8,
+                                             row.usage, D3DRTYPE_TEXTURE, D3DFMT_A4R4G4B4};
+        EXPECT_EQ(gfx.recording.Calls().back().arguments, expected);
+    }
+    const Reports reports;
+    EXPECT_FALSE(gfx->CheckTextureFormat(D3DFMT_R8G8B8, 3));
+    EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Texture format 20 mode 1 not supported by device");
+}
+
+}   // namespace
+}   // namespace sparkrig

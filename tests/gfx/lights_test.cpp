@@ -1,0 +1,61 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "gfx/gfx_parts.h"
+#include "scene/light.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+TEST(Lights, EnablingIsSentOnce) {
+    RecordedGfx gfx;
+    for (int i = 0; i < 2; ++i) gfx->SetLightEnable(5, true);
+    EXPECT_EQ(gfx.recording.Count("LightEnable"), 1);
+    EXPECT_EQ(gfx.recording.Calls().back().arguments, (std::vector<DWORD>{5, 1}));
+    gfx->ResetDevice(nullptr, -1);
+    EXPECT_EQ(gfx.recording.Count("LightEnable"), 2);
+    for (const int index : {8, -1}) {
+        EXPECT_EQ(ErrorOf([&] { gfx->SetLightEnable(index, true); }), "KRN_Gfx: Light index >7");
+    }
+    gfx.recording.Fail("LightEnable", D3DERR_INVALIDCALL);
+    EXPECT_EQ(ErrorOf([&] { gfx->SetLightEnable(2, true); }), "KRN_Gfx:  LightEnable failed: D3DERR_INVALIDCALL");
+    gfx->SetLightEnable(2, true);
+    EXPECT_EQ(gfx.recording.Count("LightEnable"), 4) << "the refused call is tried again";
+}
+
+TEST(Lights, ALightThatIsOffIsNotSet) {
+    RecordedGfx gfx;
+    KRN_Light light;
+    EXPECT_EQ(gfx->SetLight(3, light, 0, false), 0);
+    EXPECT_EQ(gfx.recording.Count("SetLight"), 0);
+}
+
+TEST(Lights, TheRecordTakesTheNodesPlace) {
+    RecordedGfx gfx;
+    KRN_Light light;
+    light.off = false;
+    light.record.Type = D3DLIGHT_SPOT;
+    light.record.Diffuse = {0.5f, 0.25f, 0.75f, 1};
+    light.SetPosition(3, 5, 7, true);
+    EXPECT_EQ(gfx->SetLight(3, light, 0, true), 1);
+    D3DLIGHT9 sent = {};
+    gfx->Device()->GetLight(3, &sent);
+    EXPECT_EQ(sent.Type, D3DLIGHT_SPOT);
+    EXPECT_EQ(sent.Position, (D3DVECTOR{3, 5, 7}));
+    EXPECT_EQ(sent.Direction, (D3DVECTOR{0, 0, -1})) << "down its own z axis";
+    EXPECT_EQ(sent, gfx->Parts().lights.Light(3));
+
+    light.SetEye(4, 6, 8, false);
+    light.SetViewDirection(0, 3, 4, false);
+    gfx->SetLight(3, light, 0, false);
+    gfx->Device()->GetLight(3, &sent);
+    EXPECT_EQ(sent.Position, (D3DVECTOR{4, 6, 8}));
+    EXPECT_NEAR(sent.Direction.y, 0.6f, 1e-6);
+    EXPECT_NEAR(sent.Direction.z, 0.8f, 1e-6);
+    gfx.recording.Fail("SetLight", E_OUTOFMEMORY);
+    EXPECT_EQ(ErrorOf([&] { gfx->SetLight(3, light, 0, false); }), "KRN_Gfx: SetLight failed: E_OUTOFMEMORY");
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,86 @@
+#include "gfx/presentation.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+struct Reporter : KRN_Base {
+    Reporter() { SetName("Reporter"); }
+};
+
+PresentationSettings Settings(bool windowed, int bits, int vsync) {
+    PresentationSettings settings;
+    settings.window = FakeWindow();
+    settings.windowed = windowed;
+    settings.mode = {1024, 768, 75, D3DFMT_X8R8G8B8};
+    settings.z_buffer_bits = bits;
+    settings.vsync = vsync;
+    return settings;
+}
+
+TEST(Presentation, AWindowTakesItsSizeFromTheClientArea) {
+    const D3DPRESENT_PARAMETERS p = BuildPresentParameters(Reporter(), Settings(true, 16, 9));
+    EXPECT_EQ(p.Windowed, 1);
+    EXPECT_EQ(p.BackBufferWidth, 0u);
+    EXPECT_EQ(p.BackBufferHeight, 0u);
+    EXPECT_EQ(p.BackBufferFormat, D3DFMT_X8R8G8B8);
+    EXPECT_EQ(p.BackBufferCount, 1u);
+    EXPECT_EQ(p.SwapEffect, D3DSWAPEFFECT_FLIP);
+    EXPECT_EQ(p.hDeviceWindow, FakeWindow());
+    EXPECT_EQ(p.FullScreen_RefreshRateInHz, 0u);
+    EXPECT_EQ(p.PresentationInterval, 0u) << "vsync is not looked at in a window";
+    EXPECT_EQ(p.EnableAutoDepthStencil, 1);
+}
+
+TEST(Presentation, FullScreenTakesTheMode) {
+    const D3DPRESENT_PARAMETERS p = BuildPresentParameters(Reporter(), Settings(false, 0, 3));
+    EXPECT_EQ(p.Windowed, 0);
+    EXPECT_EQ(p.BackBufferWidth, 1024u);
+    EXPECT_EQ(p.BackBufferHeight, 768u);
+    EXPECT_EQ(p.FullScreen_RefreshRateInHz, 75u);
+    EXPECT_EQ(p.EnableAutoDepthStencil, 0);
+}
+
+TEST(Presentation, DepthFormats) {
+    constexpr struct {
+        int bits;
+        D3DFORMAT windowed, full_screen;
+    } kRows[] = {{16, D3DFMT_D16, D3DFMT_D16}, {24, D3DFMT_D24X8, D3DFMT_D24S8}, {32, D3DFMT_D32, D3DFMT_D32}};
+    for (const auto& row : kRows) {
+        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(true, row.bits, 0)).AutoDepthStencilFormat, row.windowed);
+        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(false, row.bits, 0)).AutoDepthStencilFormat,
+                  row.full_screen);
+    }
+    EXPECT_EQ(ErrorOf([] { BuildPresentParameters(Reporter(), Settings(true, 15, 0)); }),
+              "Reporter: Invalid Z-buffer: 15");
+}
+
+TEST(Presentation, Intervals) {
+    constexpr UINT kIntervals[] = {0x80000000, 1, 2, 4, 8};
+    for (int vsync = 0; vsync < 5; ++vsync) {
+        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(false, 16, vsync)).PresentationInterval,
+                  kIntervals[vsync]);
+    }
+    for (const int vsync : {5, -1}) {
+        EXPECT_EQ(ErrorOf([&] { BuildPresentParameters(Reporter(), Settings(false, 16, vsync)); }),
+                  "Reporter: Wrong vsync parameter: " + std::to_string(vsync));
+    }
+}
+
+TEST(Presentation, FormatsFollowTheDisplay) {
+    constexpr struct {
+        D3DFORMAT display, alpha, opaque;
+    } kRows[] = {{D3DFMT_X8R8G8B8, D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8},
+                 {D3DFMT_A8R8G8B8, D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8},
+                 {D3DFMT_R5G6B5, D3DFMT_R5G6B5, D3DFMT_R5G6B5}};
+    for (const auto& row : kRows) {
+        EXPECT_EQ(AlphaFormatOf(row.display), row.alpha);
+        EXPECT_EQ(OpaqueFormatOf(row.display), row.opaque);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
