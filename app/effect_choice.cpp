@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "app/options.h"
+#include "base/nearest_word.h"
 
 namespace sparkrig {
 

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "app/resources.h"
+#include "base/nearest_word.h"
 
 namespace sparkrig {
 

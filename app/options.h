@@ -32,7 +32,4 @@ struct ParsedCommandLine {
 /// The words behind the program's name.
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& words);
 
-/// The candidate that a mistyped word most likely stands for; empty when none is near.
-std::string NearestWord(const std::string& word, const std::vector<std::string>& candidates);
-
 }   // namespace sparkrig

@@ -6,11 +6,18 @@
 #include <cstring>
 #include <utility>
 
+#include "base/compress.h"
+#include "base/little_endian.h"
+#include "base/report_listener.h"
 #include "platform/system/system.h"
 
 namespace sparkrig {
 namespace {
 
+constexpr std::uint8_t kMagic[4] = {0xA7, 'V', 'T', 0xA7};
+constexpr std::uint8_t kHeaderVersion = 1;
+constexpr int kHeaderBytes = 6;    // magic, version, mode
+constexpr int kRecordSize = 4;     // of run-length coded files
 constexpr int kHeadroom = 32768;   // spare bytes of a writable buffer, so that appending rarely reallocates
 
 }   // namespace
@@ -48,9 +55,46 @@ bool File::Open(const String& name, bool read_only, bool in_memory, bool report_
     readable_ = true;
     writable_ = !read_only;
     DetermineSize();
-    if (in_memory) LoadIntoMemory();
+    try {
+        if (in_memory) LoadIntoMemory();
+        pack_mode_ = ReadPackMode(report_errors);
+        if (pack_mode_ != 0) Unpack();
+    } catch (const ErrorMsg&) {   // what cannot be unpacked is not open
+        Close(false);
+        throw;
+    }
     Seek(0);
     return true;
+}
+
+/// 0 for a plain file; the position is behind the mode otherwise.
+int File::ReadPackMode(bool report_errors) {
+    if (size_ < kHeaderBytes - 1) return 0;
+    std::uint8_t header[kHeaderBytes] = {};
+    Read(header, std::min(size_, kHeaderBytes));
+    if (std::memcmp(header, kMagic, sizeof kMagic) != 0) return 0;
+    if (header[4] != kHeaderVersion) {
+        if (report_errors) Warning("Unknown header version of file:'%s'", name_.c_str());
+        return 0;
+    }
+    return static_cast<std::int8_t>(header[5]);   // 0 as well where the file ends right here
+}
+
+void File::Unpack() {
+    const SourceFileScope place(name_.c_str());   // CCompress does not know the file
+    if (!in_memory_) LoadIntoMemory();
+    ByteBuffer content;
+    CCompress compress;
+    compress.SetMode(pack_mode_, kRecordSize);
+    size_ = compress.Decompress(buffer_.data() + kHeaderBytes, size_ - kHeaderBytes, content);
+    buffer_.swap(content);
+}
+
+void File::SetPackMode(int mode) {
+    if (!writable_) Error("File is not writeable");
+    if (!in_memory_) LoadIntoMemory();
+    modified_ = true;
+    pack_mode_ = mode;
 }
 
 void File::DetermineSize() {
@@ -63,11 +107,13 @@ void File::DetermineSize() {
 }
 
 void File::LoadIntoMemory() {
+    const std::int32_t position = position_;
     Seek(0);
-    std::vector<std::uint8_t> content(static_cast<std::size_t>(size_) + (writable_ ? kHeadroom : 0));
+    ByteBuffer content(static_cast<std::size_t>(size_) + (writable_ ? kHeadroom : 0));
     Read(content.data(), size_);
     buffer_.swap(content);
     in_memory_ = true;
+    position_ = position;
 }
 
 void File::Close(bool keep_buffer) {
@@ -75,7 +121,7 @@ void File::Close(bool keep_buffer) {
         File& file;
         bool keep_buffer;
         ~Reset() {
-            if (!keep_buffer) std::vector<std::uint8_t>().swap(file.buffer_);
+            if (!keep_buffer) ByteBuffer().swap(file.buffer_);
             file.readable_ = file.writable_ = file.in_memory_ = file.modified_ = false;
             file.pack_mode_ = 0;
             file.direction_ = Direction::None;
@@ -106,11 +152,27 @@ void File::WriteBack() {
     // A stream that has become unusable tells that the file is no longer ours to replace.
     const int result = std::fseek(handle_, 0, SEEK_SET);
     if (result != 0) Error("fseek failed (WriteVirtualFile): %i", result);
-    if (!ReplaceFileContent(name_.c_str(), buffer_.data(), static_cast<std::size_t>(size_)))
+    ByteBuffer packed;
+    if (pack_mode_ != 0) Pack(packed);
+    const ByteBuffer& content = pack_mode_ != 0 ? packed : buffer_;
+    const std::size_t size = pack_mode_ != 0 ? packed.size() : static_cast<std::size_t>(size_);
+    if (!ReplaceFileContent(name_.c_str(), content.data(), size))
         Error("Error writing to file (%s)", std::strerror(errno));
 }
 
-std::vector<std::uint8_t> File::TakeBuffer() {
+/// Header and stream of the content.
+void File::Pack(ByteBuffer& packed) {
+    CCompress compress;
+    compress.SetMode(pack_mode_, kRecordSize);
+    if (compress.Compress(buffer_.data(), size_, packed) < 0) Error("Can not pack with mode: %i", pack_mode_);
+    std::uint8_t header[kHeaderBytes];
+    std::memcpy(header, kMagic, sizeof kMagic);
+    header[4] = kHeaderVersion;
+    header[5] = static_cast<std::uint8_t>(pack_mode_);
+    packed.insert(packed.begin(), header, header + kHeaderBytes);
+}
+
+ByteBuffer File::TakeBuffer() {
     buffer_.resize(std::min(buffer_.size(), static_cast<std::size_t>(size_)));
     return std::exchange(buffer_, {});
 }
@@ -190,7 +252,9 @@ void File::Seek(int position) {
 void File::SetSize(int new_size) {
     if (new_size >= size_) return;
     if (!writable_) Error("Can not delete data without write permission");
-    if (!TruncateStream(handle_, new_size))
+    // The disk holds the packed form of a packed file, which stays until Close; only what is empty is empty at once.
+    const bool cut_now = pack_mode_ == 0 || new_size <= 0;
+    if (cut_now && !TruncateStream(handle_, new_size))
         Error("DeleteData() failed: %s, file:'%s'", std::strerror(errno), name_.c_str());
     modified_ = true;
     size_ = new_size;
@@ -200,27 +264,16 @@ void File::SetSize(int new_size) {
 
 // ---- Numbers and strings, little-endian
 
-namespace {
-
-template <class Integer>
-Integer FromLittleEndian(const std::uint8_t* bytes) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < sizeof(Integer); ++i) value |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
-    return static_cast<Integer>(value);
-}
-
-}   // namespace
-
 std::int32_t File::ReadInt32() {
     std::uint8_t bytes[4];
     Read(bytes, sizeof bytes);
-    return FromLittleEndian<std::int32_t>(bytes);
+    return LoadLittleEndian<std::int32_t>(bytes);
 }
 
 std::int16_t File::ReadInt16() {
     std::uint8_t bytes[2];
     Read(bytes, sizeof bytes);
-    return FromLittleEndian<std::int16_t>(bytes);
+    return LoadLittleEndian<std::int16_t>(bytes);
 }
 
 std::int8_t File::ReadByte() {
@@ -233,7 +286,7 @@ bool File::ReadString(String& text) {
     text = "";
     std::uint8_t bytes[4];
     if (!Read(bytes, sizeof bytes)) return false;
-    const auto length = FromLittleEndian<std::int32_t>(bytes);
+    const auto length = LoadLittleEndian<std::int32_t>(bytes);
     if (length < 1) return true;
     if (length > size_ - position_) Error("Error reading from file (%s)", std::strerror(0));   // before it is allocated
     text.SetLength(length);
@@ -241,15 +294,14 @@ bool File::ReadString(String& text) {
 }
 
 void File::WriteInt32(std::int32_t value) {
-    const auto bits = static_cast<std::uint32_t>(value);
-    const std::uint8_t bytes[4] = {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
-                                   static_cast<std::uint8_t>(bits >> 16), static_cast<std::uint8_t>(bits >> 24)};
+    std::uint8_t bytes[4];
+    StoreLittleEndian(value, bytes);
     Write(bytes, sizeof bytes);
 }
 
 void File::WriteInt16(std::int16_t value) {
-    const auto bits = static_cast<std::uint16_t>(value);
-    const std::uint8_t bytes[2] = {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8)};
+    std::uint8_t bytes[2];
+    StoreLittleEndian(value, bytes);
     Write(bytes, sizeof bytes);
 }
 

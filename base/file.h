@@ -2,8 +2,8 @@
 #pragma once
 #include <cstdint>
 #include <cstdio>
-#include <vector>
 
+#include "base/byte_buffer.h"
 #include "base/error.h"
 #include "base/string.h"
 
@@ -46,10 +46,13 @@ class File : public ErrorClass {
     bool IsOpen() const { return handle_ != nullptr; }
     /// 0 for a plain file, else the algorithm that it is packed with.
     int PackMode() const { return pack_mode_; }
+    /// Close will pack the file with this algorithm, or write it plain for 0. The content is held in memory from now
+    /// on.
+    void SetPackMode(int mode);
     /// The content in in-memory mode; null otherwise.
     const std::uint8_t* GetBuffer() const { return buffer_.data(); }
     /// GetSize() bytes, given away: of a file that is in memory, or was closed with keep_buffer.
-    std::vector<std::uint8_t> TakeBuffer();
+    ByteBuffer TakeBuffer();
     /// Seconds since 1970, or -1 when no file is open.
     std::int32_t GetFileTime() const;
 
@@ -62,6 +65,9 @@ class File : public ErrorClass {
 
     void DetermineSize();
     void LoadIntoMemory();
+    int ReadPackMode(bool report_errors);
+    void Unpack();
+    void Pack(ByteBuffer& packed);
     void ReadStream(void* data, int n);
     void WriteStream(const void* data, int n);
     void WriteMemory(const void* data, int n);
@@ -77,7 +83,7 @@ class File : public ErrorClass {
     std::int32_t size_ = 0;
     std::int32_t position_ = 0;
     bool in_memory_ = false;
-    std::vector<std::uint8_t> buffer_;   // its size is the capacity
+    ByteBuffer buffer_;   // its size is the capacity
     std::int32_t pack_mode_ = 0;
     Direction direction_ = Direction::None;   // of the last transfer on the stream
 };

@@ -15,6 +15,8 @@ constexpr std::uint64_t kMebibyte = 1048576;
 
 int FreeMebibytes() { return static_cast<int>((AvailablePhysicalMemory() + kMebibyte / 2) / kMebibyte); }
 
+bool silent = false;
+
 }   // namespace
 
 void LogFile::Write(const char* format, std::va_list arguments) {
@@ -39,12 +41,15 @@ void LogFile::Write(const char* format, std::va_list arguments) {
 }
 
 void WriteLog(const char* format, ...) {
+    if (silent) return;
     static constinit LogFile log;   // needs no destructor: reporters may log until the very end
     std::va_list arguments;
     va_start(arguments, format);
     log.Write(format, arguments);
     va_end(arguments);
 }
+
+void SilenceLog() { silent = true; }
 
 double GetSeconds() {
     static const double seconds_per_count = 1.0 / static_cast<double>(QueryPerformanceFrequency());

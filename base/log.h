@@ -6,6 +6,9 @@ namespace sparkrig {
 /// empties the file; the 500000th is the last.
 void WriteLog(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
+/// From now on nothing is logged: for tools that print what is reported, and leave the program's log alone.
+void SilenceLog();
+
 /// The program's clock in seconds: monotonic, high resolution.
 double GetSeconds();
 

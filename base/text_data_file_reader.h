@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/byte_buffer.h"
 #include "base/error.h"
 #include "base/line_index.h"
 #include "base/report_listener.h"
@@ -70,7 +71,7 @@ class TextDataFileReader : public TextFileReaderBase {
     /// The text up to the closing quote, which is consumed too; false when there is none.
     bool ReadQuoted(std::string_view& text);
 
-    std::vector<std::uint8_t> content_;
+    ByteBuffer content_;
     LineIndex lines_;
     std::int32_t position_ = 0;
     bool end_reached_ = false;

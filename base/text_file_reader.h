@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/byte_buffer.h"
 #include "base/line_index.h"
 #include "base/report_listener.h"
 #include "base/text_data_file_reader.h"
@@ -46,7 +47,7 @@ class TextFileReader : public TextFileReaderBase {
   private:
     void SetErrorText(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    std::vector<std::uint8_t> content_;
+    ByteBuffer content_;
     LineIndex lines_;
     std::optional<SourceFileScope> source_;   // while a file is loaded
     char file_name_[256] = "";

@@ -159,7 +159,7 @@ void EffectSimulation::RecordEmissions(VisualEffectObject& object, float step) {
 
 /// One emission at each multiple of the period that the step has passed.
 void EffectSimulation::RecordEven(VisualEffectObject& object, float step) {
-    const double period = 1 / object.sub_effect->emit.per_time;
+    const double period = 1.0 / object.sub_effect->emit.per_time;
     const double rest = period - WrapFloat(object.Age() - step, period);
     if (!(rest <= step)) return;
     const double since_first = step - rest;

@@ -4,6 +4,7 @@
 // Every path of the effects uses these two, so that one instance and many at once give equal bits.
 #pragma once
 #include <bit>
+#include <cmath>
 #include <cstdint>
 
 namespace sparkrig {
@@ -27,10 +28,11 @@ inline double Polynomial(double r) {
                                                      s * (2.7523964358626888003e-6 + s * -2.3868228455719058467e-8)))));
 }
 
-/// The angle without `turns` half turns. Angles too large to have a phase give a value in range, whatever it is.
+/// The angle without `turns` half turns. Angles that are too large to have a phase have phase 0; a factor says so,
+/// because a choice between two results would become a branch.
 inline double Reduce(double angle, double turns) {
     const double r = (angle - turns * kPiHigh) - turns * kPiLow;
-    return r > 2 ? 2.0 : (r < -2 ? -2.0 : r);
+    return r * (std::abs(r) <= 2 ? 1.0 : 0.0);
 }
 
 inline double NegateIfOdd(double value, double rounded) {

@@ -57,25 +57,29 @@ CatalogueFile::Token CatalogueFile::Read(String& text) {
 }
 
 bool CatalogueFile::Next(String& name, String& file) {
-    bool pending = false;
+    enum class Pending { Nothing, Name, File } pending = Pending::Nothing;
+    int name_line = 0;
     for (;;) {
-        const Token token = Read(pending ? file : name);
+        String text;
+        const Token token = Read(text);
         if (token == Token::End) return false;
-        if (token == Token::Comment) pending = false;
-        if (token != Token::Quoted) continue;
-        if (pending) return true;
-        pending = true;
-        // The line on which the name ended: a string on a later line begins anew, so that one bad line costs no other.
-        for (int line = reader_.CurrentLine(); pending;) {
-            String text;
-            const Token behind = Read(text);
-            if (behind == Token::Equals) break;
-            if (behind == Token::End) return false;
-            reader_.Warning("No \"=\" behind \"%s\"", name.c_str());
-            pending = behind == Token::Quoted && reader_.CurrentLine() > line;
-            if (pending) name = text;
-            line = reader_.CurrentLine();
+        if (pending == Pending::File && token == Token::Quoted) {
+            file = text;
+            return true;
         }
+        if (pending == Pending::Name && token == Token::Equals) {
+            pending = Pending::File;
+            continue;
+        }
+        // A string on a later line is a name again, so that one bad line costs no other.
+        const bool bad = pending == Pending::Name;
+        const bool is_name = token == Token::Quoted && (!bad || reader_.CurrentLine() > name_line);
+        if (bad) reader_.Warning("No \"=\" behind \"%s\"", name.c_str());
+        if (bad || token == Token::Comment) pending = Pending::Nothing;
+        if (!is_name) continue;
+        name = text;
+        name_line = reader_.CurrentLine();
+        pending = Pending::Name;
     }
 }
 

@@ -2,16 +2,33 @@
 # Usage: need_packages NAME...
 
 need_packages() {
-    local missing=() name
+    local installed name
+    local -a missing=() as_root=()
+    installed=" $(dpkg-query -W -f='${db:Status-Status} ${Package} ' "$@" 2>/dev/null || true)"
     for name in "$@"; do
-        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' || missing+=("$name")
+        [[ $installed == *" installed $name "* ]] || missing+=("$name")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
+
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "These packages are missing: ${missing[*]}" >&2
+            echo "There is no sudo here; run this as root: apt-get install --no-install-recommends ${missing[*]}" >&2
+            return 1
+        fi
+        as_root=(sudo)
+    fi
     echo "Installing: ${missing[*]}" >&2
-    local root=()
-    if [ "$(id -u)" -ne 0 ]; then root=(sudo); fi
-    "${root[@]}" apt-get update -qq >&2
-    DEBIAN_FRONTEND=noninteractive "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+    local log
+    log=$(mktemp)
+    if ! { "${as_root[@]}" apt-get update -qq &&
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+        tail -n 20 "$log" >&2
+        echo "The packages could not be installed; all of the output is in $log." >&2
+        return 1
+    fi
+    rm -f "$log"
 }
 
 BUILD_PACKAGES=(g++ cmake ninja-build ccache pkg-config libsdl2-dev libepoxy-dev libgl1-mesa-dri libegl1 libegl-mesa0

@@ -151,6 +151,9 @@ class IDirect3DDevice9 : public IUnknown {
 /// The Direct3D object of the OpenGL layer; null for any version but D3D_SDK_VERSION.
 IDirect3D9* Direct3DCreate9(UINT sdk_version);
 
+/// One sentence that says why the OpenGL layer can give no device; empty while it can.
+const char* Direct3DUnavailableReason();
+
 /// Bytes of one vertex of a vertex format.
 DWORD VertexFormatStride(DWORD fvf);
 

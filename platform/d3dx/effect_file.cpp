@@ -7,15 +7,17 @@ namespace sparkrig {
 
 namespace {
 
-// Each walk names the fields of a record in the order of the file. The number beside a list is the fewest bytes that
-// one of its elements takes.
+// Each walk names the fields of a record in the order of the file. The constants are the fewest bytes that an element
+// of a list takes: those of its numbers, and the counts of its texts and lists.
+constexpr std::size_t kWordBytes = 4, kVariableBytes = 26, kStepBytes = 25, kStateBytes = 35, kParameterBytes = 47,
+                      kBindingBytes = 8, kFunctionBytes = 30, kPassBytes = 12, kTechniqueBytes = 12;
 
 constexpr auto kWalkWord = [](auto& archive, DWORD& word) { archive.Number(word); };
 
 constexpr auto kWalkVariable = [](auto& archive, EffectVariable& variable) {
     AllFields(archive, variable.name, variable.kind, variable.number, variable.rows, variable.columns,
               variable.elements, variable.text);
-    archive.List(variable.words, 4, kWalkWord);
+    archive.List(variable.words, kWordBytes, kWalkWord);
 };
 
 constexpr auto kWalkStep = [](auto& archive, ExpressionStep& step) {
@@ -24,14 +26,14 @@ constexpr auto kWalkStep = [](auto& archive, ExpressionStep& step) {
 
 constexpr auto kWalkState = [](auto& archive, StateAssignment& state) {
     AllFields(archive, state.group, state.state, state.index, state.type, state.value, state.constant, state.reference);
-    archive.List(state.expression, 25, kWalkStep);
+    archive.List(state.expression, kStepBytes, kWalkStep);
 };
 
 constexpr auto kWalkParameter = [](auto& archive, EffectParameter& parameter) {
     kWalkVariable(archive, parameter.variable);
     AllFields(archive, parameter.semantic, parameter.shared, parameter.parent, parameter.function);
-    archive.List(parameter.annotations, 26, kWalkVariable);
-    archive.List(parameter.states, 39, kWalkState);
+    archive.List(parameter.annotations, kVariableBytes, kWalkVariable);
+    archive.List(parameter.states, kStateBytes, kWalkState);
 };
 
 constexpr auto kWalkGlobal = [](auto& archive, GlobalBinding& binding) {
@@ -44,27 +46,27 @@ constexpr auto kWalkSampler = [](auto& archive, SamplerBinding& binding) {
 constexpr auto kWalkFunction = [](auto& archive, EffectFunction& function) {
     AllFields(archive, function.stage, function.version, function.unsupported, function.code.glsl,
               function.code.globals_bytes, function.code.varyings, function.code.writes_point_size);
-    archive.List(function.globals, 8, kWalkGlobal);
-    archive.List(function.samplers, 8, kWalkSampler);
+    archive.List(function.globals, kBindingBytes, kWalkGlobal);
+    archive.List(function.samplers, kBindingBytes, kWalkSampler);
 };
 
 constexpr auto kWalkPass = [](auto& archive, EffectPass& pass) {
     archive.Text(pass.name);
-    archive.List(pass.annotations, 26, kWalkVariable);
-    archive.List(pass.states, 39, kWalkState);
+    archive.List(pass.annotations, kVariableBytes, kWalkVariable);
+    archive.List(pass.states, kStateBytes, kWalkState);
 };
 
 constexpr auto kWalkTechnique = [](auto& archive, EffectTechnique& technique) {
     archive.Text(technique.name);
-    archive.List(technique.annotations, 26, kWalkVariable);
-    archive.List(technique.passes, 12, kWalkPass);
+    archive.List(technique.annotations, kVariableBytes, kWalkVariable);
+    archive.List(technique.passes, kPassBytes, kWalkPass);
 };
 
 template <class Archive>
 void WalkEffect(Archive& archive, EffectFile& effect) {
-    archive.List(effect.parameters, 47, kWalkParameter);
-    archive.List(effect.functions, 30, kWalkFunction);
-    archive.List(effect.techniques, 12, kWalkTechnique);
+    archive.List(effect.parameters, kParameterBytes, kWalkParameter);
+    archive.List(effect.functions, kFunctionBytes, kWalkFunction);
+    archive.List(effect.techniques, kTechniqueBytes, kWalkTechnique);
 }
 
 }   // namespace

@@ -1,7 +1,5 @@
 #include "platform/window/events.h"
 
-#include <SDL2/SDL_mouse.h>
-
 #include "platform/window/virtual_keys.h"
 #include "platform/window/window_object.h"
 
@@ -24,23 +22,12 @@ WPARAM ShownSizeType(HWND window) {
     return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MAXIMIZED) != 0 ? SIZE_MAXIMIZED : SIZE_RESTORED;
 }
 
-// X tells neither start nor end of a drag: a window that moves or grows while a mouse button is down is dragged.
-void NoticeDragging(HWND window) {
-    if (window->moved_by_hand || SDL_GetGlobalMouseState(nullptr, nullptr) == 0) return;
-    window->moved_by_hand = true;
-    Messages().Post({window, WM_ENTERSIZEMOVE, 0, 0});
-}
-
 void QueueWindowEvent(const SDL_WindowEvent& event) {
     const HWND window = WindowFromId(event.windowID);
     if (!window) return;
     switch (event.event) {
-        case SDL_WINDOWEVENT_MOVED: NoticeDragging(window); break;
-        case SDL_WINDOWEVENT_SIZE_CHANGED:
-            NoticeDragging(window);
-            QueueSize(window, ShownSizeType(window));
-            break;
         case SDL_WINDOWEVENT_MINIMIZED: QueueSize(window, SIZE_MINIMIZED); break;
+        case SDL_WINDOWEVENT_SIZE_CHANGED:
         case SDL_WINDOWEVENT_MAXIMIZED:
         case SDL_WINDOWEVENT_RESTORED: QueueSize(window, ShownSizeType(window)); break;
         case SDL_WINDOWEVENT_FOCUS_GAINED: Messages().Post({window, WM_ACTIVATEAPP, 1, 0}); break;

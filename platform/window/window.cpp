@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/window/window_object.h"
@@ -42,12 +41,6 @@ void DestroyNativeWindows(std::vector<std::unique_ptr<Window>>& windows) {
 
 bool IsMinimised(HWND window) { return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MINIMIZED) != 0; }
 
-// Drivers that show nothing have no keyboard focus either.
-bool DriverIsInvisible() {
-    const std::string driver = SDL_GetCurrentVideoDriver();
-    return driver == "offscreen" || driver == "dummy";
-}
-
 void ChooseOpenGL() {
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 4);
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 5);
@@ -68,6 +61,13 @@ bool StartVideo() {
     return true;
 }
 
+bool DriverIsInvisible() {
+    const std::string driver = SDL_GetCurrentVideoDriver();
+    return driver == "offscreen" || driver == "dummy";
+}
+
+const std::vector<std::unique_ptr<Window>>& Windows() { return System().windows; }
+
 bool HasDisplay() { return StartVideo() && !DriverIsInvisible(); }
 
 void HideFromDisplay() { SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, "offscreen", SDL_HINT_OVERRIDE); }
@@ -87,18 +87,6 @@ HWND WindowFromId(Uint32 sdl_window_id) {
 }
 
 HWND FirstWindow() { return System().windows.empty() ? nullptr : System().windows.front().get(); }
-
-void WatchDragging() {
-    if (!AnyWindowDragged() || SDL_GetGlobalMouseState(nullptr, nullptr) != 0) return;
-    for (const std::unique_ptr<Window>& window : System().windows) {
-        if (std::exchange(window->moved_by_hand, false)) Messages().Post({window.get(), WM_EXITSIZEMOVE, 0, 0});
-    }
-}
-
-bool AnyWindowDragged() {
-    const auto& windows = System().windows;
-    return std::any_of(windows.begin(), windows.end(), [](const auto& window) { return window->moved_by_hand; });
-}
 
 bool RegisterClassExA(const WNDCLASSEXA& window_class) {
     if (!window_class.lpszClassName || !window_class.lpfnWndProc) return false;

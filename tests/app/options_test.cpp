@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "base/nearest_word.h"
+
 namespace sparkrig {
 namespace {
 

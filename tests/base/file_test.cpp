@@ -1,12 +1,10 @@
 #include "base/file.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
-
 #include "base/file_validator.h"
+#include "tests/base/file_size_limit.h"
 #include "tests/base/open_stream.h"
 #include "tests/base/reports.h"
 #include "tests/base/temporary_folder.h"
@@ -113,6 +111,11 @@ TEST_P(FileTest, ReportsWhatIsNotAllowed) {
 
 using FileOnDisk = TemporaryFolder;
 
+std::string CloseOnAFullDisk(File& file) {
+    const FileSizeLimit limit;
+    return ErrorOf([&] { file.Close(); });
+}
+
 TEST_F(FileOnDisk, OpenWarnsOnlyWhenAsked) {
     Reports reports;
     File file;
@@ -181,17 +184,10 @@ TEST_F(FileOnDisk, MemoryReachesTheDiskAtClose) {
 TEST_F(FileOnDisk, FailedWriteBackKeepsTheOldContent) {
     const std::string content(20000, 'n');
     WriteFile("a.bin", "0123456789");
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
     File file;
     file.Open("a.bin", false, true, true);
     file.Write(content.data(), static_cast<int>(content.size()));
-    const rlimit small{4096, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const std::string error = ErrorOf([&] { file.Close(); });
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
+    const std::string error = CloseOnAFullDisk(file);
     EXPECT_EQ(error, "File: a.bin: Error writing to file (File too large)");
     EXPECT_EQ(ReadFile("a.bin"), "0123456789");
     EXPECT_FALSE(file.IsOpen());
@@ -204,7 +200,7 @@ TEST_F(FileOnDisk, ReportsAStreamThatBreaks) {
     File file;
     file.Open("a.bin", false, false, true);
     ReplaceByPipe("a.bin");
-    EXPECT_EQ(ErrorOf([&] { file.Seek(7); }), "File: a.bin: fseek failed: -1");
+    EXPECT_EQ(ErrorOf([&] { file.Seek(15000); }), "File: a.bin: fseek failed: -1");
     EXPECT_EQ(ErrorOf([&] { file.SetSize(5); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
     file.Open("a.bin", false, false, true);
     ReplaceByFile("a.bin", "/dev/full", O_RDWR);
@@ -231,6 +227,143 @@ TEST_F(FileOnDisk, WarnsWhenTheStreamDoesNotClose) {
     file.Close();
     EXPECT_EQ(reports.Last(), "warning File: Could not close file: 'a.bin' - Bad file descriptor");
     File::m_OpenHandlesCount = before;
+}
+
+// ---- Packed files
+
+const std::string kHeader = "\xA7VT\xA7\1";
+
+/// The bytes of a packed file with this mode in its header and this stream behind it.
+std::string PackedFile(int mode, const std::string& stream) { return kHeader + static_cast<char>(mode) + stream; }
+
+const std::string kStoredHello("\0\5\0\0\0hello", 10);
+
+class PackedFileTest : public TemporaryFolder {
+  protected:
+    std::string Content(const char* name, bool in_memory) {
+        File file;
+        file.Open(name, true, in_memory, true);
+        std::string content(static_cast<std::size_t>(file.GetSize()), '\0');
+        file.Read(content.data(), file.GetSize());
+        return content;
+    }
+};
+
+TEST_F(PackedFileTest, IsToldFromAPlainOne) {
+    const struct {
+        const char* name;
+        std::string file, content;
+    } kRows[] = {{"four bytes", "\xA7VT\xA7", "\xA7VT\xA7"},
+                 {"behind the version", kHeader, kHeader},
+                 {"mode 0", PackedFile(0, kStoredHello), PackedFile(0, kStoredHello)},
+                 {"another magic", "\xA7VT\xA8\1\1", "\xA7VT\xA8\1\1"},
+                 {"packed", PackedFile(1, kStoredHello), "hello"},
+                 {"an unknown mode", PackedFile(77, kStoredHello), "hello"}};
+    for (const auto& row : kRows) {
+        WriteFile("a.bin", row.file);
+        for (const bool in_memory : {false, true}) EXPECT_EQ(Content("a.bin", in_memory), row.content) << row.name;
+    }
+}
+
+TEST_F(PackedFileTest, OfAnotherVersionIsPlainWithAWarning) {
+    WriteFile("a.bin", "\xA7VT\xA7\2\1abc");
+    Reports reports;
+    EXPECT_EQ(Content("a.bin", true), "\xA7VT\xA7\2\1abc");
+    EXPECT_THAT(reports.All(), ElementsAre("warning File: Unknown header version of file:'a.bin'"));
+    File file;
+    file.Open("a.bin", true, false, false);
+    EXPECT_EQ(reports.All().size(), 1u);
+}
+
+TEST_F(PackedFileTest, IsPackedBackWithItsMode) {
+    for (int mode = 1; mode <= 8; ++mode) {
+        WriteFile("a.bin", PackedFile(mode, kStoredHello));
+        ASSERT_EQ(chmod("a.bin", 0604), 0);
+        File file;
+        ASSERT_TRUE(file.Open("a.bin", false, false, true));
+        EXPECT_EQ(file.PackMode(), mode);
+        EXPECT_EQ(file.GetSize(), 5);
+        file.Seek(5);
+        for (int i = 0; i < 5000; ++i) file.WriteByte(static_cast<std::int8_t>(i));
+        file.SetSize(4005);
+        EXPECT_EQ(ReadFile("a.bin"), PackedFile(mode, kStoredHello));   // until Close
+        file.Close();
+        const std::string packed = ReadFile("a.bin");
+        EXPECT_EQ(packed.substr(0, 6), kHeader + static_cast<char>(mode));
+        EXPECT_NE(packed.substr(6), kStoredHello);
+        const std::string content = Content("a.bin", false);
+        ASSERT_EQ(content.size(), 4005u);
+        EXPECT_EQ(content.substr(0, 8), std::string("hello\0\1\2", 8));
+        struct stat status {};
+        stat("a.bin", &status);
+        EXPECT_EQ(status.st_mode & 07777, 0604u);
+    }
+}
+
+TEST_F(PackedFileTest, ThatIsOnlyReadStaysAsItIs) {
+    WriteFile("a.bin", PackedFile(2, kStoredHello));
+    File file;
+    file.Open("a.bin", false, true, true);
+    file.ReadByte();
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), PackedFile(2, kStoredHello));
+    file.Open("a.bin", false, true, true);
+    file.SetSize(0);
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), "");
+}
+
+TEST_F(PackedFileTest, WithAnUnknownModeIsNotPackedBack) {
+    for (const int mode : {9, -1}) {
+        WriteFile("a.bin", PackedFile(mode, kStoredHello));
+        File file;
+        file.Open("a.bin", false, true, true);
+        file.WriteByte('j');
+        EXPECT_EQ(ErrorOf([&] { file.Close(); }), "File: a.bin: Can not pack with mode: " + std::to_string(mode));
+        EXPECT_EQ(ReadFile("a.bin"), PackedFile(mode, kStoredHello));
+    }
+}
+
+TEST_F(PackedFileTest, ThatIsBrokenNamesItselfAndIsClosed) {
+    const int before = File::m_OpenHandlesCount;
+    WriteFile("a.bin", PackedFile(1, "\x09z"));
+    Reports reports;
+    File file;
+    EXPECT_EQ(ErrorOf([&] { file.Open("a.bin", true, false, true); }), "CCompress: Unknown compression algorithm: 9");
+    EXPECT_EQ(reports.Last(), "error CCompress: Unknown compression algorithm: 9 @a.bin:0");
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_EQ(File::m_OpenHandlesCount, before);
+    WriteFile("a.bin", PackedFile(1, ""));
+    EXPECT_EQ(ErrorOf([&] { file.Open("a.bin", true, false, true); }), "CCompress: Invalid input buffer");
+}
+
+TEST_F(PackedFileTest, GetsAnotherMode) {
+    WriteFile("a.bin", "plain content");
+    File file;
+    file.Open("a.bin", false, false, true);
+    EXPECT_EQ(file.ReadByte(), 'p');
+    file.SetPackMode(8);
+    EXPECT_EQ(file.ReadByte(), 'l');
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin").substr(0, 6), kHeader + '\x08');
+    file.Open("a.bin", false, false, true);
+    file.SetPackMode(0);
+    file.Close();
+    EXPECT_EQ(ReadFile("a.bin"), "plain content");
+    file.Open("a.bin", true, false, true);
+    EXPECT_EQ(ErrorOf([&] { file.SetPackMode(1); }), "File: a.bin: File is not writeable");
+}
+
+TEST_F(PackedFileTest, KeepsItsContentWhenTheDiskIsFull) {
+    WriteFile("a.bin", PackedFile(8, kStoredHello));
+    File file;
+    file.Open("a.bin", false, true, true);
+    const std::string content(20000, 'n');
+    file.Write(content.data(), 20000);
+    const std::string error = CloseOnAFullDisk(file);
+    EXPECT_EQ(error, "File: a.bin: Error writing to file (File too large)");
+    EXPECT_EQ(ReadFile("a.bin"), PackedFile(8, kStoredHello));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
 }
 
 TEST(FileValidator, AcceptsRelativePathsOnly) {

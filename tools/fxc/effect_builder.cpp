@@ -48,6 +48,8 @@ class EffectBuilder {
         : effect_(effect), diagnostics_(diagnostics), paths_(ParametersByPath(effect.file)) {
         for (const auto& [parameter, sampler] : effect.sampler_registers)
             sampler_registers_[effect.file.parameters[parameter].variable.name] = sampler;
+        for (const EffectParameter& parameter : effect.file.parameters)
+            if (parameter.variable.kind == VariableClass::Sampler) samplers_.push_back(parameter.variable.name);
     }
 
     void BuildFunction(std::size_t index) {
@@ -66,7 +68,7 @@ class EffectBuilder {
         if (!CompileFunction(text.text, text.entry, function.stage, spirv, code_error))
             return ErrorInCode(request, code_error);
         Translation translation;
-        const TranslationRequest wanted{function.stage, function.version, sampler_registers_};
+        const TranslationRequest wanted{function.stage, function.version, samplers_, sampler_registers_};
         if (!TranslateFunction(spirv, wanted, translation, error)) return Error(request, error);
         if (!known) translation.unsupported = fmt::format("the version '{}' is unknown", request.target);
         function.unsupported = translation.unsupported;
@@ -103,6 +105,7 @@ class EffectBuilder {
     ParsedEffect& effect_;
     Diagnostics& diagnostics_;
     std::map<std::string, DWORD> paths_;
+    std::vector<std::string> samplers_;   // in the order of their declaration
     std::map<std::string, DWORD> sampler_registers_;
     std::string last_error_;
 };

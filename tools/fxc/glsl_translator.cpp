@@ -76,25 +76,36 @@ class Translator {
             out_.unsupported = "it uses resources of later shader models";
         if (resources.sampled_images.empty()) return;
         if (Vertex()) out_.unsupported = "it samples a texture in the vertex stage";
-        std::set<DWORD> taken;
-        for (const auto& image : resources.sampled_images)
-            if (const auto given = request_.sampler_registers.find(image.name);
-                given != request_.sampler_registers.end())
-                taken.insert(given->second);
-        DWORD next = 0;
-        for (const auto& image : resources.sampled_images) {
-            const spirv_cross::SPIRType& type = compiler_.get_type(image.type_id);
-            if (type.image.dim != spv::Dim2D) out_.unsupported = "it samples a cube or volume texture";
-            if (!type.array.empty()) out_.unsupported = "it samples an array of textures";
-            const auto given = request_.sampler_registers.find(image.name);
-            while (taken.contains(next)) ++next;
-            const DWORD place = given == request_.sampler_registers.end() ? next++ : given->second;
-            if (place >= kSamplerCount) out_.unsupported = "it uses more than 16 samplers";
-            out_.samplers.push_back({image.name, place});
-            compiler_.set_decoration(image.id, spv::DecorationBinding, place);
-            compiler_.unset_decoration(image.id, spv::DecorationLocation);
-            compiler_.unset_decoration(image.id, spv::DecorationDescriptorSet);
+        for (const std::string& name : request_.samplers) {
+            const auto image = std::ranges::find(resources.sampled_images, name, &spirv_cross::Resource::name);
+            if (image != resources.sampled_images.end()) AddSampler(*image, FreeSampler(name, resources));
         }
+    }
+
+    /// The register that the effect gives the sampler, or the first that no sampler of the function has.
+    DWORD FreeSampler(const std::string& name, const spirv_cross::ShaderResources& resources) const {
+        const auto given = request_.sampler_registers.find(name);
+        if (given != request_.sampler_registers.end()) return given->second;
+        std::set<DWORD> taken;
+        for (const SamplerPlace& place : out_.samplers) taken.insert(place.sampler);
+        for (const auto& image : resources.sampled_images)
+            if (const auto other = request_.sampler_registers.find(image.name);
+                other != request_.sampler_registers.end())
+                taken.insert(other->second);
+        DWORD free = 0;
+        while (taken.contains(free)) ++free;
+        return free;
+    }
+
+    void AddSampler(const spirv_cross::Resource& image, DWORD place) {
+        const spirv_cross::SPIRType& type = compiler_.get_type(image.type_id);
+        if (type.image.dim != spv::Dim2D) out_.unsupported = "it samples a cube or volume texture";
+        if (!type.array.empty()) out_.unsupported = "it samples an array of textures";
+        if (place >= kSamplerCount) out_.unsupported = "it uses more than 16 samplers";
+        out_.samplers.push_back({image.name, place});
+        compiler_.set_decoration(image.id, spv::DecorationBinding, place);
+        compiler_.unset_decoration(image.id, spv::DecorationLocation);
+        compiler_.unset_decoration(image.id, spv::DecorationDescriptorSet);
     }
 
     // ---- Inputs and outputs

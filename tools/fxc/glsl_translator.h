@@ -30,7 +30,8 @@ struct Translation {
 struct TranslationRequest {
     FunctionStage stage = FunctionStage::Vertex;
     DWORD version = 0;                                     // 0xMMmm
-    std::map<std::string, DWORD> sampler_registers = {};   // that the effect gives; the others get the first free ones
+    std::vector<std::string> samplers = {};                // of the effect, in the order of their declaration
+    std::map<std::string, DWORD> sampler_registers = {};   // given ones; the others get the first free, in order
 };
 
 /// On failure `error` says what is wrong with the function.

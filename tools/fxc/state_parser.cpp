@@ -163,6 +163,11 @@ class StateParser {
 
     void ParseNumber(const StateRow& row, StateAssignment& state) {
         if (AcceptNamedValue(row, state)) return;
+        if (cursor_.Peek().Is("{")) {
+            state.value = ValueKind::Constant;
+            state.constant = ToConstant(row.type, ParseConstants(cursor_, effect_));
+            return;
+        }
         const bool angle = cursor_.Accept("<");
         const Expression value = ParseExpression(cursor_, effect_);
         if (angle) cursor_.Expect(">", "after the name");

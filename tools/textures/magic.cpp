@@ -152,12 +152,19 @@ Pixel PaintCross(Point p) {
     return White(Unit(0.62f * body + 0.5f * rim + glow));
 }
 
-/// The band of a trail: u runs along it from the old end to the new one, v across it.
-Pixel PaintRibbon(Point p) {
+/// The band of a trail: u runs along it from the old end to the new one, v across it. Trails are drawn as their texture
+/// is, so each colour is a picture of its own; the middle is nearly white.
+Pixel PaintRibbon(Point p, Pixel colour) {
     const float along = Unit((p.x + 0.94f) / 1.88f);
     const float threads = 0.62f + 0.75f * Fractal({p.x * 1.3f, p.y * 5}, 4, 1131);
     const float across = Spot(std::fabs(p.y) / 0.92f), core = Gauss(p.y, 0.2f);
-    return White(Unit(across * threads * 0.85f + 0.6f * core) * std::sqrt(along) * Step(0.95f, 0.7f, p.x));
+    const Pixel lit = MixColour(colour, White(1), 0.75f * core * along);
+    return {lit.r, lit.g, lit.b,
+            Unit(across * threads * 0.85f + 0.6f * core) * std::sqrt(along) * Step(0.95f, 0.5f, p.x)};
+}
+
+Sprite Ribbon(const char* name, Pixel colour) {
+    return {name, 64, [=](Point p) { return PaintRibbon(p, colour); }};
 }
 
 }   // namespace
@@ -173,7 +180,9 @@ std::vector<Sprite> MagicSprites() {
         Arc("arc1", 1201),
         Arc("arc2", 1213),
         {"cross", 64, PaintCross},
-        {"ribbon", 64, PaintRibbon},
+        Ribbon("ribbon_violet", {0.5f, 0.26f, 1, 1}),
+        Ribbon("ribbon_gold", {1, 0.74f, 0.24f, 1}),
+        Ribbon("ribbon_ice", {0.3f, 0.72f, 1, 1}),
     };
 }
 

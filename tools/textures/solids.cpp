@@ -1,4 +1,4 @@
-// Small solid things: chips of stone, leaves, petals, paper. Light, so that the effect's colour tints them.
+// Solid things: chips of stone, leaves, petals, paper, firewood. Light, so that the effect's colour tints them.
 #include <array>
 
 #include "tools/textures/noise.h"
@@ -133,6 +133,61 @@ Pixel PaintStreamer(Point p) {
     return Grey(Unit(0.75f + 0.28f * slope), inside);
 }
 
+/// A round log from a to b: bark that darkens to its lower side, a pale cut at b, coals in the cracks of its middle.
+struct Log {
+    Point a, b;
+    float radius;
+    std::uint32_t seed;
+
+    /// False where p is beside the log.
+    bool Paint(Point p, Pixel& pixel) const {
+        float along = 0;
+        const float distance = SegmentDistance(p, a, b, along);
+        const float across = (p.y - Mix(a.y, b.y, along)) / radius;
+        const Point cut{(p.x - b.x) / (0.55f * radius), (p.y - b.y) / radius};
+        if (Length(cut) < 1) {
+            const float rings = 0.72f + 0.2f * std::cos(Length(cut) * 15);
+            pixel = {0.66f * rings, 0.45f * rings, 0.27f * rings, 1};
+            return true;
+        }
+        if (distance > radius) return false;
+        const Point bark{along * 9, across * 2.4f};
+        const float ridges = 0.5f + 0.8f * Fractal(bark, 4, seed);
+        const float light =
+            Unit((0.42f + 0.4f * across) * (0.45f + 0.8f * ridges)) * (0.55f + 0.45f * Gauss(across - 0.4f, 0.6f));
+        const float coal = Step(0.56f, 0.78f, 0.5f + 0.9f * Fractal({along * 13, across * 3.5f}, 3, seed + 5)) *
+                           Gauss(along - 0.45f, 0.28f);
+        pixel = MixColour({0.42f * light, 0.27f * light, 0.17f * light, 1}, {1, 0.42f, 0.08f, 1}, coal);
+        return true;
+    }
+};
+
+/// The wood of a campfire: logs that lean together over two that lie across, stones in front.
+Pixel PaintLogs(Point p) {
+    constexpr std::array<Log, 4> kLogs = {{{{0.1f, -0.3f}, {-0.78f, -0.5f}, 0.12f, 971},
+                                           {{-0.1f, -0.28f}, {0.8f, -0.46f}, 0.12f, 977},
+                                           {{0.5f, 0.02f}, {-0.5f, -0.68f}, 0.125f, 983},
+                                           {{-0.52f, -0.02f}, {0.46f, -0.72f}, 0.125f, 991}}};
+    Pixel pixel{0.1f, 0.06f, 0.04f, 0};
+    for (const Log& log : kLogs) log.Paint(p, pixel);
+    return pixel;
+}
+
+/// A shelf of rock that overhangs: broken below, flat and mossy on top.
+Pixel PaintLedge(Point p) {
+    const float top = 0.16f + 0.05f * Fractal({p.x * 3, 0.5f}, 3, 1401);
+    const float depth =
+        (0.34f + 0.3f * Fractal({p.x * 2.6f, 7.5f}, 4, 1411)) * std::sqrt(Unit(1 - Square(p.x / 0.95f)));
+    const float h = (p.y - (top - depth)) / std::max(depth, 0.01f);   // 0 at the lower edge, 1 on top
+    const float inside = Step(0.0f, 0.06f, h) * Step(1.04f, 0.98f, h) * Step(0.95f, 0.9f, std::fabs(p.x));
+    const float cracks = Billows({p.x * 4.5f + 0.6f * p.y, p.y * 7}, 4, 1421);
+    const float grain = Fractal({p.x * 16, p.y * 16}, 3, 1431);
+    const float light = Unit((0.28f + 0.5f * h) * (0.42f + 1.7f * cracks) + 0.14f * grain);
+    const Pixel stone{0.62f * light, 0.6f * light, 0.56f * light, inside};
+    const float moss = Step(0.72f, 0.95f, h + 0.55f * Fractal({p.x * 7, p.y * 9}, 3, 1441));
+    return MixColour(stone, {0.3f * light + 0.04f, 0.46f * light + 0.05f, 0.16f * light, inside}, 0.85f * moss);
+}
+
 }   // namespace
 
 std::vector<Sprite> SolidSprites() {
@@ -147,6 +202,8 @@ std::vector<Sprite> SolidSprites() {
         Paper("confetti1", 0.5f, 0.72f, 0.3f, -0.1f),
         Paper("confetti2", 0.24f, 0.7f, -0.5f, 0.15f),
         {"streamer", 64, PaintStreamer},
+        {"logs", 128, PaintLogs},
+        {"ledge", 256, PaintLedge},
     };
 }
 

@@ -9,7 +9,7 @@ namespace {
 using Family = std::vector<Sprite> (*)();
 
 constexpr Family kFamilies[] = {LightSprites, FireSprites,  SmokeSprites, WaterSprites,
-                                FrostSprites, SolidSprites, MagicSprites};
+                                FrostSprites, SolidSprites, MagicSprites, ShadeSprites};
 
 }   // namespace
 

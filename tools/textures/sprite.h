@@ -31,6 +31,7 @@ std::vector<Sprite> WaterSprites();
 std::vector<Sprite> FrostSprites();
 std::vector<Sprite> SolidSprites();
 std::vector<Sprite> MagicSprites();
+std::vector<Sprite> ShadeSprites();
 
 /// Every family, one after the other.
 std::vector<Sprite> AllSprites();

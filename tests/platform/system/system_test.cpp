@@ -1,15 +1,14 @@
 #include "platform/system/system.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 
 #include "platform/system/result_codes.h"
+#include "tests/base/file_size_limit.h"
 #include "tests/base/temporary_folder.h"
 
 namespace sparkrig {
@@ -114,15 +113,13 @@ TEST_F(ReplaceFile, KeepsTheOwner) {
 
 TEST_F(ReplaceFile, LeavesTheOldContentWhenTheDiskIsFull) {
     const std::string content(50000, 'n');
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small{4096, before.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool replaced = ReplaceFileContent("Cfg/a.cfg", content.data(), content.size());
-    const int reason = errno;
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
+    bool replaced = true;
+    int reason = 0;
+    {
+        const FileSizeLimit limit;
+        replaced = ReplaceFileContent("Cfg/a.cfg", content.data(), content.size());
+        reason = errno;
+    }
     EXPECT_FALSE(replaced);
     EXPECT_EQ(reason, EFBIG);
     EXPECT_EQ(ReadFile("Cfg/a.cfg"), "lower");

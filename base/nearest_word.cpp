@@ -1,9 +1,9 @@
+#include "base/nearest_word.h"
+
 #include <algorithm>
 #include <cctype>
 #include <numeric>
 #include <utility>
-
-#include "app/options.h"
 
 namespace sparkrig {
 

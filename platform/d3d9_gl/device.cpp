@@ -1,0 +1,166 @@
+// The life of the device: creation, loss, reset, presenting.
+#include "platform/d3d9_gl/device.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/d3d9_gl/capabilities.h"
+#include "platform/d3d9_gl/present_parameters.h"
+
+namespace sparkrig {
+
+HRESULT Device::Create(const PresentWindow& window, DWORD behaviour, const D3DPRESENT_PARAMETERS& parameters,
+                       Device** device) {
+    *device = nullptr;
+    constexpr DWORD kProcessing =
+        D3DCREATE_SOFTWARE_VERTEXPROCESSING | D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_MIXED_VERTEXPROCESSING;
+    if (!std::has_single_bit(behaviour & kProcessing)) return D3DERR_INVALIDCALL;
+    D3DPRESENT_PARAMETERS complete = parameters;
+    if (const HRESULT result = CompleteParameters(window.client_area(), complete); FAILED(result)) return result;
+    if (complete.BackBufferWidth == 0 || complete.BackBufferHeight == 0) return D3DERR_INVALIDCALL;
+
+    std::shared_ptr<GlContext> context = GlContext::Create(window.native);
+    if (context == nullptr) return D3DERR_NOTAVAILABLE;
+    DevicePtr<Device> made(new Device(std::move(context), window, behaviour));
+    if (const HRESULT result = made->ApplyParameters(complete); FAILED(result)) return result;
+    made->AddRef();
+    *device = made.Get();
+    return D3D_OK;
+}
+
+Device::Device(std::shared_ptr<GlContext> context, const PresentWindow& window, DWORD behaviour)
+    : context_(std::move(context)),
+      presenter_(context_, window),
+      pipeline_(context_),
+      behaviour_(behaviour),
+      state_(/*auto_depth=*/false) {}
+
+Device::~Device() {
+    if (quad_indices_ != 0 && context_->Activate()) glDeleteBuffers(1, &quad_indices_);
+}
+
+// Everything for complete parameters: screen, swap chain, states.
+HRESULT Device::ApplyParameters(D3DPRESENT_PARAMETERS parameters) {
+    if (!context_->Activate()) return D3DERR_DEVICELOST;
+    parameters_ = parameters;
+    presenter_.SetScreen(parameters);
+    presenter_.SetInterval(parameters.PresentationInterval);
+    if (!CreateSwapChain()) return D3DERR_OUTOFVIDEOMEMORY;
+    StartAnew();
+    life_ = DeviceLife::Operational;
+    lost_by_minimising_ = false;
+    return D3D_OK;
+}
+
+bool Device::CreateSwapChain() {
+    D3DSURFACE_DESC desc = {};
+    desc.Type = D3DRTYPE_SURFACE;
+    desc.Pool = D3DPOOL_DEFAULT;
+    desc.Width = parameters_.BackBufferWidth;
+    desc.Height = parameters_.BackBufferHeight;
+    desc.Format = parameters_.BackBufferFormat;
+    desc.Usage = D3DUSAGE_RENDERTARGET;
+    back_buffer_ = DevicePtr(OwnSurface::Create(context_, SurfaceKind::SwapChain, desc, /*lockable=*/false));
+    depth_.Reset();
+    if (parameters_.EnableAutoDepthStencil) {
+        desc.Format = parameters_.AutoDepthStencilFormat;
+        desc.Usage = D3DUSAGE_DEPTHSTENCIL;
+        depth_ = DevicePtr(OwnSurface::Create(context_, SurfaceKind::Depth, desc, /*lockable=*/false));
+        if (!depth_) return false;
+    }
+    return static_cast<bool>(back_buffer_);
+}
+
+// All states as after creation, nothing bound, drawing into the back buffer.
+void Device::StartAnew() {
+    state_ = DeviceState(parameters_.EnableAutoDepthStencil != FALSE);
+    bound_ = {};
+    bindings_ = {};
+    in_scene_ = false;
+    pipeline_.MarkAll();
+    UseTarget(back_buffer_.Get());
+}
+
+bool Device::DefaultPoolHeld() const {
+    const bool back_buffer_held = back_buffer_ && back_buffer_->References() > 1;
+    const bool depth_held = depth_ && depth_->References() > 1;
+    return context_->default_pool_objects > 0 || back_buffer_held || depth_held;
+}
+
+void Device::NoticeMinimised() {
+    if (parameters_.Windowed) return;
+    if (life_ == DeviceLife::Operational && presenter_.Minimised()) {
+        life_ = DeviceLife::Lost;
+        lost_by_minimising_ = true;
+    } else if (lost_by_minimising_ && !presenter_.Minimised()) {
+        Restore();
+        lost_by_minimising_ = false;
+    }
+}
+
+HRESULT Device::TestCooperativeLevel() {
+    NoticeMinimised();
+    switch (life_) {
+        case DeviceLife::Lost: return D3DERR_DEVICELOST;
+        case DeviceLife::NotReset: return D3DERR_DEVICENOTRESET;
+        default: return D3D_OK;
+    }
+}
+
+HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
+    NoticeMinimised();
+    if (life_ == DeviceLife::Lost) return D3DERR_DEVICELOST;
+    if (parameters == nullptr) return D3DERR_INVALIDCALL;
+    life_ = DeviceLife::NotReset;   // until all has gone well
+    bound_ = {};
+    bindings_ = {};
+    in_scene_ = false;
+    if (DefaultPoolHeld()) return D3DERR_INVALIDCALL;
+
+    D3DPRESENT_PARAMETERS complete = *parameters;
+    if (const HRESULT result = CompleteParameters(presenter_.ClientArea(), complete); FAILED(result)) return result;
+    complete.BackBufferWidth = std::max(complete.BackBufferWidth, 1u);   // of a window that is minimised
+    complete.BackBufferHeight = std::max(complete.BackBufferHeight, 1u);
+    fitting_depths_.clear();
+    return ApplyParameters(complete);
+}
+
+HRESULT Device::Present(const RECT* source, const RECT* destination, HWND window, const void* region) {
+    NoticeMinimised();
+    if (life_ != DeviceLife::Operational || !context_->Activate()) return D3DERR_DEVICELOST;
+    const bool whole = source == nullptr && destination == nullptr && window == nullptr && region == nullptr;
+    if (in_scene_ || !whole) return D3DERR_INVALIDCALL;
+    if (presenter_.Present(*back_buffer_, !parameters_.Windowed)) pipeline_.ForgetGl();
+    ++context_->frame;
+    return D3D_OK;
+}
+
+HRESULT Device::GetDeviceCaps(D3DCAPS9* caps) {
+    if (caps == nullptr) return D3DERR_INVALIDCALL;
+    *caps = DeviceCaps(context_->Limits());
+    return D3D_OK;
+}
+
+void Device::SetGammaRamp(UINT swap_chain, DWORD /*flags*/, const D3DGAMMARAMP* ramp) {
+    if (swap_chain == 0 && ramp != nullptr && context_->Activate()) presenter_.SetGammaRamp(*ramp);
+}
+
+HRESULT Device::SetSoftwareVertexProcessing(BOOL software) {
+    if ((behaviour_ & D3DCREATE_MIXED_VERTEXPROCESSING) != 0) return D3D_OK;   // both run the same programs
+    const bool is_software = (behaviour_ & D3DCREATE_SOFTWARE_VERTEXPROCESSING) != 0;
+    return (software != FALSE) == is_software ? D3D_OK : D3DERR_INVALIDCALL;
+}
+
+HRESULT Device::BeginScene() {
+    if (in_scene_) return D3DERR_INVALIDCALL;
+    in_scene_ = true;
+    return D3D_OK;
+}
+
+HRESULT Device::EndScene() {
+    if (!in_scene_) return D3DERR_INVALIDCALL;
+    in_scene_ = false;
+    return D3D_OK;
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,165 @@
+// Drawing primitives from the bound buffers.
+#include <algorithm>
+#include <cstring>
+
+#include "platform/d3d9_gl/device.h"
+
+namespace sparkrig {
+
+/// The vertices that are drawn as points, in the buffer's bytes.
+struct PointVertices {
+    const std::byte* vertices;   // vertex 0
+    std::size_t stride, vertex_bytes;
+    const std::byte* indices;   // null: one vertex after the other
+    DWORD index_bytes;
+    std::size_t count;   // vertices that there are
+
+    /// Null when an index points outside.
+    const std::byte* At(std::size_t i) const {
+        std::size_t vertex = i;
+        if (indices != nullptr) {
+            std::uint32_t index = 0;
+            std::memcpy(&index, indices + i * index_bytes, index_bytes);
+            vertex = index;
+        }
+        return vertex < count ? vertices + vertex * stride : nullptr;
+    }
+};
+
+namespace {
+
+constexpr std::size_t kPointsPerDraw = 16384;   // four corners each, numbered with 16 bits
+constexpr std::size_t kCorners = 4, kIndicesPerPoint = 6;
+
+constexpr GLenum kModes[] = {0, GL_POINTS, GL_LINES, GL_LINE_STRIP, GL_TRIANGLES, GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN};
+
+std::size_t VertexCount(D3DPRIMITIVETYPE type, UINT primitives) {
+    constexpr struct {
+        std::size_t factor, more;
+    } kVertices[] = {{0, 0}, {1, 0}, {2, 0}, {1, 1}, {3, 0}, {1, 2}, {1, 2}};
+    return primitives * kVertices[type].factor + kVertices[type].more;
+}
+
+}   // namespace
+
+HRESULT Device::CheckDraw(D3DPRIMITIVETYPE type, UINT count) const {
+    if (type < D3DPT_POINTLIST || type > D3DPT_TRIANGLEFAN || count == 0) return D3DERR_INVALIDCALL;
+    if (!in_scene_ || !bound_.vertices || state_.format.fvf == 0) return D3DERR_INVALIDCALL;
+    if (bound_.vertices->Memory().Locked() || bound_.stream_stride < state_.format.stride) return D3DERR_INVALIDCALL;
+    return D3D_OK;
+}
+
+bool Device::DrawnAsPoints(D3DPRIMITIVETYPE type) const {
+    if (type == D3DPT_POINTLIST) return true;
+    return type >= D3DPT_TRIANGLELIST && state_.render[D3DRS_FILLMODE] == D3DFILL_POINT;
+}
+
+bool Device::InStream(std::int64_t first, std::size_t count) const {
+    const std::size_t size = bound_.vertices->Memory().Size();
+    if (first < 0 || count == 0 || bound_.stream_offset > size) return false;
+    const std::uint64_t last = static_cast<std::uint64_t>(first) + count - 1;
+    const std::uint64_t room = size - bound_.stream_offset;
+    return room >= state_.format.stride && last <= (room - state_.format.stride) / bound_.stream_stride;
+}
+
+GLint Device::PlaceVertices(std::size_t first, std::size_t count) {
+    const std::size_t stride = bound_.stream_stride;
+    const std::size_t start = bound_.stream_offset + first * stride;
+    const std::size_t bytes = (count - 1) * stride + state_.format.stride;
+    const GlBytes place = bound_.vertices->Memory().Place(start, bytes, stride);
+    pipeline_.BindArray(state_.format).SetVertices(place.buffer, place.offset % stride, bound_.stream_stride);
+    return static_cast<GLint>(place.offset / stride);
+}
+
+HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT count) {
+    if (life_ != DeviceLife::Operational) return D3D_OK;
+    if (const HRESULT result = CheckDraw(type, count); FAILED(result)) return result;
+    const std::size_t vertices = VertexCount(type, count);
+    if (!InStream(first_vertex, vertices)) return D3DERR_INVALIDCALL;
+    if (!context_->Activate()) return D3D_OK;
+    const bool points = DrawnAsPoints(type);
+    if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
+    if (points) {
+        const std::size_t stride = bound_.stream_stride;
+        const std::byte* bytes = bound_.vertices->Memory().Bytes() + bound_.stream_offset + first_vertex * stride;
+        return DrawPoints({bytes, stride, state_.format.stride, nullptr, 0, vertices}, vertices);
+    }
+    const GLint first = PlaceVertices(first_vertex, vertices);
+    glDrawArrays(kModes[type], first, static_cast<GLsizei>(vertices));
+    pipeline_.Drawn();
+    return D3D_OK;
+}
+
+HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base_vertex, UINT min_index, UINT vertices,
+                                     UINT first_index, UINT count) {
+    if (life_ != DeviceLife::Operational) return D3D_OK;
+    if (const HRESULT result = CheckDraw(type, count); FAILED(result)) return result;
+    if (type == D3DPT_POINTLIST || !bound_.indices || bound_.indices->Memory().Locked()) return D3DERR_INVALIDCALL;
+    BufferMemory& indices = bound_.indices->Memory();
+    const std::size_t index_bytes = bound_.indices->ElementBytes();
+    const std::size_t index_count = VertexCount(type, count), there = indices.Size() / index_bytes;
+    if (first_index > there || index_count > there - first_index) return D3DERR_INVALIDCALL;
+    const std::int64_t first_vertex = std::int64_t{base_vertex} + min_index;
+    if (!InStream(first_vertex, vertices)) return D3DERR_INVALIDCALL;
+    if (!context_->Activate()) return D3D_OK;
+    const bool points = DrawnAsPoints(type);
+    if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
+    const std::size_t first_byte = first_index * index_bytes;
+    if (points) {
+        const std::size_t stride = bound_.stream_stride;
+        const std::byte* vertex_0 = bound_.vertices->Memory().Bytes() + bound_.stream_offset +
+                                    std::ptrdiff_t{base_vertex} * static_cast<std::ptrdiff_t>(stride);
+        return DrawPoints({vertex_0, stride, state_.format.stride, indices.Bytes() + first_byte,
+                           static_cast<DWORD>(index_bytes), std::size_t{min_index} + vertices},
+                          index_count);
+    }
+    const GLint first = PlaceVertices(static_cast<std::size_t>(first_vertex), vertices);
+    const GlBytes place = indices.Place(first_byte, index_count * index_bytes, index_bytes);
+    pipeline_.BindArray(state_.format).SetIndices(place.buffer);
+    glDrawElementsBaseVertex(kModes[type], static_cast<GLsizei>(index_count),
+                             index_bytes == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
+                             reinterpret_cast<const void*>(place.offset), first - static_cast<GLint>(min_index));
+    pipeline_.Drawn();
+    return D3D_OK;
+}
+
+// Each point becomes a square of two triangles: its vertex is written four times, and the vertex stage moves each to
+// the corner that its number says.
+HRESULT Device::DrawPoints(const PointVertices& points, std::size_t count) {
+    VertexArray& array = pipeline_.BindArray(state_.format);
+    array.SetIndices(QuadIndices());
+    StreamRing& ring = context_->Ring();
+    const std::size_t bytes = points.vertex_bytes;
+    for (std::size_t done = 0; done < count; done += kPointsPerDraw) {
+        const std::size_t now = std::min(count - done, kPointsPerDraw);
+        const StreamRing::Place place = ring.Allocate(now * kCorners * bytes, kCorners * bytes);
+        std::byte* corner = place.memory;
+        for (std::size_t i = 0; i < now; ++i) {
+            const std::byte* vertex = points.At(done + i);
+            if (vertex == nullptr) continue;
+            for (std::size_t repeat = 0; repeat < kCorners; ++repeat, corner += bytes) {
+                std::memcpy(corner, vertex, bytes);
+            }
+        }
+        const std::size_t written = static_cast<std::size_t>(corner - place.memory) / (kCorners * bytes);
+        array.SetVertices(ring.Buffer(), 0, static_cast<DWORD>(bytes));
+        glDrawElementsBaseVertex(GL_TRIANGLES, static_cast<GLsizei>(written * kIndicesPerPoint), GL_UNSIGNED_SHORT,
+                                 nullptr, static_cast<GLint>(place.offset / bytes));
+        pipeline_.Drawn();
+    }
+    return D3D_OK;
+}
+
+GLuint Device::QuadIndices() {
+    if (quad_indices_ != 0) return quad_indices_;
+    constexpr std::uint16_t kPattern[kIndicesPerPoint] = {0, 1, 2, 2, 1, 3};
+    std::vector<std::uint16_t> indices(kPointsPerDraw * kIndicesPerPoint);
+    for (std::size_t i = 0; i < indices.size(); ++i) {
+        indices[i] = static_cast<std::uint16_t>(i / kIndicesPerPoint * kCorners + kPattern[i % kIndicesPerPoint]);
+    }
+    glCreateBuffers(1, &quad_indices_);
+    glNamedBufferStorage(quad_indices_, static_cast<GLsizeiptr>(indices.size() * sizeof indices[0]), indices.data(), 0);
+    return quad_indices_;
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,42 @@
+// Shows the back buffer in the window: swap interval, full screen, gamma ramp.
+#pragma once
+#include <functional>
+#include <memory>
+
+#include "platform/d3d9_gl/surface.h"
+
+namespace sparkrig {
+
+/// Where pictures are shown.
+struct PresentWindow {
+    SDL_Window* native = nullptr;
+    /// The client area in window coordinates; empty while minimised. What the window has above it (its menu) stays.
+    std::function<RECT()> client_area;
+};
+
+class Presenter {
+  public:
+    Presenter(std::shared_ptr<GlContext> context, PresentWindow window);
+
+    RECT ClientArea() const { return window_.client_area(); }
+    bool Minimised() const;
+    void SetInterval(DWORD presentation_interval);
+    /// Windowed when the parameters say so.
+    void SetScreen(const D3DPRESENT_PARAMETERS& parameters);
+    void SetGammaRamp(const D3DGAMMARAMP& ramp);
+
+    /// True when OpenGL states were changed on the way.
+    bool Present(Surface& back_buffer, bool full_screen);
+
+  private:
+    void Blit(Surface& back_buffer, GLint width, GLint height);
+    void DrawThroughRamp(Surface& back_buffer, GLint width, GLint height);
+    bool CreateRampProgram();
+
+    std::shared_ptr<GlContext> context_;
+    PresentWindow window_;
+    bool ramp_changes_ = false;   // it is not the identity
+    GLuint ramp_texture_ = 0, ramp_program_ = 0, empty_array_ = 0;
+};
+
+}   // namespace sparkrig

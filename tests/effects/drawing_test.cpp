@@ -1,0 +1,270 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+
+#include "effects/particle_vertices.h"
+#include "effects/visual_effect_system.h"
+#include "scene/camera.h"
+#include "tests/effects/effects_file_text.h"
+#include "tests/support/picture_files.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::ElementsAre;
+
+/// The system on the recording device; the camera stands 100 before the origin and looks along -y.
+class Drawing : public testing::Test {
+  protected:
+    Drawing() {
+        KRN_Camera camera;
+        camera.SetEye(0, 100, 0, true);
+        camera.SetViewDirection(0, -1, 0, true);
+        gfx->SetView(camera);
+        gfx->SetProjection(1, 2000, 0.7854f, -1);
+        system.Init(*gfx, 0);
+        gfx->BeginScene();
+        for (const char* name : {"a", "b"}) WritePicture(std::string(name) + ".png");
+    }
+    ~Drawing() override { system.Release(); }
+
+    static std::string PathOf(const std::string& name) {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        return testing::TempDir() + test->name() + "_" + name;
+    }
+    static void WritePicture(const std::string& name) {
+        std::ofstream(PathOf(name), std::ios::binary) << PngFile(TestPicture::Pattern(4, 4), 4);
+    }
+    /// A block of one particle at y (the distance is 100 - y) with more lines.
+    static std::string Particle(const char* texture, float y, const std::string& lines = "") {
+        return "PARTICLE {\ntexture = \"" + PathOf(std::string(texture) + ".png") + "\"\npos = 0, " +
+               std::to_string(y) + ", 0\n" + lines + "\n}\n";
+    }
+    /// Loads and starts one effect of these blocks, and draws it.
+    int DrawEffect(const std::string& blocks) {
+        system.LoadEffects(WriteEffectsFile("#e\ndesc = \"e\"\n" + blocks).c_str(), false);
+        system.StartEffect("e", {});
+        return Redraw();
+    }
+    int Redraw() {
+        gfx.recording.ForgetCalls();
+        return system.Draw();
+    }
+    const RecordedDraw& DrawAt(std::size_t i) const { return gfx.recording.Draws().at(i); }
+    std::vector<UINT> TriangleCounts() const {
+        std::vector<UINT> counts;
+        for (const RecordedDraw& draw : gfx.recording.Draws()) counts.push_back(draw.count);
+        return counts;
+    }
+    EffectParticleVertex Vertex(std::size_t draw, std::size_t vertex) const {
+        EffectParticleVertex out;
+        std::memcpy(&out, DrawAt(draw).vertices.data() + vertex * sizeof out, sizeof out);
+        return out;
+    }
+
+    RecordedGfx gfx;
+    VisualEffectSystem system;
+};
+
+constexpr char kAdditive[] = "BlendType = \"additive\"";
+
+TEST_F(Drawing, APartlyTransparentParticleBecomesSixVertices) {
+    EXPECT_EQ(DrawEffect(Particle("a", 3, R"(
+        col = 0.5, 0.25, 2
+        scale = 7, 8, 9
+        ALPHA {
+            type = "cos"
+            TimeScale = 0, 0.75, 0
+        }
+        ROTATION {
+            type = "linear"
+            scale = 0.5, 0, 0
+            TimeOff = 1
+        })")),
+              1);
+    EXPECT_EQ(system.DrawnParticleCount(), 1);
+    ASSERT_THAT(TriangleCounts(), ElementsAre(2));
+    EXPECT_EQ(DrawAt(0).fvf, 0x272u);
+    EXPECT_EQ(DrawAt(0).type, D3DPT_TRIANGLELIST);
+    const struct {
+        float x, y, u, v;
+    } kCorners[] = {{-1, -1, 0, 0}, {1, 1, 1, 1}, {1, -1, 1, 0}, {-1, -1, 0, 0}, {-1, 1, 0, 1}, {1, 1, 1, 1}};
+    for (std::size_t i = 0; i < 6; ++i) {
+        const EffectParticleVertex vertex = Vertex(0, i);
+        EXPECT_EQ(vertex.position, D3DXVECTOR3(0, 3, 0));
+        EXPECT_EQ(vertex.corner, D3DXVECTOR3(kCorners[i].x, kCorners[i].y, 0));
+        EXPECT_EQ(vertex.uv, (D3DXVECTOR2{kCorners[i].u, kCorners[i].v}));
+        EXPECT_EQ(vertex.size, 7);
+        EXPECT_EQ(vertex.colour, 0xBF7F3FFEu);   // 2 is 510: the low byte counts
+        EXPECT_NEAR(vertex.rotation.x, std::cos(0.5f), 1e-6);
+        EXPECT_NEAR(vertex.rotation.y, std::sin(0.5f), 1e-6);
+    }
+}
+
+TEST_F(Drawing, SubtractiveParticlesCarryTheAlphaInTheirColour) {
+    DrawEffect(Particle("a", 3, R"(
+        BlendType = "subtractive"
+        col = 1, 0.5, 0.25
+        ALPHA {
+            type = "cos"
+            TimeScale = 0, 0.5, 0
+        })"));
+    EXPECT_EQ(Vertex(0, 0).colour, 0x017F3F1Fu);
+}
+
+TEST_F(Drawing, AdditiveParticlesAreRegroupedByTexture) {
+    const std::string mixed = Particle("a", 1, kAdditive) + Particle("b", 2, kAdditive) + Particle("a", 3, kAdditive) +
+                              Particle("b", 4, kAdditive);
+    DrawEffect(mixed);
+    EXPECT_EQ(Redraw(), 2);   // once the textures are loaded
+    EXPECT_THAT(TriangleCounts(), ElementsAre(4, 4));
+    EXPECT_EQ(system.DrawnParticleCount(), 4);
+    EXPECT_EQ(Vertex(0, 0).position.y, 1);   // in a texture, the farther first
+    EXPECT_EQ(Vertex(0, 6).position.y, 3);
+    EXPECT_NE(DrawAt(0).texture, DrawAt(1).texture);
+}
+
+TEST_F(Drawing, AlphaBlendedParticlesKeepTheirDepthOrder) {
+    DrawEffect(Particle("a", 1) + Particle("b", 2) + Particle("a", 3) + Particle("b", 4));
+    EXPECT_EQ(Redraw(), 4);
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(Vertex(i, 0).position.y, static_cast<float>(i + 1));
+}
+
+TEST_F(Drawing, AFullBatchIsDrawnAndAnotherBegins) {
+    const struct { int count, draws; } kRows[] = {{1024, 1}, {1025, 2}, {2500, 3}};
+    for (const auto& row : kRows) {
+        EXPECT_EQ(DrawEffect(Particle("a", 1, "Count = " + std::to_string(row.count))), row.draws);
+        EXPECT_EQ(system.DrawnParticleCount(), row.count);
+        EXPECT_EQ(DrawAt(0).count, 2048u);
+        for (const RecordedDraw& draw : gfx.recording.Draws()) EXPECT_NE(draw.texture, 0u);
+    }
+}
+
+TEST_F(Drawing, WhatIsNotSeenIsNotCounted) {
+    const struct {
+        const char* what;
+        std::string block;
+    } kRows[] = {
+        {"transparent", Particle("a", 1, "ALPHA {\ntype = \"cos\"\nTimeScale = 0, 0.003, 0\n}")},
+        {"not born", Particle("a", 1, "BirthTime = 1")},
+        {"too detailed", Particle("a", 1, "DetailLevel = 101")},
+        {"behind the camera", Particle("a", 400)},
+        {"too small at the edge", "PARTICLE {\ntexture = \"none\"\npos = 70, 0, 0\nscale = 2, 900, 900\n}\n"},
+    };
+    for (const auto& row : kRows) {
+        EXPECT_EQ(DrawEffect(row.block), 0) << row.what;
+        EXPECT_EQ(system.DrawnParticleCount(), 0) << row.what;
+    }
+    EXPECT_EQ(DrawEffect(Particle("a", 0, "DetailLevel = 100")), 1);
+}
+
+TEST_F(Drawing, BatchesEndWhereStatesChange) {
+    const struct {
+        const char* what;
+        std::string lines;
+        int draws;
+    } kRows[] = {
+        {"nothing", "", 1},
+        {"blend mode", kAdditive, 2},
+        {"billboard mode", "BillBoard = 1", 2},
+        {"depth test", "UseZBuf = 0", 2},
+        {"depth write", "WriteZBuf = 0", 2},
+        {"sort class", "SortClass = 3", 1},
+    };
+    for (const auto& row : kRows)
+        EXPECT_EQ(DrawEffect(Particle("a", 1) + Particle("a", 2, row.lines)), row.draws) << row.what;
+}
+
+TEST_F(Drawing, DepthStatesAreThoseThatTheEffectAsksFor) {
+    gfx->SetZBufferMode(1);
+    gfx->SetZWrite(true);
+    DrawEffect(Particle("a", 1, "UseZBuf = 0") + Particle("a", 2, "WriteZBuf = 0"));
+    ASSERT_EQ(gfx.recording.Draws().size(), 2u);
+    const auto state = [&](std::size_t draw, D3DRENDERSTATETYPE which) { return DrawAt(draw).render_states.at(which); };
+    EXPECT_EQ(state(0, D3DRS_ZENABLE), 0u);
+    EXPECT_EQ(state(0, D3DRS_ZWRITEENABLE), 1u);
+    EXPECT_EQ(state(1, D3DRS_ZENABLE), 1u);
+    EXPECT_EQ(state(1, D3DRS_ZWRITEENABLE), 0u);
+    EXPECT_EQ(state(1, D3DRS_CULLMODE), static_cast<DWORD>(D3DCULL_NONE));
+    EXPECT_EQ(state(1, D3DRS_LIGHTING), 0u);
+    EXPECT_EQ(state(1, D3DRS_FOGENABLE), 0u);
+}
+
+TEST_F(Drawing, SpecialInstancesSplitTheBatch) {
+    const std::string special = "SPECIAL {\ntype = \"none\"\npos = 0, 2, 0\n}\n";
+    EXPECT_EQ(DrawEffect(Particle("a", 1) + special + Particle("a", 3)), 2);
+}
+
+TEST_F(Drawing, SortClassesComeBeforeDistances) {
+    DrawEffect(Particle("a", 5) + Particle("a", 1, "SortClass = 2") + Particle("a", 3, "SortDistOff = -50"));
+    EXPECT_EQ(Vertex(0, 0).position.y, 5);
+    EXPECT_EQ(Vertex(0, 6).position.y, 3);
+    EXPECT_EQ(Vertex(0, 12).position.y, 1);
+}
+
+TEST_F(Drawing, WhatHangsBeforeTheCameraIsSortedLastAndDrawnInCameraSpace) {
+    const D3DXMATRIX view = gfx->ViewMatrix();
+    DrawEffect(Particle("a", 1, "BillBoard = 3") + Particle("a", 90));
+    ASSERT_EQ(gfx.recording.Draws().size(), 2u);
+    EXPECT_EQ(Vertex(1, 0).position.y, 1);
+    int views_sent = 0;
+    for (const RecordedCall& call : gfx.recording.Calls())
+        views_sent += call.method == "SetTransform" && call.arguments[0] == D3DTS_VIEW;
+    EXPECT_EQ(views_sent, 2);
+    EXPECT_EQ(gfx->ViewMatrix(), view);
+}
+
+TEST_F(Drawing, LeavesTheStatesAsTheyWere) {
+    gfx->SetBlendingMode(7, 77, 0);
+    gfx->SetZBufferMode(1);
+    gfx->SetZWrite(true);
+    gfx->SetFogEnable(true);
+    gfx->SetLighting(true, nullptr);
+    gfx->SetCullingMode(1);
+    DrawEffect(Particle("a", 1, "UseZBuf = 0\nWriteZBuf = 0"));
+    EXPECT_EQ(gfx->BlendingMode(), 7);
+    EXPECT_EQ(gfx->BlendingAlpha(), 77);
+    EXPECT_EQ(gfx->ZBufferMode(), 1);
+    EXPECT_TRUE(gfx->ZWrite());
+    EXPECT_TRUE(gfx->FogEnable());
+    EXPECT_TRUE(gfx->Lighting());
+    EXPECT_EQ(gfx->CullingMode(), 1);
+    EXPECT_EQ(gfx->EffectForDraw(), nullptr);
+}
+
+TEST_F(Drawing, AnAnimatedTextureEndsTheBatchWhereItsFrameChanges) {
+    std::ofstream(PathOf("list.ifl")) << PathOf("a.png") << "\n" << PathOf("b.png") << "\n";
+    const auto block = [](float y, const std::string& lines) {
+        return "PARTICLE {\ntexture = \"" + PathOf("list.ifl") + "\"\npos = 0, " + std::to_string(y) + ", 0\n" + lines +
+               "\n}\n";
+    };
+    // Two instances share a texture; the second is a frame of 1/30 s younger.
+    EXPECT_EQ(DrawEffect(block(1, "Count = 2\nBirthCountOff = 0.03\nStartTime = 0.05")), 2);
+    const UINT second_frame = DrawAt(0).texture, first_frame = DrawAt(1).texture;
+    EXPECT_NE(first_frame, second_frame);
+    EXPECT_EQ(DrawEffect(block(1, "") + block(2, "StartTime = 0.01") + block(3, "StartTime = 0.05")), 2);
+    EXPECT_THAT(TriangleCounts(), ElementsAre(4, 2));
+    EXPECT_NE(DrawAt(0).texture, DrawAt(1).texture);
+}
+
+TEST_F(Drawing, PreloadingLoadsWhatTheEffectEmits) {
+    system.LoadEffects(
+        WriteEffectsFile("#e\ndesc = \"e\"\n" + Particle("a", 1, "EmitEffect = \"f\"") + "#f\ndesc = \"f\"\n" +
+                         Particle("b", 1, "EmitEffect = \"e\"") + Particle("b", 1, "EmitEffect = \"trace:none\""))
+            .c_str(),
+        false);
+    gfx.recording.ForgetCalls();
+    system.PreloadEffect("e");
+    EXPECT_EQ(gfx.recording.Count("CreateTexture"), 2);
+    system.PreloadEffect("e");
+    EXPECT_EQ(gfx.recording.Count("CreateTexture"), 2);
+    system.PreloadEffect("trace:none");
+    EXPECT_THROW(system.PreloadEffect("g"), ErrorMsg);
+}
+
+}   // namespace
+}   // namespace sparkrig

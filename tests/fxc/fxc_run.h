@@ -1,0 +1,36 @@
+// Runs the effect compiler on sources in a folder of the test's own.
+#pragma once
+#include <string>
+
+#include "platform/d3dx/effect_file.h"
+
+namespace sparkrig {
+
+struct FxcResult {
+    int code = -1;        // exit code; 128 and more for a signal
+    std::string errors;   // with the folder taken away, so that a file is its name
+    EffectFile effect;    // of a successful run
+};
+
+/// A folder for sources, gone at the end.
+class FxcFolder {
+  public:
+    FxcFolder();
+    ~FxcFolder();
+    FxcFolder(const FxcFolder&) = delete;
+    FxcFolder& operator=(const FxcFolder&) = delete;
+
+    void Write(const std::string& name, const std::string& text) const;
+    FxcResult Compile(const std::string& name) const;
+    /// Any command line.
+    FxcResult Run(const std::string& arguments) const;
+    const std::string& Path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
+/// Compiles one source, called t.fx.
+FxcResult CompileText(const std::string& text);
+
+}   // namespace sparkrig

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/fxc/fxc_run.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr const char* kSample = R"(
+#define HALF 0.5
+float4x4 Transform : WORLDVIEWPROJECTION;
+texture Picture < string ResourceName = "textures\a.tga"; >;
+sampler2D Reader = sampler_state { Texture = <Picture>; MinFilter = LINEAR; };
+void Vertex(float4 p : POSITION, uniform float size, out float4 position : POSITION, out float2 uv : TEXCOORD0) {
+    position = mul(p, Transform) * size;
+    uv = p.xy * HALF;
+}
+float4 Pixel(float2 uv : TEXCOORD0) : COLOR { return tex2D(Reader, uv); }
+technique Draw { pass Only { CullMode = NONE; VertexShader = compile vs_1_1 Vertex(2); PixelShader = compile ps_2_0 Pixel(); } }
+)";
+
+TEST(FxcProgram, SaysHowItEnded) {
+    const FxcFolder folder;
+    folder.Write("good.fx", kSample);
+    folder.Write("bad.fx", "technique {");
+    const std::string good = "'" + folder.Path() + "good.fx'", bad = "'" + folder.Path() + "bad.fx'";
+    const std::string out = "'" + folder.Path() + "x.fxo'";
+    const struct {
+        std::string arguments;
+        int code;
+    } rows[] = {{good + " " + out, 0},
+                {"-- " + good + " " + out, 0},
+                {"--help", 0},
+                {bad + " " + out, 1},
+                {"missing.fx " + out, 1},
+                {good + " /no/such/folder/x.fxo", 1},
+                {"'" + folder.Path() + "' " + out, 1},
+                {"", 2},
+                {good, 2},
+                {good + " " + out + " third", 2},
+                {"--unknown " + good + " " + out, 2}};
+    for (const auto& row : rows) EXPECT_EQ(folder.Run(row.arguments).code, row.code) << row.arguments;
+}
+
+TEST(FxcProgram, LeavesNoOutputAfterErrors) {
+    const FxcFolder folder;
+    folder.Write("bad.fx", "float4 x = ;");
+    EXPECT_EQ(folder.Compile("bad.fx").code, 1);
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() + "out.fxo"));
+}
+
+TEST(FxcProgram, CompilesTheSame) {
+    const FxcFolder folder;
+    folder.Write("a.fx", kSample);
+    EXPECT_EQ(WriteEffectFile(folder.Compile("a.fx").effect), WriteEffectFile(folder.Compile("a.fx").effect));
+}
+
+TEST(FxcProgram, EndsOnEverySourceThatIsCutShort) {
+    const std::string sample = kSample;
+    for (std::size_t length = 0; length < sample.size(); length += 7) {
+        const FxcResult result = CompileText(sample.substr(0, length));
+        EXPECT_LE(result.code, 1) << length << result.errors;
+        EXPECT_EQ(result.code == 1, result.errors.starts_with("t.fx(")) << length << result.errors;
+    }
+}
+
+TEST(FxcProgram, EndsOnSourcesThatGrow) {
+    std::string doubling = "#define M0 x x\n";
+    for (int i = 1; i < 60; ++i)
+        doubling +=
+            "#define M" + std::to_string(i) + " M" + std::to_string(i - 1) + " M" + std::to_string(i - 1) + "\n";
+    std::string arguments = "#define F(a) a a a a\n";
+    std::string call = "x";
+    for (int i = 0; i < 40; ++i) call = "F(" + call + ")";
+    std::string structures = "struct S0 { float a, b, c, d; };\n";
+    for (int i = 1; i < 15; ++i) {
+        const std::string member = "S" + std::to_string(i - 1);
+        structures += "struct S" + std::to_string(i) + " { " + member + " a, b, c, d, e, f, g, h; };\n";
+    }
+    const std::string nested(100000, '(');
+    const std::string rows[] = {doubling + "M59",
+                                arguments + call,
+                                structures + "S14 huge;",
+                                "float a = " + nested,
+                                "#if " + nested + "\n#endif\n",
+                                "#include \"t.fx\"\n",
+                                "float4x4 a[4096] = {" + std::string(300000, '{')};
+    for (const std::string& source : rows) {
+        const FxcResult result = CompileText(source);
+        EXPECT_EQ(result.code, 1) << source.substr(0, 60);
+        EXPECT_NE(result.errors.find("error X"), std::string::npos) << source.substr(0, 60) << result.errors;
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,356 @@
+#include <gmock/gmock.h>
+
+#include "gfx/frame_list.h"
+#include "gfx/gfx_parts.h"
+#include "gfx/texture.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/support/picture_files.h"
+#include "tests/support/recorded_gfx.h"
+#include "tests/support/recorded_objects.h"
+#include "tests/support/reports.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class TextureLoading : public TemporaryFolder {
+  protected:
+    void Load(const char* name, int parameter = -1, int format = -1, int levels = 1) {
+        gfx_->LoadTexture(&texture_, name, 0, parameter, format, levels);
+    }
+    std::string LoadError(const char* name, int parameter = -1) {
+        return ErrorOf([&] { Load(name, parameter); });
+    }
+    static D3DSURFACE_DESC DescOf(const KRN_Texture& texture) {
+        return static_cast<RecordedTexture*>(texture.DeviceTexture())->Level(0).desc;
+    }
+    D3DSURFACE_DESC Desc() const { return DescOf(texture_); }
+    TextureSettings& Settings() { return gfx_->Parts().texture_loader.Settings(); }
+    TextureRegistry& Registry() { return gfx_->Parts().textures; }
+    static void WritePng(const char* name, UINT width, UINT height, int channels = 4) {
+        WriteFile(name, PngFile(TestPicture::Pattern(width, height), channels));
+    }
+
+    RecordedGfx gfx_;
+    KRN_Texture texture_;
+};
+
+TEST_F(TextureLoading, TakesTheFilesSizeFormatAndPixels) {
+    const TestPicture picture = TestPicture::Pattern(6, 3);
+    WriteFile("a.png", PngFile(picture, 4));
+    Load("a.png");
+    EXPECT_TRUE(texture_.HasSurface());
+    EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8);
+    EXPECT_EQ(Desc().Pool, D3DPOOL_MANAGED);
+    EXPECT_EQ(texture_.Width(), 6.0f);
+    EXPECT_STREQ(texture_.Name().c_str(), "a.png");
+    EXPECT_GT(texture_.TimeStamp(), 0u);
+    texture_.Lock(nullptr, D3DLOCK_READONLY);
+    EXPECT_EQ(texture_.GetPixel(4, 2), picture.At(4, 2));
+    texture_.Unlock();
+}
+
+TEST_F(TextureLoading, ReportsWhatIsWrong) {
+    WriteFile("text.png", "no picture");
+    WriteFile("blank.ifl", "\n  \n\t\n");
+    WriteFile("self.ifl", "self.ifl\n");
+    WriteFile("missing.ifl", "gone.png\n");
+    WritePng("a.png", 2, 2);
+    const struct {
+        const char* name;
+        int parameter;
+        const char* error;
+    } rows[] = {
+        {"", -1, "Invalid file name in LoadTexture"},
+        {nullptr, -1, "Invalid file name in LoadTexture"},
+        {"a.png", 4, "Wrong texture parameter in LoadTexture!"},
+        {"a.png", -2, "Wrong texture parameter in LoadTexture!"},
+        {"gone.png", -1, "Can not open file gone.png"},
+        {"text.png", -1, " D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:text.png)"},
+        {"blank.ifl", -1, "Empty texture file list"},
+        {"self.ifl", -1, "Texture file list in texture file list 'self.ifl': self.ifl"},
+        {"missing.ifl", -1, "Can not open file gone.png"},
+        {">>Video0", -1, "Invalid video source for texture: 0"},
+        {">>Video17", -1, "Invalid video source for texture: 17"},
+        {">>Video", -1, "Invalid video source for texture: 0"},
+        {">>Video16", -1, "Invalid video source specifications for source 16"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(LoadError(row.name, row.parameter), row.error);
+    EXPECT_EQ(ErrorOf([&] { gfx_->LoadTexture(nullptr, "a.png", 0, -1); }),
+              "KRN_Texture pointer in LoadTexture is NULL pointer!");
+    gfx_.recording.Fail("CreateTexture", D3DERR_OUTOFVIDEOMEMORY);
+    EXPECT_EQ(LoadError("a.png"), " D3DXCreateTextureFromFileA failed: D3DERR_OUTOFVIDEOMEMORY (file:a.png)");
+    EXPECT_FALSE(texture_.HasSurface());
+}
+
+TEST_F(TextureLoading, WarnsOfPathsThatLeaveTheData) {
+    WritePng("a.png", 2, 2);
+    Reports reports;
+    Load((Folder() / "a.png").c_str());
+    EXPECT_EQ(reports.Last(), "warning ErrorClassSimple: Absolute file path: '" + (Folder() / "a.png").string() + "'");
+    LoadError("\\\\server\\a.png");
+    EXPECT_EQ(reports.All()[1], "warning ErrorClassSimple: Network file accessed: '\\\\server\\a.png'");
+}
+
+TEST_F(TextureLoading, LooksBelowTheTextureAndTheBasePath) {
+    std::filesystem::create_directories(Folder() / "textures");
+    std::filesystem::create_directories(Folder() / "base");
+    WritePng("textures/only.png", 2, 1);
+    WritePng("textures/both.png", 3, 1);
+    WritePng("base/both.png", 4, 1);
+    WritePng("base/low.png", 5, 1);
+    gfx_->SetDefaultTexturePath("textures");
+    gfx_->SetBasePath("base\\");
+    const struct {
+        const char* name;
+        float width;
+    } rows[] = {{"only.png", 2}, {"both.png", 3}, {"LOW.png", 5}, {"base\\Both.png", 4}};
+    for (const auto& row : rows) {
+        Load(row.name);
+        EXPECT_EQ(texture_.Width(), row.width) << row.name;
+    }
+}
+
+TEST_F(TextureLoading, ParametersChooseThePool) {
+    WritePng("a.png", 2, 2);
+    Settings().sharing = false;
+    const struct {
+        int parameter;
+        D3DPOOL pool;
+        DWORD usage;
+    } rows[] = {{-1, D3DPOOL_MANAGED, 0},
+                {0, D3DPOOL_MANAGED, 0},
+                {1, D3DPOOL_DEFAULT, 0},
+                {2, D3DPOOL_MANAGED, 0},
+                {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET},
+                {1 | kLoadWithoutStretching, D3DPOOL_DEFAULT, 0}};
+    for (const auto& row : rows) {
+        Load("a.png", row.parameter);
+        EXPECT_EQ(Desc().Pool, row.pool) << row.parameter;
+        EXPECT_EQ(Desc().Usage, row.usage) << row.parameter;
+    }
+}
+
+TEST_F(TextureLoading, SharesAFileUntilItChanges) {
+    WritePng("a.png", 2, 2);
+    KRN_Texture second, third;
+    Load("a.png");
+    gfx_->LoadTexture(&second, "A.PNG", 0, -1);
+    EXPECT_EQ(second.DeviceTexture(), texture_.DeviceTexture());
+    EXPECT_EQ(second.Identifier(), texture_.Identifier());
+    EXPECT_EQ(gfx_.recording.Count("CreateTexture"), 1);
+
+    std::filesystem::last_write_time("a.png", std::filesystem::last_write_time("a.png") + std::chrono::seconds(3));
+    gfx_->LoadTexture(&third, "a.png", 0, -1);
+    EXPECT_NE(third.DeviceTexture(), texture_.DeviceTexture());
+    Settings().sharing = false;
+    gfx_->LoadTexture(&second, "a.png", 0, -1);
+    EXPECT_NE(second.DeviceTexture(), third.DeviceTexture());
+    EXPECT_EQ(Registry().Count(), 3);
+    EXPECT_EQ(Registry().Created(), 3u);
+}
+
+TEST_F(TextureLoading, ReleasesWithItsLastUser) {
+    WritePng("a.png", 2, 2);
+    const int before = gfx_.recording.LiveObjects();
+    {
+        KRN_Texture other;
+        Load("a.png");
+        gfx_->LoadTexture(&other, "a.png", 0, -1);
+        texture_.Release();
+        EXPECT_FALSE(texture_.HasSurface());
+        EXPECT_TRUE(other.HasSurface());
+    }
+    EXPECT_EQ(gfx_.recording.LiveObjects(), before);
+    EXPECT_EQ(Registry().Count(), 0);
+}
+
+TEST_F(TextureLoading, KeepsThePresentTextureWhileAnotherLoadsIfAsked) {
+    WritePng("a.png", 2, 2);
+    Load("a.png");
+    LoadError("gone.png", kLoadKeepsTexture);
+    EXPECT_TRUE(texture_.HasSurface());
+    LoadError("gone.png", 0);
+    EXPECT_FALSE(texture_.HasSurface());
+}
+
+TEST_F(TextureLoading, ChoosesSizeAndFilters) {
+    WritePng("odd.png", 300, 200, 3);
+    Settings().compression = true;
+    const struct {
+        const char* name;
+        int parameter, levels;
+        UINT width, height;
+        D3DFORMAT format;
+        float shown_width;
+        int warnings;
+    } rows[] = {
+        {"one level keeps the size", 0, 1, 300, 200, D3DFMT_DXT1, 300, 0},
+        {"compressed levels are stretched", 0, 3, 512, 256, D3DFMT_DXT1, 512, 0},
+        {"or surrounded", kLoadWithoutStretching, 3, 512, 256, D3DFMT_DXT1, 300, 1},
+    };
+    for (const auto& row : rows) {
+        Settings().sharing = false;
+        Reports reports;
+        Load("odd.png", row.parameter, -1, row.levels);
+        EXPECT_EQ(Desc().Width, row.width) << row.name;
+        EXPECT_EQ(Desc().Height, row.height) << row.name;
+        EXPECT_EQ(Desc().Format, row.format) << row.name;
+        EXPECT_EQ(texture_.Width(), row.shown_width) << row.name;
+        EXPECT_EQ(static_cast<int>(reports.All().size()), row.warnings) << row.name;
+        RECT rectangle;
+        texture_.GetRect(rectangle);
+        EXPECT_EQ(rectangle, (RECT{0, 0, static_cast<LONG>(row.shown_width), row.shown_width == 512 ? 256 : 200}));
+    }
+}
+
+TEST_F(TextureLoading, WarnsOfLevelsWithoutStretching) {
+    WritePng("odd.png", 300, 200, 3);
+    Reports reports;
+    Load("odd.png", kLoadWithoutStretching, static_cast<int>(D3DFMT_DXT1), 0);
+    EXPECT_THAT(reports.All(), ElementsAre("warning KRN_Gfx: Loading none-power of 2 texture 'odd.png' with options: "
+                                           "mipmaps+noStretch+compressed"));
+}
+
+TEST_F(TextureLoading, FollowsTheDevicesCapabilities) {
+    gfx_.Destroy();
+    RecordedGfx poor(RecordedGfx::State::Constructed);
+    poor.recording.caps.TextureCaps = D3DPTEXTURECAPS_POW2;
+    poor.Init();
+    WritePng("odd.png", 5, 9, 3);
+    KRN_Texture texture;
+    poor->LoadTexture(&texture, "odd.png", 0, 0, -1, 1);
+    EXPECT_EQ(DescOf(texture).Width, 8u);
+    EXPECT_EQ(DescOf(texture).Height, 16u);
+    EXPECT_EQ(texture.DeviceTexture()->GetLevelCount(), 5u);   // without the capability the count passed on is 0
+    texture.Release();
+}
+
+TEST_F(TextureLoading, PlaceholdersReadNoFile) {
+    WriteFile("a.png", "no picture");
+    WriteFile("b.png", "no picture");
+    Settings().placeholders = true;
+    KRN_Texture other;
+    Load("a.png");
+    gfx_->LoadTexture(&other, "b.png", 0, -1);
+    EXPECT_EQ(other.DeviceTexture(), texture_.DeviceTexture());
+    EXPECT_EQ(Desc().Width, 8u);
+    texture_.Lock(nullptr, D3DLOCK_READONLY);
+    EXPECT_EQ(texture_.GetPixel(7, 5), 0xFFC8C8C8);
+    texture_.Unlock();
+}
+
+// ---- Sequences
+
+TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
+    std::filesystem::create_directories(Folder() / "fire");
+    WritePng("fire/f0.png", 2, 2);
+    WritePng("fire/f1.png", 3, 2);
+    WritePng("f2.png", 4, 2);
+    WriteFile("fire/FIRE.ifl", "\t f0.png\r\n\r\n  f1.png  \r\nf2.png\r\n");
+    Load("fire\\fire.ifl");
+    EXPECT_EQ(texture_.SequenceFrames(), 3);
+    EXPECT_EQ(texture_.CurrentFrame(), 0);
+    EXPECT_STREQ(texture_.Name().c_str(), "fire\\fire.ifl");
+    for (int i = 0; i < 3; ++i) {
+        texture_.SelectSequenceFrame(i);
+        EXPECT_EQ(texture_.Width(), 2.0f + static_cast<float>(i));
+    }
+    texture_.SetSequenceTiming({1.0f, 0.5f, PlaybackMode::Loop});
+    texture_.Update(1.75f);
+    EXPECT_EQ(texture_.CurrentFrame(), 1);
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectSequenceFrame(3); }), "Invalid sequence number");
+    EXPECT_EQ(ErrorOf([&] { texture_.FreeSequenceFrame(3); }), "Invalid sequence to free: 3");
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(1, false); }), "No stages with texture sequence allowed");
+    texture_.FreeSequenceFrame(1);
+    EXPECT_FALSE(texture_.HasSurface());
+    Load("f2.png");
+    EXPECT_EQ(texture_.SequenceFrames(), 0);
+    EXPECT_EQ(Registry().Count(), 1);
+}
+
+TEST_F(TextureLoading, AListHasABound) {
+    std::string list;
+    for (int i = 0; i <= kMaxSequenceFrames; ++i) list += "a.png\n";
+    WriteFile("long.ifl", list);
+    EXPECT_EQ(LoadError("long.ifl"), "More than 4096 frames in texture file list 'long.ifl'");
+}
+
+// ---- Video sources
+
+TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
+    VideoSource& source = gfx_->Parts().videos[15];
+    EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(16); }), "Invalid video source nurber in UpdateVideoSource(): 16");
+    EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(15); }), "No video source update function specified for source 15");
+    source.format = D3DFMT_A8R8G8B8;
+    source.width = 5;
+    source.height = 3;
+    int updates = 0;
+    source.update = [&updates](D3DLOCKED_RECT* locked) {
+        static_cast<D3DCOLOR*>(locked->pBits)[2] = 0x11223344;
+        ++updates;
+    };
+    gfx_.recording.Fail("CreateTexture", D3DERR_NOTAVAILABLE);
+    EXPECT_EQ(LoadError(">>Video16"), "CreateTexture for video source failed: D3DERR_NOTAVAILABLE ");
+
+    KRN_Texture other;
+    Load(">>Video16");
+    gfx_->LoadTexture(&other, ">>Video16", 0, -1);
+    EXPECT_EQ(other.DeviceTexture(), texture_.DeviceTexture());
+    EXPECT_EQ(texture_.VideoSourceIndex(), 15);
+    EXPECT_EQ(texture_.Width(), 5.0f);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(updates, 1);
+    texture_.Lock(nullptr, D3DLOCK_READONLY);
+    EXPECT_EQ(texture_.GetPixel(2, 0), 0x11223344u);
+    texture_.Unlock();
+}
+
+// ---- Empty textures
+
+TEST_F(TextureLoading, CreatesByMode) {
+    const struct {
+        int mode;
+        D3DPOOL pool;
+        DWORD usage;
+    } rows[] = {{-1, D3DPOOL_MANAGED, 0},  {4, D3DPOOL_MANAGED, 0},
+                {1, D3DPOOL_DEFAULT, 0},   {1 | kCreateDynamic, D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC},
+                {2, D3DPOOL_SYSTEMMEM, 0}, {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET}};
+    for (const auto& row : rows) {
+        gfx_->CreateTexture(&texture_, 12, 7, row.mode, -1, 1);
+        EXPECT_EQ(Desc().Pool, row.pool) << row.mode;
+        EXPECT_EQ(Desc().Usage, row.usage) << row.mode;
+        EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8) << row.mode;
+        EXPECT_EQ(texture_.Height(), 7.0f) << row.mode;
+    }
+    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(nullptr, 4, 4, 4, -1, 1); }),
+              "KRN_Texture pointer in CreateTexture is NULL pointer!");
+    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 5, -1, 1); }),
+              "Wrong texture parameter in CreateTexture!");
+    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 4 | kCreateDynamic, -1, 1); }),
+              "CreateTexture failed: D3DERR_INVALIDCALL");
+}
+
+TEST_F(TextureLoading, CountsTheDefaultPoolAndDropsItAtAReset) {
+    const int before = TextureRegistry::DefaultPoolTextures();
+    KRN_Texture managed;
+    gfx_->CreateTexture(&texture_, 4, 4, 1, -1, 1);
+    gfx_->CreateTexture(&managed, 4, 4, 4, -1, 1);
+    EXPECT_EQ(TextureRegistry::DefaultPoolTextures(), before + 1);
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_EQ(TextureRegistry::DefaultPoolTextures(), before);
+    EXPECT_FALSE(texture_.HasSurface());
+    EXPECT_FALSE(texture_.IsValid());
+    EXPECT_TRUE(managed.IsValid());
+    // The slot is not given to another texture while its user has not let go.
+    KRN_Texture another;
+    gfx_->CreateTexture(&another, 4, 4, 4, -1, 1);
+    EXPECT_FALSE(texture_.HasSurface());
+    gfx_->CreateTexture(&texture_, 4, 4, 1, -1, 1);
+    EXPECT_TRUE(texture_.IsValid());
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,189 @@
+#include "gfx/texture_stages.h"
+
+#include <gmock/gmock.h>
+
+#include "gfx/gfx_parts.h"
+#include "tests/support/recorded_gfx.h"
+#include "tests/support/recorded_objects.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class TextureStagesTest : public testing::Test {
+  protected:
+    TextureStagesTest() { Create(0, MapKind::Diffuse); }
+
+    void Create(int layer, MapKind kind, float amount = 1) {
+        texture_.SelectLayer(layer, false);
+        gfx_->CreateTexture(&texture_, 4, 4, 4, -1, 1);
+        texture_.SetStageMap(layer, kind, amount);
+        texture_.SelectLayer(0, false);
+    }
+    DWORD State(DWORD stage, D3DTEXTURESTAGESTATETYPE type) {
+        DWORD value = 0;
+        gfx_->Device()->GetTextureStageState(stage, type, &value);
+        return value;
+    }
+    std::vector<DWORD> Colour(DWORD stage) {
+        return {State(stage, D3DTSS_COLOROP), State(stage, D3DTSS_COLORARG1), State(stage, D3DTSS_COLORARG2)};
+    }
+    IDirect3DTexture9* Bound(DWORD stage) {
+        DevicePtr<IDirect3DTexture9> texture;
+        gfx_->Device()->GetTexture(stage, texture.Receive());
+        return texture.Get();   // the device holds it
+    }
+
+    RecordedGfx gfx_;
+    KRN_Texture texture_;
+};
+
+TEST_F(TextureStagesTest, ADiffuseTextureIsMixedWithTheDiffuseColour) {
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(Bound(0), texture_.DeviceTexture());
+    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE));
+    EXPECT_EQ(State(1, D3DTSS_COLOROP), D3DTOP_DISABLE);
+}
+
+TEST_F(TextureStagesTest, IsBoundOnlyWhenItChanges) {
+    gfx_->SetTexture(&texture_, -1);
+    gfx_.recording.ForgetCalls();
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(gfx_.recording.Count("SetTexture"), 0);
+    gfx_->ResetDevice(nullptr, -1);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(Bound(0), texture_.DeviceTexture());
+}
+
+TEST_F(TextureStagesTest, ARefusedBindingIsTriedAgain) {
+    gfx_.recording.Fail("SetTexture", D3DERR_INVALIDCALL);
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "SetTexture failed: D3DERR_INVALIDCALL");
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(Bound(0), texture_.DeviceTexture());
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, 8); }), "Invalid stage: 8");
+}
+
+TEST_F(TextureStagesTest, NoTextureUnbindsAndShowsTheDiffuseColour) {
+    Create(1, MapKind::Diffuse);
+    gfx_->SetTexture(&texture_, -1);
+    ASSERT_TRUE(Bound(1));
+    gfx_->SetTexture(nullptr, 1);
+    EXPECT_FALSE(Bound(1));
+    EXPECT_TRUE(Bound(0));
+    KRN_Texture empty;
+    gfx_->SetTexture(&empty, -1);
+    EXPECT_FALSE(Bound(0));
+    EXPECT_EQ(State(0, D3DTSS_COLOROP), D3DTOP_SELECTARG2);
+    EXPECT_EQ(State(0, D3DTSS_COLORARG2), D3DTA_DIFFUSE);
+    EXPECT_EQ(State(0, D3DTSS_ALPHAOP), D3DTOP_SELECTARG1);
+    EXPECT_EQ(State(0, D3DTSS_ALPHAARG1), D3DTA_DIFFUSE);
+    EXPECT_EQ(State(1, D3DTSS_COLOROP), D3DTOP_DISABLE);
+}
+
+TEST_F(TextureStagesTest, TheColourOfUnlitDrawingStandsInForTheDiffuseOne) {
+    const D3DCOLOR colour = 0x00123456;
+    gfx_->SetBlendingMode(7, 0x90, 0);
+    gfx_->SetLighting(false, &colour);
+    for (KRN_Texture* texture : {&texture_, static_cast<KRN_Texture*>(nullptr)}) {
+        gfx_->SetTexture(texture, -1);
+        EXPECT_EQ(State(0, D3DTSS_COLORARG2), D3DTA_TFACTOR);
+        DWORD factor = 0;
+        gfx_->Device()->GetRenderState(D3DRS_TEXTUREFACTOR, &factor);
+        EXPECT_EQ(factor, 0x90123456);
+    }
+    gfx_->SetLighting(true, nullptr);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_COLORARG2), D3DTA_DIFFUSE);
+}
+
+TEST_F(TextureStagesTest, OtherRenderSourcesLeaveTheTextureOut) {
+    gfx_->SetRenderSource(2, 0, 0);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_DIFFUSE));
+    gfx_->SetRenderSource(3, 0, 0xFF102030);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_TFACTOR));
+}
+
+TEST_F(TextureStagesTest, ReflectionThenDiffuseAddUp) {
+    texture_.SetStageMap(0, MapKind::Reflection, 1);
+    Create(1, MapKind::Diffuse);
+    gfx_->SetBlendingMode(9, 200, 0);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE));
+    EXPECT_THAT(Colour(1), ElementsAre(D3DTOP_ADD, D3DTA_CURRENT, D3DTA_TEXTURE));
+    // The diffuse layer's stage carries the alpha of the blending mode.
+    EXPECT_EQ(State(1, D3DTSS_ALPHAOP), D3DTOP_MODULATE);
+    EXPECT_EQ(State(2, D3DTSS_ALPHAOP), D3DTOP_DISABLE);
+}
+
+TEST_F(TextureStagesTest, WrongOrdersAreRefused) {
+    texture_.SetStageMap(0, MapKind::Bump, 1);
+    Create(1, MapKind::Diffuse);
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }),
+              "More than one diffuse map requires a diffuse map at stage 0");
+    texture_.SetStageMap(0, MapKind::Diffuse, 1);
+    texture_.SetStageMap(1, MapKind::Reflection, 1);
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "Reflection map in stage other than zero!");
+}
+
+TEST_F(TextureStagesTest, BumpMapsMoveTheNextStageByTheirAmount) {
+    Create(1, MapKind::Bump, 0.25f);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(Colour(1), ElementsAre(D3DTOP_BUMPENVMAP, D3DTA_TEXTURE, D3DTA_CURRENT));
+    EXPECT_EQ(State(1, D3DTSS_BUMPENVMAT00), std::bit_cast<DWORD>(0.25f));
+    EXPECT_EQ(State(1, D3DTSS_BUMPENVMAT11), std::bit_cast<DWORD>(0.25f));
+    EXPECT_EQ(State(1, D3DTSS_BUMPENVMAT01), 0u);
+}
+
+TEST_F(TextureStagesTest, OnlyTheStagesInUseAreSet) {
+    Create(1, MapKind::Light);
+    Create(2, MapKind::Decal);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_FALSE(Bound(2));
+    gfx_->Parts().texture_stages.SetStagesInUse(3);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_TRUE(Bound(2));
+    EXPECT_THAT(Colour(2), ElementsAre(D3DTOP_BLENDTEXTUREALPHA, D3DTA_TEXTURE, D3DTA_CURRENT));
+}
+
+TEST_F(TextureStagesTest, ALayersMatrixMovesItsCoordinates) {
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
+    texture_.SetLayerMatrix(0, {0.25f, 0.5f, 1, 1, 0});
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_COUNT2);
+    D3DMATRIX sent;
+    gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &sent);
+    EXPECT_EQ(sent, texture_.LayerMatrix(0));
+    texture_.SetLayerMatrix(0, {});
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
+}
+
+TEST_F(TextureStagesTest, TheTexturesFlagSwitchesTheAlphaTest) {
+    texture_.SetAlphaTest(true);
+    gfx_->SetAlphaTest(0, 77);
+    gfx_.recording.ForgetCalls();
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u));
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHAREF), ElementsAre(77u));
+    texture_.SetAlphaTest(false);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u, 0u));
+}
+
+TEST_F(TextureStagesTest, AStageByItsNumberGetsItsLayerOrTheTextureInUse) {
+    gfx_->SetTexture(&texture_, 0);
+    gfx_->SetTexture(&texture_, 1);
+    EXPECT_EQ(Bound(1), texture_.DeviceTexture());
+    Create(1, MapKind::Light);
+    texture_.SelectLayer(1, true);
+    EXPECT_EQ(Bound(1), texture_.LayerTexture(1));
+    EXPECT_NE(Bound(1), Bound(0));
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,212 @@
+#include <gmock/gmock.h>
+
+#include "gfx/gfx_parts.h"
+#include "gfx/surface.h"
+#include "gfx/texture.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+class TextureSurface : public testing::Test {
+  protected:
+    void Create(UINT width, UINT height, D3DFORMAT format, int mode = 4, int levels = 1) {
+        gfx_->CreateTexture(&texture_, width, height, mode, static_cast<int>(format), levels);
+    }
+    void Fill(D3DCOLOR colour) {
+        texture_.Lock(nullptr, 0);
+        UINT width, height;
+        texture_.GetSize(width, height);
+        for (int i = 0; i < static_cast<int>(width * height); ++i)
+            texture_.SetPixel(i % static_cast<int>(width), i / static_cast<int>(width), colour);
+        texture_.Unlock();
+    }
+    void Set(int x, int y, D3DCOLOR colour) {
+        texture_.Lock(nullptr, 0);
+        texture_.SetPixel(x, y, colour);
+        texture_.Unlock();
+    }
+
+    RecordedGfx gfx_;
+    KRN_Texture texture_;
+};
+
+TEST_F(TextureSurface, ReadsAndWritesPixelsOfTheLockedRectangle) {
+    const struct {
+        D3DFORMAT format;
+        D3DCOLOR read;
+    } rows[] = {{D3DFMT_A8R8G8B8, 0xA1B2C3D4},
+                {D3DFMT_R5G6B5, 0xFFB0C0D0},
+                {D3DFMT_A4R4G4B4, 0xA0B0C0D0},
+                {D3DFMT_A8, 0xA1000000},
+                {D3DFMT_A8L8, 0xA1C3C3C3}};
+    for (const auto& row : rows) {
+        Create(8, 6, row.format);
+        const RECT rectangle = {2, 1, 6, 5};
+        texture_.Lock(&rectangle, 0);
+        texture_.SetPixel(2, 1, 0xA1B2C3D4);
+        texture_.SetPixel(5, 4, 0xA1B2C3D4);
+        texture_.SetPixel(6, 4, 0xA1B2C3D4);   // outside
+        texture_.SetPixel(1, 3, 0xA1B2C3D4);
+        EXPECT_EQ(texture_.GetPixel(2, 1), row.read) << row.format;
+        EXPECT_EQ(texture_.GetPixel(5, 4), row.read) << row.format;
+        EXPECT_EQ(texture_.GetPixel(6, 4), 0u) << row.format;
+        texture_.Unlock();
+        EXPECT_EQ(texture_.GetPixel(2, 1), 0u) << "without a lock";
+        texture_.Lock(nullptr, D3DLOCK_READONLY);
+        EXPECT_EQ(texture_.GetPixel(5, 4), row.read) << row.format;
+        EXPECT_NE(texture_.GetPixel(6, 4), row.read) << row.format;
+        texture_.Unlock();
+    }
+}
+
+TEST_F(TextureSurface, LocksTheChosenLevel) {
+    Create(12, 4, D3DFMT_A8R8G8B8, 4, 0);
+    texture_.SetMipLevel(2);
+    EXPECT_EQ(texture_.GetSize().x, 3);
+    EXPECT_EQ(texture_.GetSize().y, 1);
+    texture_.Lock(nullptr, 0);
+    texture_.SetPixel(2, 0, 0xFF102030);
+    EXPECT_EQ(texture_.GetPixel(2, 0), 0xFF102030);
+    EXPECT_EQ(texture_.GetPixel(3, 0), 0u);
+    texture_.Unlock();
+    texture_.SetMipLevel(3);
+    EXPECT_EQ(texture_.GetSize().x, 1);
+}
+
+TEST_F(TextureSurface, ReportsWhatTheDeviceRefuses) {
+    EXPECT_EQ(ErrorOf([&] { texture_.Lock(nullptr, 0); }), "LockRect failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.Unlock(); }), "UnlockRect failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.GetSurfaceLevel(0); }), "GetSurfaceLevel failed: D3DERR_INVALIDCALL");
+    Create(4, 4, D3DFMT_A8R8G8B8);
+    EXPECT_EQ(ErrorOf([&] { texture_.GetSurfaceLevel(1); }), "GetSurfaceLevel failed: D3DERR_INVALIDCALL");
+    gfx_.recording.Fail("LockRect", E_OUTOFMEMORY);
+    EXPECT_EQ(ErrorOf([&] { texture_.Lock(nullptr, 0); }), "LockRect failed: E_OUTOFMEMORY");
+    texture_.Lock(nullptr, 0);
+    gfx_.recording.Fail("UnlockRect", D3DERR_DRIVERINTERNALERROR);
+    EXPECT_EQ(ErrorOf([&] { texture_.Unlock(); }), "UnlockRect failed: D3DERR_DRIVERINTERNALERROR");
+    texture_.Unlock();
+    gfx_.recording.Fail("GetDesc", E_FAIL);
+    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, nullptr); }), "GetDesc failed: E_FAIL");
+
+    Create(4, 4, D3DFMT_X1R5G5B5);
+    texture_.Lock(nullptr, 0);
+    EXPECT_EQ(ErrorOf([&] { texture_.GetPixel(1, 1); }), "Unsupported pixel format! (24)");
+    texture_.Unlock();
+}
+
+TEST_F(TextureSurface, Clears) {
+    const RECT part = {1, 0, 3, 2};
+    Create(4, 4, D3DFMT_A8R8G8B8);
+    texture_.Clear(0xFF123456, nullptr);
+    texture_.Lock(nullptr, D3DLOCK_READONLY);
+    EXPECT_EQ(texture_.GetPixel(3, 3), 0xFF123456);
+    texture_.Unlock();
+    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, &part); }), "Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
+
+    Create(4, 4, D3DFMT_A8R8G8B8, 3);
+    gfx_.recording.ForgetCalls();
+    texture_.Clear(0xFF123456, &part);
+    EXPECT_EQ(gfx_.recording.Count("ColorFill"), 1);
+    gfx_.recording.Fail("ColorFill", D3DERR_INVALIDCALL);
+    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, nullptr); }), "ColorFill failed: D3DERR_INVALIDCALL");
+}
+
+TEST_F(TextureSurface, ReadsSinglePixelsOfCompressedBlocks) {
+    // The colour half of the second block of the second row of blocks: red and blue, rows of the indices 0, 1, 2, 3.
+    // The ends stand in the order of a three-colour block, which is read as four colours all the same.
+    const BYTE colours[8] = {0x1F, 0x00, 0x00, 0xF8, 0xE4, 0xE4, 0xE4, 0xE4};
+    for (const D3DFORMAT format : {D3DFMT_DXT1, D3DFMT_DXT5}) {
+        Create(8, 8, format);
+        texture_.Lock(nullptr, 0);
+        BYTE* block = static_cast<BYTE*>(texture_.Locked().pBits) + texture_.Locked().Pitch;
+        block += format == D3DFMT_DXT1 ? 8 : 16;
+        if (format == D3DFMT_DXT5) block[0] = 0x7B;
+        std::copy_n(colours, 8, format == D3DFMT_DXT1 ? block : block + 8);
+        const D3DCOLOR alpha = format == D3DFMT_DXT5 ? 0x7B000000 : 0xFF000000;
+        const D3DCOLOR expected[] = {0x0000F8, 0xF80000, 0x5300A5, 0xA50053};
+        for (int x = 0; x < 4; ++x) {
+            D3DCOLOR colour = 0;
+            EXPECT_TRUE(texture_.GetCompressedPix(4 + x, 6, colour));
+            EXPECT_EQ(colour, alpha | expected[x]) << x;
+        }
+        D3DCOLOR untouched = 5;
+        EXPECT_FALSE(texture_.GetCompressedPix(8, 6, untouched));
+        EXPECT_EQ(untouched, 5u);
+        texture_.Unlock();
+    }
+    for (const D3DFORMAT format : {D3DFMT_DXT2, D3DFMT_DXT3, D3DFMT_DXT4}) {
+        Create(8, 8, format);
+        texture_.Lock(nullptr, 0);
+        D3DCOLOR colour;
+        EXPECT_EQ(ErrorOf([&] { texture_.GetCompressedPix(1, 1, colour); }),
+                  "Unsupported texture compression format for GetCompressedPix()");
+        texture_.Unlock();
+    }
+}
+
+TEST_F(TextureSurface, FindsPartialAlphaInItsSamples) {
+    const struct {
+        const char* name;
+        D3DFORMAT format;
+        UINT width, height;
+        int x, y;   // of the one pixel with partial alpha
+        bool found;
+    } rows[] = {
+        // 4 samples an axis; of 8 pixels every second one from the first on, of 10 from 1 on.
+        {"on a sample", D3DFMT_A8R8G8B8, 8, 8, 3, 5, true},  {"beside the samples", D3DFMT_A8R8G8B8, 8, 8, 2, 5, false},
+        {"with a rest", D3DFMT_A8R8G8B8, 10, 8, 7, 1, true}, {"4444", D3DFMT_A4R4G4B4, 8, 8, 3, 3, true},
+        {"small", D3DFMT_A8R8G8B8, 3, 2, 2, 1, true},        {"without alpha", D3DFMT_X8R8G8B8, 8, 8, 3, 3, false},
+        {"another format", D3DFMT_A8L8, 8, 8, 3, 3, false},  {"many samples", D3DFMT_A8R8G8B8, 2048, 4, 16, 0, true},
+    };
+    for (const auto& row : rows) {
+        Create(row.width, row.height, row.format);
+        Fill(row.x % 2 ? 0xFF000000 : 0x00FFFFFF);
+        if (row.format == D3DFMT_A4R4G4B4) Fill(0);   // 15 of 15 reads as 240, which counts as partial
+        texture_.AnalyseAlpha();
+        EXPECT_FALSE(texture_.HasPartialAlpha()) << row.name;
+        Set(row.x, row.y, 0x80000000);
+        texture_.AnalyseAlpha();
+        EXPECT_EQ(texture_.HasPartialAlpha(), row.found) << row.name;
+    }
+}
+
+TEST_F(TextureSurface, LayersAreChosenWithinBounds) {
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(4, false); }), "Invalid texture stage selected: 4");
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(-1, false); }), "Invalid texture stage selected: -1");
+    EXPECT_EQ(ErrorOf([&] { texture_.SetStageMap(4, MapKind::Bump, 1); }), "Invalid texture stage: 4");
+    Create(8, 4, D3DFMT_A8R8G8B8);
+    texture_.SelectLayer(2, false);
+    EXPECT_FALSE(texture_.HasSurface());
+    Create(16, 4, D3DFMT_A8R8G8B8);
+    EXPECT_EQ(texture_.Width(), 16.0f);
+    texture_.SelectLayer(0, false);
+    EXPECT_EQ(texture_.Width(), 8.0f);
+    EXPECT_TRUE(texture_.SetStageMap(3, MapKind::Bump, 0.25f));
+    EXPECT_EQ(texture_.AmountOf(3), 0.25f);
+}
+
+TEST_F(TextureSurface, ASurfaceDoesTheSame) {
+    Create(5, 3, D3DFMT_A8R8G8B8);
+    KRN_Surface surface;
+    EXPECT_FALSE(surface.HasSurface());
+    EXPECT_EQ(ErrorOf([&] { surface.Lock(nullptr, 0); }), "LockRect failed: D3DERR_INVALIDCALL");
+    surface.Wrap(texture_.GetSurfaceLevel(0).Get());
+    UINT width, height;
+    EXPECT_TRUE(surface.GetSize(width, height));
+    EXPECT_EQ(width, 5u);
+    RECT rectangle;
+    surface.GetRect(rectangle);
+    EXPECT_EQ(rectangle, (RECT{0, 0, 5, 3}));
+    surface.Clear(*gfx_->Device(), 0xFF0A0B0C, nullptr);
+    surface.Lock(nullptr, 0);
+    EXPECT_EQ(surface.GetPixel(4, 2), 0xFF0A0B0C);
+    surface.Unlock();
+    EXPECT_EQ(ErrorOf([&] { surface.Clear(*gfx_->Device(), 0, &rectangle); }),
+              "Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
+    surface.Wrap(nullptr);
+    EXPECT_FALSE(surface.HasSurface());
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,137 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+
+#include "tests/base/file_size_limit.h"
+#include "tests/base/temporary_folder.h"
+
+namespace sparkrig {
+namespace {
+
+using testing::HasSubstr;
+
+struct Outcome {
+    int exit_code;
+    std::string text;   // what it printed, on either stream
+};
+
+class Pack : public TemporaryFolder {
+  protected:
+    static Outcome Run(const std::string& arguments) {
+        std::FILE* pipe = popen((std::string(PACK_PROGRAM) + " " + arguments + " 2>&1").c_str(), "r");
+        Outcome outcome{};
+        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) outcome.text += static_cast<char>(c);
+        outcome.exit_code = WEXITSTATUS(pclose(pipe));
+        return outcome;
+    }
+    static std::string Content() {
+        std::string content;
+        for (int i = 0; i < 9000; ++i) content += static_cast<char>(i * i % 23);
+        return content;
+    }
+};
+
+TEST_F(Pack, PacksAndUnpacksInEveryMode) {
+    const std::string content = Content();
+    for (int mode = 1; mode <= 8; ++mode) {
+        WriteFile("a.bin", content);
+        ASSERT_EQ(chmod("a.bin", 0640), 0);
+        const std::string number = std::to_string(mode);
+        const Outcome packed = Run("a.bin --mode " + number);
+        EXPECT_EQ(packed.exit_code, 0) << packed.text;
+        EXPECT_THAT(packed.text, HasSubstr("a.bin: mode " + number + " ("));
+        EXPECT_EQ(ReadFile("a.bin").substr(0, 6), std::string("\xA7VT\xA7\1") + static_cast<char>(mode));
+        const Outcome listed = Run("--list a.bin");
+        EXPECT_EQ(listed.exit_code, 0);
+        EXPECT_THAT(listed.text, HasSubstr("a.bin: mode " + number + " ("));
+        EXPECT_THAT(listed.text, HasSubstr(std::to_string(ReadFile("a.bin").size()) + " bytes packed, 9000 plain"));
+        EXPECT_EQ(Run("--unpack a.bin").exit_code, 0);
+        EXPECT_EQ(ReadFile("a.bin"), content);
+        struct stat status {};
+        stat("a.bin", &status);
+        EXPECT_EQ(status.st_mode & 07777, 0640u);
+    }
+    EXPECT_FALSE(std::filesystem::exists("logfile.txt"));   // that of the program in this folder stays
+}
+
+TEST_F(Pack, PacksAPackedFileAnew) {
+    WriteFile("a.bin", Content());
+    Run("a.bin --mode 1");
+    EXPECT_EQ(Run("a.bin --mode 4").exit_code, 0);
+    EXPECT_THAT(Run("--list a.bin").text, HasSubstr("mode 4 (LZMA, strongest)"));
+    Run("--unpack a.bin");
+    EXPECT_EQ(ReadFile("a.bin"), Content());
+}
+
+TEST_F(Pack, ScramblesDifferentlyEachTime) {
+    WriteFile("a.bin", Content());
+    WriteFile("b.bin", Content());
+    Run("a.bin --mode 5");
+    Run("b.bin --mode 5");
+    EXPECT_NE(ReadFile("a.bin"), ReadFile("b.bin"));
+}
+
+TEST_F(Pack, LeavesEmptyFilesEmpty) {
+    WriteFile("a.bin", "");
+    EXPECT_EQ(Run("a.bin --mode 2").exit_code, 0);
+    EXPECT_EQ(ReadFile("a.bin"), "");
+}
+
+TEST_F(Pack, SaysWhatItFinds) {
+    WriteFile("plain.bin", "plain");
+    WriteFile("broken.bin", "\xA7VT\xA7\1\2\x2\5");
+    EXPECT_THAT(Run("--list plain.bin").text, HasSubstr("plain.bin: mode 0 (plain), 5 bytes packed, 5 plain"));
+    const struct {
+        const char *arguments, *text;
+    } kRows[] = {{"--list broken.bin plain.bin", "pack: broken.bin: End of read buffer"},
+                 {"--list broken.bin plain.bin", "plain.bin: mode 0"},
+                 {"broken.bin --mode 3", "pack: broken.bin: End of read buffer"},
+                 {"--unpack plain.bin", "pack: plain.bin: is plain already"},
+                 {"--unpack none.bin", "pack: none.bin: No such file or directory"},
+                 {"none.bin --mode 1", "pack: none.bin: No such file or directory"}};
+    for (const auto& row : kRows) {
+        const Outcome outcome = Run(row.arguments);
+        EXPECT_EQ(outcome.exit_code, 1) << row.arguments;
+        EXPECT_THAT(outcome.text, HasSubstr(row.text)) << row.arguments;
+    }
+    EXPECT_EQ(ReadFile("plain.bin"), "plain");
+}
+
+TEST_F(Pack, RefusesWrongUsage) {
+    WriteFile("a.bin", "plain");
+    const struct {
+        const char *arguments, *text;
+    } kRows[] = {{"a.bin", "one of --mode, --list and --unpack is needed"},
+                 {"--list", "a file is needed"},
+                 {"a.bin --mode 9", "--mode"},
+                 {"a.bin --mode 0", "--mode"},
+                 {"a.bin --mode x", "--mode"},
+                 {"a.bin --mode 1 --unpack", "one of --mode, --list and --unpack is needed"},
+                 {"a.bin b.bin --mode 1", "one file at a time"},
+                 {"--lst a.bin", "unknown option --lst; did you mean --list?"},
+                 {"--unpak=3 a.bin", "unknown option --unpak; did you mean --unpack?"}};
+    for (const auto& row : kRows) {
+        const Outcome outcome = Run(row.arguments);
+        EXPECT_EQ(outcome.exit_code, 2) << row.arguments;
+        EXPECT_THAT(outcome.text, HasSubstr(row.text)) << row.arguments;
+    }
+    EXPECT_EQ(ReadFile("a.bin"), "plain");
+    const Outcome help = Run("--help");
+    EXPECT_EQ(help.exit_code, 0);
+    EXPECT_THAT(help.text, HasSubstr("4  LZMA, strongest"));
+}
+
+TEST_F(Pack, LosesNothingOnAFullDisk) {
+    std::string content;
+    for (unsigned i = 0, x = 1; i < 20000; ++i, x = x * 69069 + 1) content += static_cast<char>(x >> 24);
+    WriteFile("a.bin", content);
+    const FileSizeLimit limit;   // the program inherits it
+    const Outcome outcome = Run("a.bin --mode 8");
+    EXPECT_EQ(outcome.exit_code, 1);
+    EXPECT_THAT(outcome.text, HasSubstr("a.bin: Error writing to file (File too large)"));
+    EXPECT_EQ(ReadFile("a.bin"), content);
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,201 @@
+// Where pixels land: pixel centres, winding, clip depth, final positions, viewports.
+#include <gtest/gtest.h>
+
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr D3DCOLOR kBack = Argb(255, 10, 20, 30), kFront = Argb(255, 200, 100, 50);
+
+struct PlainVertex {
+    static constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_DIFFUSE;
+    float x, y, z;
+    D3DCOLOR diffuse;
+};
+
+// A rectangle of clip coordinates, its vertices clockwise on the screen from the lower left.
+std::vector<PlainVertex> Quad(float left, float bottom, float right, float top, float z) {
+    return {{left, bottom, z, kFront}, {left, top, z, kFront}, {right, bottom, z, kFront}, {right, top, z, kFront}};
+}
+
+int Covered(Canvas& canvas) {
+    int covered = 0;
+    for (const D3DCOLOR pixel : canvas.Pixels()) covered += pixel == kFront ? 1 : 0;
+    return covered;
+}
+
+TEST(Raster, FillsPixelsWhoseCentresAreWholeNumbers) {
+    Canvas canvas(8, 8);
+    canvas.Clear(kBack);
+    canvas.Fill({2, 3, 5, 7}, kFront);
+    const auto pixels = canvas.Pixels();
+    for (LONG y = 0; y < 8; ++y) {
+        for (LONG x = 0; x < 8; ++x) {
+            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 7;
+            EXPECT_EQ(pixels[static_cast<std::size_t>(8 * y + x)], inside ? kFront : kBack) << x << ", " << y;
+        }
+    }
+}
+
+// Clip coordinates from -1 to 1 run from the upper left corner (-0.5, -0.5) on, half a pixel right and down of OpenGL.
+TEST(Raster, MovesUntransformedVerticesByHalfAPixel) {
+    Canvas canvas(8, 8);
+    canvas.Clear(kBack);
+    constexpr float kPixel = 2.0f / 8.0f;
+    // x from 2 to 5, y from 3 to 7 on the screen, off the ties by a quarter.
+    canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+                Quad(-1 + kPixel * 1.75f, 1 - kPixel * 6.75f, -1 + kPixel * 4.75f, 1 - kPixel * 2.75f, 0.5f));
+    const auto pixels = canvas.Pixels();
+    for (LONG y = 0; y < 8; ++y) {
+        for (LONG x = 0; x < 8; ++x) {
+            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 7;
+            EXPECT_EQ(pixels[static_cast<std::size_t>(8 * y + x)], inside ? kFront : kBack) << x << ", " << y;
+        }
+    }
+}
+
+TEST(Raster, CullsByTheWindingSeenOnTheScreen) {
+    constexpr struct {
+        DWORD mode;
+        bool clockwise, drawn;
+    } kRows[] = {{D3DCULL_NONE, true, true}, {D3DCULL_NONE, false, true}, {D3DCULL_CW, true, false},
+                 {D3DCULL_CW, false, true},  {D3DCULL_CCW, true, true},   {D3DCULL_CCW, false, false}};
+    Canvas canvas(8, 8);
+    for (const auto& row : kRows) {
+        canvas.Clear(kBack);
+        canvas->SetRenderState(D3DRS_CULLMODE, row.mode);
+        auto vertices = Quad(-0.9f, -0.9f, 0.9f, 0.9f, 0.25f);
+        if (!row.clockwise) std::swap(vertices[1], vertices[2]);
+        canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, vertices);
+        EXPECT_EQ(Covered(canvas) > 0, row.drawn) << "mode " << row.mode << (row.clockwise ? " cw" : " ccw");
+    }
+}
+
+TEST(Raster, ClipsDepthFromZeroToOne) {
+    constexpr struct {
+        float z;
+        bool drawn;
+    } kRows[] = {{-0.125f, false}, {0.0f, true}, {0.625f, true}, {1.0f, true}, {1.125f, false}};
+    Canvas canvas(8, 8);
+    for (const auto& row : kRows) {
+        canvas.Clear(kBack);
+        canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Quad(-1, -1, 1, 1, row.z));
+        EXPECT_EQ(Covered(canvas) > 0, row.drawn) << row.z;
+    }
+}
+
+TEST(Raster, KeepsTheDepthOfFinalPositions) {
+    Canvas canvas(4, 4);
+    canvas.Clear(kBack, 1.0f);
+    canvas.FillAll(kFront, 0xFF000000, 1.0f);   // passes "less or equal" only if 1 stays 1
+    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
+    canvas.Clear(kBack, 0.375f);
+    canvas->SetRenderState(D3DRS_ZFUNC, D3DCMP_EQUAL);
+    canvas.FillAll(kFront, 0xFF000000, 0.375f);
+    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
+}
+
+TEST(Raster, EndsFinalPositionsAtTheViewport) {
+    Canvas canvas(8, 8);
+    canvas.Clear(kBack);
+    const D3DVIEWPORT9 viewport = {2, 1, 3, 5, 0.25f, 0.75f};
+    EXPECT_EQ(canvas->SetViewport(&viewport), D3D_OK);
+    canvas.FillAll(kFront);
+    EXPECT_EQ(Covered(canvas), 3 * 5);
+    EXPECT_EQ(canvas.PixelArgb(2, 1), kFront);
+    EXPECT_EQ(canvas.PixelArgb(4, 5), kFront);
+}
+
+TEST(Raster, MapsClipSpaceToTheViewport) {
+    Canvas canvas(8, 8);
+    canvas.Clear(kBack);
+    const D3DVIEWPORT9 viewport = {1, 2, 6, 4, 0.0f, 1.0f};
+    canvas->SetViewport(&viewport);
+    constexpr float kInset = 0.02f;   // off the ties
+    canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+                Quad(-1 - kInset, -1 + kInset, 1 - kInset, 1 + kInset, 0.5f));
+    EXPECT_EQ(Covered(canvas), 6 * 4);
+    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
+    EXPECT_EQ(canvas.PixelArgb(6, 5), kFront);
+}
+
+TEST(Raster, TestsAndWritesDepth) {
+    constexpr struct {
+        DWORD enable, write, function;
+        bool second_seen, third_seen;   // at depth 0.75 after 0.5, then at 0.625
+    } kRows[] = {{1, 1, D3DCMP_LESSEQUAL, false, false},
+                 {1, 1, D3DCMP_GREATER, true, false},
+                 {1, 0, D3DCMP_GREATER, true, true},
+                 {1, 1, D3DCMP_ALWAYS, true, true},
+                 {0, 1, D3DCMP_NEVER, true, true}};
+    constexpr D3DCOLOR kSecond = Argb(255, 1, 2, 3), kThird = Argb(255, 4, 5, 6);
+    Canvas canvas(4, 4);
+    for (const auto& row : kRows) {
+        canvas.Clear(kBack, 0.5f);
+        canvas->SetRenderState(D3DRS_ZENABLE, row.enable);
+        canvas->SetRenderState(D3DRS_ZWRITEENABLE, row.write);
+        canvas->SetRenderState(D3DRS_ZFUNC, row.function);
+        canvas.FillAll(kSecond, 0xFF000000, 0.75f);
+        EXPECT_EQ(canvas.PixelArgb(1, 1) == kSecond, row.second_seen) << row.enable << row.write << row.function;
+        canvas.FillAll(kThird, 0xFF000000, 0.625f);
+        EXPECT_EQ(canvas.PixelArgb(1, 1) == kThird, row.third_seen) << row.enable << row.write << row.function;
+    }
+}
+
+TEST(Raster, ClearsTheViewportAndRectanglesInsideIt) {
+    Canvas canvas(8, 8);
+    canvas.Clear(kBack);
+    const D3DVIEWPORT9 viewport = {1, 1, 5, 6, 0.0f, 1.0f};
+    canvas->SetViewport(&viewport);
+    canvas->SetRenderState(D3DRS_COLORWRITEENABLE, 0);
+    canvas->Clear(0, nullptr, D3DCLEAR_TARGET, kFront, 0.0f, 0);
+    EXPECT_EQ(Covered(canvas), 5 * 6);
+    const D3DRECT rects[] = {{0, 0, 3, 4}, {5, 6, 100, 100}};
+    canvas->Clear(2, rects, D3DCLEAR_TARGET, kBack, 0.0f, 0);
+    EXPECT_EQ(Covered(canvas), 5 * 6 - 2 * 3 - 1);
+}
+
+TEST(Raster, DrawsIndexedFansListsAndLines) {
+    Canvas canvas(16, 16);
+    const std::vector<PlainVertex> corners = Quad(-0.8f, -0.8f, 0.8f, 0.8f, 0.5f);   // 13 x 13 pixels
+    DevicePtr<IDirect3DVertexBuffer9> vertices;
+    DevicePtr<IDirect3DIndexBuffer9> indices;
+    void* data = nullptr;
+    ASSERT_EQ(
+        canvas->CreateVertexBuffer(6 * sizeof(PlainVertex), 0, PlainVertex::kFvf, D3DPOOL_MANAGED, vertices.Receive()),
+        D3D_OK);
+    vertices->Lock(0, 0, &data, 0);
+    std::copy(corners.begin(), corners.end(), static_cast<PlainVertex*>(data) + 2);   // used from vertex 2 on
+    vertices->Unlock();
+    ASSERT_EQ(canvas->CreateIndexBuffer(7 * 2, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, indices.Receive()), D3D_OK);
+    indices->Lock(0, 0, &data, 0);
+    constexpr WORD kIndices[] = {9, 1, 2, 4, 3, 3, 1};
+    std::copy(std::begin(kIndices), std::end(kIndices), static_cast<WORD*>(data));
+    indices->Unlock();
+    canvas->SetFVF(PlainVertex::kFvf);
+    canvas->SetStreamSource(0, vertices.Get(), 0, sizeof(PlainVertex));
+    canvas->SetIndices(indices.Get());
+    constexpr struct {
+        D3DPRIMITIVETYPE type;
+        UINT first, count;
+        int at_least, at_most;
+    } kRows[] = {{D3DPT_TRIANGLEFAN, 1, 2, 169, 169},
+                 {D3DPT_TRIANGLELIST, 1, 1, 78, 91},
+                 {D3DPT_LINELIST, 1, 1, 12, 14},
+                 {D3DPT_LINESTRIP, 1, 3, 36, 40}};
+    for (int frame = 0; frame < 3; ++frame) {   // streamed first, then from a buffer of its own
+        for (const auto& row : kRows) {
+            canvas.Clear(kBack);
+            EXPECT_EQ(canvas->DrawIndexedPrimitive(row.type, 1, 1, 4, row.first, row.count), D3D_OK);
+            EXPECT_GE(Covered(canvas), row.at_least) << row.type << " frame " << frame;
+            EXPECT_LE(Covered(canvas), row.at_most) << row.type << " frame " << frame;
+        }
+        canvas->EndScene();
+        EXPECT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+        canvas->BeginScene();
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig

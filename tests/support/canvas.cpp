@@ -1,0 +1,140 @@
+#include "tests/support/canvas.h"
+
+#include <SDL.h>
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "platform/d3d9_gl/device_hooks.h"
+
+namespace sparkrig {
+
+std::ostream& operator<<(std::ostream& out, const Rgb& colour) {
+    return out << "(" << colour.r << ", " << colour.g << ", " << colour.b << ")";
+}
+
+bool Near(const Rgb& a, const Rgb& b, int tolerance) {
+    return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
+}
+
+std::vector<D3DCOLOR> ReadTarget(IDirect3DDevice9& device, IDirect3DSurface9& target) {
+    D3DSURFACE_DESC desc;
+    DevicePtr<IDirect3DSurface9> copy;
+    D3DLOCKED_RECT locked;
+    target.GetDesc(&desc);
+    if (FAILED(device.CreateOffscreenPlainSurface(desc.Width, desc.Height, desc.Format, D3DPOOL_SYSTEMMEM,
+                                                  copy.Receive())) ||
+        FAILED(device.GetRenderTargetData(&target, copy.Get())) ||
+        FAILED(copy->LockRect(&locked, nullptr, D3DLOCK_READONLY))) {
+        return {};
+    }
+    std::vector<D3DCOLOR> pixels(std::size_t{desc.Width} * desc.Height);
+    for (UINT y = 0; y < desc.Height; ++y) {
+        std::memcpy(&pixels[std::size_t{y} * desc.Width],
+                    static_cast<const std::byte*>(locked.pBits) + std::ptrdiff_t{locked.Pitch} * y, desc.Width * 4);
+    }
+    copy->UnlockRect();
+    return pixels;
+}
+
+std::vector<D3DCOLOR> ReadBackBuffer(IDirect3DDevice9& device) {
+    DevicePtr<IDirect3DSurface9> target;
+    if (FAILED(device.GetBackBuffer(0, 0, 0, target.Receive()))) return {};
+    return ReadTarget(device, *target);
+}
+
+void KeepDriverLoaded() {
+    for (const char* driver : {"swrast_dri.so", "kms_swrast_dri.so"}) {
+        const std::string path = std::string("/usr/lib/x86_64-linux-gnu/dri/") + driver;
+        dlopen(path.c_str(), RTLD_LAZY | RTLD_NODELETE);
+    }
+}
+
+DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height,
+                                         const std::vector<D3DCOLOR>& texels) {
+    DevicePtr<IDirect3DTexture9> texture;
+    D3DLOCKED_RECT locked;
+    if (FAILED(device.CreateTexture(width, height, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive()))) {
+        return texture;
+    }
+    texture->LockRect(0, &locked, nullptr, 0);
+    for (UINT y = 0; y < height; ++y) {
+        std::memcpy(static_cast<std::byte*>(locked.pBits) + std::ptrdiff_t{locked.Pitch} * y,
+                    &texels[std::size_t{y} * width], width * 4);
+    }
+    texture->UnlockRect(0);
+    return texture;
+}
+
+D3DPRESENT_PARAMETERS CanvasParameters(UINT width, UINT height, D3DFORMAT format) {
+    D3DPRESENT_PARAMETERS parameters = {};
+    parameters.BackBufferWidth = width;
+    parameters.BackBufferHeight = height;
+    parameters.BackBufferFormat = format;
+    parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
+    parameters.Windowed = TRUE;
+    parameters.EnableAutoDepthStencil = TRUE;
+    parameters.AutoDepthStencilFormat = D3DFMT_D24X8;
+    return parameters;
+}
+
+Canvas::Canvas(UINT width, UINT height, D3DFORMAT format) : width_(width), height_(height) {
+    KeepDriverLoaded();
+    SDL_InitSubSystem(SDL_INIT_VIDEO);
+    window_ = SDL_CreateWindow("", 0, 0, static_cast<int>(width), static_cast<int>(height),
+                               SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+    if (window_ == nullptr ||
+        FAILED(CreateDeviceOnWindow(window_, CanvasParameters(width, height, format), device_.Receive()))) {
+        throw std::runtime_error(std::string("No device: ") + Direct3DUnavailableReason());
+    }
+    device_->SetRenderState(D3DRS_LIGHTING, FALSE);
+    device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
+    device_->BeginScene();
+}
+
+Canvas::~Canvas() {
+    device_.Reset();
+    SDL_DestroyWindow(window_);
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+}
+
+void Canvas::Clear(D3DCOLOR colour, float z) {
+    device_->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, colour, z, 0);
+}
+
+HRESULT Canvas::DrawBytes(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const void* vertices, std::size_t bytes,
+                          UINT stride) {
+    DevicePtr<IDirect3DVertexBuffer9> buffer;
+    void* data = nullptr;
+    HRESULT result = device_->CreateVertexBuffer(static_cast<UINT>(bytes), 0, fvf, D3DPOOL_SYSTEMMEM, buffer.Receive());
+    if (FAILED(result)) return result;
+    buffer->Lock(0, 0, &data, 0);
+    std::memcpy(data, vertices, bytes);
+    buffer->Unlock();
+    device_->SetFVF(fvf);
+    device_->SetStreamSource(0, buffer.Get(), 0, stride);
+    result = device_->DrawPrimitive(type, 0, primitives);
+    device_->SetStreamSource(0, nullptr, 0, 0);
+    return result;
+}
+
+void Canvas::Fill(const RECT& pixels, D3DCOLOR diffuse, D3DCOLOR specular, float z) {
+    const float left = static_cast<float>(pixels.left) - 0.25f, right = static_cast<float>(pixels.right) - 0.25f;
+    const float top = static_cast<float>(pixels.top) - 0.25f, bottom = static_cast<float>(pixels.bottom) - 0.25f;
+    Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+                       {{left, top, z, 1, diffuse, specular, 0, 0},
+                        {right, top, z, 1, diffuse, specular, 1, 0},
+                        {left, bottom, z, 1, diffuse, specular, 0, 1},
+                        {right, bottom, z, 1, diffuse, specular, 1, 1}});
+}
+
+void Canvas::FillAll(D3DCOLOR diffuse, D3DCOLOR specular, float z) {
+    Fill({0, 0, static_cast<LONG>(width_), static_cast<LONG>(height_)}, diffuse, specular, z);
+}
+
+D3DCOLOR Canvas::PixelArgb(UINT x, UINT y) { return Pixels().at(std::size_t{y} * width_ + x); }
+
+}   // namespace sparkrig

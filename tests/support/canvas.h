@@ -1,0 +1,83 @@
+// A small device off screen that draws a few vertices and reads pixels. Needs OpenGL, and nothing else does.
+#pragma once
+#include <ostream>
+#include <vector>
+
+#include "platform/d3d9/d3d9.h"
+
+struct SDL_Window;
+
+namespace sparkrig {
+
+/// Colours in tests, 0..255.
+struct Rgb {
+    int r = 0, g = 0, b = 0;
+};
+std::ostream& operator<<(std::ostream& out, const Rgb& colour);
+/// Whether no channel differs by more than this.
+bool Near(const Rgb& a, const Rgb& b, int tolerance);
+
+constexpr Rgb ToRgb(D3DCOLOR colour) {
+    return {static_cast<int>(colour >> 16 & 255), static_cast<int>(colour >> 8 & 255), static_cast<int>(colour & 255)};
+}
+constexpr D3DCOLOR Argb(DWORD a, DWORD r, DWORD g, DWORD b) { return a << 24 | r << 16 | g << 8 | b; }
+
+/// The pixels of a render target of a 32-bit format, row by row from the top. Empty when they cannot be read.
+std::vector<D3DCOLOR> ReadTarget(IDirect3DDevice9& device, IDirect3DSurface9& target);
+/// The same of the back buffer.
+std::vector<D3DCOLOR> ReadBackBuffer(IDirect3DDevice9& device);
+
+/// Keeps the OpenGL driver loaded until the process ends, so that leak reports of a sanitizer can name its functions.
+void KeepDriverLoaded();
+
+/// A texture of one level in the managed pool, filled with rows of A8R8G8B8 texels.
+DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height,
+                                         const std::vector<D3DCOLOR>& texels);
+
+/// A vertex of final position.
+struct ScreenVertex {
+    static constexpr DWORD kFvf = D3DFVF_XYZRHW | D3DFVF_DIFFUSE | D3DFVF_SPECULAR | D3DFVF_TEX1;
+    float x, y, z, rhw;
+    D3DCOLOR diffuse, specular;
+    float u, v;
+};
+
+class Canvas {
+  public:
+    /// A back buffer of this size with a depth buffer. Lighting and culling are off, the scene has begun.
+    Canvas(UINT width, UINT height, D3DFORMAT format = D3DFMT_X8R8G8B8);
+    ~Canvas();
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    IDirect3DDevice9& Device() { return *device_; }
+    IDirect3DDevice9* operator->() { return device_.Get(); }
+    SDL_Window* Window() { return window_; }
+
+    void Clear(D3DCOLOR colour, float z = 1.0f);
+    /// Draws vertices of a format from a fresh system-memory buffer.
+    template <class Vertex>
+    HRESULT Draw(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const std::vector<Vertex>& vertices) {
+        return DrawBytes(fvf, type, primitives, vertices.data(), vertices.size() * sizeof(Vertex), sizeof(Vertex));
+    }
+    /// Fills the rectangle of whole pixels with one colour; texture coordinates run from 0 to 1.
+    void Fill(const RECT& pixels, D3DCOLOR diffuse, D3DCOLOR specular = 0xFF000000, float z = 0.5f);
+    void FillAll(D3DCOLOR diffuse, D3DCOLOR specular = 0xFF000000, float z = 0.5f);
+
+    D3DCOLOR PixelArgb(UINT x, UINT y);
+    Rgb Pixel(UINT x, UINT y) { return ToRgb(PixelArgb(x, y)); }
+    std::vector<D3DCOLOR> Pixels() { return ReadBackBuffer(*device_); }
+
+  private:
+    HRESULT DrawBytes(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const void* vertices, std::size_t bytes,
+                      UINT stride);
+
+    UINT width_, height_;
+    SDL_Window* window_;
+    DevicePtr<IDirect3DDevice9> device_;
+};
+
+/// Parameters of a window device with this back buffer and a 24-bit depth buffer.
+D3DPRESENT_PARAMETERS CanvasParameters(UINT width, UINT height, D3DFORMAT format = D3DFMT_X8R8G8B8);
+
+}   // namespace sparkrig
