@@ -2,6 +2,7 @@
 
 #include <SDL.h>
 #include <dlfcn.h>
+#include <epoxy/gl.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -44,6 +45,18 @@ std::vector<D3DCOLOR> ReadBackBuffer(IDirect3DDevice9& device) {
     DevicePtr<IDirect3DSurface9> target;
     if (FAILED(device.GetBackBuffer(0, 0, 0, target.Receive()))) return {};
     return ReadTarget(device, *target);
+}
+
+std::vector<D3DCOLOR> ReadWindow(SDL_Window* window) {
+    int width = 0, height = 0;
+    SDL_GL_GetDrawableSize(window, &width, &height);
+    std::vector<D3DCOLOR> rows(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)), pixels;
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+    glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, rows.data());
+    for (std::ptrdiff_t y = height - 1; y >= 0; --y) {   // OpenGL's rows run from the bottom up
+        pixels.insert(pixels.end(), rows.begin() + y * width, rows.begin() + (y + 1) * width);
+    }
+    return pixels;
 }
 
 void KeepDriverLoaded() {
@@ -93,6 +106,7 @@ Canvas::Canvas(UINT width, UINT height, D3DFORMAT format) : width_(width), heigh
     device_->SetRenderState(D3DRS_LIGHTING, FALSE);
     device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
     device_->BeginScene();
+    Clear(0);
 }
 
 Canvas::~Canvas() {

@@ -27,6 +27,10 @@ std::vector<D3DCOLOR> ReadTarget(IDirect3DDevice9& device, IDirect3DSurface9& ta
 /// The same of the back buffer.
 std::vector<D3DCOLOR> ReadBackBuffer(IDirect3DDevice9& device);
 
+/// What a window shows, row by row from the top, read from the buffer that was drawn last. The window's device must be
+/// the current one.
+std::vector<D3DCOLOR> ReadWindow(SDL_Window* window);
+
 /// Keeps the OpenGL driver loaded until the process ends, so that leak reports of a sanitizer can name its functions.
 void KeepDriverLoaded();
 
@@ -44,7 +48,8 @@ struct ScreenVertex {
 
 class Canvas {
   public:
-    /// A back buffer of this size with a depth buffer. Lighting and culling are off, the scene has begun.
+    /// A back buffer of this size with a depth buffer. Lighting and culling are off, all is cleared, the
+    /// scene has begun.
     Canvas(UINT width, UINT height, D3DFORMAT format = D3DFMT_X8R8G8B8);
     ~Canvas();
     Canvas(const Canvas&) = delete;

@@ -1,0 +1,345 @@
+// The device's life: creation, defaults, loss, reset, presenting, and state calls that are refused.
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+
+#include "platform/d3d9_gl/device_hooks.h"
+#include "platform/window/window.h"
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+TEST(Device, StartsWithTheDocumentedStates) {
+    constexpr struct {
+        D3DRENDERSTATETYPE state;
+        DWORD value;
+    } kRows[] = {{D3DRS_ZENABLE, 1},
+                 {D3DRS_FILLMODE, 3},
+                 {D3DRS_SRCBLEND, 2},
+                 {D3DRS_DESTBLEND, 1},
+                 {D3DRS_ZFUNC, 4},
+                 {D3DRS_ALPHAFUNC, 8},
+                 {D3DRS_FOGEND, std::bit_cast<DWORD>(1.0f)},
+                 {D3DRS_TEXTUREFACTOR, 0xFFFFFFFF},
+                 {D3DRS_DIFFUSEMATERIALSOURCE, 1},
+                 {D3DRS_SPECULARMATERIALSOURCE, 2},
+                 {D3DRS_POINTSIZE_MAX, std::bit_cast<DWORD>(64.0f)},
+                 {D3DRS_COLORWRITEENABLE, 0xF},
+                 {D3DRS_CLIPPING, 1},
+                 {D3DRS_PATCHEDGESTYLE, 0}};
+    Canvas canvas(4, 4);
+    DWORD value = 77;
+    for (const auto& row : kRows) {
+        EXPECT_EQ(canvas->GetRenderState(row.state, &value), D3D_OK);
+        EXPECT_EQ(value, row.value) << row.state;
+    }
+    canvas->GetTextureStageState(0, D3DTSS_COLOROP, &value);
+    EXPECT_EQ(value, D3DTOP_MODULATE);
+    canvas->GetTextureStageState(5, D3DTSS_TEXCOORDINDEX, &value);
+    EXPECT_EQ(value, 5u);
+    canvas->GetSamplerState(15, D3DSAMP_MAGFILTER, &value);
+    EXPECT_EQ(value, D3DTEXF_POINT);
+}
+
+TEST(Device, KeepsStatesAndRefusesWrongOnes) {
+    Canvas canvas(4, 4);
+    DWORD value = 0;
+    EXPECT_EQ(canvas->SetRenderState(static_cast<D3DRENDERSTATETYPE>(200), 5), D3D_OK);   // a number without effect
+    canvas->GetRenderState(static_cast<D3DRENDERSTATETYPE>(200), &value);
+    EXPECT_EQ(value, 5u);
+    EXPECT_EQ(canvas->SetRenderState(static_cast<D3DRENDERSTATETYPE>(256), 1), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetTextureStageState(8, D3DTSS_COLOROP, 1), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetTextureStageState(0, static_cast<D3DTEXTURESTAGESTATETYPE>(12), 1), D3DERR_INVALIDCALL);
+    constexpr struct {
+        D3DSAMPLERSTATETYPE state;
+        DWORD good, bad;
+    } kSamplerRows[] = {{D3DSAMP_ADDRESSU, 3, 0},
+                        {D3DSAMP_ADDRESSV, 5, 6},
+                        {D3DSAMP_MAGFILTER, 2, 4},
+                        {D3DSAMP_MINFILTER, 3, 9},
+                        {D3DSAMP_MIPFILTER, 2, 3}};
+    for (const auto& row : kSamplerRows) {
+        EXPECT_EQ(canvas->SetSamplerState(2, row.state, row.good), D3D_OK);
+        EXPECT_EQ(canvas->SetSamplerState(2, row.state, row.bad), D3DERR_INVALIDCALL);
+        canvas->GetSamplerState(2, row.state, &value);
+        EXPECT_EQ(value, row.good) << row.state;
+    }
+    EXPECT_EQ(canvas->SetSamplerState(16, D3DSAMP_ADDRESSU, 1), D3DERR_INVALIDCALL);
+    D3DMATRIX matrix = {};
+    EXPECT_EQ(canvas->SetTransform(static_cast<D3DTRANSFORMSTATETYPE>(24), &matrix), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetTransform(D3DTS_WORLDMATRIX(256), &matrix), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetTransform(D3DTS_VIEW, nullptr), D3DERR_INVALIDCALL);
+    matrix.m[2][1] = 4.5f;
+    EXPECT_EQ(canvas->SetTransform(D3DTS_WORLDMATRIX(255), &matrix), D3D_OK);
+    D3DMATRIX kept;
+    canvas->GetTransform(D3DTS_WORLDMATRIX(255), &kept);
+    EXPECT_EQ(kept, matrix);
+    D3DLIGHT9 light = {};
+    EXPECT_EQ(canvas->SetLight(0, &light), D3DERR_INVALIDCALL);   // of no type
+    EXPECT_EQ(canvas->GetLight(3, &light), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->LightEnable(3, TRUE), D3D_OK);
+    EXPECT_EQ(canvas->GetLight(3, &light), D3D_OK);
+    EXPECT_EQ(light.Type, D3DLIGHT_DIRECTIONAL);
+    EXPECT_EQ(light.Direction, (D3DVECTOR{0, 0, 1}));
+    EXPECT_EQ(light.Diffuse, (D3DCOLORVALUE{1, 1, 1, 0}));
+}
+
+TEST(Device, ScenesDoNotNestAndNothingIsPresentedInside) {
+    Canvas canvas(4, 4);
+    EXPECT_EQ(canvas->BeginScene(), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->EndScene(), D3D_OK);
+    EXPECT_EQ(canvas->EndScene(), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+}
+
+TEST(Device, AnswersAsLostUntilItIsReset) {
+    Canvas canvas(8, 4);
+    const auto texture = MakeTexture(canvas.Device(), 1, 1, {Argb(255, 50, 60, 70)});
+    canvas->SetTexture(0, texture.Get());
+    D3DPRESENT_PARAMETERS parameters = CanvasParameters(6, 5);
+    canvas->EndScene();
+    LoseDevice(canvas.Device());
+    EXPECT_EQ(canvas->TestCooperativeLevel(), D3DERR_DEVICELOST);
+    EXPECT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3DERR_DEVICELOST);
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_DEVICELOST);
+    EXPECT_EQ(canvas->BeginScene(), D3D_OK);
+    EXPECT_EQ(canvas->Clear(0, nullptr, D3DCLEAR_TARGET, 1, 1, 0), D3D_OK);
+    EXPECT_EQ(canvas->DrawPrimitive(D3DPT_TRIANGLELIST, 0, 1), D3D_OK);   // without effect, as everything now
+    RestoreDevice(canvas.Device());
+    EXPECT_EQ(canvas->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
+    EXPECT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3DERR_DEVICELOST);
+    canvas->SetRenderState(D3DRS_ALPHABLENDENABLE, TRUE);
+    ASSERT_EQ(canvas->Reset(&parameters), D3D_OK);
+    EXPECT_EQ(canvas->TestCooperativeLevel(), D3D_OK);
+
+    DWORD blend = 5;
+    D3DVIEWPORT9 viewport;
+    DevicePtr<IDirect3DTexture9> bound;
+    canvas->GetRenderState(D3DRS_ALPHABLENDENABLE, &blend);
+    canvas->GetViewport(&viewport);
+    canvas->GetTexture(0, bound.Receive());
+    EXPECT_EQ(blend, 0u);
+    EXPECT_EQ(viewport, (D3DVIEWPORT9{0, 0, 6, 5, 0, 1}));
+    EXPECT_FALSE(bound);
+    EXPECT_EQ(canvas->BeginScene(), D3D_OK);
+    canvas->SetTexture(0, texture.Get());   // the managed pool survives with its contents
+    canvas.Clear(0);
+    canvas.FillAll(0xFFFFFFFF);
+    EXPECT_EQ(canvas.Pixels().size(), 30u);
+    EXPECT_EQ(canvas.Pixels()[0], Argb(255, 50, 60, 70));
+}
+
+TEST(Device, IsNotResetWhileDefaultPoolResourcesAreHeld) {
+    Canvas canvas(4, 4);
+    D3DPRESENT_PARAMETERS parameters = CanvasParameters(4, 4);
+    DevicePtr<IDirect3DTexture9> texture;
+    DevicePtr<IDirect3DVertexBuffer9> vertices;
+    DevicePtr<IDirect3DIndexBuffer9> indices;
+    DevicePtr<IDirect3DSurface9> surface;
+    canvas->CreateTexture(4, 4, 1, D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT, texture.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->TestCooperativeLevel(), D3DERR_DEVICENOTRESET);
+    texture.Reset();
+    EXPECT_EQ(canvas->Reset(&parameters), D3D_OK);
+    canvas->CreateVertexBuffer(32, D3DUSAGE_DYNAMIC, 0, D3DPOOL_DEFAULT, vertices.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_INVALIDCALL);
+    vertices.Reset();
+    canvas->CreateIndexBuffer(32, D3DUSAGE_DYNAMIC, D3DFMT_INDEX16, D3DPOOL_DEFAULT, indices.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_INVALIDCALL);
+    indices.Reset();
+    canvas->CreateRenderTarget(4, 4, D3DFMT_A8R8G8B8, 0, 0, FALSE, surface.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_INVALIDCALL);
+    canvas->GetBackBuffer(0, 0, 0, surface.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_INVALIDCALL);
+    canvas->GetDepthStencilSurface(surface.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3DERR_INVALIDCALL);
+    surface.Reset();
+    canvas->CreateVertexBuffer(32, 0, 0, D3DPOOL_MANAGED, vertices.Receive());
+    EXPECT_EQ(canvas->Reset(&parameters), D3D_OK);
+    // What only the device holds does not count.
+    canvas->CreateRenderTarget(2, 2, D3DFMT_A8R8G8B8, 0, 0, FALSE, surface.Receive());
+    canvas->SetRenderTarget(0, surface.Get());
+    surface.Reset();
+    EXPECT_EQ(canvas->Reset(&parameters), D3D_OK);
+}
+
+TEST(Device, RefusesWrongParameters) {
+    Canvas canvas(4, 4);
+    const struct {
+        const char* what;
+        void (*change)(D3DPRESENT_PARAMETERS&);
+        HRESULT result;
+    } kRows[] = {
+        {"no swap effect", [](D3DPRESENT_PARAMETERS& p) { p.SwapEffect = 0; }, D3DERR_INVALIDCALL},
+        {"a refresh rate in a window", [](D3DPRESENT_PARAMETERS& p) { p.FullScreen_RefreshRateInHz = 60; },
+         D3DERR_INVALIDCALL},
+        {"every second frame in a window",
+         [](D3DPRESENT_PARAMETERS& p) { p.PresentationInterval = D3DPRESENT_INTERVAL_TWO; }, D3DERR_INVALIDCALL},
+        {"two copied buffers",
+         [](D3DPRESENT_PARAMETERS& p) { p.SwapEffect = D3DSWAPEFFECT_COPY, p.BackBufferCount = 2; },
+         D3DERR_INVALIDCALL},
+        {"samples with flip", [](D3DPRESENT_PARAMETERS& p) { p.MultiSampleType = 4; }, D3DERR_INVALIDCALL},
+        {"a texture format", [](D3DPRESENT_PARAMETERS& p) { p.BackBufferFormat = D3DFMT_L8; }, D3DERR_NOTAVAILABLE},
+        {"a colour format for depth", [](D3DPRESENT_PARAMETERS& p) { p.AutoDepthStencilFormat = D3DFMT_R5G6B5; },
+         D3DERR_NOTAVAILABLE},
+        {"a size that is no mode", [](D3DPRESENT_PARAMETERS& p) { p.Windowed = FALSE; }, D3DERR_INVALIDCALL},
+    };
+    for (const auto& row : kRows) {
+        D3DPRESENT_PARAMETERS parameters = CanvasParameters(4, 4);
+        row.change(parameters);
+        EXPECT_EQ(canvas->Reset(&parameters), row.result) << row.what;
+    }
+    EXPECT_EQ(canvas->Reset(nullptr), D3DERR_INVALIDCALL);
+}
+
+TEST(Device, WithoutADepthBufferHasNoneToClearOrGive) {
+    Canvas canvas(4, 4);
+    D3DPRESENT_PARAMETERS parameters = CanvasParameters(4, 4);
+    parameters.EnableAutoDepthStencil = FALSE;
+    ASSERT_EQ(canvas->Reset(&parameters), D3D_OK);
+    DevicePtr<IDirect3DSurface9> depth;
+    DWORD enabled = 1;
+    canvas->GetRenderState(D3DRS_ZENABLE, &enabled);
+    EXPECT_EQ(enabled, 0u);
+    EXPECT_EQ(canvas->GetDepthStencilSurface(depth.Receive()), D3DERR_NOTFOUND);
+    EXPECT_EQ(canvas->Clear(0, nullptr, D3DCLEAR_ZBUFFER, 0, 1, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->Clear(0, nullptr, D3DCLEAR_TARGET, 0, 1, 0), D3D_OK);
+}
+
+class DeviceOnWindow : public testing::Test {
+  protected:
+    DeviceOnWindow() {
+        RegisterClassExA({DefWindowProcA, "DeviceTest"});
+        window_ = CreateWindowExA("DeviceTest", "", 0, 0, 320, 200);
+        UpdateWindow(window_);
+        direct3d_ = DevicePtr(Direct3DCreate9(D3D_SDK_VERSION));
+    }
+    ~DeviceOnWindow() override {
+        direct3d_.Reset();
+        DestroyWindow(window_);
+    }
+
+    HWND window_ = nullptr;
+    DevicePtr<IDirect3D9> direct3d_;
+};
+
+TEST_F(DeviceOnWindow, DescribesTheAdapter) {
+    EXPECT_EQ(Direct3DCreate9(31), nullptr);
+    EXPECT_EQ(direct3d_->GetAdapterCount(), 1u);
+    D3DADAPTER_IDENTIFIER9 identifier;
+    EXPECT_EQ(direct3d_->GetAdapterIdentifier(0, 0, &identifier), D3D_OK);
+    EXPECT_GT(std::string(identifier.Description).size(), 3u);
+    EXPECT_EQ(direct3d_->GetAdapterIdentifier(1, 0, &identifier), D3DERR_INVALIDCALL);
+    D3DDISPLAYMODE mode;
+    EXPECT_EQ(direct3d_->GetAdapterDisplayMode(0, &mode), D3D_OK);
+    EXPECT_EQ(mode.Format, D3DFMT_X8R8G8B8);
+    EXPECT_GT(direct3d_->GetAdapterModeCount(0, D3DFMT_X8R8G8B8), 0u);
+    EXPECT_EQ(direct3d_->GetAdapterModeCount(0, D3DFMT_L8), 0u);
+    EXPECT_EQ(direct3d_->EnumAdapterModes(0, D3DFMT_L8, 0, &mode), D3DERR_NOTAVAILABLE);
+    EXPECT_EQ(direct3d_->EnumAdapterModes(0, D3DFMT_R5G6B5, 10000, &mode), D3DERR_INVALIDCALL);
+    EXPECT_EQ(direct3d_->EnumAdapterModes(0, D3DFMT_A8R8G8B8, 0, &mode), D3D_OK);
+    EXPECT_EQ(mode.Format, D3DFMT_X8R8G8B8);
+    D3DCAPS9 caps;
+    EXPECT_EQ(direct3d_->GetDeviceCaps(0, D3DDEVTYPE_REF, &caps), D3D_OK);
+    EXPECT_EQ(caps.MaxPointSize, 256.0f);
+    EXPECT_EQ(caps.RasterCaps & D3DPRASTERCAPS_WBUFFER, 0u);
+    EXPECT_EQ(caps.VertexShaderVersion, 0xFFFE0300u);
+}
+
+TEST_F(DeviceOnWindow, TellsWhichFormatsItHas) {
+    constexpr struct {
+        D3DFORMAT format;
+        bool texture, target, depth;
+    } kRows[] = {{D3DFMT_A8R8G8B8, true, true, false}, {D3DFMT_X8R8G8B8, true, true, false},
+                 {D3DFMT_R5G6B5, true, true, false},   {D3DFMT_A4R4G4B4, true, false, false},
+                 {D3DFMT_V8U8, true, false, false},    {D3DFMT_DXT5, true, false, false},
+                 {D3DFMT_R8G8B8, false, false, false}, {D3DFMT_P8, false, false, false},
+                 {D3DFMT_D24S8, false, false, true},   {D3DFMT_D16, false, false, true},
+                 {D3DFMT_D32, false, false, true},     {D3DFMT_D15S1, false, false, false}};
+    for (const auto& row : kRows) {
+        const auto has = [&](DWORD usage) {
+            return direct3d_->CheckDeviceFormat(0, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8, usage, D3DRTYPE_TEXTURE,
+                                                row.format) == D3D_OK;
+        };
+        EXPECT_EQ(has(0), row.texture) << row.format;
+        EXPECT_EQ(has(D3DUSAGE_RENDERTARGET), row.target) << row.format;
+        EXPECT_EQ(has(D3DUSAGE_DEPTHSTENCIL), row.depth) << row.format;
+    }
+    EXPECT_EQ(direct3d_->CheckDeviceFormat(1, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8, 0, D3DRTYPE_TEXTURE, D3DFMT_A8),
+              D3DERR_INVALIDCALL);
+}
+
+TEST_F(DeviceOnWindow, TakesTheSizeOfTheClientArea) {
+    D3DPRESENT_PARAMETERS parameters = CanvasParameters(0, 0);
+    DevicePtr<IDirect3DDevice9> device;
+    EXPECT_EQ(
+        direct3d_->CreateDevice(0, D3DDEVTYPE_HAL, window_, D3DCREATE_MULTITHREADED, &parameters, device.Receive()),
+        D3DERR_INVALIDCALL);   // neither software nor hardware nor mixed
+    ASSERT_EQ(direct3d_->CreateDevice(0, D3DDEVTYPE_HAL, window_, D3DCREATE_SOFTWARE_VERTEXPROCESSING, &parameters,
+                                      device.Receive()),
+              D3D_OK);
+    EXPECT_STREQ(Direct3DUnavailableReason(), "");
+    RECT client;
+    GetClientRect(window_, client);
+    D3DVIEWPORT9 viewport;
+    device->GetViewport(&viewport);
+    EXPECT_EQ(viewport.Width, static_cast<DWORD>(client.right));
+    EXPECT_EQ(viewport.Height, static_cast<DWORD>(client.bottom));
+    EXPECT_EQ(device->SetSoftwareVertexProcessing(TRUE), D3D_OK);
+    EXPECT_EQ(device->SetSoftwareVertexProcessing(FALSE), D3DERR_INVALIDCALL);
+}
+
+TEST_F(DeviceOnWindow, SurvivesItsWindow) {
+    D3DPRESENT_PARAMETERS parameters = CanvasParameters(0, 0);
+    DevicePtr<IDirect3DDevice9> device;
+    ASSERT_EQ(direct3d_->CreateDevice(0, D3DDEVTYPE_HAL, window_, D3DCREATE_MIXED_VERTEXPROCESSING, &parameters,
+                                      device.Receive()),
+              D3D_OK);
+    const auto texture = MakeTexture(*device, 1, 1, {0});
+    device->SetTexture(0, texture.Get());
+    device.Reset();   // the texture goes after its device
+}
+
+TEST_F(DeviceOnWindow, AppliesTheGammaRampInFullScreen) {
+    D3DDISPLAYMODE mode;
+    ASSERT_EQ(direct3d_->EnumAdapterModes(0, D3DFMT_X8R8G8B8, 0, &mode), D3D_OK);
+    D3DPRESENT_PARAMETERS parameters = CanvasParameters(mode.Width, mode.Height);
+    parameters.Windowed = FALSE;
+    DevicePtr<IDirect3DDevice9> device;
+    ASSERT_EQ(direct3d_->CreateDevice(0, D3DDEVTYPE_HAL, window_, D3DCREATE_MIXED_VERTEXPROCESSING, &parameters,
+                                      device.Receive()),
+              D3D_OK);
+    D3DGAMMARAMP ramp;
+    for (int i = 0; i < 256; ++i) {
+        ramp.red[i] = static_cast<WORD>(i * 257 / 2);
+        ramp.green[i] = static_cast<WORD>(65535 - i * 257);
+        ramp.blue[i] = static_cast<WORD>(i * 257);
+    }
+    device->SetGammaRamp(0, D3DSGR_NO_CALIBRATION, &ramp);
+    device->Clear(0, nullptr, D3DCLEAR_TARGET, Argb(255, 200, 90, 30), 1, 0);
+    ASSERT_EQ(device->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+    const std::vector<D3DCOLOR> shown = ReadWindow(NativeWindow(window_));
+    ASSERT_FALSE(shown.empty());
+    EXPECT_TRUE(Near(ToRgb(shown[0]), Rgb{100, 165, 30}, 1)) << ToRgb(shown[0]);
+    // The back buffer itself stays, and the next draw finds its states again.
+    EXPECT_EQ(ReadBackBuffer(*device)[0], Argb(255, 200, 90, 30));
+}
+
+TEST(Presenting, ShowsTheFirstRowOnTop) {
+    Canvas canvas(6, 5);
+    canvas.Clear(Argb(255, 10, 20, 30));
+    canvas.Fill({0, 0, 6, 2}, Argb(255, 200, 100, 50));
+    canvas->EndScene();
+    ASSERT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+    const std::vector<D3DCOLOR> shown = ReadWindow(canvas.Window());
+    ASSERT_EQ(shown.size(), 30u);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        EXPECT_TRUE(Near(ToRgb(shown[i]), i < 12 ? Rgb{200, 100, 50} : Rgb{10, 20, 30}, 0)) << i << ToRgb(shown[i]);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,300 @@
+// Textures, surfaces and buffers: pools, locks, sizes, copies, and the calls that are refused.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+#include "platform/d3d9/vertex_format.h"
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+std::vector<BYTE> RandomBytes(std::size_t count) {
+    std::mt19937 generator(7);
+    std::vector<BYTE> bytes(count);
+    for (BYTE& byte : bytes) byte = static_cast<BYTE>(generator());
+    return bytes;
+}
+
+struct FormatRow {
+    D3DFORMAT format;
+    UINT row_bytes, rows;   // of an 8 x 8 texture
+};
+constexpr FormatRow kTextureFormats[] = {{D3DFMT_A8R8G8B8, 32, 8}, {D3DFMT_X8R8G8B8, 32, 8}, {D3DFMT_R5G6B5, 16, 8},
+                                         {D3DFMT_X1R5G5B5, 16, 8}, {D3DFMT_A1R5G5B5, 16, 8}, {D3DFMT_A4R4G4B4, 16, 8},
+                                         {D3DFMT_A8, 8, 8},        {D3DFMT_L8, 8, 8},        {D3DFMT_A8L8, 16, 8},
+                                         {D3DFMT_V8U8, 16, 8},     {D3DFMT_DXT1, 16, 2},     {D3DFMT_DXT2, 32, 2},
+                                         {D3DFMT_DXT3, 32, 2},     {D3DFMT_DXT4, 32, 2},     {D3DFMT_DXT5, 32, 2}};
+
+TEST(Textures, GiveBackExactlyTheBytesThatWereWritten) {
+    Canvas canvas(4, 4);
+    for (const D3DPOOL pool : {D3DPOOL_MANAGED, D3DPOOL_SYSTEMMEM, D3DPOOL_SCRATCH, D3DPOOL_DEFAULT}) {
+        for (const FormatRow& row : kTextureFormats) {
+            DevicePtr<IDirect3DTexture9> texture;
+            const DWORD usage = pool == D3DPOOL_DEFAULT ? D3DUSAGE_DYNAMIC : 0;
+            ASSERT_EQ(canvas->CreateTexture(8, 8, 0, usage, row.format, pool, texture.Receive()), D3D_OK) << row.format;
+            EXPECT_EQ(texture->GetLevelCount(), 4u);
+            const std::vector<BYTE> bytes = RandomBytes(std::size_t{row.row_bytes} * row.rows);
+            D3DLOCKED_RECT locked;
+            ASSERT_EQ(texture->LockRect(0, &locked, nullptr, 0), D3D_OK);
+            for (UINT y = 0; y < row.rows; ++y) {
+                std::memcpy(static_cast<BYTE*>(locked.pBits) + y * static_cast<UINT>(locked.Pitch),
+                            &bytes[std::size_t{y} * row.row_bytes], row.row_bytes);
+            }
+            EXPECT_EQ(texture->UnlockRect(0), D3D_OK);
+            if (pool == D3DPOOL_MANAGED || pool == D3DPOOL_DEFAULT) {   // a draw in between changes nothing
+                canvas->SetTexture(0, texture.Get());
+                canvas.FillAll(0xFFFFFFFF);
+                canvas->SetTexture(0, nullptr);
+            }
+            ASSERT_EQ(texture->LockRect(0, &locked, nullptr, D3DLOCK_READONLY), D3D_OK);
+            for (UINT y = 0; y < row.rows; ++y) {
+                EXPECT_EQ(std::memcmp(static_cast<BYTE*>(locked.pBits) + y * static_cast<UINT>(locked.Pitch),
+                                      &bytes[std::size_t{y} * row.row_bytes], row.row_bytes),
+                          0)
+                    << row.format << " row " << y;
+            }
+            texture->UnlockRect(0);
+        }
+    }
+}
+
+TEST(Textures, LockRectanglesPointAtTheirFirstPixel) {
+    Canvas canvas(4, 4);
+    DevicePtr<IDirect3DTexture9> texture, compressed;
+    canvas->CreateTexture(16, 8, 1, 0, D3DFMT_R5G6B5, D3DPOOL_MANAGED, texture.Receive());
+    canvas->CreateTexture(16, 8, 1, 0, D3DFMT_DXT3, D3DPOOL_MANAGED, compressed.Receive());
+    D3DLOCKED_RECT all, part;
+    const RECT rect = {4, 4, 12, 8};
+    texture->LockRect(0, &all, nullptr, 0);
+    texture->UnlockRect(0);
+    ASSERT_EQ(texture->LockRect(0, &part, &rect, 0), D3D_OK);
+    EXPECT_EQ(static_cast<BYTE*>(part.pBits) - static_cast<BYTE*>(all.pBits), 4 * all.Pitch + 4 * 2);
+    texture->UnlockRect(0);
+    compressed->LockRect(0, &all, nullptr, 0);
+    compressed->UnlockRect(0);
+    ASSERT_EQ(compressed->LockRect(0, &part, &rect, 0), D3D_OK);
+    EXPECT_EQ(static_cast<BYTE*>(part.pBits) - static_cast<BYTE*>(all.pBits), all.Pitch + 16);
+    compressed->UnlockRect(0);
+    for (const RECT bad : {RECT{1, 0, 8, 8}, RECT{0, 0, 6, 8}, RECT{0, 2, 8, 8}}) {
+        EXPECT_EQ(compressed->LockRect(0, &part, &bad, 0), D3DERR_INVALIDCALL);
+    }
+}
+
+TEST(Textures, SendWhatWasWrittenBetweenDraws) {
+    Canvas canvas(4, 4);
+    const auto texture = MakeTexture(canvas.Device(), 2, 1, {Argb(255, 9, 8, 7), Argb(255, 90, 80, 70)});
+    canvas->SetTexture(0, texture.Get());
+    canvas.FillAll(0xFFFFFFFF);
+    EXPECT_TRUE(Near(canvas.Pixel(3, 1), Rgb{90, 80, 70}, 0));
+    const RECT right = {1, 0, 2, 1};
+    D3DLOCKED_RECT locked;
+    texture->LockRect(0, &locked, &right, 0);
+    *static_cast<D3DCOLOR*>(locked.pBits) = Argb(255, 33, 44, 55);
+    texture->UnlockRect(0);
+    canvas.FillAll(0xFFFFFFFF);
+    EXPECT_TRUE(Near(canvas.Pixel(3, 1), Rgb{33, 44, 55}, 0)) << canvas.Pixel(3, 1);
+    EXPECT_TRUE(Near(canvas.Pixel(0, 1), Rgb{9, 8, 7}, 0)) << canvas.Pixel(0, 1);
+}
+
+TEST(Textures, RefuseWhatTheRulesForbid) {
+    Canvas canvas(4, 4);
+    DevicePtr<IDirect3DTexture9> made;
+    const auto create = [&](UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool) {
+        return canvas->CreateTexture(width, height, levels, usage, format, pool, made.Receive());
+    };
+    constexpr D3DFORMAT kFormat = D3DFMT_A8R8G8B8;
+    EXPECT_EQ(create(0, 4, 1, 0, kFormat, D3DPOOL_MANAGED), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(4, 1u << 20, 1, 0, kFormat, D3DPOOL_MANAGED), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(8, 4, 5, 0, kFormat, D3DPOOL_MANAGED), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(8, 4, 4, 0, kFormat, D3DPOOL_MANAGED), D3D_OK);
+    EXPECT_EQ(create(8, 4, 1, 0, D3DFMT_R8G8B8, D3DPOOL_MANAGED), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(8, 4, 1, D3DUSAGE_RENDERTARGET, kFormat, D3DPOOL_MANAGED), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(8, 4, 1, D3DUSAGE_RENDERTARGET, D3DFMT_L8, D3DPOOL_DEFAULT), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(8, 4, 1, D3DUSAGE_DYNAMIC, kFormat, D3DPOOL_MANAGED), D3DERR_INVALIDCALL);
+    EXPECT_EQ(create(8, 4, 1, D3DUSAGE_DYNAMIC, kFormat, D3DPOOL_SYSTEMMEM), D3D_OK);
+    EXPECT_EQ(create(8, 4, 1, 0, kFormat, static_cast<D3DPOOL>(4)), D3DERR_INVALIDCALL);
+
+    ASSERT_EQ(create(8, 4, 1, 0, kFormat, D3DPOOL_DEFAULT), D3D_OK);
+    D3DLOCKED_RECT locked;
+    EXPECT_EQ(made->LockRect(0, &locked, nullptr, 0), D3DERR_INVALIDCALL);
+    ASSERT_EQ(create(8, 4, 1, 0, kFormat, D3DPOOL_MANAGED), D3D_OK);
+    const RECT outside = {0, 0, 9, 4}, empty = {3, 1, 3, 2};
+    EXPECT_EQ(made->LockRect(1, &locked, nullptr, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(made->LockRect(0, &locked, &outside, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(made->LockRect(0, &locked, &empty, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(made->LockRect(0, &locked, nullptr, D3DLOCK_DISCARD), D3DERR_INVALIDCALL);
+    EXPECT_EQ(made->UnlockRect(0), D3DERR_INVALIDCALL);
+    ASSERT_EQ(made->LockRect(0, &locked, nullptr, 0), D3D_OK);
+    EXPECT_EQ(made->LockRect(0, &locked, nullptr, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(made->UnlockRect(0), D3D_OK);
+
+    ASSERT_EQ(create(8, 4, 1, 0, kFormat, D3DPOOL_SYSTEMMEM), D3D_OK);
+    EXPECT_EQ(canvas->SetTexture(0, made.Get()), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetTexture(kSamplers, nullptr), D3DERR_INVALIDCALL);
+}
+
+TEST(Textures, DescribeTheirLevels) {
+    Canvas canvas(4, 4);
+    DevicePtr<IDirect3DTexture9> texture;
+    canvas->CreateTexture(20, 6, 0, 0, D3DFMT_A8L8, D3DPOOL_MANAGED, texture.Receive());
+    constexpr UINT kSizes[][2] = {{20, 6}, {10, 3}, {5, 1}, {2, 1}, {1, 1}};
+    ASSERT_EQ(texture->GetLevelCount(), std::size(kSizes));
+    for (UINT level = 0; level < std::size(kSizes); ++level) {
+        D3DSURFACE_DESC desc, of_surface;
+        DevicePtr<IDirect3DSurface9> surface;
+        ASSERT_EQ(texture->GetLevelDesc(level, &desc), D3D_OK);
+        ASSERT_EQ(texture->GetSurfaceLevel(level, surface.Receive()), D3D_OK);
+        surface->GetDesc(&of_surface);
+        EXPECT_EQ(desc.Width, kSizes[level][0]);
+        EXPECT_EQ(desc.Height, kSizes[level][1]);
+        EXPECT_EQ(of_surface.Width, desc.Width);
+        EXPECT_EQ(desc.Format, D3DFMT_A8L8);
+        EXPECT_EQ(desc.Pool, D3DPOOL_MANAGED);
+    }
+    D3DSURFACE_DESC desc;
+    EXPECT_EQ(texture->GetLevelDesc(5, &desc), D3DERR_INVALIDCALL);
+}
+
+TEST(Textures, DecodeEveryFormat) {
+    constexpr struct {
+        D3DFORMAT format;
+        BYTE bytes[4];
+        Rgb colour;
+        int alpha;
+    } kRows[] = {{D3DFMT_A8R8G8B8, {30, 90, 200, 140}, {200, 90, 30}, 140},
+                 {D3DFMT_X8R8G8B8, {30, 90, 200, 140}, {200, 90, 30}, 255},
+                 {D3DFMT_R5G6B5, {0x43, 0xA2}, {165, 73, 25}, 255},     // 20, 18, 3
+                 {D3DFMT_X1R5G5B5, {0x23, 0x51}, {165, 74, 25}, 255},   // 0, 20, 9, 3
+                 {D3DFMT_A1R5G5B5, {0x23, 0x51}, {165, 74, 25}, 0},
+                 {D3DFMT_A4R4G4B4, {0x93, 0x6C}, {204, 153, 51}, 102},
+                 {D3DFMT_A8, {77}, {0, 0, 0}, 77},
+                 {D3DFMT_L8, {77}, {77, 77, 77}, 255},
+                 {D3DFMT_A8L8, {77, 33}, {77, 77, 77}, 33}};
+    Canvas canvas(4, 4, D3DFMT_A8R8G8B8);
+    for (const auto& row : kRows) {
+        DevicePtr<IDirect3DTexture9> texture;
+        D3DLOCKED_RECT locked;
+        canvas->CreateTexture(1, 1, 1, 0, row.format, D3DPOOL_MANAGED, texture.Receive());
+        texture->LockRect(0, &locked, nullptr, 0);
+        std::memcpy(locked.pBits, row.bytes, static_cast<std::size_t>(locked.Pitch));
+        texture->UnlockRect(0);
+        canvas->SetTexture(0, texture.Get());
+        canvas.Clear(0);
+        canvas.FillAll(0xFFFFFFFF);
+        EXPECT_TRUE(Near(canvas.Pixel(1, 1), row.colour, 1)) << row.format << canvas.Pixel(1, 1);
+        EXPECT_NEAR(static_cast<int>(canvas.PixelArgb(1, 1) >> 24), row.alpha, 1) << row.format;
+    }
+}
+
+TEST(Buffers, KeepTheirBytesAndCountLocks) {
+    Canvas canvas(4, 4);
+    DevicePtr<IDirect3DVertexBuffer9> buffer;
+    ASSERT_EQ(canvas->CreateVertexBuffer(64, 0, ScreenVertex::kFvf, D3DPOOL_MANAGED, buffer.Receive()), D3D_OK);
+    void *all = nullptr, *part = nullptr;
+    ASSERT_EQ(buffer->Lock(0, 0, &all, 0), D3D_OK);
+    const std::vector<BYTE> bytes = RandomBytes(64);
+    std::memcpy(all, bytes.data(), bytes.size());
+    ASSERT_EQ(buffer->Lock(24, 8, &part, 0), D3D_OK);
+    EXPECT_EQ(static_cast<BYTE*>(part) - static_cast<BYTE*>(all), 24);
+    canvas->SetFVF(ScreenVertex::kFvf);
+    canvas->SetStreamSource(0, buffer.Get(), 0, 32);
+    EXPECT_EQ(canvas->DrawPrimitive(D3DPT_LINELIST, 0, 1), D3DERR_INVALIDCALL);   // locked
+    EXPECT_EQ(buffer->Unlock(), D3D_OK);
+    EXPECT_EQ(canvas->DrawPrimitive(D3DPT_LINELIST, 0, 1), D3DERR_INVALIDCALL);   // still locked once
+    EXPECT_EQ(buffer->Unlock(), D3D_OK);
+    EXPECT_EQ(canvas->DrawPrimitive(D3DPT_LINELIST, 0, 1), D3D_OK);
+    EXPECT_EQ(buffer->Unlock(), D3DERR_INVALIDCALL);
+    buffer->Lock(0, 0, &all, D3DLOCK_READONLY);
+    EXPECT_EQ(std::memcmp(all, bytes.data(), bytes.size()), 0);
+    buffer->Unlock();
+}
+
+TEST(Buffers, RefuseWhatTheRulesForbid) {
+    Canvas canvas(4, 4);
+    DevicePtr<IDirect3DVertexBuffer9> vertices;
+    DevicePtr<IDirect3DIndexBuffer9> indices;
+    void* data = nullptr;
+    EXPECT_EQ(canvas->CreateVertexBuffer(0, 0, 0, D3DPOOL_MANAGED, vertices.Receive()), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->CreateVertexBuffer(31, 0, ScreenVertex::kFvf, D3DPOOL_MANAGED, vertices.Receive()),
+              D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->CreateVertexBuffer(64, 0, 0x1D4, D3DPOOL_MANAGED, vertices.Receive()), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->CreateVertexBuffer(64, 0, 0, D3DPOOL_SCRATCH, vertices.Receive()), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->CreateVertexBuffer(64, D3DUSAGE_DYNAMIC, 0, D3DPOOL_MANAGED, vertices.Receive()),
+              D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->CreateIndexBuffer(64, 0, D3DFMT_A8, D3DPOOL_MANAGED, indices.Receive()), D3DERR_INVALIDCALL);
+    ASSERT_EQ(canvas->CreateVertexBuffer(64, D3DUSAGE_SOFTWAREPROCESSING, 0, D3DPOOL_SYSTEMMEM, vertices.Receive()),
+              D3D_OK);
+    EXPECT_EQ(vertices->Lock(60, 8, &data, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(vertices->Lock(65, 0, &data, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(vertices->Lock(0xFFFFFFF0u, 32, &data, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(vertices->Lock(0, 0, nullptr, 0), D3DERR_INVALIDCALL);
+}
+
+TEST(Draws, RefuseWhatTheRulesForbid) {
+    Canvas canvas(4, 4);
+    DevicePtr<IDirect3DVertexBuffer9> vertices;
+    DevicePtr<IDirect3DIndexBuffer9> indices;
+    canvas->CreateVertexBuffer(6 * 32, 0, ScreenVertex::kFvf, D3DPOOL_MANAGED, vertices.Receive());
+    canvas->CreateIndexBuffer(9 * 2, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, indices.Receive());
+    const auto draw = [&](D3DPRIMITIVETYPE type, UINT first, UINT count) {
+        return canvas->DrawPrimitive(type, first, count);
+    };
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 2), D3DERR_INVALIDCALL);   // no format, no buffer
+    canvas->SetFVF(ScreenVertex::kFvf);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 2), D3DERR_INVALIDCALL);
+    canvas->SetStreamSource(0, vertices.Get(), 0, 32);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 2), D3D_OK);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 1, 2), D3DERR_INVALIDCALL);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 0x80000000u), D3DERR_INVALIDCALL);
+    EXPECT_EQ(draw(static_cast<D3DPRIMITIVETYPE>(7), 0, 1), D3DERR_INVALIDCALL);
+    EXPECT_EQ(draw(D3DPT_TRIANGLESTRIP, 1, 3), D3D_OK);
+    EXPECT_EQ(draw(D3DPT_TRIANGLESTRIP, 1, 4), D3DERR_INVALIDCALL);
+    const auto indexed = [&](INT base, UINT low, UINT count, UINT first, UINT primitives) {
+        return canvas->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, base, low, count, first, primitives);
+    };
+    EXPECT_EQ(indexed(0, 0, 6, 0, 2), D3DERR_INVALIDCALL);   // no indices
+    canvas->SetIndices(indices.Get());
+    EXPECT_EQ(indexed(0, 0, 6, 0, 3), D3D_OK);
+    EXPECT_EQ(indexed(0, 0, 6, 1, 3), D3DERR_INVALIDCALL);
+    EXPECT_EQ(indexed(1, 0, 6, 0, 3), D3DERR_INVALIDCALL);
+    EXPECT_EQ(indexed(-1, 0, 6, 0, 3), D3DERR_INVALIDCALL);
+    EXPECT_EQ(indexed(-1, 1, 5, 0, 3), D3D_OK);
+    EXPECT_EQ(canvas->DrawIndexedPrimitive(D3DPT_POINTLIST, 0, 0, 6, 0, 2), D3DERR_INVALIDCALL);
+    canvas->SetStreamSource(0, vertices.Get(), 0, 28);   // shorter than the format
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 1), D3DERR_INVALIDCALL);
+    canvas->SetStreamSource(0, vertices.Get(), 33, 32);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 2), D3DERR_INVALIDCALL);
+    canvas->EndScene();
+    canvas->SetStreamSource(0, vertices.Get(), 0, 32);
+    EXPECT_EQ(draw(D3DPT_TRIANGLELIST, 0, 2), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetFVF(0x1D4), D3DERR_INVALIDCALL);   // a normal of a transformed vertex
+    EXPECT_EQ(canvas->SetFVF(0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(canvas->SetStreamSource(1, vertices.Get(), 0, 32), D3DERR_INVALIDCALL);
+}
+
+TEST(VertexFormats, HaveTheDocumentedStrides) {
+    constexpr struct {
+        DWORD fvf, stride;
+    } kRows[] = {{0x42, 16},    {0x102, 20},   {0x12, 24},  {0x1C2, 28},  {0x112, 32},   {0x1C4, 32},
+                 {0x212, 40},   {0x40212, 44}, {0x272, 48}, {0x1018, 32}, {0x101A, 36},  {0x101C, 40},
+                 {0x1118, 40},  {0x11D8, 48},  {0x006, 16}, {0x00E, 32},  {0xF0102, 16}, {0x30102, 16},
+                 {0x20102, 28}, {0x10102, 24}, {0x000, 0},  {0x014, 0},   {0x902, 0}};
+    for (const auto& row : kRows) EXPECT_EQ(VertexFormatStride(row.fvf), row.stride) << std::hex << row.fvf;
+    VertexFormat format;
+    ASSERT_TRUE(ParseVertexFormat(0x1C4, format));
+    constexpr struct {
+        int input;
+        DWORD offset;
+    } kElements[] = {{kInputPosition, 0}, {kInputColor0, 16}, {kInputColor1, 20}, {kInputTexCoord0, 24}};
+    ASSERT_EQ(format.element_count, 4);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(format.elements[i].input, kElements[i].input);
+        EXPECT_EQ(format.elements[i].offset, kElements[i].offset);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
