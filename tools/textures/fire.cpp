@@ -33,6 +33,11 @@ Sprite Flame(const char* name, std::uint32_t seed, float lean) {
     return {name, 128, [=](Point p) { return PaintFlame(p, seed, lean); }};
 }
 
+/// The same shape in white, for fire that is not fire: the effect gives its colour.
+Sprite Wisp(const char* name, std::uint32_t seed, float lean) {
+    return {name, 128, [=](Point p) { return White(PaintFlame(p, seed, lean).a); }};
+}
+
 /// A burning cloud, opaque: white-hot where it is thick, dark crust in the creases.
 Pixel PaintFireball(Point p, std::uint32_t seed) {
     const Point q = Warp(p, 1.5f, 0.11f, seed);
@@ -98,6 +103,8 @@ std::vector<Sprite> FireSprites() {
         Flame("flame2", 317, -0.16f),
         Flame("flame3", 331, 0.02f),
         Flame("flame4", 347, -0.06f),
+        Wisp("wisp1", 361, 0.2f),
+        Wisp("wisp2", 379, -0.1f),
         Fireball("fireball1", 401),
         Fireball("fireball2", 433),
         {"ember", 64, PaintEmber},
