@@ -11,7 +11,8 @@ namespace {
 
 constexpr int kLongestSearch = 360;   // frames
 constexpr UINT kGap = 4;              // pixels around each picture
-constexpr D3DCOLOR kGapColour = 0xFF202028;
+constexpr UINT kCaptionHeight = 18;   // pixels
+constexpr D3DCOLOR kSheetColour = 0xFF202028;
 
 /// How much there is to see: the shares of the instances that have been born, by size and alpha.
 double Liveliness(const VisualEffectSystem& effects) {
@@ -39,15 +40,21 @@ int FindLiveliestFrame(Player& player, int effect) {
     return best_frame;
 }
 
+/// The picture with its caption below.
 Picture TakeLiveliest(Player& player, int effect) {
     const int liveliest = FindLiveliestFrame(player, effect);
     player.StartEffect(effect);
     for (int frame = 0; frame <= liveliest; ++frame) player.Advance();
     player.Draw();
-    player.DrawCaption();
-    Picture picture = player.TakePicture();
+    Picture picture = Halve(player.TakePicture());
     player.Present();
-    return Halve(picture);
+    player.DrawCaption(kSheetColour);
+    const Picture caption = Halve(player.TakePicture());
+    player.Present();
+    picture.pixels.insert(picture.pixels.end(), caption.pixels.begin(),
+                          caption.pixels.begin() + caption.width * kCaptionHeight);
+    picture.height += kCaptionHeight;
+    return picture;
 }
 
 void Paste(const Picture& picture, Picture& sheet, UINT left, UINT top) {
@@ -83,9 +90,10 @@ Picture MakeContactSheet(Player& player) {
     const UINT count = static_cast<UINT>(player.EffectCount());
     const UINT columns = static_cast<UINT>(std::ceil(std::sqrt(count)));
     const UINT rows = (count + columns - 1) / columns;
-    constexpr UINT kCellWidth = kSheetFrameWidth / 2 + kGap, kCellHeight = kSheetFrameHeight / 2 + kGap;
+    constexpr UINT kCellWidth = kSheetFrameWidth / 2 + kGap,
+                   kCellHeight = kSheetFrameHeight / 2 + kCaptionHeight + kGap;
     Picture sheet = {columns * kCellWidth + kGap, rows * kCellHeight + kGap, {}};
-    sheet.pixels.assign(std::size_t{sheet.width} * sheet.height, kGapColour);
+    sheet.pixels.assign(std::size_t{sheet.width} * sheet.height, kSheetColour);
     Progress progress("Rendering", static_cast<int>(count));
     for (UINT i = 0; i < count; ++i) {
         progress.Next(player.Effects().GetEffectName(static_cast<int>(i)).c_str());

@@ -5,6 +5,7 @@
 #include "app/background_picture.h"
 #include "app/camera_commands.h"
 #include "app/overlay.h"
+#include "app/stage_mesh.h"
 #include "app/tester_commands.h"
 
 namespace sparkrig {
@@ -15,7 +16,7 @@ constexpr D3DCOLOR kClearColour = 0xFF000014, kWhite = 0xFFFFFFFF;
 
 void DrawBackground(Engine& engine) {
     KRN_Gfx& gfx = *engine.gfx;
-    if (!engine.background.IsValid()) {
+    if (!engine.background.HasSurface()) {
         gfx.Clear(kClearColour, 1.0f, nullptr);
         return;
     }
@@ -23,6 +24,16 @@ void DrawBackground(Engine& engine) {
     gfx.SetTexture(&engine.background, -1);
     gfx.SetTexture2D(&engine.background);
     gfx.DrawFullScreenTexture(kWhite, 1.0f);
+}
+
+void DrawBackdrop(KRN_Gfx& gfx, LoopState& loop) {
+    if (!loop.show_backdrop) return;
+    gfx.SetAmbient(kWhite);
+    gfx.SetBlendingMode(1, 255, 0);
+    gfx.DrawMesh(&loop.stage_mesh, nullptr);
+    gfx.SetAmbient(0);
+    gfx.SetRenderSource(1, 0, kWhite);
+    gfx.EndLightingOverride();
 }
 
 void DrawEffects(Engine& engine, LoopState& loop) {
@@ -43,11 +54,12 @@ void BeginPlaying(Engine& engine, TesterState& state, LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
     engine.effects.Init(gfx, 0);
     ReloadEffects(engine.effects, state, loop, false);
+    BuildStageMesh(gfx, loop.stage_mesh);
     PlaceCameraAtHome(loop.camera);
     gfx.SetProjection(1.0f, 2000.0f, 0.7854f, -1.0f);
     gfx.SetCullingMode(-1);
     LoadBackgroundPicture(gfx, engine.background, state.background_path);
-    loop.show_backdrop = !engine.background.IsValid();
+    loop.show_backdrop = !engine.background.HasSurface();
     state.clock.Restart();
     loop.rate.Restart(state.clock.Now());
 }
@@ -58,6 +70,7 @@ void DrawFrame(Engine& engine, const TesterState& state, LoopState& loop) {
     DrawBackground(engine);
     gfx.SetCullingMode(0);
     gfx.ResetWorldTransform();
+    DrawBackdrop(gfx, loop);
     DrawEffects(engine, loop);
     loop.rate.CountFrame(state.clock.FrameTime());
     DrawOverlay(engine, state, loop);

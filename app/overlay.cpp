@@ -45,13 +45,13 @@ void DrawOverlay(Engine& engine, const TesterState& state, const LoopState& loop
 }
 
 void DrawEffectName(Engine& engine, const TesterState& state) {
-    constexpr float kLargest = 4, kTopMargin = 18;
+    constexpr float kLargest = 4, kTop = 2;
     const String name = engine.effects.GetEffectName(state.current_effect);
     const float width = static_cast<float>(state.client_width);
     SetTextSize(*engine.font, 1.0f);
     const float advance = engine.font->Advance('0') * static_cast<float>(std::max(name.GetLength(), 1));
     BeginText(engine, std::min(kLargest, width / advance));
-    engine.gfx->PrintfCentred(width / 2, kTopMargin, "%s", name.c_str());
+    engine.gfx->PrintfCentred(width / 2, kTop, "%s", name.c_str());
     engine.gfx->DrawText();
     EndText(engine);
 }

@@ -40,8 +40,9 @@ void Player::Draw() {
     DrawFrame(engine_, state_, loop_);
 }
 
-void Player::DrawCaption() {
+void Player::DrawCaption(D3DCOLOR background) {
     engine_.gfx->BeginScene();
+    engine_.gfx->Clear(background, 1.0f, nullptr);
     DrawEffectName(engine_, state_);
     engine_.gfx->EndScene();
 }

@@ -21,8 +21,8 @@ class Player {
     void Advance();
     /// Draws the present moment into the back buffer.
     void Draw();
-    /// The name of the current effect over what is drawn, in large letters.
-    void DrawCaption();
+    /// In place of what is drawn, the name of the current effect in large letters at the top.
+    void DrawCaption(D3DCOLOR background);
     Picture TakePicture();
     /// Ends the frame. What was drawn is gone.
     void Present() { engine_.gfx->PresentFrame(); }

@@ -3,6 +3,7 @@
 #include "app/clock.h"
 #include "platform/window/window.h"
 #include "scene/camera.h"
+#include "scene/mesh.h"
 
 namespace sparkrig {
 
@@ -47,7 +48,8 @@ TesterState& Tester();
 /// What lives as long as the frame loop.
 struct LoopState {
     KRN_Camera camera;
-    float speed = 1.0f;   // multiplies effect time
+    KRN_Mesh stage_mesh;   // the backdrop
+    float speed = 1.0f;    // multiplies effect time
     bool show_backdrop = false;
     bool show_overlay = true;
     int effect_count = 0;

@@ -56,6 +56,9 @@ bool StartVideo() {
     SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");   // the window procedure decides
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");    // the click that activates counts
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY")) {
+        SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");   // as SDL would, without asking the others, which complain
+    }
     if (SDL_Init(SDL_INIT_VIDEO) != 0) return false;
     std::atexit(SDL_Quit);
     return true;
