@@ -1,7 +1,9 @@
 #include <cstdio>
 
+#include "platform/d3dx/dds_file.h"
 #include "platform/d3dx/image_file.h"
 #include "platform/d3dx/pixel_formats.h"
+#include "platform/d3dx/tga_alpha.h"
 #include "platform/system/system.h"
 
 #define STBI_ONLY_BMP
@@ -47,6 +49,7 @@ bool ReadWholeFile(const char* name, std::vector<BYTE>& bytes) {
 }
 
 HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
+    if (info.ImageFileFormat == D3DXIFF_DDS) return DecodeDds(file, info, 0, image);
     int width = 0, height = 0, channels = 0;
     stbi_uc* const pixels =
         stbi_load_from_memory(file.data(), static_cast<int>(file.size()), &width, &height, &channels, STBI_rgb_alpha);
@@ -57,6 +60,7 @@ HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
     if (image.width != info.Width || image.height != info.Height) return D3DXERR_INVALIDDATA;
     SwapRedAndBlue(image.Pixels());
     if (!HasAlpha(info.Format) && info.Format != D3DFMT_P8) MakeOpaque(image.Pixels());
+    if (info.ImageFileFormat == D3DXIFF_TGA && info.Format == D3DFMT_A1R5G5B5) ReadTgaAlphaBits(file, image);
     return D3D_OK;
 }
 

@@ -14,7 +14,7 @@ bool ReadWholeFile(const char* name, std::vector<BYTE>& bytes);
 /// limits of image.h, and for one too short to hold the picture that its head announces.
 HRESULT ReadImageInfo(FileBytes file, D3DXIMAGE_INFO& info);
 
-/// The pixels of a file other than dds whose info was read.
+/// The pixels of a file whose info was read, the largest level of a dds.
 HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image);
 
 }   // namespace sparkrig

@@ -25,9 +25,7 @@ HRESULT ReadSource(const char* file, Source& source) {
 }
 
 HRESULT DecodeSource(Source& source) {
-    if (source.image.pixels) return D3D_OK;
-    if (source.info.ImageFileFormat == D3DXIFF_DDS) return DecodeDds(source.bytes, source.info, 0, source.image);
-    return DecodeImage(source.bytes, source.info, source.image);
+    return source.image.pixels ? D3D_OK : DecodeImage(source.bytes, source.info, source.image);
 }
 
 UINT ChooseSide(UINT asked, UINT stored) {

@@ -117,12 +117,27 @@ TEST(ImageFile, GivesThePixelsThatWereWritten) {
     }
 }
 
+TEST(ImageFile, KeepsTheAlphaBitsOfATga) {
+    TestPicture picture = {3, 2, {0xFF0000FF, 0x00FF0000, 0xFF00FF00, 0x000000FF, 0xFFFF0000, 0x00FFFFFF}};
+    for (const bool packed : {false, true}) {
+        std::string file = TgaFile(picture, D3DFMT_A1R5G5B5, packed);
+        for (const bool from_top : {true, false}) {
+            if (!from_top) file[17] = 1;
+            D3DXIMAGE_INFO info = {};
+            Image image;
+            ASSERT_EQ(ReadImageInfo(BytesOf(file), info), D3D_OK);
+            ASSERT_EQ(DecodeImage(BytesOf(file), info, image), D3D_OK);
+            for (UINT i = 0; i < 6; ++i) EXPECT_EQ(image.pixels[i], picture.pixels[from_top ? i : (i + 3) % 6]) << i;
+        }
+    }
+}
+
 TEST(ImageFile, CutShortAtEveryLengthItLoadsOrIsRefused) {
     const TestPicture picture = TestPicture::Pattern(5, 3);
     for (const std::string& file :
          {BmpFile(picture, D3DFMT_R8G8B8), BmpFile(picture, D3DFMT_A8R8G8B8), TgaFile(picture, D3DFMT_A8R8G8B8, true),
-          TgaFile(picture, D3DFMT_L8), PngFile(picture, 4), PalettePngFile(picture, 0x40102030, 0xFF405060),
-          JpgFile(picture, 3)}) {
+          TgaFile(picture, D3DFMT_L8), TgaFile(picture, D3DFMT_A1R5G5B5, true), PngFile(picture, 4),
+          PalettePngFile(picture, 0x40102030, 0xFF405060), JpgFile(picture, 3)}) {
         for (std::size_t length = 0; length < file.size(); ++length) {
             const std::string cut = file.substr(0, length);
             D3DXIMAGE_INFO info = {};
