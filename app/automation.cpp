@@ -23,7 +23,12 @@ constexpr int kPictureWidth = 1280, kPictureHeight = 720;
 int FramesUntil(double seconds) { return std::max(1, static_cast<int>(std::lround(seconds / kAutomationStep))); }
 
 int Capture(Player& player, const Options& options) {
-    for (int frame = FramesUntil(options.at_seconds); frame > 1; --frame) player.Advance();
+    // The frames before are drawn too: the overlay's rate and largest count speak of them.
+    for (int frame = FramesUntil(options.at_seconds); frame > 1; --frame) {
+        player.Advance();
+        player.Draw();
+        player.Present();
+    }
     player.Advance();
     player.Draw();
     return WritePng(options.output, player.TakePicture()) ? kDone : kCannot;
