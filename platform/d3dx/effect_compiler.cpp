@@ -31,7 +31,8 @@ std::string FindCompiler() {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     const std::filesystem::path beside = program.parent_path() / "fxc";
     for (const std::filesystem::path& candidate : {beside, std::filesystem::path(SPARKRIG_FXC)})
-        if (access(candidate.c_str(), X_OK) == 0) return candidate.string();
+        if (std::filesystem::is_regular_file(candidate, error) && access(candidate.c_str(), X_OK) == 0)
+            return candidate.string();
     return "fxc";
 }
 

@@ -96,7 +96,7 @@ bool ReadEffectFile(std::span<const BYTE> bytes, EffectFile& effect, std::string
         error = "not a compiled effect";
         return false;
     }
-    if (version != kEffectVersion) {
+    if (!reader.Failed() && version != kEffectVersion) {
         error = "a compiled effect of version " + std::to_string(version) + "; version " +
                 std::to_string(kEffectVersion) + " is read";
         return false;

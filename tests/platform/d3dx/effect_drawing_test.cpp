@@ -1,0 +1,216 @@
+#include "tests/platform/d3dx/effect_fixture.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using EffectDrawingTest = EffectTest;
+
+constexpr const char* kEverything = R"(
+float4x4 M; float4 C = float4(1, 0.5, 0, 1); int R = 0x12345678; float S = 0.25; texture T;
+sampler2D Reader : register(s3) = sampler_state { Texture = <T>; MinFilter = LINEAR; };
+float4 V(float4 p : POSITION) : POSITION { return mul(p, M); }
+float4 P(float2 uv : TEXCOORD0) : COLOR { return tex2D(Reader, uv) * C; }
+technique Draw {
+    pass {
+        CullMode = NONE; FogColor = C; AlphaRef = (S * 100 + 5); TextureFactor = R; FogStart = (-S); Ambient = 0x00112233;
+        ColorOp[1] = ADD; MagFilter[2] = POINT; Texture[1] = <T>; Sampler[5] = <Reader>;
+        WorldTransform[1] = <M>; ViewTransform = <M>; LightEnable[2] = TRUE; LightType[2] = POINT; LightDiffuse[2] = C;
+        MaterialDiffuse = C; MaterialPower = 3;
+        VertexShader = compile vs_1_1 V(); PixelShader = compile ps_2_0 P();
+    }
+    pass { VertexShader = NULL; CullMode = CW; }
+})";
+
+/// Everything that the technique above may change, as the device holds it.
+struct DeviceStates {
+    DWORD cull, fog_colour, alpha_ref, factor, fog_start, ambient, stage, sampler2, sampler3, sampler5;
+    D3DMATRIX world1, view;
+    D3DLIGHT9 light;
+    BOOL light_on;
+    D3DMATERIAL9 material;
+    DevicePtr<IDirect3DTexture9> textures[6];
+    DevicePtr<IDirect3DVertexShader9> vertex;
+    DevicePtr<IDirect3DPixelShader9> pixel;
+
+    explicit DeviceStates(IDirect3DDevice9& device) {
+        device.GetRenderState(D3DRS_CULLMODE, &cull);
+        device.GetRenderState(D3DRS_FOGCOLOR, &fog_colour);
+        device.GetRenderState(D3DRS_ALPHAREF, &alpha_ref);
+        device.GetRenderState(D3DRS_TEXTUREFACTOR, &factor);
+        device.GetRenderState(D3DRS_FOGSTART, &fog_start);
+        device.GetRenderState(D3DRS_AMBIENT, &ambient);
+        device.GetTextureStageState(1, D3DTSS_COLOROP, &stage);
+        device.GetSamplerState(2, D3DSAMP_MAGFILTER, &sampler2);
+        device.GetSamplerState(3, D3DSAMP_MINFILTER, &sampler3);
+        device.GetSamplerState(5, D3DSAMP_MINFILTER, &sampler5);
+        device.GetTransform(D3DTS_WORLDMATRIX(1), &world1);
+        device.GetTransform(D3DTS_VIEW, &view);
+        device.GetLight(2, &light);
+        device.GetLightEnable(2, &light_on);
+        device.GetMaterial(&material);
+        for (DWORD i = 0; i < std::size(textures); ++i) device.GetTexture(i, textures[i].Receive());
+        device.GetVertexShader(vertex.Receive());
+        device.GetPixelShader(pixel.Receive());
+    }
+    bool operator==(const DeviceStates&) const = default;
+};
+
+void DisturbStates(IDirect3DDevice9& device, IDirect3DTexture9* texture, float seed) {
+    const DWORD word = static_cast<DWORD>(seed);
+    device.SetRenderState(D3DRS_CULLMODE, D3DCULL_CCW);
+    device.SetRenderState(D3DRS_FOGCOLOR, word * 3);
+    device.SetRenderState(D3DRS_ALPHAREF, word * 5);
+    device.SetRenderState(D3DRS_AMBIENT, word * 7);
+    device.SetTextureStageState(1, D3DTSS_COLOROP, D3DTOP_SUBTRACT);
+    device.SetSamplerState(3, D3DSAMP_MINFILTER, D3DTEXF_ANISOTROPIC);
+    const D3DMATRIX matrix = {{{seed, 2, 3, 4}, {5, 6, 7, 8}, {9, 1, 2, 3}, {4, 5, 6, 7}}};
+    device.SetTransform(D3DTS_WORLDMATRIX(1), &matrix);
+    D3DLIGHT9 light = {};
+    light.Type = D3DLIGHT_SPOT;
+    light.Range = seed;
+    device.SetLight(2, &light);
+    D3DMATERIAL9 material = {};
+    material.Power = seed;
+    device.SetMaterial(&material);
+    for (DWORD i = 0; i < 6; ++i) device.SetTexture(i, texture);
+}
+
+TEST_F(EffectDrawingTest, EndPutsTheDeviceBackExactly) {
+    const auto effect = Load(kEverything);
+    DevicePtr<IDirect3DTexture9> before_texture, texture;
+    device_->CreateTexture(4, 4, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, before_texture.Receive());
+    device_->CreateTexture(8, 8, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
+    effect->SetTexture(effect->GetParameterByName(nullptr, "T"), texture.Get());
+    DisturbStates(*device_, before_texture.Get(), 11);
+    const DeviceStates before(*device_);
+    UINT passes = 0;
+    ASSERT_EQ(effect->Begin(&passes, 0), D3D_OK);
+    ASSERT_EQ(passes, 2u);
+    ASSERT_EQ(effect->BeginPass(0), D3D_OK);
+    EXPECT_FALSE(DeviceStates(*device_) == before);
+    ASSERT_EQ(effect->EndPass(), D3D_OK);
+    ASSERT_EQ(effect->BeginPass(1), D3D_OK);
+    ASSERT_EQ(effect->EndPass(), D3D_OK);
+    ASSERT_EQ(effect->End(), D3D_OK);
+    EXPECT_TRUE(DeviceStates(*device_) == before);
+}
+
+TEST_F(EffectDrawingTest, BeginPassAppliesStatesAndValues) {
+    const auto effect = Load(kEverything);
+    const D3DXMATRIX matrix = {{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, {13, 14, 15, 16}}};
+    DevicePtr<IDirect3DTexture9> texture;
+    device_->CreateTexture(8, 8, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
+    effect->SetTexture(effect->GetParameterByName(nullptr, "T"), texture.Get());
+    effect->SetMatrix(effect->GetParameterByName(nullptr, "M"), &matrix);
+    effect->Begin(nullptr, 0);
+    ASSERT_EQ(effect->BeginPass(0), D3D_OK);
+    const DeviceStates states(*device_);
+    EXPECT_EQ(states.cull, D3DCULL_NONE);
+    EXPECT_EQ(states.fog_colour, 0xFFFF8000u);
+    EXPECT_EQ(states.alpha_ref, 30u);
+    EXPECT_EQ(states.factor, 0x12345678u);
+    EXPECT_EQ(states.fog_start, Bits(-0.25f));
+    EXPECT_EQ(states.ambient, 0x00112233u);
+    EXPECT_EQ(states.stage, D3DTOP_ADD);
+    EXPECT_EQ(states.sampler3, D3DTEXF_LINEAR);   // the register of the pixel function's sampler
+    EXPECT_EQ(states.sampler5, D3DTEXF_LINEAR);
+    EXPECT_EQ(states.world1, matrix);
+    EXPECT_EQ(states.view, matrix);
+    EXPECT_EQ(states.light.Type, D3DLIGHT_POINT);
+    EXPECT_EQ(states.light.Range, 0.0f);
+    EXPECT_EQ(states.light.Diffuse, (D3DCOLORVALUE{1, 0.5f, 0, 1}));
+    EXPECT_TRUE(states.light_on);
+    EXPECT_EQ(states.material.Diffuse, (D3DCOLORVALUE{1, 0.5f, 0, 1}));
+    EXPECT_EQ(states.material.Power, 3.0f);
+    for (const std::size_t i : {1, 3, 5}) EXPECT_EQ(states.textures[i].Get(), texture.Get()) << i;
+    EXPECT_TRUE(states.vertex);
+    EXPECT_TRUE(states.pixel);
+    effect->EndPass();
+    effect->BeginPass(1);
+    EXPECT_FALSE(DeviceStates(*device_).vertex);
+    EXPECT_TRUE(DeviceStates(*device_).pixel);   // not mentioned: it stays
+    effect->End();
+}
+
+TEST_F(EffectDrawingTest, CallsOutOfOrderAreRefused) {
+    const auto effect = Load("technique { pass { } }");
+    EXPECT_EQ(effect->BeginPass(0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(effect->Begin(nullptr, 0), D3D_OK);
+    EXPECT_EQ(effect->Begin(nullptr, 0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(effect->SetTechnique(effect->GetTechnique(0)), D3DERR_INVALIDCALL);
+    EXPECT_EQ(effect->BeginPass(1), D3DERR_INVALIDCALL);
+    EXPECT_EQ(effect->BeginPass(0), D3D_OK);
+    EXPECT_EQ(effect->BeginPass(0), D3DERR_INVALIDCALL);
+    EXPECT_EQ(effect->EndPass(), D3D_OK);
+    EXPECT_EQ(effect->End(), D3D_OK);
+    EXPECT_EQ(effect->Begin(nullptr, 0), D3D_OK);
+    effect->End();
+    EXPECT_EQ(Load("float lonely;")->Begin(nullptr, 0), D3DERR_INVALIDCALL);
+}
+
+TEST_F(EffectDrawingTest, FailuresOfTheDeviceAreAnswered) {
+    const auto effect = Load(kEverything);
+    recording_.Fail("SetSamplerState", D3DERR_DEVICELOST);
+    effect->Begin(nullptr, 0);
+    EXPECT_EQ(effect->BeginPass(0), D3DERR_DEVICELOST);
+    EXPECT_EQ(effect->End(), D3D_OK);
+}
+
+TEST_F(EffectDrawingTest, TechniquesAreValidatedOnThisDevice) {
+    const char* const source = R"(
+float4 V(float4 p : POSITION) : POSITION { return p; }
+float4 P() : COLOR { return 1; }
+technique Newest { pass { VertexShader = compile vs_4_0 V(); } }
+technique Three { pass { PixelShader = compile ps_3_0 P(); } }
+technique One { pass { VertexShader = compile vs_1_1 V(); PixelShader = NULL; } }
+technique Fixed { pass { CullMode = NONE; } })";
+    const auto validity = [&](const DevicePtr<ID3DXEffect>& effect) {
+        std::string text;
+        for (UINT i = 0; i < 4; ++i) text += SUCCEEDED(effect->ValidateTechnique(effect->GetTechnique(i))) ? '+' : '-';
+        return text;
+    };
+    EXPECT_EQ(validity(Load(source)), "-+++");
+    recording_.caps.PixelShaderVersion = 0xFFFF0200;
+    EXPECT_EQ(validity(Load(source)), "--++");
+    recording_.Fail("CreateVertexShader", D3DERR_INVALIDCALL);
+    const auto broken = Load(source);
+    EXPECT_EQ(validity(broken), "---+");
+    EXPECT_EQ(broken->ValidateTechnique(nullptr), D3DERR_INVALIDCALL);   // the first one is current
+    EXPECT_EQ(broken->SetTechnique(broken->GetTechnique(3)), D3D_OK);
+    EXPECT_EQ(broken->ValidateTechnique(nullptr), D3D_OK);
+    EXPECT_EQ(broken->ValidateTechnique(reinterpret_cast<D3DXHANDLE>(source)), D3DERR_INVALIDCALL);
+
+    D3DXPASS_DESC desc;
+    ASSERT_EQ(broken->GetPassDesc(broken->GetPass(broken->GetTechnique(2), 0), &desc), D3D_OK);
+    EXPECT_NE(desc.pVertexShaderFunction, nullptr);
+    EXPECT_EQ(desc.pPixelShaderFunction, nullptr);
+}
+
+TEST_F(EffectDrawingTest, ErrorsComeAsText) {
+    const struct {
+        std::string file, text;
+    } rows[] = {
+        {Write("bad.fx", "float a\n;;\ntechnique { pas }"), "bad.fx(3): error X2000: "},
+        {Write("bad.fxo", "SFXO\x01"), "bad.fxo(1): error X1000: the compiled effect is cut short"},
+        {Write("old.fxo", std::string("SFXO\x07\0\0\0", 8)), "old.fxo(1): error X1000: a compiled effect of version 7"},
+        {folder_ + "/none.fx", "none.fx(1): error X1000: can not open the file"},
+    };
+    for (const auto& row : rows) {
+        DevicePtr<ID3DXEffect> effect;
+        DevicePtr<ID3DXBuffer> errors;
+        EXPECT_EQ(
+            D3DXCreateEffectFromFileA(device_.Get(), row.file.c_str(), 0, nullptr, effect.Receive(), errors.Receive()),
+            D3DXERR_INVALIDDATA);
+        EXPECT_FALSE(effect);
+        ASSERT_TRUE(errors);
+        const std::string text = static_cast<const char*>(errors->GetBufferPointer());
+        EXPECT_EQ(errors->GetBufferSize(), text.size() + 1);
+        EXPECT_THAT(text, HasSubstr(row.text));
+    }
+    EXPECT_EQ(D3DXCreateEffectFromFileA(nullptr, "a.fx", 0, nullptr, nullptr, nullptr), D3DERR_INVALIDCALL);
+}
+
+}   // namespace
+}   // namespace sparkrig

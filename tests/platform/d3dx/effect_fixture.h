@@ -1,0 +1,64 @@
+// Effects from source on the recording device.
+#pragma once
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+#include "platform/d3dx/d3dx_effect.h"
+#include "tests/support/recording.h"
+
+namespace sparkrig {
+
+class EffectTest : public ::testing::Test {
+  protected:
+    EffectTest() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "effect-test-XXXXXX").string();
+        if (mkdtemp(pattern.data())) folder_ = pattern;
+        const DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
+        D3DPRESENT_PARAMETERS parameters = {};
+        parameters.Windowed = TRUE;
+        direct3d->CreateDevice(0, D3DDEVTYPE_HAL, nullptr, D3DCREATE_MIXED_VERTEXPROCESSING, &parameters,
+                               device_.Receive());
+        recording_.ForgetCalls();
+    }
+    ~EffectTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string Write(const std::string& name, const std::string& text) const {
+        const std::string path = folder_ + "/" + name;
+        std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
+
+    DevicePtr<ID3DXEffect> Load(const std::string& source, ID3DXEffectPool* pool = nullptr) {
+        DevicePtr<ID3DXEffect> effect;
+        DevicePtr<ID3DXBuffer> errors;
+        const std::string path = Write("t.fx", source);
+        const HRESULT result =
+            D3DXCreateEffectFromFileA(device_.Get(), path.c_str(), 0, pool, effect.Receive(), errors.Receive());
+        // Nothing can be asked of an effect that is not there.
+        if (FAILED(result))
+            throw std::runtime_error(errors ? static_cast<const char*>(errors->GetBufferPointer()) : "no effect");
+        return effect;
+    }
+
+    /// The arguments of the last call of a method.
+    std::vector<DWORD> Last(const std::string& method) const {
+        std::vector<DWORD> arguments;
+        for (const RecordedCall& call : recording_.Calls())
+            if (call.method == method) arguments = call.arguments;
+        return arguments;
+    }
+
+    Recording recording_;   // before the device, which records to it
+    DevicePtr<IDirect3DDevice9> device_;
+    std::string folder_;
+};
+
+inline DWORD Bits(float value) { return std::bit_cast<DWORD>(value); }
+
+}   // namespace sparkrig
