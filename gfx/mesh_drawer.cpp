@@ -35,7 +35,7 @@ bool MeshDrawer::Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world) {
     transforms_.Set(D3DTS_WORLD, placed);
     const int culling = culling_.Mode();
     if (D3DXMatrixDeterminant(&placed) < 0) culling_.Set(-culling);   // a mirrored mesh shows its backs
-    DrawGroups(*mesh);
+    DrawGroupsInColour(*mesh);
     culling_.Set(culling);
     return true;
 }
@@ -46,6 +46,15 @@ void MeshDrawer::PrepareStates(const KRN_MeshBase& mesh, bool world_given) {
     bindings_.SetSoftwareProcessing(mesh.SoftwareProcessing());
     if (!world_given && points_.FillMode() == static_cast<int>(D3DFILL_POINT)) points_.Apply(points_.Settings(), false);
     lighting_.SetNormalizeNormals(true);
+}
+
+void MeshDrawer::DrawGroupsInColour(const KRN_MeshBase& mesh) {
+    if (!colour_override_ || lighting_.On()) return DrawGroups(mesh);
+    std::optional<D3DCOLOR> before;   // what stood in for the unlit vertices' colour until now
+    if (lighting_.Colour()) before = *lighting_.Colour();
+    lighting_.Set(false, &*colour_override_);
+    DrawGroups(mesh);
+    lighting_.Set(false, before ? &*before : nullptr);
 }
 
 void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh) {
@@ -78,7 +87,6 @@ void MeshDrawer::SetMaterial(const MeshMaterial& material) {
     D3DMATERIAL9 colours = material.colours;
     if (colour_override_) {
         colours.Diffuse = colours.Ambient = ToColourValue(*colour_override_);
-        if (!lighting_.On()) lighting_.Set(false, &*colour_override_);
     }
     lighting_.SetMaterial(colours);
     textures_.SetTexture(nullptr, -1);

@@ -38,6 +38,7 @@ class MeshDrawer {
 
   private:
     void PrepareStates(const KRN_MeshBase& mesh, bool world_given);
+    void DrawGroupsInColour(const KRN_MeshBase& mesh);
     void DrawGroups(const KRN_MeshBase& mesh);
     void DrawMaterial(const KRN_MeshBase& mesh, int group);
     void SetMaterial(const MeshMaterial& material);

@@ -19,8 +19,8 @@ RECT Intersection(const RECT& a, const RECT& b) {
     return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
 }
 
-/// The whole pixels that all runs touch, before scrolling.
-RECT Extent(const KRN_PrintfContainer& text) {
+/// The whole pixels that the lines of all runs touch.
+RECT Extent(const KRN_PrintfContainer& text, float scroll_x, float scroll_y) {
     bool first = true;
     float left = 0, top = 0, right = 0, bottom = 0;
     for (const PrintfLine& line : text.Lines()) {
@@ -33,8 +33,8 @@ RECT Extent(const KRN_PrintfContainer& text) {
             first = false;
         }
     }
-    return {static_cast<LONG>(std::floor(left)), static_cast<LONG>(std::floor(top)),
-            static_cast<LONG>(std::ceil(right)), static_cast<LONG>(std::ceil(bottom))};
+    return {static_cast<LONG>(std::floor(left - scroll_x)), static_cast<LONG>(std::floor(top - scroll_y)),
+            static_cast<LONG>(std::ceil(right - scroll_x)), static_cast<LONG>(std::ceil(bottom - scroll_y))};
 }
 
 }   // namespace
@@ -54,10 +54,7 @@ void TextDrawer::SetLimits(const RECT* limits) {
 RECT TextDrawer::VisibleRectangle(const KRN_PrintfContainer& text, const RECT& rectangle, float scroll_x,
                                   float scroll_y) const {
     if (!limits_) return rectangle;
-    RECT extent = Extent(text);
-    const LONG right = static_cast<LONG>(std::floor(scroll_x)), down = static_cast<LONG>(std::floor(scroll_y));
-    extent = {extent.left - right - 1, extent.top - down - 1, extent.right - right, extent.bottom - down};
-    return Intersection(Intersection(rectangle, *limits_), extent);
+    return Intersection(Intersection(rectangle, *limits_), Extent(text, scroll_x, scroll_y));
 }
 
 void TextDrawer::Draw(KRN_PrintfContainer& text, const RECT& rectangle, float scroll_x, float scroll_y) {

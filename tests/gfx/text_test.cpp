@@ -1,0 +1,275 @@
+// The built-in font, the gathered lines, and what is drawn of them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "gfx/gfx_parts.h"
+#include "gfx/texture.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+
+constexpr D3DCOLOR kA = 0xFF96DCFF, kB = 0xFF006473;
+
+/// A device with the built-in font in use, one sheet pixel four screen pixels large.
+struct Overlay {
+    explicit Overlay(float size = 4.0f) {
+        font.CreateBuiltInFont(*gfx, kA, kB);
+        font.SetTextStyle(size, 0xFFFFFFFF, kKeepSpacing, kKeepSpacing, 0.75f);
+        gfx->SetFont(&font, 0, 0);
+        gfx->BeginScene();
+        gfx.recording.ForgetCalls();
+    }
+    ~Overlay() { font.Release(); }
+    KRN_PrintfContainer& Text() { return gfx->Parts().text; }
+    std::string Characters(int entity) {
+        const PrintfEntity& run = Text().Entity(entity);
+        return std::string(Text().Characters(run), static_cast<std::size_t>(run.length));
+    }
+    /// The vertices of every glyph drawn, six for each.
+    std::vector<KRN_TLVertex> Drawn() {
+        std::vector<KRN_TLVertex> all;
+        for (const RecordedDraw& draw : gfx.recording.Draws()) {
+            const std::size_t old = all.size();
+            all.resize(old + draw.vertices.size() / sizeof(KRN_TLVertex));
+            std::memcpy(all.data() + old, draw.vertices.data(), draw.vertices.size());
+        }
+        return all;
+    }
+
+    RecordedGfx gfx;
+    KRN_Font font;
+};
+
+TEST(Font, TheSheetHoldsEveryGlyph) {
+    Overlay overlay;
+    KRN_Texture& sheet = overlay.font.Sheet();
+    EXPECT_EQ(sheet.GetSize().x, 128);
+    EXPECT_EQ(sheet.GetSize().y, 32);
+    EXPECT_EQ(sheet.Format(), D3DFMT_A8R8G8B8);
+    const RECT a = overlay.font.GlyphOf('A').rect;
+    EXPECT_EQ(a, (RECT{72, 6, 77, 11}));
+    sheet.Lock(nullptr, 0);
+    const auto pixel = [&](char c, int column, int row) {
+        const RECT& rect = overlay.font.GlyphOf(c).rect;
+        return sheet.GetPixel(rect.left + column, rect.top + row);
+    };
+    EXPECT_EQ(pixel('E', 0, 0), kA) << "a set top left pixel";
+    EXPECT_EQ(pixel('E', 4, 4), kB) << "a set bottom right pixel";
+    EXPECT_EQ(pixel('A', 0, 0), 0u) << "not set";
+    EXPECT_EQ(pixel('A', 2, 0), 0xFF60B1CDu) << "d = sqrt(4 / 32)";
+    EXPECT_EQ(pixel(']', 1, 0), 0xFF7BC6E6u);
+    EXPECT_EQ(pixel('[', 2, 2), 0xFF4BA0B9u) << "d = 1 / 2";
+    sheet.Unlock();
+}
+
+TEST(Font, FallsBackToFourBits) {
+    RecordedGfx gfx;
+    gfx.recording.refused_texture_formats.insert(D3DFMT_A8R8G8B8);
+    KRN_Font font;
+    EXPECT_FALSE(font.IsValid());
+    EXPECT_TRUE(font.CreateBuiltInFont(*gfx, kA, kB));
+    EXPECT_TRUE(font.IsValid());
+    EXPECT_EQ(font.Sheet().Format(), D3DFMT_A4R4G4B4);
+    font.Release();
+    EXPECT_FALSE(font.IsValid());
+}
+
+TEST(Font, MetricsFollowTheStyle) {
+    Overlay overlay;
+    KRN_Font& font = overlay.font;
+    EXPECT_EQ(font.Advance('W') * font.Size(), 24);
+    EXPECT_EQ(font.LineHeight() * font.Size(), 24);
+    font.SetTextStyle(2, 0xFF123456, 3, 7, 0.5f);
+    EXPECT_EQ(font.Advance('W'), 8);
+    EXPECT_EQ(font.LineHeight(), 12);
+    font.SetTextStyle(2, 0xFF123456, kKeepSpacing, 1, 0.5f);
+    EXPECT_EQ(font.Advance('W'), 8);
+    EXPECT_EQ(font.LineHeight(), 6);
+    EXPECT_EQ(font.Colour(), 0xFF123456);
+}
+
+TEST(Printf, BreaksTextIntoLinesAndKnownCharacters) {
+    Overlay overlay;
+    overlay.gfx->Printf(10, 20, "ab%c\tC~\x7F%d\n%s", 7, 42, "]^z");
+    ASSERT_EQ(overlay.Text().Lines().size(), 2u);
+    EXPECT_EQ(overlay.Characters(0), "AB C42");
+    EXPECT_EQ(overlay.Characters(1), "]Z");
+    EXPECT_EQ(overlay.Text().Lines()[0].y, 20);
+    EXPECT_EQ(overlay.Text().Lines()[1].y, 44);
+    EXPECT_EQ(overlay.Text().Entity(1).x, 10);
+    EXPECT_EQ(overlay.Text().Entity(0).width, 6 * 24);
+}
+
+TEST(Printf, GoesOnBehindTheTextBefore) {
+    Overlay overlay;
+    overlay.gfx->Printf(10, 20, "AB");
+    overlay.gfx->SetFont(&overlay.font, 2, 0xFF112233);
+    overlay.gfx->Printf("C");
+    ASSERT_EQ(overlay.Text().Lines().size(), 1u);
+    EXPECT_EQ(overlay.Text().Entity(1).x, 10 + 48);
+    EXPECT_EQ(overlay.Text().Entity(1).colour, 0xFF112233);
+    EXPECT_EQ(overlay.Text().Entity(1).size_x, 2);
+    EXPECT_EQ(overlay.Text().Lines()[0].height, 24);
+}
+
+TEST(Printf, CentredTextLiesAroundItsX) {
+    Overlay overlay;
+    overlay.gfx->PrintfCentred(100, 20, "ABC");
+    EXPECT_EQ(overlay.Text().Entity(0).x, 100 - 36);
+    overlay.gfx->Printf(100, 60, "ABC");
+    EXPECT_EQ(overlay.Text().Entity(1).x, 100) << "the options came back";
+}
+
+TEST(Printf, TooLongTextIsDropped) {
+    Overlay overlay;
+    const Reports reports;
+    overlay.gfx->Printf(0, 0, "%s", std::string(65536, 'A').c_str());
+    EXPECT_EQ(reports.Last(), "warning KRN_Gfx: String too long for Printf()");
+    EXPECT_TRUE(overlay.Text().Lines().empty());
+    overlay.gfx->Printf(0, 0, "%s", std::string(65535, 'A').c_str());
+    EXPECT_EQ(overlay.Characters(0).size(), 65535u);
+}
+
+TEST(Printf, NeedsAFont) {
+    RecordedGfx gfx;
+    gfx->Printf(0, 0, "text");
+    EXPECT_TRUE(gfx->Parts().text.Lines().empty());
+    KRN_Font without_sheet;
+    EXPECT_EQ(ErrorOf([&] { gfx->SetFont(nullptr, 1, 0); }), "KRN_PrintfContainer: Tried to set invalid font");
+    EXPECT_EQ(ErrorOf([&] { gfx->SetFont(&without_sheet, 1, 0); }), "KRN_PrintfContainer: Tried to set invalid font");
+}
+
+TEST(PrintfOptions, AColourWithoutAlphaAndASizeOfZeroKeepTheFonts) {
+    Overlay overlay;
+    overlay.gfx->SetFont(&overlay.font, 0, 0x00FFFFFF);
+    overlay.font.SetTextStyle(3, 0xFF778899, kKeepSpacing, kKeepSpacing, 0.75f);
+    overlay.gfx->Printf(0, 0, "A");
+    overlay.font.SetTextStyle(1, 0xFFFFFFFF, kKeepSpacing, kKeepSpacing, 0.75f);
+    EXPECT_EQ(overlay.Text().Entity(0).colour, 0xFF778899) << "as it was printed";
+    EXPECT_EQ(overlay.Text().Entity(0).size_y, 3);
+}
+
+TEST(PrintfOptions, AreAStackOfEight) {
+    Overlay overlay;
+    KRN_PrintfContainer& text = overlay.Text();
+    for (int i = 0; i < 8; ++i) {
+        text.Options().x = static_cast<float>(i + 10);
+        text.SaveOptions();
+    }
+    EXPECT_EQ(ErrorOf([&] { text.SaveOptions(); }), "KRN_PrintfContainer: SaveOptions() stack overflow");
+    text.RestoreOptions();
+    text.RestoreOptions();
+    EXPECT_EQ(text.Options().x, 16);
+    for (int i = 0; i < 9; ++i) text.RestoreOptions();
+    EXPECT_EQ(text.Options().x, 10) << "an empty stack gives nothing back";
+}
+
+TEST(DrawText, DrawsAQuadForEachGlyph) {
+    Overlay overlay;
+    overlay.gfx->SetCullingMode(1);
+    overlay.gfx->Printf(10, 20, "AB");
+    overlay.gfx->DrawText();
+    ASSERT_EQ(overlay.gfx.recording.Draws().size(), 1u);
+    const RecordedDraw& draw = overlay.gfx.recording.Draws()[0];
+    EXPECT_EQ(draw.type, D3DPT_TRIANGLELIST);
+    EXPECT_EQ(draw.count, 4u);
+    EXPECT_EQ(draw.render_states.at(D3DRS_ZENABLE), 0u);
+    EXPECT_EQ(draw.render_states.at(D3DRS_CULLMODE), D3DCULL_NONE);
+    const std::vector<KRN_TLVertex> v = overlay.Drawn();
+    ASSERT_EQ(v.size(), 12u);
+    // The line is 24 high, the base lies at three quarters: the run's top is 6 below the line's.
+    EXPECT_EQ(v[1].x, 9.5f);
+    EXPECT_EQ(v[1].y, 25.5f);
+    EXPECT_EQ(v[5].x, 29.5f);
+    EXPECT_EQ(v[0].y, 45.5f);
+    EXPECT_EQ(v[1].u, 72 / 128.0f);
+    EXPECT_EQ(v[0].v, 11 / 32.0f);
+    EXPECT_EQ(v[7].x, 33.5f) << "the second glyph, 24 further";
+    for (const KRN_TLVertex& vertex : v) {
+        EXPECT_EQ(vertex.diffuse, 0xFFFFFFFF);
+        EXPECT_EQ(vertex.specular, 0xFF000000);
+        EXPECT_EQ(vertex.z, 1.0f);
+        EXPECT_EQ(vertex.rhw, 1.0f);
+    }
+    EXPECT_EQ(overlay.gfx->CullingMode(), 1);
+    EXPECT_EQ(overlay.gfx->Parts().samplers.MagFilter(0), D3DTEXF_LINEAR);
+    EXPECT_THAT(overlay.gfx.recording.Sent(0, D3DSAMP_MINFILTER), ElementsAre(D3DTEXF_POINT, D3DTEXF_LINEAR));
+    overlay.gfx->DrawText();
+    EXPECT_EQ(overlay.gfx.recording.Draws().size(), 1u) << "the text is gone";
+}
+
+TEST(DrawText, BatchesHold256Glyphs) {
+    Overlay overlay(1);
+    overlay.gfx->Printf(0, 0, "%s", std::string(600, 'A').c_str());
+    overlay.gfx->DrawText();
+    std::vector<UINT> triangles;
+    for (const RecordedDraw& draw : overlay.gfx.recording.Draws()) triangles.push_back(draw.count);
+    EXPECT_THAT(triangles, ElementsAre(512, 512, 176));
+}
+
+TEST(DrawText, RunsOfDifferentSizesShareTheirBase) {
+    Overlay overlay;
+    overlay.gfx->Printf(10, 20, "A");
+    overlay.gfx->SetFont(&overlay.font, 2, 0);
+    overlay.gfx->Printf("A");
+    overlay.gfx->DrawText();
+    const std::vector<KRN_TLVertex> v = overlay.Drawn();
+    ASSERT_EQ(v.size(), 12u);
+    EXPECT_EQ(v[1].y, 20 + 24 - 18 - 0.5f);
+    EXPECT_EQ(v[7].y, 20 + 24 - 9 - 0.5f);
+}
+
+TEST(DrawText, LinesOutsideTheRectangleAreLeftOut) {
+    Overlay overlay;
+    for (const float y : {300.0f, 5.0f, 100.0f, 200.0f}) overlay.gfx->Printf(7, y, "A");
+    const RECT rectangle = {0, 110, 640, 210};
+    overlay.gfx->Parts().text_drawer.Draw(overlay.Text(), rectangle, 3, 0);
+    const std::vector<KRN_TLVertex> v = overlay.Drawn();
+    ASSERT_EQ(v.size(), 12u) << "the line at 100 reaches in, the one at 200 begins inside";
+    EXPECT_EQ(v[1].x, 3.5f) << "scrolled by 3";
+    EXPECT_EQ(v[1].y, 105.5f);
+    EXPECT_EQ(v[7].y, 205.5f);
+    std::vector<DWORD> first_viewport;
+    for (const RecordedCall& call : overlay.gfx.recording.Calls()) {
+        if (call.method == "SetViewport" && first_viewport.empty()) first_viewport = call.arguments;
+    }
+    first_viewport.resize(4);
+    EXPECT_THAT(first_viewport, ElementsAre(0, 110, 640, 100));
+    EXPECT_EQ(overlay.gfx->Viewport().Height, 480u);
+}
+
+TEST(DrawText, AnEmptyRectangleDrawsNothing) {
+    Overlay overlay;
+    overlay.gfx->Printf(10, 20, "A");
+    for (const RECT& rectangle : {RECT{10, 10, 10, 400}, RECT{10, 400, 300, 10}}) {
+        overlay.gfx->Parts().text_drawer.Draw(overlay.Text(), rectangle, 0, 0);
+    }
+    EXPECT_EQ(overlay.gfx.recording.Draws().size(), 0u);
+}
+
+TEST(DrawText, LimitsCutTheRectangle) {
+    Overlay overlay;
+    overlay.gfx->Printf(10, 20, "AB");
+    const RECT limits = {0, 0, 40, 400}, elsewhere = {300, 0, 400, 400}, whole = {0, 0, 640, 480};
+    TextDrawer& drawer = overlay.gfx->Parts().text_drawer;
+    drawer.SetLimits(&elsewhere);
+    drawer.Draw(overlay.Text(), whole, 0, 0);
+    EXPECT_EQ(overlay.gfx.recording.Draws().size(), 0u) << "no text lies there";
+    drawer.SetLimits(&limits);
+    drawer.Draw(overlay.Text(), whole, 0, 0);
+    EXPECT_EQ(overlay.gfx.recording.Draws().size(), 1u);
+    std::vector<DWORD> viewport;
+    for (const RecordedCall& call : overlay.gfx.recording.Calls()) {
+        if (call.method == "SetViewport" && viewport.empty()) viewport = call.arguments;
+    }
+    viewport.resize(4);
+    EXPECT_THAT(viewport, ElementsAre(10, 20, 30, 24)) << "the limits and the text's own extent";
+}
+
+}   // namespace
+}   // namespace sparkrig

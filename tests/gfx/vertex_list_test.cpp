@@ -1,0 +1,234 @@
+#include "gfx/vertex_list.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "gfx/gfx_parts.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(VertexLayout, PlacesTheComponents) {
+    constexpr struct {
+        DWORD format;
+        int stride, weights, normal, point_size, diffuse, specular, texture_sets, first_texture;
+    } kRows[] = {
+        // clang-format off
+        {0x042,   16, 0, 12, 12, 12, 16, 0, 0 },
+        {0x102,   20, 0, 12, 12, 12, 12, 1, 12},
+        {0x012,   24, 0, 12, 24, 24, 24, 0, 0 },
+        {0x1C2,   28, 0, 12, 12, 12, 16, 1, 20},
+        {0x112,   32, 0, 12, 24, 24, 24, 1, 24},
+        {0x1C4,   32, 0, 16, 16, 16, 20, 1, 24},
+        {0x212,   40, 0, 12, 24, 24, 24, 2, 24},
+        {0x40212, 44, 0, 12, 24, 24, 24, 2, 24},
+        {0x272,   48, 0, 12, 24, 28, 32, 2, 32},
+        {0x1018,  32, 2, 20, 32, 32, 32, 0, 0 },
+        {0x101A,  36, 3, 24, 36, 36, 36, 0, 0 },
+        {0x111C,  48, 4, 28, 40, 40, 40, 1, 40},
+        {0x006,   12, 1, 12, 12, 12, 12, 0, 0 },
+        {0x00E,   0,  0, 0,  0,  0,  0,  0, 0 },
+        // clang-format on
+    };
+    for (const auto& row : kRows) {
+        SCOPED_TRACE(row.format);
+        const VertexLayout layout = ComputeVertexLayout(row.format);
+        EXPECT_EQ(layout.format, row.format);
+        EXPECT_EQ(layout.stride, row.stride);
+        EXPECT_EQ(layout.weights, row.weights);
+        EXPECT_EQ(layout.position, 0);
+        EXPECT_EQ(layout.normal, row.normal);
+        EXPECT_EQ(layout.point_size, row.point_size);
+        EXPECT_EQ(layout.diffuse, row.diffuse);
+        EXPECT_EQ(layout.specular, row.specular);
+        EXPECT_EQ(layout.texture_sets, row.texture_sets);
+        EXPECT_EQ(layout.texture_offset[0], row.first_texture);
+    }
+    EXPECT_EQ(ComputeVertexLayout(0x1018).rhw_or_weights, 12);
+}
+
+TEST(VertexLayout, ReadsTheSizeOfEachTextureSet) {
+    const VertexLayout layout = ComputeVertexLayout(0x402 | 3u << 16 | 1u << 18 | 2u << 20);
+    EXPECT_THAT(std::vector<int>(layout.texture_floats, layout.texture_floats + 4), ElementsAre(1, 3, 4, 2));
+    EXPECT_THAT(std::vector<int>(layout.texture_offset, layout.texture_offset + 4), ElementsAre(12, 16, 28, 44));
+    EXPECT_EQ(ComputeVertexLayout(0xF02).texture_sets, 8) << "fifteen are asked for, eight exist";
+}
+
+TEST(VertexList, DerivesPrimitivesFromElements) {
+    constexpr struct {
+        const char* name;
+        int mode;
+        UINT elements, primitives;
+    } kRows[] = {{"point list", 1, 5, 5},      {"line list", 2, 5, 2},      {"line strip", 3, 5, 4},
+                 {"triangle list", 4, 30, 10}, {"triangle strip", 5, 4, 2}, {"triangle fan", 6, 7, 5},
+                 {"no line", 3, 0, 0},         {"no triangle", 5, 1, 0}};
+    const RecordedGfx gfx;
+    KRN_VertexList reporter(PrimitiveMode::PointList, 0x42);
+    for (const auto& row : kRows)
+        EXPECT_EQ(PrimitiveCount(reporter, row.mode, row.elements), row.primitives) << row.name;
+    for (const int mode : {0, 7}) {
+        EXPECT_EQ(ErrorOf([&] { PrimitiveCount(reporter, mode, 5); }),
+                  "KRN_ListBase: *undefined*: Invalid PointList mode selected! (" + std::to_string(mode) + ")");
+    }
+}
+
+TEST(VertexList, PoolAndUsageFollowTheRequest) {
+    constexpr struct {
+        const char* name;
+        int usage;
+        bool system_memory, sprites, hardware;
+        DWORD sent_usage, pool;
+    } kRows[] = {
+        {"plain", -1, false, false, true, 0, D3DPOOL_MANAGED},
+        {"points", -1, false, true, true, D3DUSAGE_POINTS, D3DPOOL_MANAGED},
+        {"dynamic", 0x208, false, true, true, 0x208, D3DPOOL_DEFAULT},
+        {"system memory", 0x208, true, false, true, 0x208, D3DPOOL_SYSTEMMEM},
+        {"without hardware", 8, false, false, false, 0x18, D3DPOOL_MANAGED},
+    };
+    for (const auto& row : kRows) {
+        SCOPED_TRACE(row.name);
+        RecordedGfx gfx(RecordedGfx::State::Constructed);
+        if (!row.hardware) gfx.recording.caps.DevCaps = 0;
+        gfx.Init();
+        KRN_VertexListTemp<KRN_LVertex> list(PrimitiveMode::TriangleStrip);
+        list.PointSprites().sprites = row.sprites;
+        EXPECT_TRUE(gfx->CreateVertexList(&list, 7, row.usage, row.system_memory));
+        EXPECT_EQ(gfx.recording.Calls().back().arguments,
+                  (std::vector<DWORD>{7 * 28, row.sent_usage, 0x1C2, row.pool}));
+        EXPECT_EQ(list.ElementCount(), 7u);
+        EXPECT_EQ(list.PrimitiveCount(), 5u);
+        list.SetMode(PrimitiveMode::LineList);
+        EXPECT_EQ(list.PrimitiveCount(), 3u);
+        EXPECT_EQ(list.SoftwareProcessing(), !row.hardware);
+    }
+}
+
+TEST(VertexList, MoreWeightsThanTheHardwareBlendsAreProcessedInSoftware) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    gfx.recording.caps.MaxVertexBlendMatrices = 2;
+    gfx.Init();
+    KRN_VertexList list(PrimitiveMode::PointList, 0x101A);
+    gfx->CreateVertexList(&list, 2, 0, false);
+    EXPECT_TRUE(list.SoftwareProcessing());
+}
+
+TEST(VertexList, RefusesWhatNoBufferHolds) {
+    RecordedGfx gfx;
+    KRN_VertexListTemp<KRN_LVertex> list;
+    EXPECT_EQ(ErrorOf([&] { gfx->CreateVertexList(nullptr, 3, -1, false); }), "KRN_Gfx: VertexList is NULL pointer");
+    for (const UINT elements : {0u, 0xFFFFFFFFu, 0xFFFFFFFFu / 28 + 1}) {
+        EXPECT_EQ(ErrorOf([&] { gfx->CreateVertexList(&list, elements, -1, false); }),
+                  "KRN_Gfx: CreateVertexBuffer in CreateVertexList failed: D3DERR_INVALIDCALL");
+    }
+    KRN_VertexList empty(PrimitiveMode::PointList, 0);
+    EXPECT_EQ(ErrorOf([&] { gfx->CreateVertexList(&empty, 3, -1, false); }),
+              "KRN_Gfx: CreateVertexBuffer in CreateVertexList failed: D3DERR_INVALIDCALL");
+}
+
+TEST(VertexList, LocksAPartInElements) {
+    RecordedGfx gfx;
+    KRN_VertexListTemp<KRN_LVertex> list;
+    const std::string kLockFailed = "KRN_ListBase: *undefined*: Lock failed: D3DERR_INVALIDCALL";
+    EXPECT_EQ(ErrorOf([&] { list.Lock(0, 1, 0); }), kLockFailed) << "no buffer yet";
+    gfx->CreateVertexList(&list, 10, -1, false);
+    ASSERT_NE(list.Lock(3, 2, D3DLOCK_NOSYSLOCK), nullptr);
+    const std::vector<DWORD>& lock = gfx.recording.Calls().back().arguments;
+    EXPECT_THAT(std::vector<DWORD>(lock.begin() + 1, lock.end()), ElementsAre(3 * 28, 2 * 28, D3DLOCK_NOSYSLOCK));
+    EXPECT_TRUE(list.IsLocked());
+    EXPECT_TRUE(list.Unlock());
+    EXPECT_FALSE(list.IsLocked());
+    EXPECT_EQ(ErrorOf([&] { list.Unlock(); }), "KRN_ListBase: *undefined*: Unlock failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { list.Lock(9, 2, 0); }), kLockFailed);
+    EXPECT_EQ(ErrorOf([&] { list.Lock(11, 0, 0); }), kLockFailed);
+}
+
+TEST(VertexList, IsDrawnWithItsWorldAndPoints) {
+    RecordedGfx gfx;
+    KRN_VertexListTemp<KRN_PointVertex> list(PrimitiveMode::PointList);
+    EXPECT_EQ(list.PointSprites().size, 4.0f);
+    list.PointSprites().sprites = true;
+    list.SetPosition(3, 5, 7, true);
+    gfx->CreateVertexList(&list, 4, -1, false);
+    std::fill_n(list.Lock(0, 4, 0), 4, KRN_PointVertex{1, 2, 3, 0xFF445566});
+    list.Unlock();
+    gfx->BeginScene();
+    gfx->DrawTriangleList(list, 1, 3);
+    ASSERT_EQ(gfx.recording.Draws().size(), 1u);
+    const RecordedDraw& draw = gfx.recording.Draws()[0];
+    EXPECT_EQ(draw.type, D3DPT_POINTLIST);
+    EXPECT_EQ(draw.first, 1u);
+    EXPECT_EQ(draw.count, 3u);
+    EXPECT_EQ(draw.fvf, 0x42u);
+    EXPECT_EQ(draw.stride, 16u);
+    EXPECT_EQ(draw.world.m[3][2], 7);
+    EXPECT_EQ(draw.render_states.at(D3DRS_POINTSPRITEENABLE), 1u);
+    EXPECT_EQ(draw.vertices.size(), 3 * sizeof(KRN_PointVertex));
+}
+
+TEST(VertexList, CountsWhatItDraws) {
+    RecordedGfx gfx;
+    KRN_VertexListTemp<KRN_LVertex> list;
+    gfx->CreateVertexList(&list, 30, -1, false);
+    gfx->BeginScene();
+    gfx->DrawTriangleList(list, 0, 0);
+    EXPECT_EQ(gfx.recording.Draws().size(), 0u);
+    gfx->DrawTriangleList(list, 0, -1);
+    EXPECT_EQ(gfx.recording.Draws().back().count, 10u);
+    for (const int count : {11, -2}) {
+        EXPECT_EQ(ErrorOf([&] { gfx->DrawTriangleList(list, 0, count); }),
+                  "KRN_Gfx: Number of elements in DrawTriangleList too high! (" + std::to_string(count) + ")");
+    }
+    DrawStatistics& statistics = gfx->Parts().statistics;
+    statistics.suppress_draws = true;
+    gfx->DrawTriangleList(list, 0, 4);
+    EXPECT_EQ(gfx.recording.Draws().size(), 1u) << "counted, not drawn";
+    EXPECT_EQ(statistics.draw_calls, 2u);
+    EXPECT_EQ(statistics.primitives, 14u);
+    gfx->EndScene();
+    gfx->PresentFrame();
+    EXPECT_EQ(statistics.draw_calls, 0u);
+}
+
+TEST(VertexList, FailuresOfDrawingAreErrors) {
+    constexpr struct {
+        const char* method;
+        const char* message;
+    } kRows[] = {{"SetStreamSource", "KRN_Gfx: SetStreamSource in DrawVertexList failed: E_FAIL"},
+                 {"SetFVF", "KRN_Gfx: Failed to set flexible vertex format: E_FAIL"},
+                 {"DrawPrimitive", "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL"}};
+    for (const auto& row : kRows) {
+        RecordedGfx gfx;
+        KRN_VertexListTemp<KRN_LVertex> list;
+        gfx->CreateVertexList(&list, 30, -1, false);
+        gfx->BeginScene();
+        gfx.recording.Fail(row.method, E_FAIL);
+        EXPECT_EQ(ErrorOf([&] { gfx->DrawTriangleList(list, 0, -1); }), row.message);
+    }
+}
+
+TEST(ImmediateLists, AreMadeOnceAndFilled) {
+    RecordedGfx gfx;
+    ImmediateLists& lists = gfx->Parts().immediate;
+    const KRN_TLVertex* screen = lists.screen.Lock(0, 32, 0);
+    EXPECT_EQ(screen[31].diffuse, 0xFFFFFFFF);
+    EXPECT_EQ(screen[31].rhw, 1.0f);
+    lists.screen.Unlock();
+    const KRN_VertexPosTex* quad = lists.quad.Lock(0, 4, 0);
+    EXPECT_EQ(quad[3].x, 1.0f);
+    EXPECT_EQ(quad[3].v, 0.0f);
+    lists.quad.Unlock();
+    EXPECT_EQ(lists.triangles.ElementCount(), 32u);
+    EXPECT_EQ(lists.lines.PrimitiveCount(), 16u);
+    EXPECT_EQ(lists.point.ElementCount(), 1u);
+    gfx->ResetDevice(nullptr, -1);
+    EXPECT_NE(lists.point.Buffer(), nullptr);
+}
+
+}   // namespace
+}   // namespace sparkrig
