@@ -103,7 +103,7 @@ TEST_F(TextureCatalogue, ABrokenPictureIsAnErrorAtEveryUse) {
     Load("\"broken\" = \"broken.png\"\n");
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(ErrorOf([&] { catalogue_.GetTexture("broken"); }),
-                  " D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:broken.png)");
+                  "KRN_Gfx:  D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:broken.png)");
 }
 
 TEST_F(TextureCatalogue, BorrowedTexturesSurviveAReset) {

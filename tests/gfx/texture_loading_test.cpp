@@ -63,25 +63,25 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
         int parameter;
         const char* error;
     } rows[] = {
-        {"", -1, "Invalid file name in LoadTexture"},
-        {nullptr, -1, "Invalid file name in LoadTexture"},
-        {"a.png", 4, "Wrong texture parameter in LoadTexture!"},
-        {"a.png", -2, "Wrong texture parameter in LoadTexture!"},
-        {"gone.png", -1, "Can not open file gone.png"},
-        {"text.png", -1, " D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:text.png)"},
-        {"blank.ifl", -1, "Empty texture file list"},
-        {"self.ifl", -1, "Texture file list in texture file list 'self.ifl': self.ifl"},
-        {"missing.ifl", -1, "Can not open file gone.png"},
-        {">>Video0", -1, "Invalid video source for texture: 0"},
-        {">>Video17", -1, "Invalid video source for texture: 17"},
-        {">>Video", -1, "Invalid video source for texture: 0"},
-        {">>Video16", -1, "Invalid video source specifications for source 16"},
+        {"", -1, "KRN_Gfx: Invalid file name in LoadTexture"},
+        {nullptr, -1, "KRN_Gfx: Invalid file name in LoadTexture"},
+        {"a.png", 4, "KRN_Gfx: Wrong texture parameter in LoadTexture!"},
+        {"a.png", -2, "KRN_Gfx: Wrong texture parameter in LoadTexture!"},
+        {"gone.png", -1, "KRN_Gfx: Can not open file gone.png"},
+        {"text.png", -1, "KRN_Gfx:  D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:text.png)"},
+        {"blank.ifl", -1, "KRN_Gfx: Empty texture file list"},
+        {"self.ifl", -1, "KRN_Gfx: Texture file list in texture file list 'self.ifl': self.ifl"},
+        {"missing.ifl", -1, "KRN_Gfx: Can not open file gone.png"},
+        {">>Video0", -1, "KRN_Gfx: Invalid video source for texture: 0"},
+        {">>Video17", -1, "KRN_Gfx: Invalid video source for texture: 17"},
+        {">>Video", -1, "KRN_Gfx: Invalid video source for texture: 0"},
+        {">>Video16", -1, "KRN_Gfx: Invalid video source specifications for source 16"},
     };
     for (const auto& row : rows) EXPECT_EQ(LoadError(row.name, row.parameter), row.error);
     EXPECT_EQ(ErrorOf([&] { gfx_->LoadTexture(nullptr, "a.png", 0, -1); }),
-              "KRN_Texture pointer in LoadTexture is NULL pointer!");
+              "KRN_Gfx: KRN_Texture pointer in LoadTexture is NULL pointer!");
     gfx_.recording.Fail("CreateTexture", D3DERR_OUTOFVIDEOMEMORY);
-    EXPECT_EQ(LoadError("a.png"), " D3DXCreateTextureFromFileA failed: D3DERR_OUTOFVIDEOMEMORY (file:a.png)");
+    EXPECT_EQ(LoadError("a.png"), "KRN_Gfx:  D3DXCreateTextureFromFileA failed: D3DERR_OUTOFVIDEOMEMORY (file:a.png)");
     EXPECT_FALSE(texture_.HasSurface());
 }
 
@@ -261,9 +261,9 @@ TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
     texture_.SetSequenceTiming({1.0f, 0.5f, PlaybackMode::Loop});
     texture_.Update(1.75f);
     EXPECT_EQ(texture_.CurrentFrame(), 1);
-    EXPECT_EQ(ErrorOf([&] { texture_.SelectSequenceFrame(3); }), "Invalid sequence number");
-    EXPECT_EQ(ErrorOf([&] { texture_.FreeSequenceFrame(3); }), "Invalid sequence to free: 3");
-    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(1, false); }), "No stages with texture sequence allowed");
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectSequenceFrame(3); }), "KRN_Texture: Invalid sequence number");
+    EXPECT_EQ(ErrorOf([&] { texture_.FreeSequenceFrame(3); }), "KRN_Texture: Invalid sequence to free: 3");
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(1, false); }), "KRN_Texture: No stages with texture sequence allowed");
     texture_.FreeSequenceFrame(1);
     EXPECT_FALSE(texture_.HasSurface());
     Load("f2.png");
@@ -275,15 +275,17 @@ TEST_F(TextureLoading, AListHasABound) {
     std::string list;
     for (int i = 0; i <= kMaxSequenceFrames; ++i) list += "a.png\n";
     WriteFile("long.ifl", list);
-    EXPECT_EQ(LoadError("long.ifl"), "More than 4096 frames in texture file list 'long.ifl'");
+    EXPECT_EQ(LoadError("long.ifl"), "KRN_Gfx: More than 4096 frames in texture file list 'long.ifl'");
 }
 
 // ---- Video sources
 
 TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
     VideoSource& source = gfx_->Parts().videos[15];
-    EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(16); }), "Invalid video source nurber in UpdateVideoSource(): 16");
-    EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(15); }), "No video source update function specified for source 15");
+    EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(16); }),
+              "KRN_Gfx: Invalid video source nurber in UpdateVideoSource(): 16");
+    EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(15); }),
+              "KRN_Gfx: No video source update function specified for source 15");
     source.format = D3DFMT_A8R8G8B8;
     source.width = 5;
     source.height = 3;
@@ -293,7 +295,7 @@ TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
         ++updates;
     };
     gfx_.recording.Fail("CreateTexture", D3DERR_NOTAVAILABLE);
-    EXPECT_EQ(LoadError(">>Video16"), "CreateTexture for video source failed: D3DERR_NOTAVAILABLE ");
+    EXPECT_EQ(LoadError(">>Video16"), "KRN_Gfx: CreateTexture for video source failed: D3DERR_NOTAVAILABLE ");
 
     KRN_Texture other;
     Load(">>Video16");
@@ -326,11 +328,11 @@ TEST_F(TextureLoading, CreatesByMode) {
         EXPECT_EQ(texture_.Height(), 7.0f) << row.mode;
     }
     EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(nullptr, 4, 4, 4, -1, 1); }),
-              "KRN_Texture pointer in CreateTexture is NULL pointer!");
+              "KRN_Gfx: KRN_Texture pointer in CreateTexture is NULL pointer!");
     EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 5, -1, 1); }),
-              "Wrong texture parameter in CreateTexture!");
+              "KRN_Gfx: Wrong texture parameter in CreateTexture!");
     EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 4 | kCreateDynamic, -1, 1); }),
-              "CreateTexture failed: D3DERR_INVALIDCALL");
+              "KRN_Gfx: CreateTexture failed: D3DERR_INVALIDCALL");
 }
 
 TEST_F(TextureLoading, CountsTheDefaultPoolAndDropsItAtAReset) {

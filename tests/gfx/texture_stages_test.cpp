@@ -59,10 +59,10 @@ TEST_F(TextureStagesTest, IsBoundOnlyWhenItChanges) {
 
 TEST_F(TextureStagesTest, ARefusedBindingIsTriedAgain) {
     gfx_.recording.Fail("SetTexture", D3DERR_INVALIDCALL);
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "SetTexture failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: SetTexture failed: D3DERR_INVALIDCALL");
     gfx_->SetTexture(&texture_, -1);
     EXPECT_EQ(Bound(0), texture_.DeviceTexture());
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, 8); }), "Invalid stage: 8");
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, 8); }), "KRN_Gfx: Invalid stage: 8");
 }
 
 TEST_F(TextureStagesTest, NoTextureUnbindsAndShowsTheDiffuseColour) {
@@ -123,10 +123,10 @@ TEST_F(TextureStagesTest, WrongOrdersAreRefused) {
     texture_.SetStageMap(0, MapKind::Bump, 1);
     Create(1, MapKind::Diffuse);
     EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }),
-              "More than one diffuse map requires a diffuse map at stage 0");
+              "KRN_Gfx: More than one diffuse map requires a diffuse map at stage 0");
     texture_.SetStageMap(0, MapKind::Diffuse, 1);
     texture_.SetStageMap(1, MapKind::Reflection, 1);
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "Reflection map in stage other than zero!");
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: Reflection map in stage other than zero!");
 }
 
 TEST_F(TextureStagesTest, BumpMapsMoveTheNextStageByTheirAmount) {

@@ -75,23 +75,23 @@ TEST_F(TextureSurface, LocksTheChosenLevel) {
 }
 
 TEST_F(TextureSurface, ReportsWhatTheDeviceRefuses) {
-    EXPECT_EQ(ErrorOf([&] { texture_.Lock(nullptr, 0); }), "LockRect failed: D3DERR_INVALIDCALL");
-    EXPECT_EQ(ErrorOf([&] { texture_.Unlock(); }), "UnlockRect failed: D3DERR_INVALIDCALL");
-    EXPECT_EQ(ErrorOf([&] { texture_.GetSurfaceLevel(0); }), "GetSurfaceLevel failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.Lock(nullptr, 0); }), "KRN_Texture: LockRect failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.Unlock(); }), "KRN_Texture: UnlockRect failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.GetSurfaceLevel(0); }), "KRN_Texture: GetSurfaceLevel failed: D3DERR_INVALIDCALL");
     Create(4, 4, D3DFMT_A8R8G8B8);
-    EXPECT_EQ(ErrorOf([&] { texture_.GetSurfaceLevel(1); }), "GetSurfaceLevel failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.GetSurfaceLevel(1); }), "KRN_Texture: GetSurfaceLevel failed: D3DERR_INVALIDCALL");
     gfx_.recording.Fail("LockRect", E_OUTOFMEMORY);
-    EXPECT_EQ(ErrorOf([&] { texture_.Lock(nullptr, 0); }), "LockRect failed: E_OUTOFMEMORY");
+    EXPECT_EQ(ErrorOf([&] { texture_.Lock(nullptr, 0); }), "KRN_Texture: LockRect failed: E_OUTOFMEMORY");
     texture_.Lock(nullptr, 0);
     gfx_.recording.Fail("UnlockRect", D3DERR_DRIVERINTERNALERROR);
-    EXPECT_EQ(ErrorOf([&] { texture_.Unlock(); }), "UnlockRect failed: D3DERR_DRIVERINTERNALERROR");
+    EXPECT_EQ(ErrorOf([&] { texture_.Unlock(); }), "KRN_Texture: UnlockRect failed: D3DERR_DRIVERINTERNALERROR");
     texture_.Unlock();
     gfx_.recording.Fail("GetDesc", E_FAIL);
-    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, nullptr); }), "GetDesc failed: E_FAIL");
+    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, nullptr); }), "KRN_Texture: GetDesc failed: E_FAIL");
 
     Create(4, 4, D3DFMT_X1R5G5B5);
     texture_.Lock(nullptr, 0);
-    EXPECT_EQ(ErrorOf([&] { texture_.GetPixel(1, 1); }), "Unsupported pixel format! (24)");
+    EXPECT_EQ(ErrorOf([&] { texture_.GetPixel(1, 1); }), "KRN_Texture: Unsupported pixel format! (24)");
     texture_.Unlock();
 }
 
@@ -102,14 +102,15 @@ TEST_F(TextureSurface, Clears) {
     texture_.Lock(nullptr, D3DLOCK_READONLY);
     EXPECT_EQ(texture_.GetPixel(3, 3), 0xFF123456);
     texture_.Unlock();
-    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, &part); }), "Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
+    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, &part); }),
+              "KRN_Texture: Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
 
     Create(4, 4, D3DFMT_A8R8G8B8, 3);
     gfx_.recording.ForgetCalls();
     texture_.Clear(0xFF123456, &part);
     EXPECT_EQ(gfx_.recording.Count("ColorFill"), 1);
     gfx_.recording.Fail("ColorFill", D3DERR_INVALIDCALL);
-    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, nullptr); }), "ColorFill failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { texture_.Clear(0, nullptr); }), "KRN_Texture: ColorFill failed: D3DERR_INVALIDCALL");
 }
 
 TEST_F(TextureSurface, ReadsSinglePixelsOfCompressedBlocks) {
@@ -140,7 +141,7 @@ TEST_F(TextureSurface, ReadsSinglePixelsOfCompressedBlocks) {
         texture_.Lock(nullptr, 0);
         D3DCOLOR colour;
         EXPECT_EQ(ErrorOf([&] { texture_.GetCompressedPix(1, 1, colour); }),
-                  "Unsupported texture compression format for GetCompressedPix()");
+                  "KRN_Texture: Unsupported texture compression format for GetCompressedPix()");
         texture_.Unlock();
     }
 }
@@ -172,9 +173,9 @@ TEST_F(TextureSurface, FindsPartialAlphaInItsSamples) {
 }
 
 TEST_F(TextureSurface, LayersAreChosenWithinBounds) {
-    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(4, false); }), "Invalid texture stage selected: 4");
-    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(-1, false); }), "Invalid texture stage selected: -1");
-    EXPECT_EQ(ErrorOf([&] { texture_.SetStageMap(4, MapKind::Bump, 1); }), "Invalid texture stage: 4");
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(4, false); }), "KRN_Texture: Invalid texture stage selected: 4");
+    EXPECT_EQ(ErrorOf([&] { texture_.SelectLayer(-1, false); }), "KRN_Texture: Invalid texture stage selected: -1");
+    EXPECT_EQ(ErrorOf([&] { texture_.SetStageMap(4, MapKind::Bump, 1); }), "KRN_Texture: Invalid texture stage: 4");
     Create(8, 4, D3DFMT_A8R8G8B8);
     texture_.SelectLayer(2, false);
     EXPECT_FALSE(texture_.HasSurface());
@@ -190,7 +191,7 @@ TEST_F(TextureSurface, ASurfaceDoesTheSame) {
     Create(5, 3, D3DFMT_A8R8G8B8);
     KRN_Surface surface;
     EXPECT_FALSE(surface.HasSurface());
-    EXPECT_EQ(ErrorOf([&] { surface.Lock(nullptr, 0); }), "LockRect failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { surface.Lock(nullptr, 0); }), "KRN_Surface: LockRect failed: D3DERR_INVALIDCALL");
     surface.Wrap(texture_.GetSurfaceLevel(0).Get());
     UINT width, height;
     EXPECT_TRUE(surface.GetSize(width, height));
@@ -203,7 +204,7 @@ TEST_F(TextureSurface, ASurfaceDoesTheSame) {
     EXPECT_EQ(surface.GetPixel(4, 2), 0xFF0A0B0C);
     surface.Unlock();
     EXPECT_EQ(ErrorOf([&] { surface.Clear(*gfx_->Device(), 0, &rectangle); }),
-              "Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
+              "KRN_Surface: Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
     surface.Wrap(nullptr);
     EXPECT_FALSE(surface.HasSurface());
 }
