@@ -1,0 +1,388 @@
+#include "gfx/shader_effect.h"
+
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "gfx/gfx_parts.h"
+#include "gfx/shader_effect_search_list.h"
+#include "tests/support/recorded_gfx.h"
+#include "tests/support/reports.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+constexpr const char* kVertexFunction = "float4 V(float4 p : POSITION) : POSITION { return USE; }\n";
+constexpr const char* kOneTechnique = "technique { pass { VertexShader = compile vs_1_1 V(); } }\n";
+
+/// Works in a folder of its own, so that files have relative names.
+class ShaderEffectTest : public ::testing::Test {
+  protected:
+    ShaderEffectTest() : before_(std::filesystem::current_path()) {
+        std::string pattern = (std::filesystem::temp_directory_path() / "shader-effect-XXXXXX").string();
+        if (mkdtemp(pattern.data())) folder_ = pattern;
+        std::filesystem::current_path(folder_);
+    }
+    ~ShaderEffectTest() override {
+        std::filesystem::current_path(before_);
+        std::filesystem::remove_all(folder_);
+    }
+
+    static void Write(const char* name, const std::string& text) { std::ofstream(name, std::ios::binary) << text; }
+
+    bool LoadText(KRN_ShaderEffect& effect, const std::string& text) {
+        Write("t.fx", text);
+        return gfx_->LoadShaderEffect(effect, "t.fx", true, 0, true);
+    }
+
+    static float FloatOf(KRN_ShaderEffect& effect, const char* semantic) {
+        float value = -1;
+        effect.Effect()->GetFloat(effect.ParameterBySemantic(semantic), &value);
+        return value;
+    }
+    static D3DXVECTOR4 VectorOf(KRN_ShaderEffect& effect, const char* semantic) {
+        D3DXVECTOR4 value;
+        effect.Effect()->GetVector(effect.ParameterBySemantic(semantic), &value);
+        return value;
+    }
+    /// The block of globals that the first pass sends, as floats.
+    std::vector<float> SentGlobals(KRN_ShaderEffect& effect) {
+        effect.Begin();
+        effect.BeginPass(0);
+        std::vector<float> values;
+        for (const RecordedCall& call : gfx_.recording.Calls()) {
+            if (call.method != "SetVertexShaderGlobals") continue;
+            values.clear();
+            for (const DWORD word : call.arguments) values.push_back(std::bit_cast<float>(word));
+        }
+        effect.EndPass();
+        effect.End();
+        return values;
+    }
+
+    RecordedGfx gfx_;
+
+  private:
+    std::filesystem::path before_;
+    std::string folder_;
+};
+
+TEST_F(ShaderEffectTest, ASecondLoadSharesWithoutCompiling) {
+    Write("a.fx", std::string("#define USE p\n") + kVertexFunction + kOneTechnique);
+    KRN_ShaderEffect first, second, third;
+    ASSERT_TRUE(gfx_->LoadShaderEffect(first, "a.fx", true, 0, true));
+    ASSERT_TRUE(gfx_->LoadShaderEffect(second, "a.fx", true, 0, true));
+    EXPECT_EQ(gfx_.recording.Count("CreateVertexShader"), 1);
+    EXPECT_EQ(first.Effect(), second.Effect());
+    EXPECT_TRUE(second.IsValid());
+
+    first.Release();
+    EXPECT_FALSE(first.IsValid());
+    EXPECT_EQ(first.Effect(), nullptr);
+    EXPECT_TRUE(second.IsValid());
+    std::filesystem::last_write_time("a.fx", std::filesystem::last_write_time("a.fx") + std::chrono::seconds(10));
+    ASSERT_TRUE(gfx_->LoadShaderEffect(third, "a.fx", true, 0, true));   // changed on disk: another one
+    EXPECT_NE(third.Effect(), second.Effect());
+    gfx_->Parts().shader_effects.SetSharing(false);
+    ASSERT_TRUE(gfx_->LoadShaderEffect(second, "a.fx", true, 0, true));
+    EXPECT_NE(third.Effect(), second.Effect());
+}
+
+TEST_F(ShaderEffectTest, MissingFilesAreReportedAsAsked) {
+    KRN_ShaderEffect effect;
+    const Reports reports;
+    EXPECT_FALSE(gfx_->LoadShaderEffect(effect, "none.fx", false, 0, true));
+    EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Shader effect file 'none.fx' not found");
+    EXPECT_EQ(ErrorOf([&] { gfx_->LoadShaderEffect(effect, "none.fx", true, 0, true); }),
+              "KRN_Gfx: Shader effect file 'none.fx' not found");
+    gfx_->LoadShaderEffect(effect, "/none.fx", false, 0, true);
+    EXPECT_THAT(reports.All(), testing::Contains("warning ErrorClassSimple: Absolute file path: '/none.fx'"));
+    EXPECT_FALSE(effect.IsValid());
+}
+
+TEST_F(ShaderEffectTest, CompileFailuresCarryTheCompilersText) {
+    KRN_ShaderEffect effect;
+    Write("bad.fx", "\nfloat4 a = ;");
+    EXPECT_THAT(
+        ErrorOf([&] { gfx_->LoadShaderEffect(effect, "bad.fx", true, 0, true); }),
+        StartsWith(
+            "KRN_Gfx: Could not compile effect from file 'bad.fx': 'D3DXERR_INVALIDDATA'\n\nbad.fx(2): error X"));
+    RecordedGfx without_device(RecordedGfx::State::Constructed);
+    EXPECT_EQ(ErrorOf([&] { without_device->LoadShaderEffect(effect, "bad.fx", true, 0, true); }),
+              "KRN_Gfx: Could not compile effect from file 'bad.fx': 'D3DERR_INVALIDCALL'");
+}
+
+TEST_F(ShaderEffectTest, TheFirstTechniqueThatValidatesIsChosen) {
+    const std::string bad = "technique { pass { VertexShader = compile vs_4_0 V(); } }\n";
+    const std::string start = std::string("#define USE p\n") + kVertexFunction;
+    const struct {
+        std::string techniques;
+        int chosen;
+        bool valid;
+    } rows[] = {{bad + kOneTechnique + kOneTechnique, 1, true}, {bad + bad + bad, 2, false}, {"", -1, false}};
+    for (const auto& row : rows) {
+        const Reports reports;
+        KRN_ShaderEffect effect;
+        EXPECT_TRUE(LoadText(effect, start + row.techniques));
+        EXPECT_EQ(effect.Technique(), row.chosen);
+        EXPECT_EQ(effect.IsValid(), row.valid);
+        EXPECT_EQ(effect.SelectTechnique(), row.valid);   // the chosen one, checked again
+        EXPECT_EQ(reports.Last(),
+                  row.valid ? "" : "warning KRN_Gfx: Shader could not be validated for this GPU: 't.fx'");
+        std::filesystem::remove("t.fx");
+        gfx_->SetShaderEffect(&effect);
+        EXPECT_EQ(gfx_->EffectForDraw(), row.valid ? &effect : nullptr);
+        gfx_->SetShaderEffect(nullptr);
+    }
+}
+
+TEST_F(ShaderEffectTest, OwnTextureCoordinatesAreSetForSixStages) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "technique { pass { } }"));
+    effect.SetOwnTextureCoordinates(true);
+    gfx_.recording.ForgetCalls();
+    EXPECT_TRUE(effect.SelectTechnique());
+    for (DWORD stage = 0; stage < 8; ++stage) {
+        const std::vector<DWORD> sent = gfx_.recording.Sent(stage, D3DTSS_TEXCOORDINDEX);
+        EXPECT_EQ(sent, stage < 6 ? std::vector<DWORD>{stage} : std::vector<DWORD>()) << stage;
+    }
+}
+
+constexpr D3DXMATRIX kWorld = {{{2, 0, 0, 0}, {0, 0, 4, 0}, {0, -1, 0, 0}, {5, 6, 7, 1}}};
+constexpr D3DXMATRIX kView = {{{0, 1, 0, 0}, {-1, 0, 0, 0}, {0, 0, 1, 0}, {3, -2, 8, 1}}};
+constexpr D3DXMATRIX kProjection = {{{1.5f, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 1.25f, 1}, {0, 0, -3, 0}}};
+
+TEST_F(ShaderEffectTest, MatricesAreFilledBySemantic) {
+    const auto product = [](const D3DXMATRIX& a, const D3DXMATRIX& b) {
+        D3DXMATRIX out;
+        return *D3DXMatrixMultiply(&out, &a, &b);
+    };
+    // Rows 0 to 2 inverted and transposed by hand: scale 2, and the axes y and z exchanged by 4 and -1.
+    constexpr D3DXMATRIX kInverseTranspose = {{{0.5f, 0, 0, 0}, {0, 0, 0.25f, 0}, {0, -1, 0, 0}, {0, 0, 0, 1}}};
+    constexpr D3DXMATRIX kViewInverse = {{{0, -1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {2, 3, -8, 1}}};
+    const struct {
+        const char* semantic;
+        D3DXMATRIX value;
+    } rows[] = {{"WorldViewProjection", product(product(kWorld, kView), kProjection)},
+                {"WORLDVIEW", product(kWorld, kView)},
+                {"world", kWorld},
+                {"WorldInverseTranspose", kInverseTranspose},
+                {"View", kView},
+                {"ViewInverse", kViewInverse},
+                {"Projection", kProjection},
+                {"ViewProjection", product(kView, kProjection)}};
+    gfx_->SetTransform(D3DTS_WORLD, kWorld);
+    gfx_->SetTransform(D3DTS_VIEW, kView);
+    gfx_->SetTransform(D3DTS_PROJECTION, kProjection);
+    for (const auto& row : rows) {
+        KRN_ShaderEffect effect;
+        ASSERT_TRUE(LoadText(effect, std::string("#define USE mul(p, M)\nfloat4x4 M : ") + row.semantic + ";\n" +
+                                         kVertexFunction + kOneTechnique));
+        effect.ApplyFrameSemantics();
+        const std::vector<float> sent = SentGlobals(effect);
+        ASSERT_EQ(sent.size(), 16u);
+        for (std::size_t i = 0; i < 16; ++i)
+            EXPECT_NEAR(sent[i], row.value.m[i / 4][i % 4], 1e-5f) << row.semantic << " element " << i;
+        std::filesystem::remove("t.fx");
+        effect.Release();
+    }
+}
+
+TEST_F(ShaderEffectTest, TimesFogAndViewportAreFilled) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect,
+                         "float a : TIME; float b : GAMETIME; float c : ELAPSEDTIME; float d : RANDOM;"
+                         "float4 e : FOGSTARTEND; float4 f : InvViewPortDim; float4 g : VIEWPOSITION;"
+                         "technique { pass { } }"));
+    FogSettings fog;
+    fog.start = 2.5f;
+    fog.end = 30;
+    gfx_->SetFog(fog);
+    gfx_->SetViewPort(0, 0, 200, 50, 0, 1);
+    gfx_->SetTransform(D3DTS_VIEW, kView);
+    FakeEnvironment::now += 12.5;
+    effect.ApplyFrameSemantics();
+    EXPECT_EQ(FloatOf(effect, "time"), 12.5f);
+    EXPECT_EQ(FloatOf(effect, "gametime"), 12.5f);
+    EXPECT_EQ(FloatOf(effect, "elapsedtime"), 0.0f);   // no frame was presented yet
+    EXPECT_EQ(VectorOf(effect, "fogstartend"), (D3DXVECTOR4{2.5f, 30, 0, 0}));
+    EXPECT_EQ(VectorOf(effect, "invviewportdim"), (D3DXVECTOR4{1 / 200.0f, 1 / 50.0f, 0, 0}));
+    EXPECT_EQ(VectorOf(effect, "viewposition"), (D3DXVECTOR4{2, 3, -8, 1}));
+    const float random = FloatOf(effect, "random");
+    EXPECT_TRUE(random >= 0 && random <= 1);
+
+    ShaderEffectLoader& loader = gfx_->Parts().shader_effects;
+    loader.SetGameTimeSource([] { return 77.5f; });
+    loader.SetFrameCache(true);
+    effect.ApplyFrameSemantics();
+    EXPECT_EQ(FloatOf(effect, "gametime"), 12.5f);   // filled in this frame already
+    loader.NextFrame();
+    effect.ApplyFrameSemantics();
+    EXPECT_EQ(FloatOf(effect, "gametime"), 77.5f);
+    EXPECT_NE(FloatOf(effect, "random"), random);
+}
+
+TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect,
+                         "int a : NumDirectionalLights; int b : NumOmniLights; float4 c : AmbientColor;"
+                         "float4 d[6] : OmniLightPosition; float4 e[2] : DirectionalLightDirection;"
+                         "float4 f[6] : OmniLightAttenuation; float4 g[2] : DirectionalLightDiffCol;\n"
+                         "#define USE d[0] + e[0] + f[0] + g[0]\n" +
+                             std::string(kVertexFunction) + kOneTechnique));
+    GfxParts& parts = gfx_->Parts();
+    // Directional ones in slots 1, 4 and 6; all eight are on but slot 2.
+    for (int i = 0; i < LightSlots::kCount; ++i) {
+        const float number = static_cast<float>(i);
+        D3DLIGHT9 light = {};
+        light.Type = i == 1 || i == 4 || i == 6 ? D3DLIGHT_DIRECTIONAL : i == 3 ? D3DLIGHT_SPOT : D3DLIGHT_POINT;
+        light.Position = {number, 20, 30};
+        light.Direction = {number, -2, -3};
+        light.Diffuse = {number, 0.5f, 0.25f, 1};
+        light.Ambient = {0.125f, 0, 0.25f, 1};
+        light.Attenuation0 = number;
+        light.Attenuation2 = 9;
+        parts.lights.Set(i, light);
+        parts.lights.SetEnable(i, i != 2);
+    }
+    gfx_->SetAmbient(0x00330066);
+    effect.ApplyLightSemantics();
+    EXPECT_EQ(FloatOf(effect, "NumDirectionalLights"), 2.0f);
+    EXPECT_EQ(FloatOf(effect, "NumOmniLights"), 4.0f);
+    const D3DXVECTOR4 ambient = VectorOf(effect, "AmbientColor");   // the third directional light adds nothing
+    EXPECT_NEAR(ambient.x, 0.2f + 0.25f, 1e-6f);
+    EXPECT_EQ(ambient.y, 0.0f);
+    EXPECT_NEAR(ambient.z, 0.4f + 0.5f, 1e-6f);
+    EXPECT_EQ(ambient.w, 1.0f);
+    const std::vector<float> sent = SentGlobals(effect);   // a, b, padding, c, then the arrays
+    const auto vector = [&](std::size_t index) {
+        const float* v = &sent.at(index * 4);
+        return D3DXVECTOR4{v[0], v[1], v[2], v[3]};
+    };
+    constexpr std::size_t kPositions = 2, kDirections = 8, kAttenuations = 10;
+    const float omni[] = {0, 3, 5, 7}, directional[] = {1, 4};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(vector(kPositions + i), (D3DXVECTOR4{omni[i], 20, 30, 1}));
+        EXPECT_EQ(vector(kAttenuations + i), (D3DXVECTOR4{omni[i], 0, 9, 0}));
+    }
+    EXPECT_EQ(vector(kPositions + 4), D3DXVECTOR4());
+    for (std::size_t i = 0; i < 2; ++i) EXPECT_EQ(vector(kDirections + i), (D3DXVECTOR4{directional[i], -2, -3, 1}));
+
+    const D3DCOLOR unlit = 0x00FF8040;
+    gfx_->SetLighting(false, &unlit);
+    for (int i = 0; i < LightSlots::kCount; ++i) parts.lights.SetEnable(i, i != 1 && i != 4 && i != 6);
+    effect.ApplyLightSemantics();
+    EXPECT_EQ(FloatOf(effect, "NumOmniLights"), 5.0f);
+    EXPECT_NEAR(VectorOf(effect, "AmbientColor").y, 128 / 255.0f, 1e-6f);
+}
+
+TEST_F(ShaderEffectTest, MaterialColoursAreFilled) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect,
+                         "float4 a : DiffuseMaterial; float4 b : EmissiveMaterial; float c : SpecularPower;"
+                         "technique { pass { } }"));
+    D3DMATERIAL9 material = {};
+    material.Diffuse = {0.1f, 0.2f, 0.3f, 0.4f};
+    material.Emissive = {0.5f, 0.6f, 0.7f, 0.8f};
+    material.Power = 12;
+    gfx_->SetMaterial(material);
+    effect.ApplyMaterialSemantics();
+    EXPECT_EQ(VectorOf(effect, "DiffuseMaterial"), (D3DXVECTOR4{0.1f, 0.2f, 0.3f, 0.4f}));
+    EXPECT_EQ(VectorOf(effect, "EmissiveMaterial"), (D3DXVECTOR4{0.5f, 0.6f, 0.7f, 0.8f}));
+    EXPECT_EQ(FloatOf(effect, "SpecularPower"), 12.0f);
+}
+
+TEST_F(ShaderEffectTest, NumberedParametersComeBackAfterDrawing) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "float a : fParam3 = 1.5; float4 b : vParam8 = {2, 3, 4, 5}; technique { pass { } }"));
+    for (const bool reapply : {false, true}) {
+        effect.SetReapplyDefaults(reapply);
+        effect.SetParameter(effect.ParameterBySemantic("fParam3"), 9.0f);
+        effect.SetParameter(effect.ParameterBySemantic("vParam8"), {6, 7, 8, 9});
+        effect.Begin();
+        effect.End();
+        EXPECT_EQ(FloatOf(effect, "fParam3"), reapply ? 1.5f : 9.0f);
+        EXPECT_EQ(VectorOf(effect, "vParam8"), reapply ? (D3DXVECTOR4{2, 3, 4, 5}) : (D3DXVECTOR4{6, 7, 8, 9}));
+    }
+}
+
+TEST_F(ShaderEffectTest, ResourceTexturesComeFromTheCatalogue) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(
+        LoadText(effect,
+                 "texture a < string ResourceName = \"some\\pic~.tga\"; >; texture b < float ResourceName = 1; >;"
+                 "technique { pass { Texture[3] = <a>; } }"));
+    effect.ApplyFrameSemantics();
+    KRN_Texture* texture = gfx_->Catalogue().GetTexture("SOME\\PIC_.TGA_FX_");
+    ASSERT_NE(texture, nullptr);   // a grey picture: there is no such file
+    effect.Begin();
+    effect.BeginPass(0);
+    DevicePtr<IDirect3DTexture9> bound;
+    gfx_->Device()->GetTexture(3, bound.Receive());
+    EXPECT_EQ(bound.Get(), texture->DeviceTexture());
+    effect.End();
+}
+
+TEST_F(ShaderEffectTest, WhatTheEffectDoesNotTakeIsAnError) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "texture t : T; int4 v : V; technique { pass { } }"));
+    const D3DXHANDLE texture = effect.ParameterBySemantic("T");
+    const std::string message = "KRN_ShaderEffect: Can not SetParameter :D3DERR_INVALIDCALL";
+    EXPECT_EQ(ErrorOf([&] { effect.SetParameter(texture, 1.0f); }), message);
+    EXPECT_EQ(ErrorOf([&] { effect.SetParameter(texture, true); }), message);
+    EXPECT_EQ(ErrorOf([&] { effect.SetParameter(texture, kWorld); }), message);
+    EXPECT_EQ(ErrorOf([&] { effect.SetParameter(nullptr, D3DXVECTOR4()); }), message);
+    effect.SetParameter(effect.ParameterBySemantic("V"), {4, -5, 6, 7});
+    EXPECT_EQ(VectorOf(effect, "V"), (D3DXVECTOR4{4, -5, 6, 7}));
+    effect.Begin();
+    EXPECT_EQ(ErrorOf([&] { effect.BeginPass(1); }), "KRN_ShaderEffect: BeginPass failed: D3DERR_INVALIDCALL");
+    effect.End();
+}
+
+TEST_F(ShaderEffectTest, EffectsSurviveAReset) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "float a : fParam1 = 4; technique { pass { } }"));
+    effect.SetParameter(effect.ParameterBySemantic("fParam1"), 6.0f);
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_TRUE(effect.IsValid());
+    EXPECT_EQ(FloatOf(effect, "fParam1"), 6.0f);
+}
+
+TEST(ShaderSearchList, TriesTheCompiledEffectFirst) {
+    ShaderSearchList list;
+    EXPECT_THAT(list.Files(), IsEmpty());
+    list.SetBaseName("Glow");
+    EXPECT_THAT(list.Files(), IsEmpty());
+    list.SetAlternativeDirectory("other/");
+    EXPECT_THAT(list.Files(), ElementsAre("other/Glow.fxo", "other/Glow.fx"));
+    list.SetShaderDirectory("shader");
+    EXPECT_THAT(list.Files(), ElementsAre("shader\\Glow.fxo", "shader\\Glow.fx", "other/Glow.fxo", "other/Glow.fx"));
+}
+
+TEST_F(ShaderEffectTest, ASearchListLoadsTheFirstThatExists) {
+    std::filesystem::create_directory("shader");
+    Write("shader/glow.fx", "technique { pass { } }");
+    ShaderSearchList list;
+    list.SetBaseName("Glow");
+    list.SetShaderDirectory("SHADER");
+    KRN_ShaderEffect effect;
+    ShaderEffectLoader& loader = gfx_->Parts().shader_effects;
+    EXPECT_TRUE(loader.Load(effect, list, true, 0, false));
+    EXPECT_TRUE(effect.IsValid());
+    list.SetBaseName("Gone");
+    EXPECT_EQ(ErrorOf([&] { loader.Load(effect, list, true, 0, false); }),
+              "KRN_Gfx: Shader effect file 'SHADER\\Gone.fxo' not found");
+}
+
+}   // namespace
+}   // namespace sparkrig
