@@ -17,6 +17,7 @@ class InputBytes {
         : reporter_(reporter), next_(data), end_(data + size) {}
 
     std::size_t Left() const { return static_cast<std::size_t>(end_ - next_); }
+    const std::uint8_t* Peek() const { return next_; }
     const std::uint8_t* Take(std::size_t n) {
         if (n > Left()) reporter_.Error("End of read buffer");
         const std::uint8_t* taken = next_;

@@ -1,21 +1,35 @@
 // Numbers in the byte order of our files.
 #pragma once
-#include <cstddef>
+#include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 
 namespace sparkrig {
 
+/// From and to little-endian order: nothing on a little-endian machine.
+template <class Integer>
+Integer SwapOnBigEndian(Integer value) {
+    if constexpr (std::endian::native == std::endian::big) {
+        std::uint8_t bytes[sizeof value];
+        std::memcpy(bytes, &value, sizeof value);
+        std::reverse(bytes, bytes + sizeof value);
+        std::memcpy(&value, bytes, sizeof value);
+    }
+    return value;
+}
+
 template <class Integer>
 Integer LoadLittleEndian(const std::uint8_t* bytes) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < sizeof(Integer); ++i) value |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
-    return static_cast<Integer>(value);
+    Integer value;
+    std::memcpy(&value, bytes, sizeof value);
+    return SwapOnBigEndian(value);
 }
 
 template <class Integer>
 void StoreLittleEndian(Integer value, std::uint8_t* bytes) {
-    const auto bits = static_cast<std::uint32_t>(value);
-    for (std::size_t i = 0; i < sizeof(Integer); ++i) bytes[i] = static_cast<std::uint8_t>(bits >> (8 * i));
+    value = SwapOnBigEndian(value);
+    std::memcpy(bytes, &value, sizeof value);
 }
 
 }   // namespace sparkrig

@@ -44,16 +44,40 @@ void WriteRun(const std::uint8_t* record, std::size_t run, Size size, const Mark
 }
 
 template <class Size>
+bool Equal(const std::uint8_t* a, const std::uint8_t* b, Size size) {
+    return std::memcmp(a, b, size) == 0;
+}
+
+/// The records from here to the next marker: they stand for themselves.
+template <class Size>
+std::size_t RecordsBeforeMarker(const std::uint8_t* record, std::size_t count, Size size, const Marker& marker) {
+    std::size_t plain = 0;
+    while (plain < count && !Equal(record + plain * size, marker.bytes, size)) ++plain;
+    return plain;
+}
+
+/// The records from here to the next marker or run that is worth coding.
+template <class Size>
+std::size_t RecordsBeforeRun(const std::uint8_t* record, std::size_t count, Size size, const Marker& marker) {
+    std::size_t plain = 0;
+    for (; plain + kShortestRun <= count; ++plain, record += size)
+        if (Equal(record, marker.bytes, size) ||
+            (Equal(record, record + size, size) && Equal(record, record + 2 * size, size)))
+            return plain;
+    return plain + RecordsBeforeMarker(record, count - plain, size, marker);
+}
+
+template <class Size>
 void EncodeRecords(const std::uint8_t* record, std::size_t count, Size size, OutputBytes& out) {
     const Marker marker;
     while (count > 0) {
-        std::size_t run = RunLength(record, count, size);
-        if (run >= kShortestRun || std::memcmp(record, marker.bytes, size) == 0) {
-            WriteRun(record, run, size, marker, out);
-        } else {
-            run = 1;
-            out.Write(record, size);
-        }
+        const std::size_t plain = RecordsBeforeRun(record, count, size, marker);
+        out.Write(record, plain * size);
+        record += plain * size;
+        count -= plain;
+        if (count == 0) break;
+        const std::size_t run = RunLength(record, count, size);
+        WriteRun(record, run, size, marker, out);
         record += run * size;
         count -= run;
     }
@@ -62,14 +86,14 @@ void EncodeRecords(const std::uint8_t* record, std::size_t count, Size size, Out
 template <class Size>
 void DecodeRecords(InputBytes& in, Size size, OutputBytes& out) {
     const Marker marker;
-    while (out.Left() >= size && in.Left() >= size) {
-        const std::uint8_t* record = in.Take(size);
-        if (std::memcmp(record, marker.bytes, size) != 0) {
-            out.Write(record, size);
-            continue;
-        }
+    for (;;) {
+        const std::size_t most = std::min(in.Left(), out.Left()) / size;
+        const std::size_t plain = RecordsBeforeMarker(in.Peek(), most, size, marker);
+        out.Write(in.Take(plain * size), plain * size);
+        if (plain == most) break;   // no marker, or no room for what it stands for
+        in.Take(size);
         const std::size_t run = in.TakeByte();
-        record = in.Take(size);
+        const std::uint8_t* record = in.Take(size);
         std::uint8_t* place = out.Grow(run * size);
         for (std::size_t i = 0; i < run; ++i) std::memcpy(place + i * size, record, size);
     }

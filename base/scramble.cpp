@@ -1,5 +1,6 @@
 #include "base/scramble.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "base/little_endian.h"
@@ -32,13 +33,16 @@ void ScrambleTail(std::uint8_t* data, std::size_t size, std::uint32_t key) {
 std::uint32_t ScrambleWithGenerator(std::uint8_t* data, std::size_t size, std::uint32_t seed) {
     SeedRandom(seed);
     const std::size_t words = size / 4;
-    std::uint32_t key = 0, sum_before = 0, sum_after = 0;
-    for (std::size_t i = 0; i < words; ++i) {
-        key = i % kWordsPerDraw == 0 ? RandomUInt32() : std::rotl(key, 1);
-        const std::uint32_t before = LoadWord(data + 4 * i), after = before ^ key ^ kStreamConstant;
-        sum_before ^= before;
-        sum_after ^= after;
-        StoreLittleEndian(after, data + 4 * i);
+    std::uint32_t sum_before = 0, sum_after = 0;
+    for (std::size_t begin = 0; begin < words; begin += kWordsPerDraw) {
+        std::uint32_t key = RandomUInt32();
+        const std::size_t end = std::min(words, begin + kWordsPerDraw);
+        for (std::size_t i = begin; i < end; ++i, key = std::rotl(key, 1)) {
+            const std::uint32_t before = LoadWord(data + 4 * i), after = before ^ key ^ kStreamConstant;
+            sum_before ^= before;
+            sum_after ^= after;
+            StoreLittleEndian(after, data + 4 * i);
+        }
     }
     if (size % 4 != 0) ScrambleTail(data + 4 * words, size % 4, RandomUInt32());
     return sum_before ^ sum_after;
@@ -52,7 +56,8 @@ ScrambleKey MakeScrambleKey(int version, std::uint32_t data_bytes) {
     return key;
 }
 
-void ScrambleWithKey(std::uint8_t* data, std::size_t size, const ScrambleKey& key) {
+void ScrambleWithKey(std::uint8_t* data, std::size_t size, const ScrambleKey& shared_key) {
+    const ScrambleKey key = shared_key;   // a copy that writing the data cannot change
     const std::size_t words = size / 4;
     for (std::size_t i = 0; i < words; ++i) {
         const auto square = static_cast<std::uint32_t>(i * i);

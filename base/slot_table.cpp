@@ -83,15 +83,4 @@ void SlotTable::VacateAll() {
     order_stale_ = true;
 }
 
-void* SlotTable::NextSlot(int* id) {
-    for (int i = cursor_ + 1; i < used_end_; ++i) {
-        void* element = slots_[static_cast<std::size_t>(i)];
-        if (!element) continue;
-        cursor_ = i;
-        if (id) *id = i;
-        return element;
-    }
-    return nullptr;
-}
-
 }   // namespace sparkrig

@@ -48,7 +48,16 @@ class SlotTable : public ErrorClassSimple {
     void* Vacate(int id);
     void VacateAll();
     /// The next occupied slot above the cursor, or null at the end.
-    void* NextSlot(int* id);
+    void* NextSlot(int* id) {
+        for (int i = cursor_ + 1; i < used_end_; ++i) {
+            void* element = slots_[static_cast<std::size_t>(i)];
+            if (!element) continue;
+            cursor_ = i;
+            if (id) *id = i;
+            return element;
+        }
+        return nullptr;
+    }
     void RebuildOrder() const;
 
     std::vector<void*> slots_;         // capacity entries from first use on
