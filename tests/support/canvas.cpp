@@ -3,6 +3,7 @@
 #include <SDL.h>
 #include <dlfcn.h>
 #include <epoxy/gl.h>
+#include <link.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -60,10 +61,14 @@ std::vector<D3DCOLOR> ReadWindow(SDL_Window* window) {
 }
 
 void KeepDriverLoaded() {
-    for (const char* driver : {"swrast_dri.so", "kms_swrast_dri.so"}) {
-        const std::string path = std::string("/usr/lib/x86_64-linux-gnu/dri/") + driver;
-        dlopen(path.c_str(), RTLD_LAZY | RTLD_NODELETE);
-    }
+    std::vector<std::string> drivers;
+    const auto collect = [](dl_phdr_info* library, std::size_t, void* found) {
+        const std::string name = library->dlpi_name;
+        if (name.find("_dri.so") != std::string::npos) static_cast<std::vector<std::string>*>(found)->push_back(name);
+        return 0;
+    };
+    dl_iterate_phdr(collect, &drivers);
+    for (const std::string& driver : drivers) dlopen(driver.c_str(), RTLD_LAZY | RTLD_NODELETE);
 }
 
 DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height,
@@ -95,7 +100,6 @@ D3DPRESENT_PARAMETERS CanvasParameters(UINT width, UINT height, D3DFORMAT format
 }
 
 Canvas::Canvas(UINT width, UINT height, D3DFORMAT format) : width_(width), height_(height) {
-    KeepDriverLoaded();
     SDL_InitSubSystem(SDL_INIT_VIDEO);
     window_ = SDL_CreateWindow("", 0, 0, static_cast<int>(width), static_cast<int>(height),
                                SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
@@ -103,6 +107,7 @@ Canvas::Canvas(UINT width, UINT height, D3DFORMAT format) : width_(width), heigh
         FAILED(CreateDeviceOnWindow(window_, CanvasParameters(width, height, format), device_.Receive()))) {
         throw std::runtime_error(std::string("No device: ") + Direct3DUnavailableReason());
     }
+    KeepDriverLoaded();
     device_->SetRenderState(D3DRS_LIGHTING, FALSE);
     device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
     device_->BeginScene();

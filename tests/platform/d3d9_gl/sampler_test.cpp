@@ -1,0 +1,132 @@
+// Samplers: filters, addresses, levels.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstring>
+
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+class Samplers : public testing::Test {
+  protected:
+    Samplers() : canvas_(8, 8) {
+        canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1);
+        canvas_->SetSamplerState(0, D3DSAMP_BORDERCOLOR, Argb(255, 99, 0, 0));
+    }
+    // The red of a pixel when the same coordinates lie over the whole canvas.
+    int At(float u, float v) {
+        canvas_.Clear(0);
+        canvas_.Draw<ScreenVertex>(
+            ScreenVertex::kFvf, D3DPT_TRIANGLELIST, 1,
+            {{-9, -9, 0.5f, 1, 0, 0, u, v}, {30, -9, 0.5f, 1, 0, 0, u, v}, {-9, 30, 0.5f, 1, 0, 0, u, v}});
+        return canvas_.Pixel(3, 3).r;
+    }
+    Canvas canvas_;
+};
+
+TEST_F(Samplers, TakeTheNearestTexelOrMixFour) {
+    const auto texture = MakeTexture(
+        canvas_.Device(), 2, 2, {Argb(255, 40, 0, 0), Argb(255, 80, 0, 0), Argb(255, 120, 0, 0), Argb(255, 240, 0, 0)});
+    canvas_->SetTexture(0, texture.Get());
+    EXPECT_EQ(At(0.49f, 0.49f), 40);
+    EXPECT_EQ(At(0.51f, 0.49f), 80);
+    EXPECT_EQ(At(0.49f, 0.51f), 120);
+    canvas_->SetSamplerState(0, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR);
+    EXPECT_NEAR(At(0.5f, 0.5f), 120, 1);
+    EXPECT_NEAR(At(0.375f, 0.25f), 50, 1);   // a quarter of the way from 40 to 80
+    EXPECT_EQ(At(0.25f, 0.75f), 120);
+}
+
+TEST_F(Samplers, ContinueOutsideByTheirAddressMode) {
+    const auto texture = MakeTexture(
+        canvas_.Device(), 4, 1, {Argb(255, 10, 0, 0), Argb(255, 20, 0, 0), Argb(255, 30, 0, 0), Argb(255, 40, 0, 0)});
+    canvas_->SetTexture(0, texture.Get());
+    constexpr struct {
+        DWORD mode;
+        int at_minus_03, at_13, at_24;   // texel of u = -0.3, 1.3, 2.4
+    } kRows[] = {{D3DTADDRESS_WRAP, 30, 20, 20},
+                 {D3DTADDRESS_MIRROR, 20, 30, 20},
+                 {D3DTADDRESS_CLAMP, 10, 40, 40},
+                 {D3DTADDRESS_BORDER, 99, 99, 99},
+                 {D3DTADDRESS_MIRRORONCE, 20, 40, 40}};
+    for (const auto& row : kRows) {
+        canvas_->SetSamplerState(0, D3DSAMP_ADDRESSU, row.mode);
+        EXPECT_EQ(At(-0.3f, 0.5f), row.at_minus_03) << row.mode;
+        EXPECT_EQ(At(1.3f, 0.5f), row.at_13) << row.mode;
+        EXPECT_EQ(At(2.4f, 0.5f), row.at_24) << row.mode;
+    }
+}
+
+TEST_F(Samplers, ChooseLevelsByFilterBiasAndLimit) {
+    DevicePtr<IDirect3DTexture9> texture;
+    canvas_->CreateTexture(8, 8, 0, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
+    for (UINT level = 0; level < 4; ++level) {
+        D3DLOCKED_RECT locked;
+        texture->LockRect(level, &locked, nullptr, 0);
+        for (UINT i = 0; i < 64u >> (2 * level); ++i) {
+            static_cast<D3DCOLOR*>(locked.pBits)[i] = Argb(255, 50 * (level + 1), 0, 0);
+        }
+        texture->UnlockRect(level);
+    }
+    canvas_->SetTexture(0, texture.Get());
+    canvas_->SetTextureStageState(0, D3DTSS_ALPHAOP, D3DTOP_SELECTARG2);
+    constexpr struct {
+        DWORD filter;
+        float bias;
+        DWORD largest;
+        int repeats, wanted, tolerance;
+    } kRows[] = {
+        {D3DTEXF_NONE, 0, 0, 4, 50, 0},    {D3DTEXF_NONE, 0, 2, 1, 150, 0},  {D3DTEXF_POINT, 0, 0, 1, 50, 0},
+        {D3DTEXF_POINT, 0, 0, 2, 100, 0},  {D3DTEXF_POINT, 0, 0, 4, 150, 0}, {D3DTEXF_POINT, 1, 0, 2, 150, 0},
+        {D3DTEXF_POINT, -1, 0, 4, 100, 0}, {D3DTEXF_POINT, 0, 3, 1, 200, 0}, {D3DTEXF_LINEAR, 0.5f, 0, 2, 125, 3}};
+    for (const auto& row : kRows) {
+        canvas_->SetSamplerState(0, D3DSAMP_MIPFILTER, row.filter);
+        canvas_->SetSamplerState(0, D3DSAMP_MIPMAPLODBIAS, std::bit_cast<DWORD>(row.bias));
+        canvas_->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, row.largest);
+        canvas_.Clear(0);
+        const float end = static_cast<float>(row.repeats);   // how often the texture lies over the canvas
+        canvas_.Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+                                   {{-0.5f, -0.5f, 0.5f, 1, 0, 0, 0, 0},
+                                    {7.5f, -0.5f, 0.5f, 1, 0, 0, end, 0},
+                                    {-0.5f, 7.5f, 0.5f, 1, 0, 0, 0, end},
+                                    {7.5f, 7.5f, 0.5f, 1, 0, 0, end, end}});
+        EXPECT_NEAR(canvas_.Pixel(3, 4).r, row.wanted, row.tolerance)
+            << "filter " << row.filter << " bias " << row.bias << " from " << row.largest << " x " << row.repeats;
+    }
+}
+
+TEST_F(Samplers, DecodeCompressedBlocks) {
+    // Ends (248, 0, 0) and (0, 0, 248); the texels of the first row use the codes 0 to 3.
+    constexpr BYTE kColours[] = {0x00, 0xF8, 0x1F, 0x00, 0xE4, 0xE4, 0xE4, 0xE4};
+    constexpr struct {
+        D3DFORMAT format;
+        BYTE alpha[8];
+        int alphas[4];
+    } kRows[] = {{D3DFMT_DXT1, {}, {255, 255, 255, 255}},
+                 {D3DFMT_DXT3, {0x60, 0xF9, 0x60, 0xF9, 0x60, 0xF9, 0x60, 0xF9}, {0, 102, 153, 255}},
+                 {D3DFMT_DXT5, {200, 60, 0x88, 0x86, 0x68, 0x88, 0x86, 0x68}, {200, 60, 180, 160}}};
+    Canvas canvas(4, 4, D3DFMT_A8R8G8B8);
+    for (const auto& row : kRows) {
+        DevicePtr<IDirect3DTexture9> texture;
+        D3DLOCKED_RECT locked;
+        canvas->CreateTexture(4, 4, 1, 0, row.format, D3DPOOL_MANAGED, texture.Receive());
+        texture->LockRect(0, &locked, nullptr, 0);
+        BYTE* bytes = static_cast<BYTE*>(locked.pBits);
+        if (row.format != D3DFMT_DXT1) std::memcpy(bytes, row.alpha, 8), bytes += 8;
+        std::memcpy(bytes, kColours, 8);
+        texture->UnlockRect(0);
+        canvas->SetTexture(0, texture.Get());
+        canvas.Clear(0);
+        canvas.Fill({0, 0, 4, 4}, 0xFFFFFFFF);
+        constexpr Rgb kWanted[] = {{255, 0, 0}, {0, 0, 255}, {170, 0, 85}, {85, 0, 170}};
+        for (UINT x = 0; x < 4; ++x) {
+            EXPECT_TRUE(Near(canvas.Pixel(x, 0), kWanted[x], 2)) << row.format << " " << x << canvas.Pixel(x, 0);
+            EXPECT_NEAR(static_cast<int>(canvas.PixelArgb(x, 0) >> 24), row.alphas[x], 2) << row.format << " " << x;
+        }
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
