@@ -1,0 +1,189 @@
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "app/program.h"
+#include "app/tester_state.h"
+#include "platform/system/system.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using Json = nlohmann::json;
+
+std::string ReadAll(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// A data folder of its own, with one effect that glows for ever and one that ends after 0.09 s, and no user settings.
+class AutomationTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        before_ = GetCurrentDirectoryA();
+        char name[] = "/tmp/sparkrig_automation_XXXXXX";
+        folder_ = mkdtemp(name);
+        setenv("XDG_CONFIG_HOME", (folder_ + "/config").c_str(), 1);
+        std::system(
+            ("mkdir " + folder_ + "/cfg && ln -s '" + before_ + "/shader' '" + before_ + "/textures' " + folder_)
+                .c_str());
+        Write("cfg/texCatalogue.cfg", "");
+        Write(
+            "cfg/effects.cfg",
+            "#1\ndesc = \"Glow\"\nPARTICLE {\n  texture = \"textures\\glow.png\"\n  Life = 0\n  scale = 70, 70, 70\n}\n"
+            "#2\ndesc = \"Flash\"\nPARTICLE {\n  texture = \"textures\\glow.png\"\n  Life = 0.09\n  pos = 3, 5, "
+            "7\n}\n");
+    }
+    void TearDown() override {
+        SetCurrentDirectoryA(before_.c_str());
+        std::system(("rm -r " + folder_).c_str());
+        Tester() = {};
+    }
+    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+    void Write(const std::string& name, const std::string& content) const {
+        std::ofstream(Path(name), std::ios::binary) << content;
+    }
+    /// Runs the program in the folder and keeps what it says.
+    int Run(std::vector<std::string> words) {
+        SetCurrentDirectoryA(folder_.c_str());
+        Tester() = {};
+        ::testing::internal::CaptureStdout();
+        ::testing::internal::CaptureStderr();
+        const int end = RunProgram(words);
+        out_ = ::testing::internal::GetCapturedStdout();
+        err_ = ::testing::internal::GetCapturedStderr();
+        return end;
+    }
+    std::vector<Json> Record(std::vector<std::string> words) {
+        words.insert(words.end(), {"--record", "record.jsonl"});
+        EXPECT_EQ(Run(words), 0) << err_;
+        std::vector<Json> frames;
+        std::istringstream lines(ReadAll(Path("record.jsonl")));
+        for (std::string line; std::getline(lines, line);) frames.push_back(Json::parse(line));
+        return frames;
+    }
+
+    std::string before_, folder_, out_, err_;
+};
+
+TEST_F(AutomationTest, RecordsEveryFrameByTheSteppedClock) {
+    const std::vector<Json> frames = Record({"--frames", "9", "--effect", "flash"});
+    ASSERT_EQ(frames.size(), 9u);
+    EXPECT_EQ(out_, Path("record.jsonl") + "\n");
+    for (int n = 0; n < 9; ++n) {
+        const Json& frame = frames[static_cast<std::size_t>(n)];
+        EXPECT_EQ(frame["frame"], n);
+        EXPECT_NEAR(frame["time"].get<double>(), (n + 1) / 60.0, 1e-6);
+        const bool lives = n < 5;
+        EXPECT_EQ(frame["live"], lives ? 1 : 0) << n;
+        EXPECT_EQ(frame["drawn"], lives ? 1 : 0) << n;
+        ASSERT_EQ(frame["instances"].size(), lives ? 1u : 0u);
+    }
+    const Json& instance = frames[0]["instances"][0];
+    EXPECT_EQ(instance["effect"], "Flash");
+    EXPECT_EQ(instance["kind"], 2);
+    EXPECT_EQ(instance["base"], (Json{0, 0, 0}));
+    EXPECT_EQ(instance["position"], (Json{3, 5, 7}));
+    EXPECT_EQ(instance["rotation"], (Json{0, 0, 0, 1}));
+}
+
+TEST_F(AutomationTest, RepeatStartsAgainAfterTheEnd) {
+    const std::vector<Json> frames = Record({"--frames", "20", "--effect", "Flash", "--repeat"});
+    for (const Json& frame : frames) EXPECT_EQ(frame["live"], 1) << frame["frame"];
+}
+
+TEST_F(AutomationTest, TheSeedDecidesTheRandomNumbers) {
+    const auto first_random = [&](std::vector<std::string> words) {
+        words.insert(words.end(), {"--frames", "1"});
+        return Record(words)[0]["instances"][0]["random"];
+    };
+    const Json by_default = first_random({});
+    EXPECT_EQ(first_random({}), by_default);
+    EXPECT_EQ(first_random({"--seed", "1"}), by_default);
+    EXPECT_NE(first_random({"--seed", "2"}), by_default);
+}
+
+TEST_F(AutomationTest, TheSameCaptureGivesTheSameBytes) {
+    EXPECT_EQ(Run({"--capture", "a.png", "--at", "0.25", "/resx:160", "/resy:96"}), 0) << err_;
+    EXPECT_EQ(out_, Path("a.png") + "\n");
+    Run({"--capture", "b.png", "--at", "0.25", "/resx:160", "/resy:96"});
+    const std::string picture = ReadAll(Path("a.png"));
+    EXPECT_THAT(picture, StartsWith("\x89PNG"));
+    EXPECT_EQ(picture.substr(16, 8), std::string("\0\0\0\xA0\0\0\0\x60", 8));
+    EXPECT_EQ(picture, ReadAll(Path("b.png")));
+    for (const char* less : {"--no-overlay", "--no-backdrop"}) {
+        Run({"--capture", "c.png", "--at", "0.25", "/resx:160", "/resy:96", less});
+        EXPECT_NE(picture, ReadAll(Path("c.png"))) << less;
+    }
+}
+
+TEST_F(AutomationTest, SequenceAndSheetAreWritten) {
+    EXPECT_EQ(Run({"--sequence", "frames", "--frames", "2", "/resx:80", "/resy:60"}), 0) << err_;
+    EXPECT_EQ(out_, Path("frames/000000.png") + "\n" + Path("frames/000001.png") + "\n");
+    EXPECT_EQ(Run({"--sheet", "sheet.png"}), 0) << err_;
+    EXPECT_THAT(ReadAll(Path("sheet.png")), StartsWith("\x89PNG"));
+}
+
+TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
+    EXPECT_EQ(Run({"--check"}), 0) << out_;
+    EXPECT_EQ(out_, "");
+    Write("cfg/effects.cfg", "#1\ndesc = \"Glow\"\nPARTICLE {\n  texture = \"textures\\none.png\"\n}\n");
+    EXPECT_EQ(Run({"--check"}), 1);
+    EXPECT_THAT(out_, HasSubstr("cfg/effects.cfg:"));
+    EXPECT_THAT(out_, HasSubstr("none.png"));
+    Write("cfg/effects.cfg", "#1\ndesc = \"Glow\"\n}\n");
+    EXPECT_EQ(Run({"--check"}), 1);
+    EXPECT_THAT(out_, HasSubstr("error: "));
+}
+
+TEST_F(AutomationTest, EndsWithOneSentence) {
+    const struct {
+        std::vector<std::string> words;
+        int end;
+        const char* text;
+    } kRows[] = {{{"--capture", "a.png", "--effect", "Glo"}, 2, "did you mean Glow?"},
+                 {{"--capture", "a.png", "--data", "none"}, 2, "--data none is no folder"},
+                 {{"--capture", "a.png", "/resx:0"}, 2, "a picture of 0 x 720 cannot be drawn"},
+                 {{"--capture", "none/a.png"}, 3, "none/a.png cannot be written"},
+                 {{"--record", "none/a.jsonl"}, 3, "none/a.jsonl cannot be written"}};
+    for (const auto& row : kRows) {
+        EXPECT_EQ(Run(row.words), row.end) << row.text;
+        EXPECT_THAT(err_, HasSubstr(row.text));
+        EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
+        EXPECT_EQ(out_, "");
+    }
+    Write("cfg/effects.cfg", "");
+    EXPECT_EQ(Run({"--capture", "a.png"}), 1);
+    EXPECT_EQ(err_, "sparkrig: VisualEffectSystem: No effects in effect file\n");
+}
+
+TEST_F(AutomationTest, DataComesFromTheFolderThatWinsFirst) {
+    const auto first_effect = [&](const std::string& data_option) {
+        std::vector<std::string> words = {"--frames", "1"};
+        if (!data_option.empty()) words.insert(words.end(), {"--data", data_option});
+        return Record(words)[0]["instances"][0]["effect"].get<std::string>();
+    };
+    for (const char* place : {"base", "named"}) {
+        std::system(("mkdir -p " + Path(place) + "/cfg && ln -s '" + before_ + "/shader' '" + before_ + "/textures' " +
+                     Path(place) + " && touch " + Path(place) + "/cfg/texCatalogue.cfg")
+                        .c_str());
+        Write(std::string(place) + "/cfg/effects.cfg",
+              std::string("#1\ndesc = \"") + place + "\"\nPARTICLE {\n  texture = \"textures\\glow.png\"\n}\n");
+    }
+    EXPECT_EQ(first_effect(""), "Glow");
+    RegistryKey key;
+    ASSERT_EQ(RegCreateKeyExA("Software\\Vantrell\\Dunmarch", KEY_WRITE, key), ERROR_SUCCESS);
+    RegSetValueExA(key, "BasePath", Path("base").c_str());
+    RegCloseKey(key);
+    EXPECT_EQ(first_effect(""), "base");
+    EXPECT_EQ(first_effect("named"), "named");
+}
+
+}   // namespace
+}   // namespace sparkrig

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# An effects file that cannot be used is told in a message box, and the program ends with 0.
+. "$(dirname "$0")/desktop.sh" "$@"
+
+box_is_open() { xwininfo -root -tree 2>/dev/null | grep -qF '"KRN Error (DirectX8)"'; }
+
+# shows_box TEXT: the box is there, TEXT has been said, and Return closes it.
+shows_box() {
+    until_true 60 box_is_open || fail "no message box"
+    grep -qF "KRN Error (DirectX8): $1" "$work/err" || fail "instead of $1: $(cat "$work/err")"
+    # The box takes the focus a little after it can be seen.
+    until_true 30 closes_with_return || fail "the message box stays"
+    ends_with 0
+}
+closes_with_return() {
+    xdotool key Return
+    ! box_is_open
+}
+
+start_desktop
+
+write_effects
+"$program" --data "$work/data" >"$work/out" 2>"$work/err" &
+program_pid=$!
+pids+=("$program_pid")
+shows_box 'VisualEffectSystem: No effects in effect file'
+
+write_effects one
+start_program
+echo '}' >>"$work/data/cfg/effects.cfg"
+xdotool keydown r
+shows_box 'ConfigFileReader:'
+xdotool keyup r
+finish
