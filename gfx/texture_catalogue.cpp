@@ -1,10 +1,7 @@
 #include "gfx/texture_catalogue.h"
 
-#include <climits>
-#include <cstring>
-
 #include "base/file_validator.h"
-#include "base/text_data_file_reader.h"
+#include "gfx/catalogue_file.h"
 #include "gfx/gfx.h"
 #include "gfx/gfx_parts.h"
 #include "gfx/texture.h"
@@ -17,71 +14,6 @@ constexpr UINT kMissingFileSize = 4;
 
 /// The tree takes names that begin with a character of ASCII.
 bool CanBeName(const char* name) { return static_cast<signed char>(*name) >= 32; }
-
-/// Walks the tokens of a catalogue file and gives its pairs of name and file.
-class CatalogueFile {
-  public:
-    explicit CatalogueFile(const char* name) { reader_.Open(name, true); }
-
-    /// False at the end.
-    bool Next(String& name, String& file);
-
-  private:
-    /// Reads what stands next, leaving out blanks; for a quoted string its text.
-    enum class Token { End, Comment, Quoted, Equals, Other };
-    Token Read(String& text);
-    void SkipLine();
-
-    TextDataFileReader reader_;
-};
-
-void CatalogueFile::SkipLine() {
-    const int next = reader_.CurrentLine() + 1;
-    if (next < reader_.LineCount())
-        reader_.SeekLine(next);
-    else
-        reader_.Skip(INT_MAX / 2);
-}
-
-CatalogueFile::Token CatalogueFile::Read(String& text) {
-    if (reader_.SkipSpace() != 0) return Token::End;
-    const char first = reader_.PeekChar();
-    if (first == ';') {
-        SkipLine();
-        return Token::Comment;
-    }
-    if (first == '"') return reader_.ReadQuotedString(text) == 0 ? Token::Quoted : Token::End;
-    char word[TextDataFileReader::kTokenSize];
-    if (reader_.ReadWord(word) != 0) return Token::End;
-    return std::strcmp(word, "=") == 0 ? Token::Equals : Token::Other;
-}
-
-bool CatalogueFile::Next(String& name, String& file) {
-    enum class Pending { Nothing, Name, File } pending = Pending::Nothing;
-    int name_line = 0;
-    for (;;) {
-        String text;
-        const Token token = Read(text);
-        if (token == Token::End) return false;
-        if (pending == Pending::File && token == Token::Quoted) {
-            file = text;
-            return true;
-        }
-        if (pending == Pending::Name && token == Token::Equals) {
-            pending = Pending::File;
-            continue;
-        }
-        // A string on a later line is a name again, so that one bad line costs no other.
-        const bool bad = pending == Pending::Name;
-        const bool is_name = token == Token::Quoted && (!bad || reader_.CurrentLine() > name_line);
-        if (bad) reader_.Warning("No \"=\" behind \"%s\"", name.c_str());
-        if (bad || token == Token::Comment) pending = Pending::Nothing;
-        if (!is_name) continue;
-        name = text;
-        name_line = reader_.CurrentLine();
-        pending = Pending::Name;
-    }
-}
 
 }   // namespace
 

@@ -1,3 +1,5 @@
+#include <stb_image.h>
+
 #include <cstdio>
 
 #include "platform/d3dx/dds_file.h"
@@ -5,19 +7,6 @@
 #include "platform/d3dx/pixel_formats.h"
 #include "platform/d3dx/tga_alpha.h"
 #include "platform/system/system.h"
-
-#define STBI_ONLY_BMP
-#define STBI_ONLY_JPEG
-#define STBI_ONLY_PNG
-#define STBI_ONLY_TGA
-#define STBI_NO_STDIO
-#define STBI_MAX_DIMENSIONS 16384
-#define STB_IMAGE_STATIC
-#define STB_IMAGE_IMPLEMENTATION
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wunused-function"
-#include <stb_image.h>
-#pragma GCC diagnostic pop
 
 namespace sparkrig {
 namespace {

@@ -1,29 +1,11 @@
 // The heads of bmp, jpg, tga and png files.
-#include <cstring>
-
 #include "platform/d3dx/dds_file.h"
+#include "platform/d3dx/file_bytes.h"
 #include "platform/d3dx/image_file.h"
+#include "platform/d3dx/jpg_segments.h"
 
 namespace sparkrig {
 namespace {
-
-/// Numbers out of a file; what lies behind its end reads as 0.
-class Bytes {
-  public:
-    explicit Bytes(FileBytes file) : file_(file) {}
-    std::size_t Size() const { return file_.size(); }
-    UINT At(std::size_t i) const { return i < file_.size() ? file_[i] : 0; }
-    UINT Little16(std::size_t i) const { return At(i) | At(i + 1) << 8; }
-    UINT Little32(std::size_t i) const { return Little16(i) | Little16(i + 2) << 16; }
-    UINT Big16(std::size_t i) const { return At(i) << 8 | At(i + 1); }
-    UINT Big32(std::size_t i) const { return Big16(i) << 16 | Big16(i + 2); }
-    bool StartsWith(const char* text, std::size_t n) const {
-        return file_.size() >= n && std::memcmp(file_.data(), text, n) == 0;
-    }
-
-  private:
-    FileBytes file_;
-};
 
 D3DXIMAGE_INFO MakeInfo(UINT width, UINT height, D3DFORMAT format, D3DXIMAGE_FILEFORMAT kind) {
     return {width, height, 1, 1, format, D3DRTYPE_TEXTURE, kind};
@@ -77,28 +59,24 @@ bool ReadBmp(const Bytes& file, D3DXIMAGE_INFO& info) {
 /// A picture takes at least one bit for each block of 8 x 8 pixels.
 constexpr std::uint64_t kJpgPixelsPerByte = 8 * 64;
 
+bool ReadJpgFrame(const Bytes& file, std::size_t data, D3DXIMAGE_INFO& info) {
+    const UINT height = file.Big16(data + 3), width = file.Big16(data + 5), channels = file.At(data + 7);
+    if (!IsAllowedImageSize(width, height)) return false;
+    if (std::uint64_t{width} * height > kJpgPixelsPerByte * file.Size()) return false;
+    info = MakeInfo(width, height, channels == 1 ? D3DFMT_L8 : D3DFMT_X8R8G8B8, D3DXIFF_JPG);
+    return true;
+}
+
 bool ReadJpg(const Bytes& file, D3DXIMAGE_INFO& info) {
-    std::size_t at = 2;
-    while (at + 9 < file.Size()) {
-        if (file.At(at) != 0xFF) return false;
-        const UINT marker = file.At(at + 1);
-        if (marker == 0xFF) {   // a filling byte
-            ++at;
-            continue;
-        }
-        if (marker == 0xC0 || marker == 0xC1 || marker == 0xC2) {
-            const UINT height = file.Big16(at + 5), width = file.Big16(at + 7), channels = file.At(at + 9);
-            if (!IsAllowedImageSize(width, height)) return false;
-            if (std::uint64_t{width} * height > kJpgPixelsPerByte * file.Size()) return false;
-            info = MakeInfo(width, height, channels == 1 ? D3DFMT_L8 : D3DFMT_X8R8G8B8, D3DXIFF_JPG);
-            return true;
-        }
-        if (marker == 0xDA || marker == 0xD9) return false;   // data, or the end, before any size
-        const UINT length = file.Big16(at + 2);
-        if (length < 2) return false;
-        at += 2u + length;
+    bool found = false;
+    JpgSegments segments(file);
+    for (JpgSegment segment; segments.Next(segment);) {
+        const bool is_frame = segment.marker >= 0xC0 && segment.marker <= 0xC2;   // baseline, extended, progressive
+        if (is_frame && (found || !ReadJpgFrame(file, segment.data, info))) return false;
+        if (segment.marker == 0xC4 && !HuffmanTablesAreSound(file, segment)) return false;
+        found = found || is_frame;
     }
-    return false;
+    return found;
 }
 
 // ---- PNG

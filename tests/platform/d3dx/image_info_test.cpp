@@ -82,6 +82,17 @@ TEST(ImageInfo, RefusesWhatCannotBeAPicture) {
     }
 }
 
+TEST(ImageInfo, RefusesAJpgWhoseTablesAreLongerThanTheDecoders) {
+    std::string file = JpgFile(TestPicture::Pattern(6, 5), 3);
+    const std::size_t table = file.find("\xFF\xC4");
+    ASSERT_NE(table, std::string::npos);
+    D3DXIMAGE_INFO info = {};
+    ASSERT_EQ(ReadImageInfo(BytesOf(file), info), D3D_OK);
+    file[table + 5] = '\xFF';   // codes of length 1 and 2: more than there are bytes
+    file[table + 6] = '\xFF';
+    EXPECT_EQ(ReadImageInfo(BytesOf(file), info), D3DXERR_INVALIDDATA);
+}
+
 TEST(ImageInfo, TakesTheLongestSideThatIsAllowed) {
     const std::string file = TgaFile(TestPicture::Pattern(kMaxImageSide, 1), D3DFMT_L8);
     D3DXIMAGE_INFO info = {};
