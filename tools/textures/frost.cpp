@@ -73,10 +73,11 @@ Pixel PaintFrost(Point p) {
         const Point q = Rotated(p, -angle);
         if (q.x < 0 || q.x > reach) continue;
         const float along = q.x / reach;
-        const float feather = 0.5f + 0.5f * std::cos((q.x - std::fabs(q.y)) * 62);
+        const float feather =
+            0.6f + 0.4f * std::cos((q.x - 1.4f * std::fabs(q.y)) * 44 + 3 * Noise({q.x * 3, angle * 5}, 847));
         const float wide = 0.19f * reach * (1 - along) * along * 2.2f;
         const float needle =
-            Gauss(q.y, 0.022f * (1.2f - along)) + 0.55f * feather * Step(wide + 0.02f, wide * 0.3f, std::fabs(q.y));
+            Gauss(q.y, 0.026f * (1.25f - along)) + 0.42f * feather * Step(wide + 0.02f, wide * 0.3f, std::fabs(q.y));
         alpha = std::max(alpha, needle * (1 - 0.6f * along));
     }
     return {0.86f, 0.95f, 1, Unit(alpha + 0.75f * Gauss(Length(p), 0.14f)) * Step(0.97f, 0.86f, Length(p))};

@@ -115,8 +115,7 @@ Pixel PaintPaper(Point p, float half_width, float half_height, float turn, float
     q.x += 0.12f * q.y * q.y;   // the curl of the paper
     const float inside =
         Step(0.04f, -0.02f, std::fabs(q.x) - half_width) * Step(0.04f, -0.02f, std::fabs(q.y) - half_height);
-    const float lit =
-        q.y > fold ? 1.0f - 0.25f * (q.y - fold) / half_height : 0.62f + 0.22f * (q.y - fold) / half_height;
+    const float lit = q.y > fold ? 1.0f - 0.2f * (q.y - fold) / half_height : 0.82f + 0.2f * (q.y - fold) / half_height;
     const float gloss = 0.3f * Gauss(q.y - fold - 0.3f * half_height, 0.16f * half_height);
     return Grey(Unit(lit + gloss), inside);
 }
