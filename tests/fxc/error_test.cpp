@@ -30,6 +30,7 @@ TEST(FxcErrors, NameFileLineAndCause) {
         {"#define F(a) a\nfloat x = F(1;", "t.fx(2): error X1000: the arguments of 'F' do not end"},
         // Parameters
         {"float4 a\nfloat b;", "t.fx(2): error X2000: expected ';' after 'a' before 'float' (column 1)"},
+        {std::string("\n\0", 2), "t.fx(2): error X2000: unexpected '?' (column 1)"},
         {"\nflaot4 a;", "t.fx(2): error X2000: unknown type 'flaot4' (column 1)"},
         {"float4 a = {1, 2, 3};", "t.fx(1): error X2000: 'a' takes 4 values, not 3"},
         {"float a = b;", "t.fx(1): error X2000: unknown name 'b' (column 11)"},

@@ -19,7 +19,10 @@ void Diagnostics::Error(const Place& place, ErrorCode code, std::string_view mes
 
 void Diagnostics::ErrorInLine(int file, int line, ErrorCode code, std::string_view message) {
     if (count_++ >= kMostErrors) return;
-    text_ += fmt::format("{}({}): error X{}: {}\n", FileName(file), line, static_cast<int>(code), message);
+    std::string printable(message);
+    for (char& c : printable)
+        if (static_cast<unsigned char>(c) < ' ') c = '?';   // bytes of a source that is no text
+    text_ += fmt::format("{}({}): error X{}: {}\n", FileName(file), line, static_cast<int>(code), printable);
 }
 
 }   // namespace sparkrig::fxc

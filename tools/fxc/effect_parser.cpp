@@ -361,10 +361,8 @@ class EffectParser {
     void ParseFunctionParameter(std::vector<FunctionParameter>& parameters) {
         if (cursor_.AcceptWord("void")) return;
         FunctionParameter parameter;
-        const Token start = cursor_.Peek();
         constexpr std::string_view kDirections[] = {
             "in", "out", "inout", "const", "linear", "centroid", "nointerpolation", "row_major", "column_major"};
-        std::size_t declared = cursor_.Position();
         Tokens directions;
         while (cursor_.Peek().kind == TokenKind::Identifier) {
             if (cursor_.Peek().IsName("uniform"))
@@ -375,7 +373,7 @@ class EffectParser {
                 break;
             cursor_.Take();
         }
-        declared = cursor_.Position();
+        const std::size_t declared = cursor_.Position();
         if (!AcceptType(cursor_, effect_.symbols))
             return cursor_.Fail(cursor_.Peek(), fmt::format("unknown type '{}'", cursor_.Peek().text));
         parameter.name = cursor_.ExpectName("the name of a parameter");

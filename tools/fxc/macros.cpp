@@ -117,7 +117,6 @@ void MacroExpander::Paste(Tokens& result, Token token) {
 
 Tokens MacroExpander::Substitute(const Macro& macro, const std::vector<Tokens>& arguments, const Token& name) {
     Tokens result;
-    std::size_t written = 0;
     bool paste = false;
     const auto append = [&](const Tokens& tokens) {
         for (const Token& token : tokens) {
@@ -156,7 +155,6 @@ Tokens MacroExpander::Substitute(const Macro& macro, const std::vector<Tokens>& 
             --depth_;
             append(argument);
         }
-        written += argument.size();
         if (!Spend(argument.size(), name.place)) break;
     }
     for (Token& token : result) token.place = name.place;

@@ -17,7 +17,7 @@ void LimitResources() {
     constexpr rlim_t kSeconds = 30;
     const rlimit time = {kSeconds, kSeconds};
     setrlimit(RLIMIT_CPU, &time);
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(SPARKRIG_SANITIZE)   // whose shadow memory is larger than any limit
     constexpr rlim_t kBytes = rlim_t{2} * 1024 * 1024 * 1024;
     const rlimit memory = {kBytes, kBytes};
     setrlimit(RLIMIT_AS, &memory);
