@@ -15,8 +15,6 @@
 
 #include "platform/d3dx/effect_bytes.h"
 
-extern char** environ;
-
 namespace sparkrig {
 
 namespace {

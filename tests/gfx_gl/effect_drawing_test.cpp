@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
+#include <utility>
 
 #include "platform/d3dx/d3dx_effect.h"
 #include "tests/support/canvas.h"
@@ -151,6 +153,24 @@ technique { pass { PixelShader = compile ps_2_0 P(); } })");
     DrawWith(canvas, *effect, PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Square(Argb(255, 200, 100, 50)));
     EXPECT_TRUE(Near(canvas.Pixel(10, 30), {100, 50, 0}, 1)) << canvas.Pixel(10, 30);
     EXPECT_TRUE(Near(canvas.Pixel(50, 30), {200, 50, 0}, 1)) << canvas.Pixel(50, 30);
+}
+
+TEST(EffectDrawing, PixelsKnowTheirPlaceAndFace) {
+    Canvas canvas(kSize, kSize);
+    const auto effect = LoadText(canvas, R"(
+float4 V(float4 p : POSITION) : POSITION { return p; }
+float4 P(float2 at : VPOS, float face : VFACE) : COLOR { return float4(at / 255, face > 0 ? 1 : 0, 1); }
+technique { pass { VertexShader = compile vs_3_0 V(); PixelShader = compile ps_3_0 P(); } })");
+    for (const bool front : {true, false}) {
+        std::vector<PlainVertex> vertices = Square(0xFFFFFFFF);   // clockwise on the screen: the front
+        if (!front) std::swap(vertices[1], vertices[2]);
+        canvas.Clear(kBack);
+        DrawWith(canvas, *effect, PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, vertices);
+        for (const auto& [x, y] : {std::pair{5u, 9u}, std::pair{60u, 20u}, std::pair{33u, 62u}}) {
+            const Rgb expected{static_cast<int>(x), static_cast<int>(y), front ? 255 : 0};
+            EXPECT_TRUE(Near(canvas.Pixel(x, y), expected, 0)) << canvas.Pixel(x, y) << " at " << x << ", " << y;
+        }
+    }
 }
 
 // ---- The particle shader

@@ -103,6 +103,8 @@ class Translator {
         if (!type.array.empty()) out_.unsupported = "it samples an array of textures";
         if (place >= kSamplerCount) out_.unsupported = "it uses more than 16 samplers";
         out_.samplers.push_back({image.name, place});
+        // Its own name could be one that the text around the function uses.
+        compiler_.set_name(image.id, fmt::format("sampler_{}", place));
         compiler_.set_decoration(image.id, spv::DecorationBinding, place);
         compiler_.unset_decoration(image.id, spv::DecorationLocation);
         compiler_.unset_decoration(image.id, spv::DecorationDescriptorSet);
