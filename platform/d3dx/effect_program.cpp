@@ -32,8 +32,8 @@ EffectProgram::EffectProgram(IDirect3DDevice9& device, EffectFile effect, Effect
         std::vector<StateKey>& keys = changed_.emplace_back();
         for (const EffectPass& pass : technique.passes)
             for (const StateAssignment& state : pass.states) CollectKeys(state, keys);
-        std::ranges::sort(keys);
-        keys.erase(std::ranges::unique(keys).begin(), keys.end());
+        std::sort(keys.begin(), keys.end());
+        keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     }
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-#include <compare>
+#include <tuple>
 #include <variant>
 #include <vector>
 
@@ -13,7 +13,10 @@ struct StateKey {
     StateGroup group = StateGroup::Render;
     DWORD state = 0;
     DWORD index = 0;
-    auto operator<=>(const StateKey&) const = default;
+    bool operator==(const StateKey&) const = default;
+    bool operator<(const StateKey& other) const {
+        return std::tie(group, state, index) < std::tie(other.group, other.state, other.index);
+    }
 };
 
 /// What a technique may change, as the device held it.
