@@ -137,6 +137,7 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     bool DrawnAsPoints(D3DPRIMITIVETYPE type) const;
     /// Vertices first to first + count - 1 of the stream lie in its buffer.
     bool InStream(std::int64_t first, std::size_t count) const;
+    const std::byte* VertexBytes(std::size_t vertex) const;
     /// Binds the stream so that vertex `first` has the returned number; the format's array is bound.
     GLint PlaceVertices(std::size_t first, std::size_t count);
     HRESULT DrawPoints(const PointVertices& points, std::size_t count);

@@ -8,11 +8,11 @@ namespace sparkrig {
 
 /// The vertices that are drawn as points, in the buffer's bytes.
 struct PointVertices {
-    const std::byte* vertices;   // vertex 0
+    const std::byte* vertices;   // the first of those that there are
     std::size_t stride, vertex_bytes;
-    const std::byte* indices;   // null: one vertex after the other
-    DWORD index_bytes;
-    std::size_t count;   // vertices that there are
+    const std::byte* indices;         // null: one vertex after the other
+    DWORD index_bytes, first_index;   // the index of the first vertex
+    std::size_t count;                // vertices that there are
 
     /// Null when an index points outside.
     const std::byte* At(std::size_t i) const {
@@ -20,7 +20,7 @@ struct PointVertices {
         if (indices != nullptr) {
             std::uint32_t index = 0;
             std::memcpy(&index, indices + i * index_bytes, index_bytes);
-            vertex = index;
+            vertex = index - first_index;   // one below the first wraps to far above the last
         }
         return vertex < count ? vertices + vertex * stride : nullptr;
     }
@@ -62,6 +62,10 @@ bool Device::InStream(std::int64_t first, std::size_t count) const {
     return room >= state_.format.stride && last <= (room - state_.format.stride) / bound_.stream_stride;
 }
 
+const std::byte* Device::VertexBytes(std::size_t vertex) const {
+    return bound_.vertices->Memory().Bytes() + bound_.stream_offset + vertex * bound_.stream_stride;
+}
+
 GLint Device::PlaceVertices(std::size_t first, std::size_t count) {
     const std::size_t stride = bound_.stream_stride;
     const std::size_t start = bound_.stream_offset + first * stride;
@@ -80,9 +84,8 @@ HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT cou
     const bool points = DrawnAsPoints(type);
     if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
     if (points) {
-        const std::size_t stride = bound_.stream_stride;
-        const std::byte* bytes = bound_.vertices->Memory().Bytes() + bound_.stream_offset + first_vertex * stride;
-        return DrawPoints({bytes, stride, state_.format.stride, nullptr, 0, vertices}, vertices);
+        return DrawPoints(
+            {VertexBytes(first_vertex), bound_.stream_stride, state_.format.stride, nullptr, 0, 0, vertices}, vertices);
     }
     const GLint first = PlaceVertices(first_vertex, vertices);
     glDrawArrays(kModes[type], first, static_cast<GLsizei>(vertices));
@@ -106,12 +109,10 @@ HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base_vertex, UIN
     if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
     const std::size_t first_byte = first_index * index_bytes;
     if (points) {
-        const std::size_t stride = bound_.stream_stride;
-        const std::byte* vertex_0 = bound_.vertices->Memory().Bytes() + bound_.stream_offset +
-                                    std::ptrdiff_t{base_vertex} * static_cast<std::ptrdiff_t>(stride);
-        return DrawPoints({vertex_0, stride, state_.format.stride, indices.Bytes() + first_byte,
-                           static_cast<DWORD>(index_bytes), std::size_t{min_index} + vertices},
-                          index_count);
+        return DrawPoints(
+            {VertexBytes(static_cast<std::size_t>(first_vertex)), bound_.stream_stride, state_.format.stride,
+             indices.Bytes() + first_byte, static_cast<DWORD>(index_bytes), min_index, vertices},
+            index_count);
     }
     const GLint first = PlaceVertices(static_cast<std::size_t>(first_vertex), vertices);
     const GlBytes place = indices.Place(first_byte, index_count * index_bytes, index_bytes);

@@ -57,11 +57,13 @@ HRESULT Device::CreateTexture(UINT width, UINT height, UINT levels, DWORD usage,
     }
     const UINT full = FullLevelCount(width, height);
     if (levels > full || (usage & D3DUSAGE_DEPTHSTENCIL) != 0) return D3DERR_INVALIDCALL;
+    const FormatInfo* info = FindFormat(format);
+    if (info != nullptr && info->blocks) usage &= ~D3DUSAGE_AUTOGENMIPMAP;   // OpenGL makes no levels of blocks
     const bool generated = (usage & D3DUSAGE_AUTOGENMIPMAP) != 0;
     if (generated && (levels > 1 || pool == D3DPOOL_SYSTEMMEM || pool == D3DPOOL_SCRATCH)) return D3DERR_INVALIDCALL;
     if (!SupportsFormat(context_->Limits(), usage, format)) return D3DERR_INVALIDCALL;
-    *texture = Texture::Create(
-        context_, {width, height, levels == 0 || generated ? full : levels, usage, pool, FindFormat(format)});
+    const UINT count = levels == 0 || generated ? full : levels;
+    *texture = Texture::Create(context_, {width, height, count, usage, pool, info});
     return *texture != nullptr ? D3D_OK : D3DERR_OUTOFVIDEOMEMORY;
 }
 

@@ -30,7 +30,8 @@ HRESULT KeepGlobals(const void* data, UINT bytes, std::vector<std::byte>& global
 }   // namespace
 
 HRESULT Device::SetViewport(const D3DVIEWPORT9* viewport) {
-    if (viewport == nullptr || !bindings_.target) return D3DERR_INVALIDCALL;
+    if (viewport == nullptr) return D3DERR_INVALIDCALL;
+    if (life_ != DeviceLife::Operational) return D3D_OK;
     const D3DSURFACE_DESC& target = bindings_.target->Desc();
     const bool inside = viewport->Width > 0 && viewport->Height > 0 && viewport->Width <= target.Width &&
                         viewport->Height <= target.Height && viewport->X <= target.Width - viewport->Width &&
@@ -50,6 +51,7 @@ HRESULT Device::GetViewport(D3DVIEWPORT9* viewport) {
 HRESULT Device::SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix) {
     D3DMATRIX* kept = FindTransform(state_, type);
     if (kept == nullptr || matrix == nullptr) return D3DERR_INVALIDCALL;
+    if (std::memcmp(kept, matrix, sizeof *kept) == 0) return D3D_OK;
     *kept = *matrix;
     pipeline_.Mark(TransformGroups(type));
     return D3D_OK;
@@ -64,6 +66,7 @@ HRESULT Device::GetTransform(D3DTRANSFORMSTATETYPE type, D3DMATRIX* matrix) {
 
 HRESULT Device::SetMaterial(const D3DMATERIAL9* material) {
     if (material == nullptr) return D3DERR_INVALIDCALL;
+    if (state_.material == *material) return D3D_OK;
     state_.material = *material;
     pipeline_.Mark(kDirtyLighting);
     return D3D_OK;
@@ -79,7 +82,9 @@ HRESULT Device::SetLight(DWORD index, const D3DLIGHT9* light) {
     if (light == nullptr || light->Type < D3DLIGHT_POINT || light->Type > D3DLIGHT_DIRECTIONAL) {
         return D3DERR_INVALIDCALL;
     }
-    state_.lights[index].light = *light;
+    D3DLIGHT9& kept = state_.lights[index].light;
+    if (kept == *light) return D3D_OK;
+    kept = *light;
     pipeline_.Mark(kDirtyLighting);
     return D3D_OK;
 }

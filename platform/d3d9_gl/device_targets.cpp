@@ -84,6 +84,7 @@ GLuint Device::DepthFor(Surface& target) {
 
 HRESULT Device::GetBackBuffer(UINT swap_chain, UINT index, DWORD /*type*/, IDirect3DSurface9** surface) {
     if (swap_chain != 0 || index >= parameters_.BackBufferCount || surface == nullptr) return D3DERR_INVALIDCALL;
+    if (!back_buffer_) return D3DERR_DEVICELOST;
     back_buffer_->AddRef();
     *surface = back_buffer_.Get();
     return D3D_OK;
@@ -100,6 +101,7 @@ HRESULT Device::SetRenderTarget(DWORD index, IDirect3DSurface9* surface) {
 HRESULT Device::GetRenderTarget(DWORD index, IDirect3DSurface9** surface) {
     if (index != 0 || surface == nullptr) return D3DERR_INVALIDCALL;
     Surface* target = bound_.target ? bound_.target.Get() : back_buffer_.Get();
+    if (target == nullptr) return D3DERR_DEVICELOST;
     target->AddRef();
     *surface = target;
     return D3D_OK;

@@ -45,6 +45,7 @@ void* CreateCurrentContext(SDL_Window* window) {
         SDL_GL_DeleteContext(context);
         return nullptr;
     }
+    Reason().clear();
     return context;
 }
 

@@ -209,6 +209,19 @@ TEST(Device, WithoutADepthBufferHasNoneToClearOrGive) {
     EXPECT_EQ(canvas->Clear(0, nullptr, D3DCLEAR_TARGET, 0, 1, 0), D3D_OK);
 }
 
+TEST(Device, SaysWhyThereIsNone) {
+    SDL_InitSubSystem(SDL_INIT_VIDEO);
+    SDL_Window* window = SDL_CreateWindow("", 0, 0, 8, 8, SDL_WINDOW_HIDDEN);   // not one for OpenGL
+    DevicePtr<IDirect3DDevice9> device;
+    EXPECT_EQ(CreateDeviceOnWindow(window, CanvasParameters(4, 4), device.Receive()), D3DERR_NOTAVAILABLE);
+    EXPECT_FALSE(device);
+    EXPECT_EQ(std::string(Direct3DUnavailableReason()).rfind("OpenGL 4.5 is needed, but", 0), 0u);
+    SDL_DestroyWindow(window);
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    const Canvas canvas(4, 4);
+    EXPECT_STREQ(Direct3DUnavailableReason(), "");
+}
+
 class DeviceOnWindow : public testing::Test {
   protected:
     DeviceOnWindow() {

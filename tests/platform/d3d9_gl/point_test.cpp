@@ -167,6 +167,29 @@ TEST_F(Points, StandForTheVerticesOfTrianglesInFillModePoint) {
     EXPECT_NE(canvas_.PixelArgb(18, 18), kFront);   // inside
 }
 
+TEST_F(Points, LeaveOutIndicesOutsideTheGivenRange) {
+    canvas_->SetRenderState(D3DRS_FILLMODE, D3DFILL_POINT);
+    DevicePtr<IDirect3DVertexBuffer9> vertices;
+    DevicePtr<IDirect3DIndexBuffer9> indices;
+    void* data = nullptr;
+    canvas_->CreateVertexBuffer(2 * sizeof(FinalPoint), 0, FinalPoint::kFvf, D3DPOOL_MANAGED, vertices.Receive());
+    vertices->Lock(0, 0, &data, 0);
+    static_cast<FinalPoint*>(data)[0] = {10.3f, 10.3f, 0.5f, 1, 3};
+    static_cast<FinalPoint*>(data)[1] = {40.3f, 10.3f, 0.5f, 1, 3};
+    vertices->Unlock();
+    canvas_->CreateIndexBuffer(6 * 2, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, indices.Receive());
+    indices->Lock(0, 0, &data, 0);
+    constexpr WORD kIndices[] = {4, 5, 3, 6, 65535, 0};
+    std::copy(std::begin(kIndices), std::end(kIndices), static_cast<WORD*>(data));
+    indices->Unlock();
+    canvas_->SetFVF(FinalPoint::kFvf);
+    canvas_->SetStreamSource(0, vertices.Get(), 0, sizeof(FinalPoint));
+    canvas_->SetIndices(indices.Get());
+    EXPECT_EQ(canvas_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, -4, 4, 2, 0, 2), D3D_OK);
+    const auto pixels = canvas_.Pixels();
+    EXPECT_EQ(std::count(pixels.begin(), pixels.end(), kFront), 18);
+}
+
 TEST_F(Points, AreDrawnInAnyNumber) {
     std::vector<FinalPoint> many;
     for (int i = 0; i < 40000; ++i) {
