@@ -63,7 +63,9 @@ Pixel PaintEmber(Point p) {
     const float outline = 0.34f + 0.1f * Fractal({1.4f * std::cos(angle), 1.4f * std::sin(angle)}, 2, 61);
     const float chip = Step(outline, outline * 0.45f, r);
     const float halo = 0.4f * Gauss(r, 0.45f) * Spot(r / 0.95f);
-    return FlameColour(chip, Unit(chip * (0.75f + 0.4f * Fractal({p.x * 6, p.y * 6}, 2, 62)) + halo));
+    const float core = Gauss(r, 0.24f);
+    return FlameColour(core + 0.3f * chip,
+                       Unit(0.45f * chip * (0.8f + 0.5f * Fractal({p.x * 6, p.y * 6}, 2, 62)) + 0.75f * core + halo));
 }
 
 /// The fire in front of a barrel, seen from the side: it shoots to the right, widest in its first third.

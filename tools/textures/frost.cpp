@@ -40,8 +40,8 @@ Sprite Flake(const char* name, std::uint32_t seed) {
 Pixel PaintClump(Point p) {
     const Point q = Warp(p, 2.0f, 0.12f, 821);
     const float lumps = Fractal({q.x * 3, q.y * 3}, 3, 822);
-    const float alpha = Step(0.0f, 0.8f, 0.75f - Length(q) * 1.1f + 0.5f * lumps);
-    return {0.95f, 0.98f, 1, alpha * Step(0.95f, 0.7f, Length(p))};
+    const float alpha = Spot(Length(q) / 0.82f) * (0.85f + 0.5f * lumps) + 0.5f * Square(Spot(Length(q) / 0.5f));
+    return {0.95f, 0.98f, 1, Unit(alpha) * Step(0.95f, 0.7f, Length(p))};
 }
 
 /// A splinter of ice that points up: two facets, a bright ridge, a light edge.

@@ -24,6 +24,15 @@ Pixel PaintStreak(Point p) {
     return White(Unit(body + halo) * Vignette(p));
 }
 
+/// A spark drawn out by its own speed: a hair of light, hottest near its upper end.
+Pixel PaintNeedle(Point p) {
+    const float h = Unit((p.y + 0.93f) / 1.86f);
+    const float taper = std::pow(h, 0.8f) * Step(1.0f, 0.84f, h);
+    const float body = Gauss(p.x, 0.026f + 0.05f * taper) * taper;
+    const float halo = 0.2f * Gauss(p.x, 0.2f) * Square(taper);
+    return White(Unit(1.15f * body + halo) * Vignette(p));
+}
+
 /// A spark that flies up: a hot head and a tail that thins out below it.
 Pixel PaintComet(Point p) {
     constexpr float kHead = 0.55f;
@@ -95,10 +104,10 @@ Pixel PaintFirefly(Point p) {
 
 std::vector<Sprite> LightSprites() {
     return {
-        {"spot", 64, PaintSpot},       {"glow", 128, PaintGlow},   {"streak", 64, PaintStreak},
-        {"comet", 64, PaintComet},     {"flare", 128, PaintFlare}, {"twinkle", 64, PaintTwinkle},
-        {"ring", 128, PaintRing},      {"shock", 256, PaintShock}, {"rays", 256, PaintRays},
-        {"firefly", 64, PaintFirefly},
+        {"spot", 64, PaintSpot},       {"glow", 128, PaintGlow},      {"streak", 64, PaintStreak},
+        {"comet", 64, PaintComet},     {"needle", 64, PaintNeedle},   {"flare", 128, PaintFlare},
+        {"twinkle", 64, PaintTwinkle}, {"ring", 128, PaintRing},      {"shock", 256, PaintShock},
+        {"rays", 256, PaintRays},      {"firefly", 64, PaintFirefly},
     };
 }
 

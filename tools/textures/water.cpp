@@ -11,8 +11,8 @@ namespace {
 Pixel PaintRain(Point p) {
     const float taper = Step(-0.94f, -0.5f, p.y) * Step(0.94f, 0.1f, p.y);
     const float uneven = 0.75f + 0.4f * Fractal({0.3f, p.y * 3}, 2, 701);
-    const float body = Gauss(p.x, 0.055f) * taper * uneven;
-    return {0.92f, 0.97f, 1, Unit(body + 0.18f * Gauss(p.x, 0.16f) * taper)};
+    const float body = Gauss(p.x, 0.034f) * taper * uneven;
+    return {0.92f, 0.97f, 1, Unit(body + 0.12f * Gauss(p.x, 0.11f) * taper)};
 }
 
 /// A drop: pointed above, round below, a bright spot where the light enters and one where it leaves.
@@ -38,27 +38,29 @@ float Thread(Point p, Point a, Point b, float drop) {
     return std::max(body, 0.95f * Gauss(Length({p.x - b.x, p.y - b.y}), drop));
 }
 
-/// The crown that a drop throws up, seen from the side; it stands on the lower edge.
+/// The crown that a drop throws up, seen from the side: a thin bowl of water on the lower edge, its rim drawn out into
+/// fingers, drops that have come off above it.
 Pixel PaintCrown(Point p, std::uint32_t seed) {
     Dice dice(seed);
-    float alpha = 0;
+    constexpr float kGround = -0.72f, kHeight = 0.42f;
+    const float rise = (p.y - kGround) / kHeight;   // 0 on the ground, 1 at the rim
+    const float wall = 0.26f + 0.34f * Square(Unit(rise));
+    const float fade = Step(-0.02f, 0.1f, rise) * Step(1.08f, 0.75f, rise);
+    float alpha =
+        fade * (0.26f * Step(wall + 0.08f, wall - 0.1f, std::fabs(p.x)) + 0.3f * Gauss(std::fabs(p.x) - wall, 0.1f));
+    alpha = std::max(alpha, 0.2f * Gauss(Length({p.x, (p.y - kGround - kHeight) * 4}) - 0.58f, 0.13f));   // the rim
+    for (int i = 0; i < 12; ++i) {
+        const float side = -1 + 2 * (static_cast<float>(i) + 0.5f) / 12 + dice.Range(-0.08f, 0.08f);
+        const Point foot{0.42f * side, kGround + kHeight * dice.Range(0.45f, 0.9f)};
+        const Point tip{side * dice.Range(0.5f, 0.82f), foot.y + dice.Range(0.1f, 0.75f) * (1.15f - side * side)};
+        alpha = std::max(alpha, Thread(p, foot, tip, dice.Range(0.03f, 0.055f)));
+    }
     for (int i = 0; i < 13; ++i) {
-        const float side = -1 + 2 * (static_cast<float>(i) + 0.5f) / 13 + dice.Range(-0.08f, 0.08f);
-        const Point foot{0.3f * side, -0.72f};
-        const Point tip{side * dice.Range(0.62f, 0.86f),
-                        -0.72f + (1.1f - 0.62f * side * side) * dice.Range(0.35f, 1.25f)};
-        alpha = std::max(alpha, Thread(p, foot, tip, dice.Range(0.018f, 0.05f)));
+        const float x = dice.Range(-0.84f, 0.84f), y = dice.Range(0.05f, 0.8f) * (1 - 0.5f * x * x);
+        alpha = std::max(alpha, 0.9f * Gauss(Length({p.x - x, p.y - y}), dice.Range(0.014f, 0.036f)));
     }
-    const float rise = (p.y + 0.72f) / 0.62f, rim = 0.3f + 0.3f * Unit(rise);   // the sheet that carries the threads
-    const float sheet = Step(0.0f, 0.06f, rise) * Unit(1 - rise) * (0.34f + 0.5f * Gauss(std::fabs(p.x) - rim, 0.09f)) *
-                        Step(rim + 0.1f, rim, std::fabs(p.x));
-    alpha = std::max(alpha, sheet);
-    for (int i = 0; i < 16; ++i) {   // drops that have come off
-        const float x = dice.Range(-0.8f, 0.8f), y = dice.Range(-0.2f, 0.75f) * (1 - 0.5f * x * x);
-        alpha = std::max(alpha, 0.9f * Gauss(Length({p.x - x, p.y - y}), dice.Range(0.012f, 0.034f)));
-    }
-    const float pool = 0.7f * Spot(Length({p.x / 0.62f, (p.y + 0.72f) / 0.16f}));
-    alpha = std::max(alpha, pool) * (0.8f + 0.5f * Fractal({p.x * 5, p.y * 5}, 3, seed));
+    alpha = std::max(alpha, 0.6f * Spot(Length({p.x / 0.7f, (p.y - kGround) / 0.15f})));
+    alpha *= 0.85f + 0.4f * Fractal({p.x * 5, p.y * 5}, 3, seed);
     return {0.93f, 0.98f, 1, Unit(alpha) * Step(-0.94f, -0.82f, p.y) * Vignette(p)};
 }
 
