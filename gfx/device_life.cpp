@@ -21,7 +21,7 @@ D3DPRESENT_PARAMETERS PresentParameters(GfxParts& parts) {
 
 void SetWholeViewport(GfxParts& parts) {
     const D3DVIEWPORT9 whole = {0, 0, parts.targets.Width(), parts.targets.Height(), 0.0f, 1.0f};
-    parts.graphics.Require(parts.transforms.SetViewport(whole), "SetViewPort failed: ");
+    SetViewport(parts, whole);
 }
 
 void SetDefaultSamplers(GfxParts& parts) {
@@ -151,7 +151,6 @@ void InitDevice(GfxParts& parts, const DeviceRequest& request) {
     ForgetDeviceStates(parts);
     SetFirstStates(parts);
     parts.graphics.CreateEffectPool();
-    parts.ready = true;
     parts.created_at = parts.graphics.Environment().seconds();
     parts.frames.SetLastPresent(parts.created_at);
     SetLastStates(parts);
@@ -173,6 +172,14 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
     ReapplyRest(parts);
     parts.catalogue.Restore();
     return was_lost ? 0 : 1;
+}
+
+int SetViewport(GfxParts& parts, const D3DVIEWPORT9& viewport) {
+    const HRESULT result = parts.transforms.SetViewport(viewport);
+    if (SUCCEEDED(result)) return 1;
+    if (!parts.presentation.windowed) parts.graphics.Require(result, "SetViewPort failed: ");
+    parts.graphics.Reporter().Warning("SetViewPort failed: %s", DXGetErrorString9(result));
+    return 0;
 }
 
 int PresentFrame(GfxParts& parts) {

@@ -159,11 +159,7 @@ int KRN_Gfx::SetViewPort(int x1, int y1, int x2, int y2, float min_z, float max_
                                    static_cast<DWORD>(y2 - y1),
                                    min_z,
                                    max_z};
-    const HRESULT result = parts_->transforms.SetViewport(viewport);
-    if (SUCCEEDED(result)) return 1;
-    if (!parts_->presentation.windowed) Error("SetViewPort failed: %s", DXGetErrorString9(result));
-    Warning("SetViewPort failed: %s", DXGetErrorString9(result));
-    return 0;
+    return SetViewport(*parts_, viewport);
 }
 
 const D3DVIEWPORT9& KRN_Gfx::Viewport() const { return parts_->transforms.Viewport(); }
@@ -222,13 +218,16 @@ void KRN_Gfx::SetTexture2D(KRN_Texture* texture) {
     parts_->screen.SetTexture(texture);
 }
 void KRN_Gfx::DrawTexture2D(const Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]) {
-    parts_->screen.Draw(rectangle, colour, z);
+    parts_->screen.Draw(rectangle, nullptr, colour, z);
+}
+void KRN_Gfx::DrawTexture2D(const Quad2D& rectangle, const Quad2D& source, D3DCOLOR colour, const float (&z)[4]) {
+    parts_->screen.Draw(rectangle, &source, colour, z);
 }
 void KRN_Gfx::DrawFullScreenTexture(D3DCOLOR colour, float z) {
     const D3DVIEWPORT9& viewport = parts_->transforms.Viewport();
     const float x = static_cast<float>(viewport.X), y = static_cast<float>(viewport.Y);
     const Quad2D whole = {x, y, x + static_cast<float>(viewport.Width), y + static_cast<float>(viewport.Height)};
-    parts_->screen.Draw(whole, colour, {z, z, z, z});
+    parts_->screen.Draw(whole, nullptr, colour, {z, z, z, z});
 }
 void KRN_Gfx::DrawLastTexture() { parts_->screen.DrawLast(); }
 bool KRN_Gfx::DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world) { return parts_->meshes.Draw(mesh, world); }

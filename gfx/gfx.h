@@ -167,6 +167,8 @@ class KRN_Gfx : public KRN_Base {
     };
     /// z: for the corners left bottom, left top, right bottom, right top.
     void DrawTexture2D(const Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]);
+    /// The part `source` of the picture, in its pixels.
+    void DrawTexture2D(const Quad2D& rectangle, const Quad2D& source, D3DCOLOR colour, const float (&z)[4]);
     /// The 2D texture over the whole viewport.
     void DrawFullScreenTexture(D3DCOLOR colour, float z);
     /// The 2D texture where it was drawn last.

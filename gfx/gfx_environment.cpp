@@ -1,6 +1,7 @@
 #include "gfx/gfx_environment.h"
 
 #include "base/log.h"
+#include "platform/d3dx/d3dx_effect.h"
 #include "platform/system/system.h"
 #include "platform/window/window.h"
 
@@ -17,6 +18,7 @@ void PumpMessage() {
 
 }   // namespace
 
-const GfxEnvironment kSystemEnvironment = {LoadLibraryA, FreeLibrary, GetClientRect, PumpMessage, GetSeconds};
+const GfxEnvironment kSystemEnvironment = {LoadLibraryA, FreeLibrary, GetClientRect,
+                                           PumpMessage,  GetSeconds,  D3DXCreateEffectPool};
 
 }   // namespace sparkrig

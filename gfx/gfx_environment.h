@@ -4,6 +4,8 @@
 
 namespace sparkrig {
 
+class ID3DXEffectPool;
+
 struct GfxEnvironment {
     /// Presence probes of the run-time libraries.
     bool (*load_library)(const char* name);
@@ -13,9 +15,10 @@ struct GfxEnvironment {
     void (*pump_message)();
     /// The program's clock, in seconds.
     double (*seconds)();
+    HRESULT (*create_effect_pool)(ID3DXEffectPool** pool);
 };
 
-/// The real system: platform/system, platform/window and the clock of base.
+/// The real system: platform/system, platform/window, platform/d3dx and the clock of base.
 extern const GfxEnvironment kSystemEnvironment;
 
 }   // namespace sparkrig

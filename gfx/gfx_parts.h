@@ -57,7 +57,6 @@ struct GfxParts {
     RenderTargets targets{graphics};
     FrameTimeRing frames;
     double created_at = 0;   // seconds of the clock
-    bool ready = false;
 
     // States: what the device holds, and what the program wants
     StateSender sender{graphics};

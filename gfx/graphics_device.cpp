@@ -64,7 +64,7 @@ void GraphicsDevice::Create(HWND window, const Choice& choice, D3DPRESENT_PARAME
 }
 
 void GraphicsDevice::CreateEffectPool() {
-    Require(D3DXCreateEffectPool(effect_pool_.Receive()), "Can not create default effect pool: ");
+    Require(environment_.create_effect_pool(effect_pool_.Receive()), "Can not create default effect pool: ");
 }
 
 void GraphicsDevice::Require(HRESULT result, const char* text) const {

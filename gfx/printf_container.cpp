@@ -71,7 +71,9 @@ void KRN_PrintfContainer::AddRun(const char* text, std::size_t length) {
     run.size_y = size * options_.scale_y;
     run.first_char = static_cast<int>(characters_.size());
     run.length = static_cast<int>(TakeCharacters(text, length));
-    for (int i = 0; i < run.length; ++i) run.width += font.Advance(Characters(run)[i]) * run.size_x;
+    for (int i = 0; i < run.length; ++i) {
+        run.width += font.Advance(static_cast<unsigned char>(Characters(run)[i])) * run.size_x;
+    }
     run.x = options_.alignment == TextAlignment::Centre ? std::floor(cursor_x_ - run.width / 2) : cursor_x_;
 
     PrintfLine& line = lines_.back();

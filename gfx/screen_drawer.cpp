@@ -14,6 +14,15 @@ constexpr UINT kCorners = 4;
 constexpr D3DCOLOR kNoFog = 0xFF000000;   // the alpha of the specular colour is the fog factor
 constexpr float kPixelShift = 0.25f;      // keeps edges off the pixel centres
 
+/// Of the whole picture, or of a part in its pixels.
+KRN_Gfx::Quad2D TextureCoordinates(const KRN_Texture& texture, const KRN_Gfx::Quad2D* source) {
+    const KRN_Texture::Rectangle& whole = texture.TextureRectangle();
+    if (!source) return {whole.u, whole.v, whole.u + whole.size_u, whole.v + whole.size_v};
+    const float per_x = whole.size_u / texture.Width(), per_y = whole.size_v / texture.Height();
+    return {whole.u + source->left * per_x, whole.v + source->top * per_y, whole.u + source->right * per_x,
+            whole.v + source->bottom * per_y};
+}
+
 }   // namespace
 
 KRN_Texture& ScreenDrawer::Texture() const {
@@ -21,7 +30,8 @@ KRN_Texture& ScreenDrawer::Texture() const {
     return *texture_;
 }
 
-void ScreenDrawer::Draw(const KRN_Gfx::Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]) {
+void ScreenDrawer::Draw(const KRN_Gfx::Quad2D& rectangle, const KRN_Gfx::Quad2D* source, D3DCOLOR colour,
+                        const float (&z)[4]) {
     KRN_Texture& texture = Texture();
     DevicePtr<IDirect3DVertexBuffer9>& quad = texture.ScreenQuad();
     if (!quad) {
@@ -30,16 +40,15 @@ void ScreenDrawer::Draw(const KRN_Gfx::Quad2D& rectangle, D3DCOLOR colour, const
                                                 KRN_TLVertex::kFormat, D3DPOOL_MANAGED, quad.Receive());
         sender_.Graphics().Require(result, "CreateVertexBuffer in CreateVertexList failed: ");
     }
-    const KRN_Texture::Rectangle& part = texture.TextureRectangle();
-    const float right = part.u + part.size_u, bottom = part.v + part.size_v;
+    const KRN_Gfx::Quad2D part = TextureCoordinates(texture, source);
     const auto corner = [&](float x, float y, float depth, float u, float v) {
         return KRN_TLVertex{x - kPixelShift, y - kPixelShift, depth, 1.0f, colour, kNoFog, u, v};
     };
     const KRN_TLVertex corners[kCorners] = {
-        corner(rectangle.left, rectangle.bottom, z[0], part.u, bottom),
-        corner(rectangle.left, rectangle.top, z[1], part.u, part.v),
-        corner(rectangle.right, rectangle.bottom, z[2], right, bottom),
-        corner(rectangle.right, rectangle.top, z[3], right, part.v),
+        corner(rectangle.left, rectangle.bottom, z[0], part.left, part.bottom),
+        corner(rectangle.left, rectangle.top, z[1], part.left, part.top),
+        corner(rectangle.right, rectangle.bottom, z[2], part.right, part.bottom),
+        corner(rectangle.right, rectangle.top, z[3], part.right, part.top),
     };
     void* data = nullptr;
     sender_.Graphics().Require(quad->Lock(0, 0, &data, 0), " VB Lock failed: ");

@@ -27,9 +27,10 @@ class ScreenDrawer {
     /// Whether screen rectangles are tested against the depth buffer. Initially off.
     void SetDepthTest(bool on) { depth_test_ = on; }
 
-    /// Writes the texture's four vertices and draws them. z: for the corners left bottom, left top, right bottom,
+    /// Writes the texture's four vertices and draws them. source: the part of the picture, in its pixels; null for the
+    /// whole. z: for the corners left bottom, left top, right bottom,
     /// right top.
-    void Draw(const KRN_Gfx::Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]);
+    void Draw(const KRN_Gfx::Quad2D& rectangle, const KRN_Gfx::Quad2D* source, D3DCOLOR colour, const float (&z)[4]);
     /// Draws the texture's four vertices as they are.
     void DrawLast();
 

@@ -114,7 +114,7 @@ void TextDrawer::AddRun(const KRN_PrintfContainer& text, const PrintfEntity& run
     const POINT sheet = run.font->Sheet().GetSize();
     const float per_u = 1.0f / static_cast<float>(sheet.x), per_v = 1.0f / static_cast<float>(sheet.y);
     for (int i = 0; i < run.length; ++i) {
-        const int code = text.Characters(run)[i];
+        const int code = static_cast<unsigned char>(text.Characters(run)[i]);
         const RECT& rect = run.font->GlyphOf(code).rect;
         const float left = x - kPixelShift, right = left + static_cast<float>(rect.right - rect.left) * run.size_x;
         const float top = y - kPixelShift, bottom = top + static_cast<float>(rect.bottom - rect.top) * run.size_y;

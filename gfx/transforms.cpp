@@ -29,10 +29,13 @@ void Transforms::SetNearFar(float z_near, float z_far) {
     far_ = z_far;
 }
 
+float Transforms::ViewportAspect() const {
+    if (viewport_.Width == 0 || viewport_.Height == 0) return aspect_factor_;   // the device refused every viewport
+    return static_cast<float>(viewport_.Width) * aspect_factor_ / static_cast<float>(viewport_.Height);
+}
+
 void Transforms::SetProjection(float z_near, float z_far, float fov, float aspect) {
-    if (aspect == kDerivedAspect) {
-        aspect = static_cast<float>(viewport_.Width) * aspect_factor_ / static_cast<float>(viewport_.Height);
-    }
+    if (aspect == kDerivedAspect) aspect = ViewportAspect();
     SetNearFar(z_near, z_far);
     D3DXMATRIX projection;
     D3DXMatrixPerspectiveFovLH(&projection, fov, aspect, z_near, z_far);

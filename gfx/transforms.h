@@ -38,6 +38,8 @@ class Transforms {
     const ViewPlane (&Planes() const)[6];
 
   private:
+    float ViewportAspect() const;
+
     StateSender& sender_;
     CullingState& culling_;
     D3DXMATRIX world_ = kIdentityMatrix, view_ = kIdentityMatrix, projection_ = kIdentityMatrix;

@@ -107,7 +107,6 @@ void Init(KRN_Gfx& gfx) { gfx.InitDevice(FakeWindow(), 1, nullptr, 16, 0, 1, 0, 
 const FailingCall kCreatingCalls[] = {
     {"GetAdapterDisplayMode", "KRN_Gfx: GetAdapterDisplayMode failed: %s", Init},
     {"CreateDevice", "KRN_Gfx: CreateDevice failed: %s\n", Init},
-    {"SetViewport", "KRN_Gfx: SetViewPort failed: %s", Init},
     {"GetRenderTarget", "KRN_Gfx: Can not retrieve render target: %s", Init},
     {"GetDepthStencilSurface", "KRN_Gfx: Can not retrieve zbuffer: %s", Init},
     {"GetBackBuffer", "KRN_Gfx: GetBackBuffer failed: %s", Init},
@@ -116,6 +115,14 @@ const FailingCall kCreatingCalls[] = {
     {"Unlock", "KRN_ListBase: *undefined*: Unlock failed: %s", Init},
 };
 INSTANTIATE_TEST_SUITE_P(Calls, Creating, testing::ValuesIn(kCreatingCalls));
+
+TEST(Creating, ReportsAnEffectPoolThatCannotBeMade) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    FakeEnvironment::pool_result = E_OUTOFMEMORY;
+    EXPECT_EQ(ErrorOf([&] { Init(*gfx); }), "KRN_Gfx: Can not create default effect pool: E_OUTOFMEMORY");
+    gfx.Destroy();
+    EXPECT_EQ(gfx.recording.LiveObjects(), 0);
+}
 
 TEST(Creating, CapabilitiesThatCannotBeReadMeanSoftwareProcessing) {
     RecordedGfx gfx(RecordedGfx::State::Constructed);

@@ -80,6 +80,20 @@ TEST(ScreenTexture, IsDrawnAgainWhereItWas) {
     EXPECT_EQ(whole[3].z, 0.75f);
 }
 
+TEST(ScreenTexture, APartIsGivenInPixels) {
+    RecordedGfx gfx;
+    KRN_Texture texture;
+    gfx->CreateTexture(&texture, 16, 8, 4, -1, 1);
+    gfx->SetTexture2D(&texture);
+    gfx->BeginScene();
+    gfx->DrawTexture2D({10, 20, 30, 50}, {4, 1, 12, 7}, 0xFFFFFFFF, {0, 0, 0, 0});
+    const std::vector<KRN_TLVertex> v = VerticesOf(gfx.recording.Draws()[0]);
+    EXPECT_EQ(v[1].u, 0.25f);
+    EXPECT_EQ(v[1].v, 0.125f);
+    EXPECT_EQ(v[2].u, 0.75f);
+    EXPECT_EQ(v[2].v, 0.875f);
+}
+
 TEST(ScreenTexture, CanBeTestedAgainstDepth) {
     RecordedGfx gfx;
     KRN_Texture texture;

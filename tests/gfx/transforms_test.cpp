@@ -122,6 +122,12 @@ TEST(Viewport, ARefusalIsAWarningInAWindowAndAnErrorInFullScreen) {
     EXPECT_EQ(reports.Last(), "warning KRN_Gfx: SetViewPort failed: D3DERR_INVALIDCALL");
     EXPECT_EQ(gfx->Viewport().Width, 100u);
 
+    RecordedGfx refusing(RecordedGfx::State::Constructed);
+    refusing.recording.Fail("SetViewport", D3DERR_INVALIDCALL);
+    refusing.Init();
+    EXPECT_EQ(refusing->ProjectionMatrix().m[0][0], refusing->ProjectionMatrix().m[1][1])
+        << "square for want of a size";
+
     RecordedGfx full(RecordedGfx::State::Constructed);
     const D3DDISPLAYMODE mode = {800, 600, 85, D3DFMT_X8R8G8B8};
     full->InitDevice(FakeWindow(), 0, &mode, 16, 0, 1, 0, 0);

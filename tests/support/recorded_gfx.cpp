@@ -6,6 +6,7 @@ RECT FakeEnvironment::client = {};
 int FakeEnvironment::pumped = 0;
 double FakeEnvironment::now = 0;
 const char* FakeEnvironment::missing = nullptr;
+HRESULT FakeEnvironment::pool_result = D3D_OK;
 
 const GfxEnvironment FakeEnvironment::kTable = {
     [](const char* name) { return !missing || std::string(missing) != name; },
@@ -13,6 +14,7 @@ const GfxEnvironment FakeEnvironment::kTable = {
     [](HWND, RECT& rectangle) { rectangle = client; },
     [] { ++pumped; },
     [] { return now; },
+    [](ID3DXEffectPool** pool) { return FAILED(pool_result) ? pool_result : D3DXCreateEffectPool(pool); },
 };
 
 void FakeEnvironment::Reset() {
@@ -20,6 +22,7 @@ void FakeEnvironment::Reset() {
     pumped = 0;
     now = 100;
     missing = nullptr;
+    pool_result = D3D_OK;
 }
 
 HWND FakeWindow() {

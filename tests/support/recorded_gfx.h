@@ -18,6 +18,7 @@ struct FakeEnvironment {
     static int pumped;            // messages dispatched
     static double now;            // seconds
     static const char* missing;   // the library that cannot be loaded, or null
+    static HRESULT pool_result;   // of making the effect pool
     static const GfxEnvironment kTable;
 
     /// As at the start of a test.
