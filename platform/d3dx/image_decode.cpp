@@ -17,13 +17,9 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// The library gives bytes R, G, B, A; a D3DCOLOR is B, G, R, A.
-void SwapRedAndBlue(std::span<D3DCOLOR> pixels) {
-    for (D3DCOLOR& p : pixels) p = (p & 0xFF00FF00) | (p >> 16 & 0xFF) | (p & 0xFF) << 16;
-}
-
-void MakeOpaque(std::span<D3DCOLOR> pixels) {
-    for (D3DCOLOR& p : pixels) p |= 0xFF000000;
+/// The library gives bytes R, G, B, A; a D3DCOLOR is B, G, R, A. A channel that the file lacks becomes 1.
+void ToArgb(std::span<D3DCOLOR> pixels, D3DCOLOR always_set) {
+    for (D3DCOLOR& p : pixels) p = (p & 0xFF00FF00) | (p >> 16 & 0xFF) | (p & 0xFF) << 16 | always_set;
 }
 
 }   // namespace
@@ -47,8 +43,8 @@ HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
     image.width = static_cast<UINT>(width);
     image.height = static_cast<UINT>(height);
     if (image.width != info.Width || image.height != info.Height) return D3DXERR_INVALIDDATA;
-    SwapRedAndBlue(image.Pixels());
-    if (!HasAlpha(info.Format) && info.Format != D3DFMT_P8) MakeOpaque(image.Pixels());
+    const bool opaque = !HasAlpha(info.Format) && info.Format != D3DFMT_P8;
+    ToArgb(image.Pixels(), opaque ? 0xFF000000 : 0);
     if (info.ImageFileFormat == D3DXIFF_TGA && info.Format == D3DFMT_A1R5G5B5) ReadTgaAlphaBits(file, image);
     return D3D_OK;
 }

@@ -109,15 +109,17 @@ constexpr D3DCOLOR Average(D3DCOLOR a, D3DCOLOR b, D3DCOLOR c, D3DCOLOR d) {
 HRESULT HalveImage(const Image& source, Image& half) {
     half = Image(std::max(1u, source.width / 2), std::max(1u, source.height / 2));
     if (!half.pixels) return E_OUTOFMEMORY;
-    const UINT right = source.width > 1 ? 1 : 0, below = source.height > 1 ? 1 : 0;
+    const UINT below = source.height > 1 ? 1 : 0;
     for (UINT y = 0; y < half.height; ++y) {
         const D3DCOLOR* upper = source.Row(2 * y);
         const D3DCOLOR* lower = source.Row(2 * y + below);
         D3DCOLOR* out = half.Row(y);
-        for (UINT x = 0; x < half.width; ++x) {
-            const UINT left = 2 * x;
-            out[x] = Average(upper[left], upper[left + right], lower[left], lower[left + right]);
+        if (source.width == 1) {
+            out[0] = Average(upper[0], upper[0], lower[0], lower[0]);
+            continue;
         }
+        for (std::size_t x = 0; x < half.width; ++x)
+            out[x] = Average(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
     }
     return D3D_OK;
 }
