@@ -22,28 +22,35 @@ struct RegroupTraits {
 
 class DrawList {
   public:
-    void Clear() { elements_.clear(); }
-    void Add(const VisualEffectDrawElement& element) { elements_.push_back(element); }
-    const std::vector<VisualEffectDrawElement>& Elements() const { return elements_; }
+    void Clear();
+    /// Instances come in ascending order. `traits` is the place of the element's in the table that Regroup gets.
+    void Add(const VisualEffectDrawElement& element, int traits);
 
-    /// The lower sort class first, in a class the farther first, in one distance in the order of adding.
+    /// The lower sort class first, in a class the farther first, in one distance the lower instance first.
     void Sort();
     /// Sorts each run of particles by texture. A run starts at an element that may start one and goes on while the
-    /// following ones are particles of equal states, wherever they may start one. `traits_of[i]` is the position in
-    /// `traits` of element i's.
-    void Regroup(const std::vector<std::uint32_t>& traits_of, const std::vector<RegroupTraits>& traits);
-    /// Positions in Elements(), in the order of drawing.
+    /// following ones are particles of equal states, wherever they may start one.
+    void Regroup(const std::vector<RegroupTraits>& traits);
+    /// The instances in the order of drawing.
     const std::vector<std::uint32_t>& Order() const { return order_; }
 
   private:
-    void SortByClass();
-    void SortRun(std::size_t begin, std::size_t end, const std::vector<std::uint32_t>& traits_of,
-                 const std::vector<RegroupTraits>& traits);
+    /// Of an instance in the list, by id.
+    struct Known {
+        std::uint32_t traits;
+        std::uint16_t sort_class;
+    };
 
-    std::vector<VisualEffectDrawElement> elements_;
+    void SortByClass();
+    void SortRun(std::size_t begin, std::size_t end, const std::vector<RegroupTraits>& traits);
+
+    std::vector<Known> known_;
+    std::vector<std::uint64_t> keys_;   // before the sort: distance and instance
     std::vector<std::uint32_t> order_;
-    std::vector<std::uint64_t> keys_, scratch_;   // memory of the sorts
+    std::vector<std::uint64_t> scratch_;   // memory of the sorts, like the next
     std::vector<std::uint32_t> run_;
+    bool one_class_ = true;
+    std::uint16_t first_class_ = 0;
 };
 
 }   // namespace sparkrig

@@ -1,11 +1,5 @@
 #include "effects/effect_drawing.h"
 
-#include <cmath>
-
-#include "effects/motion_lanes.h"
-#include "effects/packed_colour.h"
-#include "effects/particle_appearance.h"
-#include "effects/transform_update.h"
 #include "gfx/gfx.h"
 #include "gfx/texture.h"
 #include "gfx/texture_catalogue.h"
@@ -13,11 +7,11 @@
 namespace sparkrig {
 namespace {
 
-constexpr int kDepthOrderedBlendMode = 9;   // blends over what lies behind, so that the order shows
-constexpr int kSubtractiveBlendMode = 5;
+constexpr int kDepthOrderedBlendMode = 9;    // blends over what lies behind, so that the order shows
 constexpr float kBeforeEverything = -1000;   // distance of what is held before the camera
-constexpr float kSpecialRadius = 1.5f;       // of the length of the scale
 constexpr std::uint32_t kBillboardModes = 256;
+constexpr std::size_t kPrefetch =
+    12;   // places ahead: depth order jumps through the records, which no processor foresees
 
 }   // namespace
 
@@ -39,7 +33,6 @@ void EffectDrawing::Init(KRN_Gfx& gfx, int buffer_mode) {
 void EffectDrawing::Release() {
     particles_.Release();
     list_ = {};
-    items_ = {};
 }
 
 void EffectDrawing::ResetCounters() {
@@ -47,91 +40,61 @@ void EffectDrawing::ResetCounters() {
     particles_.StartFrame();
 }
 
-void EffectDrawing::Draw(const EffectSimulation::Instances& instances, int detail_level) {
+void EffectDrawing::Draw(const EffectSimulation& simulation) {
     ResetCounters();
     before_ = RememberStates();
     gfx_->SetFogEnable(false);
     gfx_->SetLighting(false, nullptr);
-    Collect(instances, detail_level);
-    BringIntoOrder();
-    DrawInOrder();
-    groups_.Release();
+    BuildOrder(simulation);
+    DrawInOrder(simulation.Records(), simulation.DetailLevel());
     RestoreStates();
 }
 
-// ---- Collecting
-
-void EffectDrawing::Collect(const EffectSimulation::Instances& instances, int detail_level) {
-    list_.Clear();
-    items_.clear();
-    group_of_.clear();
-    for (int position = 0; position < instances.GetCount(); ++position) {
-        VisualEffectObject& object = *instances.GetAt(position);
-        if (object.time >= object.birth_delay && IsVisible(object))
-            AddVisible(instances.GetIdAt(position), object, detail_level);
-    }
-    for (int i = 0; i < groups_.Count(); ++i) MakeParticles(groups_[i]);
-}
-
-void EffectDrawing::AddVisible(int id, VisualEffectObject& object, int detail_level) {
-    SubEffect& sub = *object.sub_effect;
-    const int number = groups_.NumberOf(sub);
-    const auto item = static_cast<std::uint32_t>(items_.size());
-    const bool shown = sub.detail_level <= detail_level && ColourByte(object.alpha) != 0;
-    items_.push_back({{}, static_cast<float>(object.Age()), static_cast<std::uint32_t>(number), shown});
-    group_of_.push_back(static_cast<std::uint32_t>(number));
-    list_.Add({static_cast<std::uint32_t>(id), SortDistance(object), sub.sort_class});
-    if (object.kind != SubEffectKind::Particle || !shown) return;
-    Group& group = groups_[number];
-    group.objects[group.count] = &object;
-    group.items[group.count++] = item;
-    if (group.count == kLanes) MakeParticles(group);
-}
-
-float EffectDrawing::SortDistance(const VisualEffectObject& object) const {
-    const SubEffect& sub = *object.sub_effect;
-    if (sub.billboard == static_cast<int>(BillboardMode::BeforeCamera))
-        return sub.sort_distance_offset + kBeforeEverything;
-    return gfx_->DistanceToCamera(object.position) + sub.sort_distance_offset;
-}
-
-bool EffectDrawing::IsVisible(const VisualEffectObject& object) const {
-    switch (object.kind) {
-        case SubEffectKind::Particle: return gfx_->SphereInView(object.position, std::abs(object.scale.x));
-        case SubEffectKind::Special:
-            return gfx_->SphereInView(object.position, kSpecialRadius * D3DXVec3Length(object.scale));
-        case SubEffectKind::Mesh: return true;
-    }
-    return true;
-}
-
-void EffectDrawing::MakeParticles(Group& group) {
-    if (group.count == 0) return;
-    const SubEffect& sub = *group.sub;
-    MotionLanes in;
-    GatherLanes(group.objects, group.count, in);
-    VectorLanes rgb;
-    alignas(64) float angle[kLanes];
-    alignas(64) float alpha[kLanes];
-    alignas(64) std::uint32_t colour[kLanes];
-    EvalColor(sub, in, rgb);
-    EvalRotationAngle(sub, in, angle);
-    for (int i = 0; i < group.count; ++i) alpha[i] = group.objects[i]->alpha;
-    PackParticleColours(rgb, alpha, group.count, sub.blend_mode == kSubtractiveBlendMode, colour);
-    for (int i = 0; i < group.count; ++i) {
-        const VisualEffectObject& object = *group.objects[i];
-        items_[group.items[i]].particle = {object.position, colour[i], angle[i], object.scale.x};
-    }
-    group.count = 0;
-}
-
-// ---- Ordering
-
-void EffectDrawing::BringIntoOrder() {
+void EffectDrawing::BuildOrder(const EffectSimulation& simulation) {
+    groups_.Begin();
+    Collect(simulation);
+    groups_.End();
     traits_.clear();
     for (int i = 0; i < groups_.Count(); ++i) traits_.push_back(TraitsOf(*groups_[i].sub));
     list_.Sort();
-    list_.Regroup(group_of_, traits_);
+    list_.Regroup(traits_);
+}
+
+void EffectDrawing::Collect(const EffectSimulation& simulation) {
+    const std::vector<DrawRecord>& records = simulation.Records();
+    const int count = simulation.Live().GetCount();
+    list_.Clear();
+    view_.emplace(*gfx_);
+    Candidates candidates;
+    for (int position = 0; position < count; ++position) {
+        const int id = simulation.Live().GetIdAt(position);
+        if (!records[static_cast<std::size_t>(id)].born) continue;
+        candidates.ids[candidates.count++] = id;
+        if (candidates.count < kLanes) continue;
+        AddVisible(candidates, records);
+        candidates.count = 0;
+    }
+    AddVisible(candidates, records);
+}
+
+void EffectDrawing::AddVisible(const Candidates& candidates, const std::vector<DrawRecord>& records) {
+    SphereLanes spheres;
+    for (int i = 0; i < candidates.count; ++i) {
+        const DrawRecord& record = records[static_cast<std::size_t>(candidates.ids[i])];
+        spheres.centre.x[i] = record.particle.position.x;
+        spheres.centre.y[i] = record.particle.position.y;
+        spheres.centre.z[i] = record.particle.position.z;
+        spheres.radius[i] = record.radius;
+    }
+    TestSpheres(*view_, candidates.count, spheres);
+    for (int i = 0; i < candidates.count; ++i) {
+        if (!spheres.visible[i]) continue;
+        SubEffect& sub = *records[static_cast<std::size_t>(candidates.ids[i])].sub;
+        const bool before_camera = sub.billboard == static_cast<int>(BillboardMode::BeforeCamera);
+        const float distance = before_camera ? kBeforeEverything : spheres.distance[i];
+        list_.Add({static_cast<std::uint32_t>(candidates.ids[i]), distance + sub.sort_distance_offset, sub.sort_class},
+                  groups_.NumberOf(sub));
+    }
 }
 
 RegroupTraits EffectDrawing::TraitsOf(const SubEffect& sub) const {
@@ -149,21 +112,34 @@ RegroupTraits EffectDrawing::TraitsOf(const SubEffect& sub) const {
 
 // ---- Drawing
 
-void EffectDrawing::DrawInOrder() {
+void EffectDrawing::DrawInOrder(const std::vector<DrawRecord>& records, int detail_level) {
     const SubEffect* last = nullptr;   // whose batch is being gathered
-    for (const std::uint32_t number : list_.Order()) {
-        const Item& item = items_[number];
-        if (!item.shown) continue;
-        SubEffect& sub = *groups_[static_cast<int>(item.group)].sub;
+    KRN_Texture* texture = nullptr;    // its texture, and whether each particle may show another frame of it
+    bool animated = false;
+    const std::vector<std::uint32_t>& order = list_.Order();
+    for (std::size_t place = 0; place < order.size(); ++place) {
+        if (place + kPrefetch < order.size()) __builtin_prefetch(&records[order[place + kPrefetch]]);
+        const DrawRecord& record = records[order[place]];
+        SubEffect& sub = *record.sub;
+        if (!record.opaque || sub.detail_level > detail_level) continue;
         if (sub.kind != SubEffectKind::Particle) {
             particles_.Flush();
             last = nullptr;
             continue;
         }
-        auto& particle_effect = static_cast<ParticleEffect&>(sub);
-        if (&sub != last) BeginParticles(particle_effect);
-        last = &sub;
-        DrawParticle(particle_effect, item);
+        const bool begins = &sub != last;
+        if (begins) {
+            auto& particle_effect = static_cast<ParticleEffect&>(sub);
+            BeginParticles(particle_effect);
+            texture = particle_effect.texture.get();
+            animated = texture->SequenceFrames() > 0;
+            last = &sub;
+        }
+        if (begins || animated) texture->Update(record.age);
+        if (particles_.IsFull()) particles_.Flush();
+        if (begins || animated || particles_.IsEmpty()) particles_.SetBatchTexture(texture);
+        particles_.AddParticle(record.particle);
+        ++drawn_particles_;
     }
     particles_.Flush();
 }
@@ -175,20 +151,14 @@ void EffectDrawing::BeginParticles(ParticleEffect& sub) {
     const bool same = particles_.BatchBillboardMode() == sub.billboard &&
                       particles_.BatchBlendMode() == sub.blend_mode && gfx_->ZBufferMode() == z_buffer_mode &&
                       gfx_->ZWrite() == z_write;
-    if (!same) particles_.Flush();
-    particles_.SetBlendMode(sub.blend_mode);
-    particles_.SetBillboardMode(sub.billboard);
-    gfx_->SetZBufferMode(z_buffer_mode);
-    gfx_->SetZWrite(z_write);
+    if (!same) {
+        particles_.Flush();
+        particles_.SetBlendMode(sub.blend_mode);
+        particles_.SetBillboardMode(sub.billboard);
+        gfx_->SetZBufferMode(z_buffer_mode);
+        gfx_->SetZWrite(z_write);
+    }
     LoadParticleTexture(*gfx_, sub);
-}
-
-void EffectDrawing::DrawParticle(const ParticleEffect& sub, const Item& item) {
-    sub.texture->Update(item.age);
-    if (particles_.IsFull()) particles_.Flush();
-    particles_.SetBatchTexture(sub.texture.get());
-    particles_.AddParticle(item.particle);
-    ++drawn_particles_;
 }
 
 // ---- States

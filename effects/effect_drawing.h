@@ -1,11 +1,13 @@
 // One frame of the live instances: the visible ones collected, put into order, drawn.
 #pragma once
+#include <optional>
 #include <vector>
 
 #include "effects/draw_list.h"
 #include "effects/effect_particle_system.h"
 #include "effects/effect_simulation.h"
 #include "effects/sub_effect_groups.h"
+#include "effects/view_volume.h"
 
 namespace sparkrig {
 
@@ -16,7 +18,9 @@ class EffectDrawing {
     void Init(KRN_Gfx& gfx, int buffer_mode);
     void Release();
     /// Draws into the scene that has begun, and leaves the device's states as they were.
-    void Draw(const EffectSimulation::Instances& instances, int detail_level);
+    void Draw(const EffectSimulation& simulation);
+    /// The part of Draw before anything is drawn: what is visible, and in which order.
+    void BuildOrder(const EffectSimulation& simulation);
     // Of the last Draw.
     int DrawnParticles() const { return drawn_particles_; }
     int DrawCalls() const { return particles_.DrawCalls(); }
@@ -25,19 +29,14 @@ class EffectDrawing {
     KRN_Gfx& Gfx() { return *gfx_; }
 
   private:
-    /// A visible instance.
-    struct Item {
-        Particle particle;   // of a particle sub-effect
-        float age;           // seconds
-        std::uint32_t group;
-        bool shown;   // else only part of the order
-    };
     /// A sub-effect with visible instances.
     struct Group {
         SubEffect* sub = nullptr;
-        int count = 0;   // of those whose particles wait to be evaluated
-        VisualEffectObject* objects[kLanes];
-        std::uint32_t items[kLanes];
+    };
+    /// Born instances, in ascending order of ids, whose bounds are tested together.
+    struct Candidates {
+        int count = 0;
+        int ids[kLanes];
     };
     /// The device's states before the effects.
     struct States {
@@ -45,27 +44,21 @@ class EffectDrawing {
         int z_buffer_mode, blending_mode, blending_alpha;
     };
 
-    void Collect(const EffectSimulation::Instances& instances, int detail_level);
-    void AddVisible(int id, VisualEffectObject& object, int detail_level);
-    float SortDistance(const VisualEffectObject& object) const;
-    bool IsVisible(const VisualEffectObject& object) const;
-    void MakeParticles(Group& group);
-    void BringIntoOrder();
+    void Collect(const EffectSimulation& simulation);
+    void AddVisible(const Candidates& candidates, const std::vector<DrawRecord>& records);
     RegroupTraits TraitsOf(const SubEffect& sub) const;
 
-    void DrawInOrder();
+    void DrawInOrder(const std::vector<DrawRecord>& records, int detail_level);
     void BeginParticles(ParticleEffect& sub);
-    void DrawParticle(const ParticleEffect& sub, const Item& item);
     States RememberStates() const;
     void RestoreStates();
 
     KRN_Gfx* gfx_ = nullptr;   // borrowed
     EffectParticleSystem particles_;
     DrawList list_;
-    std::vector<Item> items_;
     SubEffectGroups<Group> groups_;
-    std::vector<std::uint32_t> group_of_;   // of each item
-    std::vector<RegroupTraits> traits_;     // of each group
+    std::vector<RegroupTraits> traits_;   // of each group
+    std::optional<ViewVolume> view_;      // of the frame
     States before_ = {};
     int drawn_particles_ = 0;
 };

@@ -59,11 +59,7 @@ void EffectParticleSystem::SetBatchTexture(KRN_Texture* texture) {
     texture_frame_ = frame;
 }
 
-void EffectParticleSystem::AddParticle(const Particle& particle) {
-    if (!IsFull()) {
-        particles_[count_++] = particle;
-        return;
-    }
+void EffectParticleSystem::WarnFull() {
     if (!warned_) Warning("Stack full");
     warned_ = true;
 }

@@ -32,7 +32,10 @@ class EffectParticleSystem : public ErrorClass {
     int BatchBlendMode() const { return blend_mode_; }
 
     /// A particle beyond the capacity is dropped with a warning, given once.
-    void AddParticle(const Particle& particle);
+    void AddParticle(const Particle& particle) {
+        if (IsFull()) return WarnFull();
+        particles_[count_++] = particle;
+    }
     bool IsEmpty() const { return count_ == 0; }
     bool IsFull() const { return count_ == particles_.size(); }
     /// Draws the batch, if it holds anything, and forgets its texture.
@@ -44,6 +47,7 @@ class EffectParticleSystem : public ErrorClass {
   private:
     void CreateVertices(int capacity, bool force_software_processing, int buffer_mode);
     D3DXHANDLE FindSemantic(const char* semantic) const;
+    void WarnFull();
     void BindTexture();
     void FillVertices();
     void DrawQuads();

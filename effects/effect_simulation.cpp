@@ -72,7 +72,8 @@ void EffectSimulation::StartSubEffect(SubEffect& sub, const D3DXVECTOR3& positio
 
 void EffectSimulation::AddInstance(SubEffect& sub, int number, const D3DXVECTOR3& position, double time_offset,
                                    int trace_key) {
-    VisualEffectObject& object = *instances_.Get(instances_.AddNew());
+    const int id = instances_.AddNew();
+    VisualEffectObject& object = *instances_.Get(id);
     object.base_position = position;
     object.trace_key = trace_key;
     if (sub.count_type == CountType::Random)
@@ -82,7 +83,7 @@ void EffectSimulation::AddInstance(SubEffect& sub, int number, const D3DXVECTOR3
     for (float& random : object.random) random = static_cast<float>(Random01());
     object.Bind(sub);
     object.time = time_offset + sub.start_time;
-    transforms_.Add(object);
+    transforms_.Add(object, id);
     if (object.Age() >= 0 && sub.emit.effect) EmitBeforeStart(object);
 }
 
@@ -139,7 +140,7 @@ void EffectSimulation::Update(float elapsed_seconds) {
             continue;
         }
         if (sub.detail_level > detail_level_) continue;
-        transforms_.Add(*object);
+        transforms_.Add(*object, id);
         if (Emits(sub) && object->Age() >= 0) RecordEmissions(*object, step);
     }
     transforms_.Flush();
@@ -214,6 +215,17 @@ void EffectSimulation::Rebind(const std::vector<Binding>& bindings, EffectDefini
         else
             instances_.Delete(binding.id);
     }
+    RefreshRecords();
+}
+
+void EffectSimulation::SetDetailLevel(int level) {
+    detail_level_ = level;
+    RefreshRecords();   // what was passed over and is drawn now has aged
+}
+
+void EffectSimulation::RefreshRecords() {
+    for (int position = 0; position < instances_.GetCount(); ++position)
+        transforms_.RefreshRecord(*instances_.GetAt(position), instances_.GetIdAt(position));
 }
 
 }   // namespace sparkrig

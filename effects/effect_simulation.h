@@ -44,7 +44,9 @@ class EffectSimulation {
     Instances& Live() { return instances_; }
     const Instances& Live() const { return instances_; }
     double SystemTime() const { return system_time_; }
-    void SetDetailLevel(int level) { detail_level_ = level; }
+    /// What drawing needs of each instance, by id.
+    const std::vector<DrawRecord>& Records() const { return transforms_.Records(); }
+    void SetDetailLevel(int level);
     int DetailLevel() const { return detail_level_; }
     void SetLimits(const EffectLimits& limits) { limits_ = limits; }
 
@@ -61,6 +63,7 @@ class EffectSimulation {
     void EmitBeforeStart(VisualEffectObject& object);
     void Emit(const VisualEffectObject& emitter, double offset);
     int NextTraceKeyBase();
+    void RefreshRecords();
     // What the limits allow. The first time that they do not, a warning names the effect.
     bool HasRoom(const VisualEffect& effect);    // for one more instance
     bool MayStart(const VisualEffect& effect);   // one more effect

@@ -8,6 +8,8 @@
 namespace sparkrig {
 namespace {
 
+constexpr std::size_t kFewKeys = 8;   // up to which looking at each is quicker than halving
+
 template <int Components>
 void Slope(const CurveKey<Components>& from, const CurveKey<Components>& to, float interval,
            float (&slope)[Components]) {
@@ -52,6 +54,11 @@ struct HermiteWeights {
 
 template <int Components>
 int FindSegment(const std::vector<CurveKey<Components>>& keys, double time) {
+    if (keys.size() <= kFewKeys) {
+        std::size_t segment = 0;
+        while (segment + 1 < keys.size() && keys[segment + 1].time <= time) ++segment;
+        return static_cast<int>(segment);
+    }
     const auto after = std::upper_bound(keys.begin() + 1, keys.end(), time,
                                         [](double t, const CurveKey<Components>& key) { return t < key.time; });
     return static_cast<int>(after - keys.begin()) - 1;

@@ -34,14 +34,16 @@ D3DXVECTOR3 EvalPosition(const SubEffect& sub, double t, float c, const MotionRa
 
 D3DXQUATERNION EvalRotation(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
     QuaternionLanes out;
-    EvalRotation(sub, SingleLane(t, c, r), out);
+    float angle[kLanes];
+    EvalRotations(sub, SingleLane(t, c, r), out, angle);
     return {out.x[0], out.y[0], out.z[0], out.w[0]};
 }
 
 float EvalRotationAngle(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
-    float out[kLanes];
-    EvalRotationAngle(sub, SingleLane(t, c, r), out);
-    return out[0];
+    QuaternionLanes out;
+    float angle[kLanes];
+    EvalRotations(sub, SingleLane(t, c, r), out, angle);
+    return angle[0];
 }
 
 D3DXVECTOR3 EvalScale(const SubEffect& sub, double t, float c, const MotionRandoms& r) {

@@ -2,9 +2,11 @@
 // arrays that do not overlap.
 #include "effects/motion_lanes.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "effects/sine.h"
+#include "effects/vector_code.h"
 
 namespace sparkrig {
 namespace {
@@ -127,7 +129,7 @@ void ApplyTimeFactor(const TimeScale& scale, int count, const double* w, VectorL
 bool IsNeutral(const TimeScale& scale) { return scale.inverse == 0 && scale.constant == 1 && scale.linear == 0; }
 
 /// The rotation about v by |v| x `unit` radians. Nothing is turned by a vector of length 0.
-void RotationsOf(const VectorLanes& v, int count, const float* unit, QuaternionLanes& out) {
+SPARKRIG_VECTOR_CODE void RotationsOf(const VectorLanes& v, int count, const float* unit, QuaternionLanes& out) {
     for (int i = 0; i < count; ++i) {
         const float length = std::sqrt(v.x[i] * v.x[i] + v.y[i] * v.y[i] + v.z[i] * v.z[i]);
         const double half = 0.5 * (length * unit[i]);
@@ -139,10 +141,10 @@ void RotationsOf(const VectorLanes& v, int count, const float* unit, QuaternionL
     }
 }
 
-void RotateBy(const VectorLanes& v, int count, VectorLanes& sum) {
+SPARKRIG_VECTOR_CODE void RotateBy(const VectorLanes& v, int count, VectorLanes& sum) {
     alignas(64) float unit[kLanes];
     QuaternionLanes q;
-    for (int i = 0; i < count; ++i) unit[i] = kRadiansPerDegree;
+    std::fill_n(unit, kLanes, kRadiansPerDegree);
     RotationsOf(v, count, unit, q);
     for (int i = 0; i < count; ++i) {   // by the rotation matrix of the quaternion
         const float x = q.x[i], y = q.y[i], z = q.z[i], w = q.w[i];
@@ -153,7 +155,7 @@ void RotateBy(const VectorLanes& v, int count, VectorLanes& sum) {
     }
 }
 
-void Fold(ConcatType concat, const VectorLanes& v, int count, VectorLanes& sum) {
+SPARKRIG_VECTOR_CODE void Fold(ConcatType concat, const VectorLanes& v, int count, VectorLanes& sum) {
     switch (concat) {
         case ConcatType::Add:
             for (int i = 0; i < count; ++i) sum.x[i] += v.x[i];
@@ -188,7 +190,7 @@ float ParitySign(float random) {
 
 }   // namespace
 
-void EvaluateMotion(const VisualEffectMotion& stage, const MotionLanes& in, VectorLanes& out) {
+SPARKRIG_VECTOR_CODE void EvaluateMotion(const VisualEffectMotion& stage, const MotionLanes& in, VectorLanes& out) {
     StageTimes times;
     ComputeStageTimes(stage, in, times);
     EvaluateShape(stage, in, times, out);
@@ -207,7 +209,7 @@ void EvalPosition(const SubEffect& sub, const MotionLanes& in, VectorLanes& out)
 namespace {
 
 /// out = out followed by next.
-void TurnOn(QuaternionLanes& out, const QuaternionLanes& next, int count) {
+SPARKRIG_VECTOR_CODE void TurnOn(QuaternionLanes& out, const QuaternionLanes& next, int count) {
     for (int i = 0; i < count; ++i) {
         const float px = out.x[i], py = out.y[i], pz = out.z[i], pw = out.w[i];
         const float qx = next.x[i], qy = next.y[i], qz = next.z[i], qw = next.w[i];
@@ -236,7 +238,8 @@ void RotationSigns(const SubEffect& sub, const MotionLanes& in, float (&signs)[k
 
 }   // namespace
 
-void EvalRotation(const SubEffect& sub, const MotionLanes& in, QuaternionLanes& out) {
+void EvalRotations(const SubEffect& sub, const MotionLanes& in, QuaternionLanes& out, float (&angle)[kLanes]) {
+    for (int i = 0; i < in.count; ++i) angle[i] = 0;
     const int stages = sub.rotation_stages.GetCount();
     if (stages == 0) return Fill(sub.start_rotation, in.count, out);
     alignas(64) float signs[kLanes];
@@ -246,24 +249,14 @@ void EvalRotation(const SubEffect& sub, const MotionLanes& in, QuaternionLanes& 
         VectorLanes v;
         QuaternionLanes turn;
         EvaluateMotion(*sub.rotation_stages.GetAt(stage), in, v);
+        for (int i = 0; i < in.count; ++i) angle[i] += v.x[i];
         RotationsOf(v, in.count, signs, turn);
         TurnOn(out, turn, in.count);
     }
+    for (int i = 0; i < in.count; ++i) angle[i] *= signs[i];
     QuaternionLanes start;
     Fill(sub.start_rotation, in.count, start);
     TurnOn(out, start, in.count);
-}
-
-void EvalRotationAngle(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]) {
-    alignas(64) float signs[kLanes];
-    for (int i = 0; i < in.count; ++i) out[i] = 0;
-    for (int stage = 0; stage < sub.rotation_stages.GetCount(); ++stage) {
-        VectorLanes v;
-        EvaluateMotion(*sub.rotation_stages.GetAt(stage), in, v);
-        for (int i = 0; i < in.count; ++i) out[i] += v.x[i];
-    }
-    RotationSigns(sub, in, signs);
-    for (int i = 0; i < in.count; ++i) out[i] *= signs[i];
 }
 
 void EvalScale(const SubEffect& sub, const MotionLanes& in, VectorLanes& out) {
@@ -291,8 +284,12 @@ void EvalAlpha(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]
     for (int i = 0; i < in.count; ++i) out[i] = sum.x[i];
 }
 
-void FadeFactor(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]) {
+SPARKRIG_VECTOR_CODE void FadeFactor(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]) {
     const double fade_in = sub.fade_in, fade_out = sub.fade_out;
+    if (!(fade_in > 0) && !(fade_out > 0)) {
+        for (int i = 0; i < in.count; ++i) out[i] = 1;
+        return;
+    }
     for (int i = 0; i < in.count; ++i) {
         const double t = in.t[i], life = in.life[i];
         double fade = fade_in > 0 && t < fade_in ? t / fade_in : 1;

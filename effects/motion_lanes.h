@@ -31,8 +31,8 @@ struct MotionLanes {
 
 void EvaluateMotion(const VisualEffectMotion& stage, const MotionLanes& in, VectorLanes& out);
 void EvalPosition(const SubEffect& sub, const MotionLanes& in, VectorLanes& out);
-void EvalRotation(const SubEffect& sub, const MotionLanes& in, QuaternionLanes& out);
-void EvalRotationAngle(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]);
+/// Both EvalRotation and EvalRotationAngle: they share their stages.
+void EvalRotations(const SubEffect& sub, const MotionLanes& in, QuaternionLanes& out, float (&angle)[kLanes]);
 void EvalScale(const SubEffect& sub, const MotionLanes& in, VectorLanes& out);
 void EvalColor(const SubEffect& sub, const MotionLanes& in, VectorLanes& out);
 void EvalAlpha(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]);

@@ -2,10 +2,12 @@
 #include "effects/particle_appearance.h"
 
 #include "effects/packed_colour.h"
+#include "effects/vector_code.h"
 
 namespace sparkrig {
 namespace {
 
+constexpr int kSubtractiveBlendMode = 5;
 constexpr std::uint32_t kSubtractiveAlpha = 1;   // present, where 0 would mean invisible
 
 /// The byte times `factor` 65536ths. Where the product leaves the byte, it wraps.
@@ -13,9 +15,9 @@ std::uint32_t Scaled(std::uint32_t byte, std::uint32_t factor) { return byte * f
 
 }   // namespace
 
-void PackParticleColours(const VectorLanes& rgb, const float (&alpha)[kLanes], int count, bool subtractive,
-                         std::uint32_t (&colours)[kLanes]) {
-    if (!subtractive) {
+SPARKRIG_VECTOR_CODE void PackParticleColours(const VectorLanes& rgb, const float (&alpha)[kLanes], int count,
+                                              int blend_mode, std::uint32_t (&colours)[kLanes]) {
+    if (blend_mode != kSubtractiveBlendMode) {
         for (int i = 0; i < count; ++i) colours[i] = PackColour(rgb.x[i], rgb.y[i], rgb.z[i], ColourByte(alpha[i]));
         return;
     }

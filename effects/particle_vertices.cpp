@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "effects/sine.h"
+#include "effects/vector_code.h"
 
 namespace sparkrig {
 namespace {
@@ -37,7 +38,7 @@ void InitParticleVertices(EffectParticleVertex* vertices, std::size_t particles)
     }
 }
 
-void FillParticles(const Particle* particles, std::size_t count, EffectParticleVertex* vertices) {
+SPARKRIG_VECTOR_CODE void FillParticles(const Particle* particles, std::size_t count, EffectParticleVertex* vertices) {
     for (std::size_t first = 0; first < count; first += kBlock) {
         const std::size_t block = std::min(kBlock, count - first);
         const Particle* particle = particles + first;

@@ -24,10 +24,11 @@ class SubEffectGroups {
     Group& operator[](int number) { return *groups_[static_cast<std::size_t>(number)]; }
     const Group& operator[](int number) const { return *groups_[static_cast<std::size_t>(number)]; }
     int Count() const { return static_cast<int>(used_); }
-    /// The walk is over: its sub-effects have no group any more.
-    void Release() {
+    /// A walk begins, without groups.
+    void Begin() { used_ = 0; }
+    /// The walk is over: another may begin elsewhere. The groups stay until this one begins its next.
+    void End() {
         for (std::size_t i = 0; i < used_; ++i) groups_[i]->sub->group = -1;
-        used_ = 0;
     }
 
   private:

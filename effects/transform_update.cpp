@@ -1,9 +1,18 @@
 #include "effects/transform_update.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "effects/motion.h"
+#include "effects/packed_colour.h"
+#include "effects/particle_appearance.h"
 
 namespace sparkrig {
 namespace {
+
+constexpr float kFullAlpha = 255.0f;
+constexpr float kSpecialRadius = 1.5f;   // of the length of the scale
 
 /// v turned by the base orientation, the identity for everything that the system starts itself.
 D3DXVECTOR3 Oriented(const D3DXQUATERNION& orientation, const D3DXVECTOR3& v) {
@@ -14,15 +23,21 @@ D3DXVECTOR3 Oriented(const D3DXQUATERNION& orientation, const D3DXVECTOR3& v) {
     return *D3DXVec3TransformNormal(&turned, &v, &matrix);
 }
 
-constexpr float kFullAlpha = 255.0f;
+/// A mesh has no bounds yet and counts as visible.
+float BoundingRadius(const VisualEffectObject& object) {
+    switch (object.kind) {
+        case SubEffectKind::Particle: return std::abs(object.scale.x);
+        case SubEffectKind::Special: return kSpecialRadius * D3DXVec3Length(object.scale);
+        case SubEffectKind::Mesh: break;
+    }
+    return std::numeric_limits<float>::infinity();
+}
 
-}   // namespace
-
-void GatherLanes(VisualEffectObject* const* objects, int count, MotionLanes& in) {
+void GatherLanes(const VisualEffectObject* const* objects, int count, MotionLanes& in) {
     in.count = count;
     for (int i = 0; i < count; ++i) {
         const VisualEffectObject& object = *objects[i];
-        in.t[i] = std::max(object.Age(), 0.0);
+        in.t[i] = object.Age();
         in.c[i] = object.count_value;
         in.r[0][i] = object.random[0];
         in.r[1][i] = object.random[1];
@@ -32,45 +47,87 @@ void GatherLanes(VisualEffectObject* const* objects, int count, MotionLanes& in)
     }
 }
 
-void TransformUpdate::Group::Evaluate() {
-    if (count == 0) return;
-    MotionLanes in;
-    GatherLanes(objects, count, in);
+DrawRecord MakeRecord(const VisualEffectObject& object, double age, std::uint32_t colour, float angle) {
+    DrawRecord record;
+    record.particle = {object.position, colour, angle, object.scale.x};
+    record.radius = BoundingRadius(object);
+    record.age = static_cast<float>(age);
+    record.born = age >= 0;
+    record.opaque = ColourByte(object.alpha) != 0;
+    record.sub = object.sub_effect;
+    return record;
+}
 
-    VectorLanes position, scale;
+}   // namespace
+
+DrawRecord& TransformUpdate::RecordOf(int id) {
+    const auto place = static_cast<std::size_t>(id);
+    if (place >= records_.size()) records_.resize(std::max(place + 1, records_.size() * 2));
+    return records_[place];
+}
+
+void TransformUpdate::Add(VisualEffectObject& object, int id) {
+    const double age = object.Age();
+    if (age < 0) {
+        object.position = object.base_position;
+        RecordOf(id) = MakeRecord(object, age, 0, 0);
+        return;
+    }
+    Group& group = groups_[groups_.NumberOf(*object.sub_effect)];
+    group.objects[group.count] = &object;
+    group.ids[group.count++] = id;
+    if (group.count == kLanes) Evaluate(group);
+}
+
+void TransformUpdate::Flush() {
+    for (int i = 0; i < groups_.Count(); ++i) Evaluate(groups_[i]);
+    groups_.End();
+    groups_.Begin();
+}
+
+void TransformUpdate::Evaluate(Group& group) {
+    const int count = std::exchange(group.count, 0);
+    if (count == 0) return;
+    const SubEffect& sub = *group.sub;
+    MotionLanes in;
+    GatherLanes(group.objects, count, in);
+
+    VectorLanes position, scale, rgb;
     QuaternionLanes rotation;
-    alignas(64) float alpha[kLanes];
-    alignas(64) float fade[kLanes];
-    EvalPosition(*sub, in, position);
-    EvalScale(*sub, in, scale);
-    EvalRotation(*sub, in, rotation);
-    EvalAlpha(*sub, in, alpha);
-    FadeFactor(*sub, in, fade);
+    alignas(64) float angle[kLanes], alpha[kLanes], fade[kLanes];
+    alignas(64) std::uint32_t colour[kLanes];
+    EvalPosition(sub, in, position);
+    EvalScale(sub, in, scale);
+    EvalRotations(sub, in, rotation, angle);
+    EvalAlpha(sub, in, alpha);
+    FadeFactor(sub, in, fade);
+    EvalColor(sub, in, rgb);
 
     for (int i = 0; i < count; ++i) {
-        VisualEffectObject& object = *objects[i];
+        VisualEffectObject& object = *group.objects[i];
         object.local_offset = {position.x[i], position.y[i], position.z[i]};
         object.position = object.base_position + Oriented(object.base_orientation, object.local_offset);
         object.scale = {scale.x[i], scale.y[i], scale.z[i]};
         object.rotation = {rotation.x[i], rotation.y[i], rotation.z[i], rotation.w[i]};
-        object.alpha = alpha[i] * fade[i] * (static_cast<float>(object.colour >> 24) / kFullAlpha);
+        object.alpha = alpha[i] = alpha[i] * fade[i] * (static_cast<float>(object.colour >> 24) / kFullAlpha);
     }
-    count = 0;
+    PackParticleColours(rgb, alpha, count, sub.blend_mode, colour);
+    for (int i = 0; i < count; ++i)
+        RecordOf(group.ids[i]) = MakeRecord(*group.objects[i], in.t[i], colour[i], angle[i]);
 }
 
-void TransformUpdate::Add(VisualEffectObject& object) {
-    if (object.Age() < 0) {
-        object.position = object.base_position;
-        return;
-    }
-    Group& group = groups_[groups_.NumberOf(*object.sub_effect)];
-    group.objects[group.count++] = &object;
-    if (group.count == kLanes) group.Evaluate();
-}
-
-void TransformUpdate::Flush() {
-    for (int i = 0; i < groups_.Count(); ++i) groups_[i].Evaluate();
-    groups_.Release();
+void TransformUpdate::RefreshRecord(const VisualEffectObject& object, int id) {
+    const SubEffect& sub = *object.sub_effect;
+    const double age = object.Age();
+    VectorLanes rgb;
+    float alpha[kLanes] = {object.alpha};
+    std::uint32_t colour[kLanes];
+    const D3DXVECTOR3 first = EvalColor(sub, age, object.count_value, object.random);
+    rgb.x[0] = first.x;
+    rgb.y[0] = first.y;
+    rgb.z[0] = first.z;
+    PackParticleColours(rgb, alpha, 1, sub.blend_mode, colour);
+    RecordOf(id) = MakeRecord(object, age, colour[0], EvalRotationAngle(sub, age, object.count_value, object.random));
 }
 
 }   // namespace sparkrig

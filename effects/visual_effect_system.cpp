@@ -99,7 +99,7 @@ void VisualEffectSystem::Init(KRN_Gfx& gfx, int mode) {
 void VisualEffectSystem::PreloadEffect(const char* name) { Preload(*this, *parts_, name); }
 
 int VisualEffectSystem::Draw() {
-    parts_->drawing.Draw(parts_->simulation.Live(), DetailLevel());
+    parts_->drawing.Draw(parts_->simulation);
     return DrawCallCount();
 }
 

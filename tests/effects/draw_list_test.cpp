@@ -23,9 +23,10 @@ TEST(DrawList, SortsClassesUpAndDistancesDown) {
         std::uint16_t sort_class;
         float distance;
     } kRows[] = {{2, 5}, {1, 3}, {1, -1000}, {2, 70}, {1, 40}, {0, 0.5f}, {65535, 9}, {1, 3}};
-    for (const auto& row : kRows) list.Add({7, row.distance, row.sort_class});
+    std::uint32_t instance = 10;
+    for (const auto& row : kRows) list.Add({instance++, row.distance, row.sort_class}, 0);
     list.Sort();
-    EXPECT_EQ(list.Order(), (std::vector<std::uint32_t>{5, 4, 1, 7, 2, 3, 0, 6}));
+    EXPECT_EQ(list.Order(), (std::vector<std::uint32_t>{15, 14, 11, 17, 12, 13, 10, 16}));
     list.Clear();
     list.Sort();
     EXPECT_TRUE(list.Order().empty());
@@ -36,11 +37,13 @@ TEST(DrawList, SortsAsAStableComparisonSortDoes) {
     for (const int count : {2, 100, 255, 256, 5000}) {
         for (const int classes : {1, 3, 40000}) {
             DrawList list;
+            std::vector<VisualEffectDrawElement> elements;
             for (int i = 0; i < count; ++i) {
                 const auto distance = static_cast<float>(static_cast<int>(generator() % 2000) - 1000) / 8;
-                list.Add({0, distance, static_cast<std::uint16_t>(generator() % static_cast<unsigned>(classes))});
+                const auto sort_class = static_cast<std::uint16_t>(generator() % static_cast<unsigned>(classes));
+                elements.push_back({static_cast<std::uint32_t>(i), distance, sort_class});
+                list.Add(elements.back(), 0);
             }
-            const auto& elements = list.Elements();
             std::vector<std::uint32_t> expected = Iota(elements.size());
             std::stable_sort(expected.begin(), expected.end(), [&](std::uint32_t a, std::uint32_t b) {
                 const auto &x = elements[a], &y = elements[b];
@@ -55,7 +58,8 @@ TEST(DrawList, SortsAsAStableComparisonSortDoes) {
 TEST(DrawList, SortsDistancesThatAreNoNumbers) {
     DrawList list;
     const float infinity = std::numeric_limits<float>::infinity();
-    for (int i = 0; i < 300; ++i) list.Add({0, i % 3 == 0 ? std::nanf("") : i % 3 == 1 ? -infinity : infinity, 4});
+    for (std::uint32_t i = 0; i < 300; ++i)
+        list.Add({i, i % 3 == 0 ? std::nanf("") : i % 3 == 1 ? -infinity : infinity, 4}, 0);
     list.Sort();
     std::vector<std::uint32_t> order = list.Order();
     std::sort(order.begin(), order.end());
@@ -89,11 +93,11 @@ TEST(DrawList, RegroupsAsTheSlowWayDoes) {
                 one.states = generator() % states;
                 one.texture = generator() % 9;
                 traits.push_back(one);
-                list.Add({i, static_cast<float>(generator() % 1000), 0});
+                list.Add({i, static_cast<float>(generator() % 1000), 0}, static_cast<int>(i));
             }
             list.Sort();
             const std::vector<std::uint32_t> expected = RegroupSlowly(list.Order(), traits);
-            list.Regroup(Iota(count), traits);
+            list.Regroup(traits);
             EXPECT_EQ(list.Order(), expected) << count << " " << states;
         }
     }
@@ -102,9 +106,10 @@ TEST(DrawList, RegroupsAsTheSlowWayDoes) {
 TEST(DrawList, ARunTakesInThoseThatMayNotStartOne) {
     const RegroupTraits free_b{true, true, 3, 20}, bound_a{true, false, 3, 10}, other{false, false, 3, 1};
     DrawList list;
-    for (int i = 0; i < 6; ++i) list.Add({0, static_cast<float>(-i), 0});
+    const int traits[] = {1, 1, 0, 1, 2, 1};
+    for (std::uint32_t i = 0; i < 6; ++i) list.Add({i, -static_cast<float>(i), 0}, traits[i]);
     list.Sort();
-    list.Regroup({1, 1, 0, 1, 2, 1}, {free_b, bound_a, other});
+    list.Regroup({free_b, bound_a, other});
     EXPECT_EQ(list.Order(), (std::vector<std::uint32_t>{0, 1, 3, 2, 4, 5}));   // the first two stand before the run
 }
 

@@ -135,18 +135,22 @@ TEST(KeyCurve, ComponentsAreIndependent) {
 
 TEST(KeyCurve, WithoutKeysIsZero) { EXPECT_EQ(At(ScalarCurve(), 3), 0); }
 
-TEST(FindSegment, FindsTheSegmentThatAScanFinds) {
+void ExpectScannedSegments(std::size_t count) {
     std::mt19937 generator(7);
     std::uniform_int_distribution<int> distance(0, 3);
-    std::vector<CurveKey<1>> keys(200);
+    std::vector<CurveKey<1>> keys(count);
     for (std::size_t i = 1; i < keys.size(); ++i)
         keys[i].time = keys[i - 1].time + 0.25f * static_cast<float>(distance(generator));
     for (double time = -1; time < keys.back().time + 1; time += 0.0625) {
         int last = 0;
         for (int i = 0; i < static_cast<int>(keys.size()); ++i)
             if (keys[static_cast<std::size_t>(i)].time <= time) last = i;
-        EXPECT_EQ(FindSegment(keys, time), last) << time;
+        EXPECT_EQ(FindSegment(keys, time), last) << count << " keys, at " << time;
     }
+}
+
+TEST(FindSegment, FindsTheSegmentThatAScanFinds) {
+    for (const std::size_t count : {1, 2, 8, 9, 200}) ExpectScannedSegments(count);
 }
 
 }   // namespace

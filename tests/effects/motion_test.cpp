@@ -304,8 +304,7 @@ TEST(MotionLanes, GiveTheBitsOfTheFunctionsForOneInstance) {
         EvalPosition(sub, in, position);
         EvalScale(sub, in, scale);
         EvalColor(sub, in, colour);
-        EvalRotation(sub, in, rotation);
-        EvalRotationAngle(sub, in, angle);
+        EvalRotations(sub, in, rotation, angle);
         EvalAlpha(sub, in, alpha);
         FadeFactor(sub, in, fade);
         for (int i = 0; i < count; ++i) {

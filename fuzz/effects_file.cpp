@@ -1,0 +1,61 @@
+// An effects file: loaded, its effects started and simulated for ten seconds, loaded again under running instances.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "base/random.h"
+#include "effects/effect_simulation.h"
+#include "effects/motion.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr int kEffects = 6;   // of those in the file
+constexpr int kSteps = 40;
+constexpr float kStepSeconds = 0.25f;
+constexpr EffectLimits kLimits = {.live_instances = 600, .starts = 600, .nesting = 8};
+
+struct FuzzReporter : ErrorClass {};
+
+const char* WriteInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string name = "/tmp/fuzz_effects_file_" + std::to_string(getpid());
+    std::FILE* file = std::fopen(name.c_str(), "wb");
+    if (!file) return name.c_str();
+    std::fwrite(data, 1, size, file);
+    std::fclose(file);
+    return name.c_str();
+}
+
+void Play(const char* file) {
+    FuzzReporter reporter;
+    EffectDefinitions definitions;
+    LoadEffectsFile(file, reporter, definitions);
+    EffectSimulation simulation(reporter);
+    simulation.SetLimits(kLimits);
+    for (int i = 0; i < definitions.names.GetCount() && i < kEffects; ++i)
+        simulation.StartEffect(*definitions.effects.Find(*definitions.names.GetAt(i)), {1, 2, 3});
+    for (int step = 0; step < kSteps; ++step) simulation.Update(kStepSeconds);
+    const auto bindings = simulation.GetBindings();
+    EffectDefinitions again;
+    LoadEffectsFile(file, reporter, again);
+    simulation.Rebind(bindings, again);
+    simulation.Update(kStepSeconds);
+    for (int i = 0; i < simulation.Live().GetCount(); ++i) {
+        const VisualEffectObject& object = *simulation.Live().GetAt(i);
+        (void)EvalColor(*object.sub_effect, object.Age(), object.count_value, object.random);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    sparkrig::SeedRandom(7);
+    try {
+        sparkrig::Play(sparkrig::WriteInput(data, size));
+    } catch (const sparkrig::ErrorMsg&) {
+    }
+    return 0;
+}
