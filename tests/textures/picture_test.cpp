@@ -12,7 +12,7 @@
 namespace sparkrig {
 namespace {
 
-constexpr int kSmallSize = 32;   // every painter is a function of the plane: a small picture shows all of its rules
+constexpr int kSmallSize = 24;   // every painter is a function of the plane: a small picture shows all of its rules
 
 Picture RenderSmall(Sprite sprite) {
     sprite.size = kSmallSize;
