@@ -83,7 +83,7 @@ std::vector<Element> ParseMatrixSwizzle(std::string_view word) {
         const bool from_zero = word.size() >= 4 && word[1] == 'm';
         const std::size_t size = from_zero ? 4 : 3;
         if (word.size() < size || word[0] != '_') return {};
-        const int base = from_zero ? '0' : '1';
+        const char base = from_zero ? '0' : '1';
         const Element element{word[size - 2] - base, word[size - 1] - base};
         if (element.row < 0 || element.row > 3 || element.column < 0 || element.column > 3) return {};
         elements.push_back(element);

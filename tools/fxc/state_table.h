@@ -15,8 +15,8 @@ struct NamedValue {
 struct StateRow {
     const char* name;
     StateGroup group;
-    DWORD state;
     StateType type;
+    DWORD state;
     std::span<const NamedValue> values = {};   // the names that its value may have
 };
 
