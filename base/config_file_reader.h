@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "base/search_tree.h"
@@ -64,7 +65,9 @@ class ConfigFileReader : public TextFileReader {
     struct KeyLine {
         std::uint32_t hash;
         std::int32_t depth, line;
-        auto operator<=>(const KeyLine&) const = default;
+        bool operator<(const KeyLine& other) const {
+            return std::tie(hash, depth, line) < std::tie(other.hash, other.depth, other.line);
+        }
     };
     /// A key with its numbers appended.
     struct Key {

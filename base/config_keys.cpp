@@ -1,7 +1,6 @@
 // ConfigFileReader: finding a key's line and reading what stands behind the key.
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -13,9 +12,11 @@
 namespace sparkrig {
 namespace {
 
-constexpr int kNumberLength = 31;        // characters of a number that count
-constexpr int kLongScope = 1024;         // lines from which an index is worth its making
-constexpr int kStringReadBytes = 8129;   // of a value read into a String
+constexpr int kNumberLength = 31;         // characters of a number that count
+constexpr std::size_t kKeyLength = 255;   // characters of a key without its numbers; longer ones are cut
+constexpr std::size_t kNumberRoom = 12;   // of a number that is appended to it
+constexpr int kLongScope = 1024;          // lines from which an index is worth its making
+constexpr int kStringReadBytes = 8129;    // of a value read into a String
 
 bool EndsKey(char c) { return c == ' ' || c == '='; }
 bool IsNumeric(char c) { return (c >= '0' && c <= '9') || c == '.' || c == 'e' || c == '+' || c == '-'; }
@@ -53,17 +54,22 @@ bool TakeComma(std::string_view& text) {
     return true;
 }
 
+/// The length behind the number; the buffer has room for it. printf would take longer than the lookup.
+std::size_t AppendNumber(char* text, std::size_t length, std::string_view separator, int number) {
+    std::copy(separator.begin(), separator.end(), text + length);
+    length += separator.size();
+    return static_cast<std::size_t>(std::to_chars(text + length, text + length + kNumberRoom, number).ptr - text);
+}
+
 }   // namespace
 
 ConfigFileReader::Key::Key(const char* key, int i, int j) {
-    if (i < 0)
-        std::snprintf(text, sizeof text, "%s", key);
-    else if (j < 0)
-        std::snprintf(text, sizeof text, "%s%i", key, i);
-    else
-        std::snprintf(text, sizeof text, "%s%i_%i", key, i, j);
-    name = text;
-    needs_separator = static_cast<unsigned char>(*text) >= 65;
+    std::size_t length = std::min(std::strlen(key), kKeyLength);
+    std::memcpy(text, key, length);
+    if (i >= 0) length = AppendNumber(text, length, "", i);
+    if (i >= 0 && j >= 0) length = AppendNumber(text, length, "_", j);
+    name = {text, length};
+    needs_separator = !name.empty() && static_cast<unsigned char>(name.front()) >= 65;
     hash = needs_separator && std::none_of(name.begin(), name.end(), EndsKey) ? HashKey(name) : 0;
 }
 

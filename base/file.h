@@ -11,7 +11,7 @@ namespace sparkrig {
 
 /// In in-memory mode the file on disk is written at Close, beside the old one and then renamed over it: a failure
 /// leaves what was there. Otherwise every write goes to the disk at once.
-class File : public ErrorClass {
+class File final : public ErrorClass {
   public:
     File();
     /// Closes; what Close reports stays in the log.

@@ -32,7 +32,7 @@ void LogFile::Write(const char* format, std::va_list arguments) {
                   FreeMebibytes());
     char line[kLineBytes];
     std::vsnprintf(line, sizeof line - std::strlen(suffix), format, arguments);
-    std::strcat(line, suffix);
+    std::memcpy(line + std::strlen(line), suffix, std::strlen(suffix) + 1);
 
     ++entry_count_;
     std::fputs(line, file);

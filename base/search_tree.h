@@ -55,7 +55,7 @@ class SearchTree : public ErrorClass {
 template <class T>
 int SearchTree<T>::BucketOf(const char* name) const {
     if (!name || !*name) Error("Empty name string");
-    const int code = static_cast<signed char>(*name);
+    const int code = static_cast<signed char>(*name);   // NOLINT(bugprone-signed-char-misuse): reported as it is
     if (code < kFirstCode || code >= kFirstCode + kCodeCount) Error("Character in name string out of range: %i", code);
     return AsciiUpper(*name) - kFirstCode;
 }

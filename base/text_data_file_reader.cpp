@@ -205,7 +205,7 @@ int TextDataFileReader::ReadQuotedString(String& text) {
 }
 
 int TextDataFileReader::ReadInt(int& value) {
-    char token[kTokenSize];
+    char token[kTokenSize] = "";
     SkipSpace();
     const int result = ReadNumberToken(token);
     if (*token) value = TruncateToInt(std::strtod(token, nullptr));   // also of a number at the very end of the file
