@@ -30,10 +30,10 @@ D3DDISPLAYMODE ChooseMode(TesterState& state, KRN_Gfx& gfx) {
 }   // namespace
 
 void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
-    gfx = std::make_unique<KRN_Gfx>();
-    input = std::make_unique<KRN_Input>();
-    keyboard = std::make_unique<KRN_InputKeyboard>();
-    font = std::make_unique<KRN_Font>();
+    gfx.emplace();
+    input.emplace();
+    keyboard.emplace();
+    font.emplace();
     const D3DDISPLAYMODE mode = ChooseMode(state, *gfx);
     constexpr int kZBufferBits = 16, kNoVsync = 0, kMixedVertices = 1, kDefaultDevice = 0, kOneThread = 0;
     gfx->InitDevice(state.window, state.windowed, &mode, kZBufferBits, kNoVsync, kMixedVertices, kDefaultDevice,
@@ -43,7 +43,7 @@ void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
     SeedRandom(seed.value_or(static_cast<std::uint32_t>(QueryPerformanceCounter())));
     font->CreateBuiltInFont(*gfx, kFontTop, kFontBottom);
     SetTextSize(*font, 4.0f);
-    gfx->SetFont(font.get(), 0.0f, 0);
+    gfx->SetFont(&*font, 0.0f, 0);
     state.ReadClientSize();
     state.initialised = 1;
 }

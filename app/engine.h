@@ -1,6 +1,6 @@
 // The objects that the program owns, made and released in a fixed order.
 #pragma once
-#include <memory>
+#include <optional>
 
 #include "app/options.h"
 #include "app/tester_state.h"
@@ -14,10 +14,10 @@
 namespace sparkrig {
 
 struct Engine {
-    std::unique_ptr<KRN_Gfx> gfx;
-    std::unique_ptr<KRN_Input> input;
-    std::unique_ptr<KRN_InputKeyboard> keyboard;
-    std::unique_ptr<KRN_Font> font;
+    std::optional<KRN_Gfx> gfx;
+    std::optional<KRN_Input> input;
+    std::optional<KRN_InputKeyboard> keyboard;
+    std::optional<KRN_Font> font;
     VisualEffectSystem effects;
     KRN_Texture background;
 

@@ -13,7 +13,7 @@ class KRN_Texture;
 /// As a letter or line spacing of SetTextStyle: leaves it as it is.
 inline constexpr float kKeepSpacing = -999.0f;
 
-class KRN_Font : public KRN_Base {
+class KRN_Font final : public KRN_Base {
   public:
     static constexpr int kFirstChar = 32, kLastChar = 93, kGlyphs = kLastChar - kFirstChar + 1;
     struct Glyph {

@@ -29,7 +29,7 @@ class KRN_Texture;
 class KRN_TextureCatalogue;
 struct GfxParts;
 
-class KRN_Gfx : public KRN_Base {
+class KRN_Gfx final : public KRN_Base {
   public:
     using CreateDirect3D = IDirect3D9* (*)(UINT sdk_version);
 

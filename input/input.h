@@ -8,7 +8,7 @@ namespace sparkrig {
 class KRN_InputKeyboard;
 
 /// The input system of one window.
-class KRN_Input : public KRN_Base {
+class KRN_Input final : public KRN_Base {
   public:
     using CreateDirectInput = HRESULT (*)(DWORD version, IDirectInput8** input);
 

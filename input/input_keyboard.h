@@ -6,7 +6,7 @@
 namespace sparkrig {
 
 /// Key codes are DirectInput's, 0 to 255 (KeyCode).
-class KRN_InputKeyboard : public KRN_InputDevice {
+class KRN_InputKeyboard final : public KRN_InputDevice {
   public:
     static constexpr int kKeys = 256;
     using Clock = double (*)();
