@@ -1,0 +1,184 @@
+// Draws that follow each other: what changed in between counts, and nothing else does.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr D3DCOLOR kBack = Argb(255, 10, 20, 30), kFirst = Argb(255, 200, 100, 50), kSecond = Argb(255, 60, 170, 240);
+
+class Redraw : public testing::Test {
+  protected:
+    Redraw() : canvas_(8, 8) {}
+
+    void MakeBuffer(D3DPOOL pool, DWORD usage) {
+        ASSERT_EQ(
+            canvas_->CreateVertexBuffer(8 * sizeof(ScreenVertex), usage, ScreenVertex::kFvf, pool, quads_.Receive()),
+            D3D_OK);
+    }
+    // Writes one of two quads: the left or the right half of the canvas.
+    void WriteQuad(UINT which, D3DCOLOR colour) {
+        const float left = which == 0 ? -0.25f : 3.75f, right = left + 4;
+        const ScreenVertex quad[] = {{left, -0.25f, 0, 1, colour, 0, 0, 0},
+                                     {right, -0.25f, 0, 1, colour, 0, 1, 0},
+                                     {left, 7.75f, 0, 1, colour, 0, 0, 1},
+                                     {right, 7.75f, 0, 1, colour, 0, 1, 1}};
+        void* data = nullptr;
+        ASSERT_EQ(quads_->Lock(which * sizeof quad, sizeof quad, &data, 0), D3D_OK);
+        std::memcpy(data, quad, sizeof quad);
+        quads_->Unlock();
+    }
+    void DrawQuads() {
+        canvas_.Clear(kBack);
+        canvas_->SetFVF(ScreenVertex::kFvf);
+        canvas_->SetStreamSource(0, quads_.Get(), 0, sizeof(ScreenVertex));
+        canvas_->DrawPrimitive(D3DPT_TRIANGLESTRIP, 0, 2);
+        canvas_->DrawPrimitive(D3DPT_TRIANGLESTRIP, 4, 2);
+    }
+    void NextFrame() {
+        canvas_->EndScene();
+        EXPECT_EQ(canvas_->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);
+        canvas_->BeginScene();
+    }
+    void ExpectHalves(D3DCOLOR left, D3DCOLOR right, const char* what) {
+        EXPECT_EQ(canvas_.PixelArgb(1, 6), left) << what;
+        EXPECT_EQ(canvas_.PixelArgb(6, 1), right) << what;
+    }
+
+    Canvas canvas_;
+    DevicePtr<IDirect3DVertexBuffer9> quads_;
+};
+
+TEST_F(Redraw, ShowsWhatABufferHoldsNow) {
+    constexpr struct {
+        D3DPOOL pool;
+        DWORD usage;
+    } kKinds[] = {{D3DPOOL_MANAGED, 0}, {D3DPOOL_SYSTEMMEM, 0}, {D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC}};
+    for (const auto& kind : kKinds) {
+        MakeBuffer(kind.pool, kind.usage);
+        WriteQuad(0, kFirst);
+        WriteQuad(1, kFirst);
+        DrawQuads();
+        ExpectHalves(kFirst, kFirst, "streamed");
+        WriteQuad(1, kSecond);
+        DrawQuads();
+        ExpectHalves(kFirst, kSecond, "a part rewritten in the same frame");
+        for (int frame = 0; frame < 3; ++frame) {
+            NextFrame();
+            DrawQuads();
+            ExpectHalves(kFirst, kSecond, "at rest");
+        }
+        WriteQuad(0, kSecond);
+        DrawQuads();
+        ExpectHalves(kSecond, kSecond, "rewritten after a rest");
+        NextFrame();
+        WriteQuad(1, kFirst);
+        DrawQuads();
+        ExpectHalves(kSecond, kFirst, "rewritten again");
+        NextFrame();
+        DrawQuads();
+        ExpectHalves(kSecond, kFirst, "at rest again");
+    }
+}
+
+// More than the ring holds, so that its parts are used again and the uniforms have to move on.
+TEST_F(Redraw, StreamsWithoutEnd) {
+    MakeBuffer(D3DPOOL_SYSTEMMEM, 0);
+    DevicePtr<IDirect3DVertexBuffer9> large;
+    constexpr UINT kVertices = 60000;
+    ASSERT_EQ(canvas_->CreateVertexBuffer(kVertices * sizeof(ScreenVertex), 0, ScreenVertex::kFvf, D3DPOOL_SYSTEMMEM,
+                                          large.Receive()),
+              D3D_OK);
+    canvas_->SetRenderState(D3DRS_TEXTUREFACTOR, kSecond);
+    canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
+    canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_TFACTOR);
+    for (int round = 0; round < 80; ++round) {   // 150 MB
+        void* data = nullptr;
+        large->Lock(0, 0, &data, 0);
+        large->Unlock();
+        canvas_->SetFVF(ScreenVertex::kFvf);
+        canvas_->SetStreamSource(0, large.Get(), 0, sizeof(ScreenVertex));
+        ASSERT_EQ(canvas_->DrawPrimitive(D3DPT_TRIANGLELIST, 0, kVertices / 3), D3D_OK);
+    }
+    WriteQuad(0, kFirst);
+    WriteQuad(1, kFirst);
+    DrawQuads();
+    ExpectHalves(kSecond, kSecond, "after many");
+}
+
+TEST_F(Redraw, UsesTheTextureThatIsSetNow) {
+    const auto first = MakeTexture(canvas_.Device(), 1, 1, {kFirst}),
+               second = MakeTexture(canvas_.Device(), 1, 1, {kSecond});
+    for (int round = 0; round < 2; ++round) {
+        canvas_->SetTexture(0, first.Get());
+        canvas_.FillAll(0xFFFFFFFF);
+        EXPECT_EQ(canvas_.PixelArgb(3, 3), kFirst);
+        canvas_->SetTexture(0, second.Get());
+        canvas_.FillAll(0xFFFFFFFF);
+        EXPECT_EQ(canvas_.PixelArgb(3, 3), kSecond);
+    }
+    canvas_->SetTexture(0, nullptr);
+    canvas_.FillAll(kBack);
+    EXPECT_EQ(canvas_.PixelArgb(3, 3), kBack);
+}
+
+TEST_F(Redraw, MixesFinalAndPlainPositionsAndPoints) {
+    struct PlainVertex {
+        float x, y, z;
+        D3DCOLOR diffuse;
+    };
+    constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_DIFFUSE;
+    const D3DVIEWPORT9 viewport = {4, 0, 4, 8, 0, 1};
+    canvas_->SetViewport(&viewport);
+    canvas_->SetRenderState(D3DRS_CULLMODE, D3DCULL_CCW);
+    for (int round = 0; round < 2; ++round) {
+        canvas_.Clear(kBack);
+        canvas_.FillAll(kFirst);
+        EXPECT_EQ(canvas_.PixelArgb(5, 2), kFirst);
+        canvas_.Draw<PlainVertex>(kFvf, D3DPT_TRIANGLELIST, 1,   // the left half of the viewport
+                                  {{-1, -9, 0.5f, kSecond}, {-1, 9, 0.5f, kSecond}, {0.01f, 0, 0.5f, kSecond}});
+        EXPECT_EQ(canvas_.PixelArgb(4, 4), kSecond);
+        EXPECT_EQ(canvas_.PixelArgb(7, 4), kFirst);
+        canvas_.Draw<PlainVertex>(kFvf, D3DPT_POINTLIST, 1, {{0.6f, -0.6f, 0.5f, kSecond}});   // at 7.2, 6.4
+        EXPECT_EQ(canvas_.PixelArgb(7, 6), kSecond);
+    }
+}
+
+TEST_F(Redraw, SendsAllRowsThatSeveralLocksWrote) {
+    const auto texture = MakeTexture(canvas_.Device(), 1, 8, std::vector<D3DCOLOR>(8, kBack));
+    canvas_->SetTexture(0, texture.Get());
+    canvas_.FillAll(0xFFFFFFFF);
+    for (const LONG row : {5, 1, 3}) {
+        const RECT rect = {0, row, 1, row + 1};
+        D3DLOCKED_RECT locked;
+        texture->LockRect(0, &locked, &rect, 0);
+        *static_cast<D3DCOLOR*>(locked.pBits) = kFirst;
+        texture->UnlockRect(0);
+    }
+    canvas_.FillAll(0xFFFFFFFF);
+    for (UINT row = 0; row < 8; ++row) {
+        EXPECT_EQ(canvas_.PixelArgb(2, row), row % 2 == 1 && row < 6 ? kFirst : kBack) << row;
+    }
+}
+
+TEST_F(Redraw, FollowsStatesThatAreOnlyValues) {
+    canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
+    canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_TFACTOR);
+    for (const D3DCOLOR colour : {kFirst, kSecond, kBack}) {
+        canvas_->SetRenderState(D3DRS_TEXTUREFACTOR, colour);
+        canvas_.FillAll(0xFFFFFFFF);
+        EXPECT_EQ(canvas_.PixelArgb(2, 2), colour);
+    }
+    canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_CONSTANT);
+    for (const D3DCOLOR colour : {kSecond, kFirst}) {
+        canvas_->SetTextureStageState(0, D3DTSS_CONSTANT, colour);
+        canvas_.FillAll(0xFFFFFFFF);
+        EXPECT_EQ(canvas_.PixelArgb(2, 2), colour);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
