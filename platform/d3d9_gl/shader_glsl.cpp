@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <regex>
-
 namespace sparkrig {
 
 namespace {
@@ -25,11 +23,14 @@ std::string WithRenamedMain(const std::string& glsl) {
 }
 
 std::string DeclaredVarying(const std::string& glsl, const char* direction, int location) {
-    const std::regex declaration(fmt::format(
-        R"(layout\s*\(\s*location\s*=\s*{}\s*\)\s*(?:flat\s+|noperspective\s+|centroid\s+)*{}\s+vec4\s+(\w+)\s*;)",
-        location, direction));
-    std::smatch match;
-    return std::regex_search(glsl, match, declaration) ? match[1].str() : std::string();
+    const std::string place = fmt::format("layout(location = {}) ", location),
+                      kind = fmt::format("{} vec4 ", direction);
+    for (std::size_t start = glsl.find(place); start != std::string::npos; start = glsl.find(place, start + 1)) {
+        const std::size_t end = glsl.find(';', start), name = glsl.find(kind, start + place.size());
+        if (end == std::string::npos || name > end) continue;   // a declaration of the other direction
+        return glsl.substr(name + kind.size(), end - name - kind.size());
+    }
+    return {};
 }
 
 std::string FogFormula(FogSource fog, const char* distance) {

@@ -19,7 +19,8 @@ std::string PixelGlsl(const PixelKey& key, const ShaderCode* code);
 std::string WithVersion(const std::string& glsl);
 /// The same with its `main` renamed to ShaderMain, to be called by a main that is to follow.
 std::string WithRenamedMain(const std::string& glsl);
-/// The name under which the text declares the varying at a location; direction is "in" or "out". Empty if it does not.
+/// The name under which the text declares the varying at a location, as "layout(location = 2) in vec4 NAME;" with any
+/// qualifiers before the direction, "in" or "out". Empty if it does not.
 std::string DeclaredVarying(const std::string& glsl, const char* direction, int location);
 /// The expression of the fog factor at a distance, before it is clamped.
 std::string FogFormula(FogSource fog, const char* distance);

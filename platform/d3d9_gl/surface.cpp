@@ -107,7 +107,7 @@ OwnSurface* OwnSurface::Create(std::shared_ptr<GlContext> context, SurfaceKind k
 
 OwnSurface::~OwnSurface() {
     if (kind_ == SurfaceKind::Plain || kind_ == SurfaceKind::Target) --context_->default_pool_objects;
-    if (!context_->Activate()) return;
+    if (kind_ == SurfaceKind::System || !context_->Activate()) return;
     if (image_.texture != 0) glDeleteTextures(1, &image_.texture);
     if (image_.renderbuffer != 0) glDeleteRenderbuffers(1, &image_.renderbuffer);
     ++context_->deletions;
