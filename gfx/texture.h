@@ -29,7 +29,7 @@ enum class MapKind : std::int32_t {
     Decal = 7,              // covers by its own alpha
 };
 
-class KRN_Texture : public KRN_SurfaceBase {
+class KRN_Texture final : public KRN_SurfaceBase {
   public:
     static constexpr int kLayers = 4;
 
