@@ -20,14 +20,17 @@ constexpr int kSamplesPerAxis = 4;
 constexpr int kBledPixels = 6;            // how far colour reaches under the transparent edge
 constexpr int kCompressionEffort = 256;   // matches tried for each position; small files, the time does not matter
 
-std::uint8_t ToByte(float value) { return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255.0f + 0.5f); }
+std::uint8_t ToByte(float value) {
+    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255.0f));
+}
 
 /// The mean of a pixel's samples, the colours weighted by their alpha, or plainly where all are transparent.
 Pixel SamplePixel(const Sprite& sprite, int column, int row) {
     Pixel weighted{0, 0, 0, 0}, plain{0, 0, 0, 0};
     for (int i = 0; i < kSamplesPerAxis * kSamplesPerAxis; ++i) {
-        const float x = static_cast<float>(column) + (static_cast<float>(i % kSamplesPerAxis) + 0.5f) / kSamplesPerAxis;
-        const float y = static_cast<float>(row) + (static_cast<float>(i / kSamplesPerAxis) + 0.5f) / kSamplesPerAxis;
+        const int sample_column = i % kSamplesPerAxis, sample_row = i / kSamplesPerAxis;
+        const float x = static_cast<float>(column) + (static_cast<float>(sample_column) + 0.5f) / kSamplesPerAxis;
+        const float y = static_cast<float>(row) + (static_cast<float>(sample_row) + 0.5f) / kSamplesPerAxis;
         const float scale = 2.0f / static_cast<float>(sprite.size);
         const Pixel sample = sprite.paint({x * scale - 1.0f, 1.0f - y * scale});
         const float alpha = std::clamp(sample.a, 0.0f, 1.0f);
