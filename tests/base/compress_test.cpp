@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <lzma.h>
+#include <sys/resource.h>
 
 #include <climits>
 #include <cstdlib>
@@ -256,6 +257,19 @@ TEST(Scrambling, ReadsBothVersionsOfTheKey) {
     }
     EXPECT_EQ(ScrambleCheck(Join({kA, kB, {0x55, 0x0F}}).data(), 10), 0x04030201u ^ 0x08070605u ^ 0x5Au);
 }
+
+#if !defined(__SANITIZE_ADDRESS__)   // which needs all addresses there are
+TEST(CompressDeathTest, ReportsThatTheCoderGetsNoMemory) {
+    testing::FLAGS_gtest_death_test_style = "fast";
+    const auto compress_in_little_memory = [] {
+        const rlimit little{0, RLIM_INFINITY};
+        setrlimit(RLIMIT_AS, &little);   // what is there stays
+        const std::string error = ErrorOf([] { Packed(4, kA); });
+        std::exit(error == "CCompress: LZMA data can not be made: not enough memory" ? 23 : 1);
+    };
+    EXPECT_EXIT(compress_in_little_memory(), testing::ExitedWithCode(23), "");
+}
+#endif
 
 // ---- The LZMA streams beside the library that makes them, called directly
 
