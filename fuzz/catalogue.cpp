@@ -1,20 +1,12 @@
 // Any bytes as a texture catalogue: pairs of name and file, or a report.
-#include <cstdlib>
 #include <cstring>
 
 #include "base/log.h"
 #include "fuzz/input_file.h"
+#include "fuzz/require.h"
 #include "gfx/catalogue_file.h"
 
 using namespace sparkrig;
-
-namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
-}   // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const InputFile input;

@@ -1,18 +1,10 @@
 // Any bytes as a dds file: its head, and the pixels of every level that it says it has.
-#include <cstdlib>
 #include <cstring>
 
+#include "fuzz/require.h"
 #include "platform/d3dx/dds_file.h"
 
 using namespace sparkrig;
-
-namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
-}   // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const FileBytes file(data, size);

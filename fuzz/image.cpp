@@ -1,6 +1,6 @@
 // Any bytes as a jpg, tga, bmp or png file: the head, then the pixels, half the size, and every stored format.
-#include <cstdlib>
 
+#include "fuzz/require.h"
 #include "platform/d3dx/dxt_blocks.h"
 #include "platform/d3dx/image_file.h"
 #include "platform/d3dx/image_scale.h"
@@ -11,10 +11,6 @@ using namespace sparkrig;
 namespace {
 
 constexpr std::size_t kMostPixels = 1 << 20;   // enough to find what there is to find, fast enough to look often
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void StoreInEveryFormat(const Image& image) {
     for (const D3DFORMAT format : {D3DFMT_R5G6B5, D3DFMT_A1R5G5B5, D3DFMT_A8L8, D3DFMT_A8R8G8B8}) {

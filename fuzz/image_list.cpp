@@ -1,17 +1,13 @@
 // Any bytes as an image-file list: names without blanks around them, or a report.
-#include <cstdlib>
 
 #include "base/log.h"
 #include "fuzz/input_file.h"
+#include "fuzz/require.h"
 #include "gfx/frame_list.h"
 
 using namespace sparkrig;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 struct Reporter : KRN_Base {};
 

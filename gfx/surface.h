@@ -4,7 +4,7 @@
 
 namespace sparkrig {
 
-class KRN_Surface : public KRN_SurfaceBase {
+class KRN_Surface final : public KRN_SurfaceBase {
   public:
     KRN_Surface() { SetName("KRN_Surface"); }
     KRN_Surface(const KRN_Surface&) = delete;

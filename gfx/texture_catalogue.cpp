@@ -24,16 +24,27 @@ void KRN_TextureCatalogue::Clear() { entries_.Clear(); }
 
 void KRN_TextureCatalogue::Load(const char* file, const char* directory, bool use_directory) {
     const bool below = use_directory && directory && *directory;
+    const TextureLoader& loader = gfx_.Parts().texture_loader;
+    TextureLookup lookup(loader.Paths());
     CatalogueFile catalogue(file);
     String name, entry_file;
     while (catalogue.Next(name, entry_file)) {
-        gfx_.Parts().texture_loader.Validator().CheckPath(entry_file.c_str());
+        loader.Validator().CheckPath(entry_file.c_str());
         const std::string path = below ? JoinPath(directory, entry_file.c_str()) : entry_file.c_str();
-        Add(name.c_str(), path.c_str(), 1, true);
+        if (Insert(name.c_str(), path.c_str(), 1, true) && !loader.CanLoad(path.c_str(), lookup))
+            WarnOfMissingFile(path.c_str());
     }
 }
 
 bool KRN_TextureCatalogue::Add(const char* name, const char* file, int load_parameter, bool flag) {
+    if (!Insert(name, file, load_parameter, flag)) return false;
+    if (!gfx_.Parts().texture_loader.CanLoad(file)) WarnOfMissingFile(file);
+    return true;
+}
+
+void KRN_TextureCatalogue::WarnOfMissingFile(const char* file) const { Warning("Texture file not found: '%s'", file); }
+
+bool KRN_TextureCatalogue::Insert(const char* name, const char* file, int load_parameter, bool flag) {
     if (!CanBeName(name)) {
         Warning("Invalid name '%s' of file '%s'", name, file);
         return false;
@@ -46,7 +57,6 @@ bool KRN_TextureCatalogue::Add(const char* name, const char* file, int load_para
     entry->file = file;
     entry->load_parameter = load_parameter;
     entry->flag = flag;
-    if (!gfx_.Parts().texture_loader.CanLoad(file)) Warning("Texture file not found: '%s'", file);
     return true;
 }
 

@@ -38,6 +38,9 @@ class KRN_TextureCatalogue : public KRN_Base {
         int load_parameter = 1;
         bool flag = true;
     };
+    /// False when the name can not be taken.
+    bool Insert(const char* name, const char* file, int load_parameter, bool flag);
+    void WarnOfMissingFile(const char* file) const;
     void LoadInto(KRN_Texture& texture, const TextureData& entry);
 
     KRN_Gfx& gfx_;

@@ -61,6 +61,10 @@ bool TextureLoader::CanLoad(const char* name) const {
     return IsVideoName(name) || paths_.Find(name, found);
 }
 
+bool TextureLoader::CanLoad(const char* name, TextureLookup& lookup) const {
+    return IsVideoName(name) || lookup.Contains(name);
+}
+
 TextureLoader::Request TextureLoader::TakeApart(D3DCOLOR colour_key, int parameter, int format, int mip_levels) const {
     const int bits = parameter == -1 ? 0 : parameter & (kLoadWithoutStretching | kLoadKeepsTexture);
     const PoolRow* row = FindPool(kLoadPools, parameter == -1 ? -1 : parameter & ~bits);

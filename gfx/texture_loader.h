@@ -46,6 +46,8 @@ class TextureLoader {
     void CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels);
     /// Whether LoadTexture would find something under the name.
     bool CanLoad(const char* name) const;
+    /// The same for many names in a row.
+    bool CanLoad(const char* name, TextureLookup& lookup) const;
 
     TextureSettings& Settings() { return settings_; }
     TexturePaths& Paths() { return paths_; }

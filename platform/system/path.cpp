@@ -75,6 +75,14 @@ bool FileExists(const char* name) {
     return stat(ResolvePath(name).c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
+std::vector<std::string> ListFiles(const char* folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(ResolvePath(folder).c_str()), closedir);
+    std::vector<std::string> names;
+    while (const dirent* entry = directory ? readdir(directory.get()) : nullptr)
+        if (entry->d_type != DT_DIR) names.emplace_back(entry->d_name);
+    return names;
+}
+
 std::int32_t FileModificationTime(const char* name) {
     struct stat status {};
     if (stat(ResolvePath(name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return -1;

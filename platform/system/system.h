@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "platform/system/win_types.h"
 
@@ -19,6 +20,9 @@ std::string ResolvePath(const char* name);
 std::FILE* OpenFileStream(const char* name, const char* mode);
 
 bool FileExists(const char* name);
+
+/// The names of the files in a folder, in no order, folders left out; none when there is no such folder.
+std::vector<std::string> ListFiles(const char* folder);
 
 /// Modification time in seconds since 1970, or -1 when there is no such file.
 std::int32_t FileModificationTime(const char* name);

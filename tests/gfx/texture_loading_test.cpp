@@ -113,6 +113,21 @@ TEST_F(TextureLoading, LooksBelowTheTextureAndTheBasePath) {
     }
 }
 
+TEST_F(TextureLoading, ManyLookUpsFindWhatOneFinds) {
+    std::filesystem::create_directories(Folder() / "Textures/sub.png");
+    WriteFile("here.png", "");
+    WriteFile("Textures/There.png", "");
+    TexturePaths paths;
+    paths.SetDefaultTexturePath("textures");
+    paths.SetBasePath(Folder().c_str());
+    TextureLookup lookup(paths);
+    for (const char* name : {"here.png", "HERE.png", "there.PNG", "textures\\there.png", "TEXTURES/There.png",
+                             "sub.png", "gone.png", "no/here.png", "", ".", "textures/"}) {
+        std::string found;
+        EXPECT_EQ(lookup.Contains(name), paths.Find(name, found)) << name;
+    }
+}
+
 TEST_F(TextureLoading, ParametersChooseThePool) {
     WritePng("a.png", 2, 2);
     Settings().sharing = false;
