@@ -35,6 +35,7 @@ void ConfigFileReader::Reset() {
     scope_ends_.clear();
     key_hashes_.clear();
     sorted_keys_.clear();
+    marked_lines_ = {-1, -1};
     index_.Clear();
     cursor_line_ = 0;
     cursor_block_ = cursor_level_ = -1;
@@ -85,13 +86,12 @@ void ConfigFileReader::FindScopeEnds() {
 /// The depth behind the line. A brace is the last visible character of its line.
 int ConfigFileReader::ScanBraces(int line, int depth) {
     const std::string_view text = Line(line);
-    const std::size_t brace = text.find_first_of("{}");
-    if (brace == std::string_view::npos) return depth;
-    if (text[brace] == '}' && depth == 0) ErrorAtLine("Invalid '}' in file '%s' at line %i", line);
-    const auto behind = text.begin() + static_cast<std::ptrdiff_t>(brace) + 1;
-    if (std::any_of(behind, text.end(), IsVisible))
+    const auto brace = std::find_if(text.begin(), text.end(), [](char c) { return c == '{' || c == '}'; });
+    if (brace == text.end()) return depth;
+    if (*brace == '}' && depth == 0) ErrorAtLine("Invalid '}' in file '%s' at line %i", line);
+    if (std::any_of(brace + 1, text.end(), IsVisible))
         ErrorAtLine("Invalid block start/end in file '%s' at line %i", line);
-    return text[brace] == '{' ? depth + 1 : depth - 1;
+    return *brace == '{' ? depth + 1 : depth - 1;
 }
 
 void ConfigFileReader::BuildIndex() {

@@ -60,6 +60,7 @@ class ConfigFileReader : public TextFileReader {
     };
     struct Range {
         int begin, end;   // lines
+        bool operator==(const Range&) const = default;
     };
     /// A line with a key, for looking up in long scopes.
     struct KeyLine {
@@ -104,6 +105,8 @@ class ConfigFileReader : public TextFileReader {
     void SortKeyLines();
     std::optional<std::string_view> Match(const Key& key, int line) const;
     std::optional<std::string_view> MatchFirst(const Key& key, Range lines);
+    int SkipDeeper(int line) const;
+    bool MayHold(const Key& key, Range lines);
     std::optional<std::string_view> MatchAtLevel(const Key& key, Range lines);
     std::optional<std::string_view> MatchInLongScope(const Key& key, Range lines);
     /// 0, 1 for a key that is not there, 2 for a block that is not.
@@ -117,6 +120,9 @@ class ConfigFileReader : public TextFileReader {
     std::vector<std::int32_t> scope_ends_;    // the first line behind each line that lies less deep
     std::vector<std::uint32_t> key_hashes_;   // of the word that each line begins with, 0 for none
     std::vector<KeyLine> sorted_keys_;        // made when a long scope is first searched
+    std::uint64_t marks_ = 0;                 // of the keys at this level of these lines
+    Range marked_lines_ = {-1, -1};
+    std::int32_t marked_level_ = -1;
     std::int32_t cursor_line_ = 0;
     std::int32_t cursor_block_ = -1;
     std::int32_t cursor_level_ = -1;   // -1 while no block is selected

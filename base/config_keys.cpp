@@ -18,11 +18,13 @@ constexpr std::size_t kNumberRoom = 12;   // of a number that is appended to it
 constexpr int kLongScope = 1024;          // lines from which an index is worth its making
 constexpr int kStringReadBytes = 8129;    // of a value read into a String
 
-bool EndsKey(char c) { return c == ' ' || c == '='; }
+constexpr auto EndsKey = [](char c) { return c == ' ' || c == '='; };   // no function: algorithms call it in place
 bool IsNumeric(char c) { return (c >= '0' && c <= '9') || c == '.' || c == 'e' || c == '+' || c == '-'; }
 
 std::string_view SkipBlanks(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+    std::size_t length = 0;
+    while (length < text.size() && (text[length] == ' ' || text[length] == '\t')) ++length;
+    return text.substr(length);
 }
 
 /// Of a whole key ignoring case; never 0.
@@ -31,6 +33,9 @@ std::uint32_t HashKey(std::string_view key) {
     for (const char c : key) hash = (hash ^ static_cast<unsigned char>(AsciiLower(c))) * 16777619u;
     return hash | 1u;
 }
+
+/// One bit of 64.
+std::uint64_t MarkOf(std::uint32_t hash) { return std::uint64_t{1} << (hash >> 26); }
 
 /// Takes a number from the front of the text; without one the value is 0 and the result false.
 bool TakeNumber(std::string_view& text, double& value) {
@@ -65,10 +70,12 @@ std::size_t AppendNumber(char* text, std::size_t length, std::string_view separa
 
 ConfigFileReader::Key::Key(const char* key, int i, int j) {
     std::size_t length = std::min(std::strlen(key), kKeyLength);
-    std::memcpy(text, key, length);
-    if (i >= 0) length = AppendNumber(text, length, "", i);
-    if (i >= 0 && j >= 0) length = AppendNumber(text, length, "_", j);
-    name = {text, length};
+    if (i >= 0) {
+        std::memcpy(text, key, length);
+        length = AppendNumber(text, length, "", i);
+        if (j >= 0) length = AppendNumber(text, length, "_", j);
+    }
+    name = {i >= 0 ? text : key, length};
     needs_separator = !name.empty() && static_cast<unsigned char>(name.front()) >= 65;
     hash = needs_separator && std::none_of(name.begin(), name.end(), EndsKey) ? HashKey(name) : 0;
 }
@@ -108,15 +115,30 @@ std::optional<std::string_view> ConfigFileReader::MatchFirst(const Key& key, Ran
     return std::nullopt;
 }
 
+/// The line, or the first one behind the sub-block that it lies in.
+int ConfigFileReader::SkipDeeper(int line) const {
+    return DepthOf(line) > cursor_level_ ? scope_ends_[static_cast<std::size_t>(line)] : line;
+}
+
+/// Whether the key may be among the lines at the cursor's level. Most keys that are asked for are not in the file: one
+/// walk marks those that are.
+bool ConfigFileReader::MayHold(const Key& key, Range lines) {
+    if (key.hash == 0) return true;
+    if (marked_lines_ != lines || marked_level_ != cursor_level_) {
+        marks_ = 0;
+        for (int line = SkipDeeper(lines.begin); line < lines.end; line = SkipDeeper(line + 1))
+            marks_ |= MarkOf(key_hashes_[static_cast<std::size_t>(line)]);
+        marked_lines_ = lines;
+        marked_level_ = cursor_level_;
+    }
+    return (marks_ & MarkOf(key.hash)) != 0;
+}
+
 std::optional<std::string_view> ConfigFileReader::MatchAtLevel(const Key& key, Range lines) {
     if (key.hash != 0 && lines.end - lines.begin > kLongScope) return MatchInLongScope(key, lines);
-    int line = lines.begin;
-    while (line < lines.end) {
-        const bool deeper = DepthOf(line) > cursor_level_;
-        if (!deeper)
-            if (const auto rest = MatchFirst(key, {line, line + 1})) return rest;
-        line = deeper ? scope_ends_[static_cast<std::size_t>(line)] : line + 1;   // over a whole sub-block
-    }
+    if (!MayHold(key, lines)) return std::nullopt;
+    for (int line = SkipDeeper(lines.begin); line < lines.end; line = SkipDeeper(line + 1))
+        if (const auto rest = MatchFirst(key, {line, line + 1})) return rest;
     return std::nullopt;
 }
 
