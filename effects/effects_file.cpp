@@ -1,5 +1,6 @@
 // Reads the effects file: entries, sub-effect blocks in them, stage blocks in these. The keys stand in tables; what a
 // key that is missing leaves is the initial value of its field.
+#include <algorithm>
 #include <cmath>
 #include <variant>
 #include <vector>
@@ -402,21 +403,22 @@ class EffectsFileLoader {
         return reader_.ReadString(key, word, sizeof word, entry_) == 0;
     }
 
-    std::vector<float> ReadList(const char* key) {
+    /// The numbers of a list, until the next call.
+    const std::vector<float>& ReadList(const char* key) {
         int total = 0;
-        std::vector<float> numbers(64);
-        int count = reader_.ReadFloatList(key, numbers.data(), static_cast<int>(numbers.size()), &total, entry_);
+        numbers_.resize(std::max<std::size_t>(numbers_.capacity(), 64));
+        int count = reader_.ReadFloatList(key, numbers_.data(), static_cast<int>(numbers_.size()), &total, entry_);
         if (total > count) {
-            numbers.resize(static_cast<std::size_t>(total));
-            count = reader_.ReadFloatList(key, numbers.data(), total, &total, entry_);
+            numbers_.resize(static_cast<std::size_t>(total));
+            count = reader_.ReadFloatList(key, numbers_.data(), total, &total, entry_);
         }
-        numbers.resize(static_cast<std::size_t>(count));
-        return numbers;
+        numbers_.resize(static_cast<std::size_t>(count));
+        return numbers_;
     }
 
     template <int Components>
     void ReadCurve(const char* key, KeyCurve<Components>& curve) {
-        const std::vector<float> numbers = ReadList(key);
+        const std::vector<float>& numbers = ReadList(key);
         constexpr std::size_t kGroup = 1 + Components;
         if (numbers.size() % kGroup != 0) reporter_.Error("Invalid %s entry", key);
         for (std::size_t i = 0; i < numbers.size(); i += kGroup) {
@@ -433,6 +435,7 @@ class EffectsFileLoader {
     ConfigFileReader reader_;
     int entry_ = 0;
     VisualEffect* effect_ = nullptr;   // of the entry that is read
+    std::vector<float> numbers_;       // memory of ReadList
 };
 
 }   // namespace
