@@ -9,7 +9,6 @@
 #include "app/contact_sheet.h"
 #include "app/effect_choice.h"
 #include "app/player.h"
-#include "app/program_folder.h"
 #include "app/progress.h"
 #include "app/recorder.h"
 #include "app/registry_settings.h"
@@ -50,23 +49,30 @@ int CaptureSequence(Player& player, const Options& options) {
 }
 
 int Record(Player& player, const Options& options) {
-    std::string lines;
+    OutputFile file(options.output);
     for (int frame = 0; frame < options.frames; ++frame) {
         player.Advance();
         player.Draw();
-        lines += DescribeFrame(player.Effects(), frame) + "\n";
+        if (!file.Write(DescribeFrame(player.Effects(), frame) + "\n")) break;
         player.Present();
     }
-    return WriteOutputFile(options.output, lines) ? kDone : kCannot;
+    return file.Finish() ? kDone : kCannot;
+}
+
+int MakeSheet(Player& player, const Options& options) {
+    if (player.EffectCount() > kMostSheetEffects) {
+        std::fprintf(stderr, "sparkrig: a contact sheet of %i effects is too large; %i fit\n", player.EffectCount(),
+                     kMostSheetEffects);
+        return kCannot;
+    }
+    return WritePng(options.output, MakeContactSheet(player)) ? kDone : kCannot;
 }
 
 int Play(Player& player, const Options& options) {
     player.Load();
     player.Loop().show_overlay = options.overlay && options.mode != RunMode::Sheet;
     if (!options.backdrop) player.Loop().show_backdrop = false;
-    if (options.mode == RunMode::Sheet) {
-        return WritePng(options.output, MakeContactSheet(player)) ? kDone : kCannot;
-    }
+    if (options.mode == RunMode::Sheet) return MakeSheet(player, options);
     const std::optional<int> effect = ChooseEffect(player.Effects(), options.effect);
     if (!effect) return kWrongUsage;
     player.StartEffect(*effect);

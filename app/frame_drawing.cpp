@@ -21,8 +21,7 @@ void DrawBackground(Engine& engine) {
         return;
     }
     gfx.ClearZBuffer(1.0f, nullptr);
-    gfx.SetTexture(&engine.background, -1);
-    gfx.SetTexture2D(&engine.background);
+    gfx.SetTexture2D(&engine.background);   // on all stages
     gfx.DrawFullScreenTexture(kWhite, 1.0f);
 }
 

@@ -20,7 +20,7 @@ constexpr char kAbout[] =
     "  /full             full screen\n"
     "  /resx:N /resy:N   size of the window, or of a captured picture";
 constexpr char kFooter[] =
-    "Keys: Tab next effect, Return start, Space select, R and F5 reload, L preload, Pause, B backdrop, C camera,\n"
+    "Keys: Tab next effect, Return start, R and F5 reload, L preload, Pause, B backdrop, C camera,\n"
     "F8 overlay, keypad * and / speed, arrows and Page Up/Down with Shift or Ctrl camera, Escape end.\n"
     "Automation ends with 0 done, 1 findings, 2 wrong usage, 3 when the environment cannot do it.";
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
@@ -20,16 +21,14 @@ namespace sparkrig {
 
 namespace {
 
-bool Complain(const std::string& name) {
-    std::fprintf(stderr, "sparkrig: %s cannot be written: %s\n", name.c_str(), std::strerror(errno));
+bool Complain(const std::string& name, int error) {
+    std::fprintf(stderr, "sparkrig: %s cannot be written: %s\n", name.c_str(), std::strerror(error));
     return false;
 }
 
-bool WriteWhole(const std::string& name, const std::string& content) {
-    std::FILE* file = std::fopen(name.c_str(), "wb");
-    if (!file) return false;
-    const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
-    return std::fclose(file) == 0 && written;
+bool IsSpecial(const std::string& name) {
+    struct stat existing = {};
+    return stat(name.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode);
 }
 
 std::string OpaqueRgb(const Picture& picture) {
@@ -47,19 +46,32 @@ void AppendTo(void* content, void* data, int size) {
 
 }   // namespace
 
-bool WriteOutputFile(const std::string& name, const std::string& content) {
-    struct stat existing = {};
-    const bool is_special = stat(name.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode);   // /dev/stdout and such
-    const std::string beside = name + ".part";
-    if (is_special) {
-        if (!WriteWhole(name, content)) return Complain(name);
-    } else if (!WriteWhole(beside, content) || std::rename(beside.c_str(), name.c_str()) != 0) {
-        const int reason = errno;
-        std::remove(beside.c_str());
-        errno = reason;
-        return Complain(name);
+OutputFile::OutputFile(const std::string& name)
+    : name_(name), part_(IsSpecial(name) ? name : name + ".part"), file_(std::fopen(part_.c_str(), "wb")) {
+    if (!file_) error_ = errno;
+}
+
+OutputFile::~OutputFile() {
+    if (!file_) return;
+    std::fclose(file_);
+    if (part_ != name_) std::remove(part_.c_str());
+}
+
+bool OutputFile::Write(const std::string& text) {
+    if (error_ == 0 && std::fwrite(text.data(), 1, text.size(), file_) != text.size()) error_ = errno;
+    return error_ == 0;
+}
+
+bool OutputFile::Finish() {
+    const bool closed = file_ && std::fclose(std::exchange(file_, nullptr)) == 0;
+    if (!closed && error_ == 0) error_ = errno;
+    if (error_ == 0 && part_ != name_ && std::rename(part_.c_str(), name_.c_str()) != 0) error_ = errno;
+    if (error_ != 0) {
+        if (part_ != name_) std::remove(part_.c_str());
+        return Complain(name_, error_);
     }
-    std::printf("%s\n", name.c_str());
+    if (isatty(STDOUT_FILENO) != 0) std::fputs("\r\033[K", stdout);   // over a line of Progress
+    std::printf("%s\n", name_.c_str());
     std::fflush(stdout);
     return true;
 }
@@ -69,14 +81,16 @@ bool WritePng(const std::string& name, const Picture& picture) {
     const int width = static_cast<int>(picture.width), height = static_cast<int>(picture.height);
     std::string png;
     stbi_write_png_to_func(AppendTo, &png, width, height, 3, rgb.data(), width * 3);
-    return WriteOutputFile(name, png);
+    OutputFile file(name);
+    file.Write(png);
+    return file.Finish();
 }
 
 bool MakeOutputFolder(const std::string& name) {
     struct stat existing = {};
     if (stat(name.c_str(), &existing) == 0 && S_ISDIR(existing.st_mode)) return true;
     constexpr mode_t kForEverybody = 0777;   // less the user's mask
-    return mkdir(name.c_str(), kForEverybody) == 0 || Complain(name);
+    return mkdir(name.c_str(), kForEverybody) == 0 || Complain(name, errno);
 }
 
 }   // namespace sparkrig

@@ -1,5 +1,6 @@
 // Files that the user asked for by name. Names are taken as they stand: these are no data files.
 #pragma once
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -13,10 +14,28 @@ struct Picture {
     std::vector<D3DCOLOR> pixels;
 };
 
-/// Writes the file whole or not at all and names it on the standard output. False with a sentence on the error stream.
-bool WriteOutputFile(const std::string& name, const std::string& content);
+/// A file that becomes whole or not at all: written beside its place, then renamed over it. What is no plain file, such
+/// as a pipe, is written directly.
+class OutputFile {
+  public:
+    explicit OutputFile(const std::string& name);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
 
-/// The picture as an opaque PNG, written the same way.
+    /// False after the first failure of any kind.
+    bool Write(const std::string& text);
+    /// Puts the file into its place and names it on the standard output. False, with a sentence on the error stream,
+    /// when anything has failed.
+    bool Finish();
+
+  private:
+    std::string name_, part_;
+    std::FILE* file_;
+    int error_ = 0;   // of the first failure
+};
+
+/// The picture as an opaque PNG.
 bool WritePng(const std::string& name, const Picture& picture);
 
 /// Makes a folder unless it is there. False with a sentence on the error stream.

@@ -4,13 +4,22 @@
 
 namespace sparkrig {
 
+namespace {
+
+bool Replaces(const MSG& message, const MSG& last) {
+    if (message.message != last.message || message.hwnd != last.hwnd || message.wParam != last.wParam) return false;
+    return message.message == WM_MOUSEMOVE || message.message == WM_SIZE;
+}
+
+}   // namespace
+
 void MessageQueue::Post(const MSG& message) {
     MSG* last = Last();
-    if (message.message == WM_MOUSEMOVE && last && last->message == WM_MOUSEMOVE && last->hwnd == message.hwnd) {
+    if (last && Replaces(message, *last)) {
         *last = message;
-        return;
+    } else {
+        waiting_.push_back(message);
     }
-    waiting_.push_back(message);
 }
 
 std::optional<MSG> MessageQueue::First() const {

@@ -9,7 +9,8 @@ namespace sparkrig {
 
 class MessageQueue {
   public:
-    /// A mouse move replaces the one that waits at the end: the newest position is the only one of interest.
+    /// A mouse move replaces the one that waits at the end, a new size the one of the same type: only the newest is of
+    /// interest.
     void Post(const MSG& message);
     /// In front of everything that waits.
     void PostFirst(const MSG& message) { waiting_.push_front(message); }

@@ -18,6 +18,15 @@ TEST(MessageQueue, MergesMouseMovesThatWaitInARow) {
     EXPECT_FALSE(queue.Take().has_value());
 }
 
+TEST(MessageQueue, MergesSizesOfOneTypeThatWaitInARow) {
+    MessageQueue queue;
+    queue.Post({kWindow, WM_SIZE, SIZE_RESTORED, 3});
+    queue.Post({kWindow, WM_SIZE, SIZE_RESTORED, 5});
+    queue.Post({kWindow, WM_SIZE, SIZE_MINIMIZED, 0});
+    queue.Post({kWindow, WM_SIZE, SIZE_RESTORED, 7});
+    for (const LPARAM size : {5, 0, 7}) EXPECT_EQ(queue.Take()->lParam, size);
+}
+
 TEST(MessageQueue, GivesQuitOnlyWhenNothingElseWaits) {
     MessageQueue queue;
     queue.PostQuit(6);
