@@ -49,7 +49,10 @@ class Scene {
             device_->Present(nullptr, nullptr, nullptr, nullptr);
         }
         device_->BeginScene();
-        DrawList();
+        for (DWORD set = 0; set < kSets; ++set) {   // makes the programs
+            UseSet(set);
+            DrawList();
+        }
     }
 
     IDirect3DDevice9* operator->() { return device_.Get(); }

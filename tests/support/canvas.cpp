@@ -9,8 +9,10 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "platform/d3d9_gl/device_hooks.h"
+#include "platform/d3d9_gl/gl_context.h"
 
 namespace sparkrig {
 
@@ -61,14 +63,24 @@ std::vector<D3DCOLOR> ReadWindow(SDL_Window* window) {
 }
 
 void KeepDriverLoaded() {
-    std::vector<std::string> drivers;
-    const auto collect = [](dl_phdr_info* library, std::size_t, void* found) {
-        const std::string name = library->dlpi_name;
-        if (name.find("_dri.so") != std::string::npos) static_cast<std::vector<std::string>*>(found)->push_back(name);
+#ifdef __SANITIZE_ADDRESS__
+    static bool kept = false;
+    if (std::exchange(kept, true)) return;
+    SDL_InitSubSystem(SDL_INIT_VIDEO);
+    SDL_Window* window = SDL_CreateWindow("", 0, 0, 8, 8, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+    std::shared_ptr<GlContext> context = GlContext::Create(window);   // loads it
+    std::vector<std::string> libraries;
+    const auto collect = [](dl_phdr_info* library, std::size_t, void* names) {
+        static_cast<std::vector<std::string>*>(names)->emplace_back(library->dlpi_name);
         return 0;
     };
-    dl_iterate_phdr(collect, &drivers);
-    for (const std::string& driver : drivers) dlopen(driver.c_str(), RTLD_LAZY | RTLD_NODELETE);
+    dl_iterate_phdr(collect, &libraries);
+    for (const std::string& library : libraries) {
+        if (!library.empty()) dlopen(library.c_str(), RTLD_LAZY | RTLD_NODELETE);
+    }
+    context.reset();
+    SDL_DestroyWindow(window);
+#endif
 }
 
 DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height,
@@ -100,6 +112,7 @@ D3DPRESENT_PARAMETERS CanvasParameters(UINT width, UINT height, D3DFORMAT format
 }
 
 Canvas::Canvas(UINT width, UINT height, D3DFORMAT format) : width_(width), height_(height) {
+    KeepDriverLoaded();
     SDL_InitSubSystem(SDL_INIT_VIDEO);
     window_ = SDL_CreateWindow("", 0, 0, static_cast<int>(width), static_cast<int>(height),
                                SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
@@ -107,7 +120,6 @@ Canvas::Canvas(UINT width, UINT height, D3DFORMAT format) : width_(width), heigh
         FAILED(CreateDeviceOnWindow(window_, CanvasParameters(width, height, format), device_.Receive()))) {
         throw std::runtime_error(std::string("No device: ") + Direct3DUnavailableReason());
     }
-    KeepDriverLoaded();
     device_->SetRenderState(D3DRS_LIGHTING, FALSE);
     device_->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
     device_->BeginScene();

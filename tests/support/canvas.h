@@ -31,8 +31,8 @@ std::vector<D3DCOLOR> ReadBackBuffer(IDirect3DDevice9& device);
 /// the current one.
 std::vector<D3DCOLOR> ReadWindow(SDL_Window* window);
 
-/// Keeps the OpenGL driver that is loaded now until the process ends: unloaded, its small leaks could not be told from
-/// ours by a sanitizer. Call it once a device has been made; a Canvas does.
+/// Under the address sanitizer, loads the OpenGL driver and keeps it until the process ends: once it is unloaded, its
+/// small leaks cannot be told from ours. To be called before a device is made; a Canvas does it by itself.
 void KeepDriverLoaded();
 
 /// A texture of one level in the managed pool, filled with rows of A8R8G8B8 texels.

@@ -225,6 +225,7 @@ TEST(Device, SaysWhyThereIsNone) {
 class DeviceOnWindow : public testing::Test {
   protected:
     DeviceOnWindow() {
+        KeepDriverLoaded();
         RegisterClassExA({DefWindowProcA, "DeviceTest"});
         window_ = CreateWindowExA("DeviceTest", "", 0, 0, 320, 200);
         UpdateWindow(window_);
