@@ -1,0 +1,28 @@
+#include "app/name_lines.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+namespace sparkrig {
+namespace {
+
+TEST(NameLines, FindsQuotedTexts) {
+    const std::string file = ::testing::TempDir() + "name_lines.cfg";
+    std::ofstream(file) << "; \"spot\"\n\"spot\" = \"a.png\"\r\ndesc = \"Fire\"\n  \"open\nFire\n\"SPOT\"";
+    const NameLines lines(file.c_str());
+    std::remove(file.c_str());
+    EXPECT_EQ(lines.LineCount(), 6);
+    const struct {
+        const char* text;
+        int from, line;
+    } kRows[] = {{"spot", 2, 2}, {"spot", 3, 6}, {"fire", 1, 3}, {"fire", 4, 0}, {"a.png", -5, 2}, {"open", 1, 0}};
+    for (const auto& row : kRows) EXPECT_EQ(lines.Find(row.text, row.from), row.line) << row.text << row.from;
+    const char* const kFirst[] = {"", "spot", "Fire", "", "", "SPOT"};
+    for (int line = 1; line <= 6; ++line) EXPECT_EQ(lines.FirstQuoted(line), kFirst[line - 1]) << line;
+    EXPECT_EQ(NameLines("no such file").LineCount(), 0);
+}
+
+}   // namespace
+}   // namespace sparkrig
