@@ -11,7 +11,7 @@
 namespace sparkrig {
 namespace {
 
-constexpr float kFullAlpha = 255.0f;
+constexpr std::uint32_t kFullAlpha = 255;
 constexpr float kSpecialRadius = 1.5f;   // of the length of the scale
 
 /// v turned by the base orientation, the identity for everything that the system starts itself.
@@ -21,6 +21,11 @@ D3DXVECTOR3 Oriented(const D3DXQUATERNION& orientation, const D3DXVECTOR3& v) {
     D3DXVECTOR3 turned;
     D3DXMatrixRotationQuaternion(&matrix, &orientation);
     return *D3DXVec3TransformNormal(&turned, &v, &matrix);
+}
+
+float OwnAlpha(const VisualEffectObject& object) {
+    const std::uint32_t alpha = object.colour >> 24;
+    return alpha == kFullAlpha ? 1.0f : static_cast<float>(alpha) / kFullAlpha;
 }
 
 /// A mesh has no bounds yet and counts as visible.
@@ -47,15 +52,17 @@ void GatherLanes(const VisualEffectObject* const* objects, int count, MotionLane
     }
 }
 
-DrawRecord MakeRecord(const VisualEffectObject& object, double age, std::uint32_t colour, float angle) {
-    DrawRecord record;
-    record.particle = {object.position, colour, angle, object.scale.x};
+/// Field by field in its place: a record that is made elsewhere and copied stalls on its own bytes.
+void FillRecord(DrawRecord& record, const VisualEffectObject& object, double age, std::uint32_t colour, float angle) {
+    record.particle.position = object.position;
+    record.particle.colour = colour;
+    record.particle.angle = angle;
+    record.particle.size = object.scale.x;
     record.radius = BoundingRadius(object);
     record.age = static_cast<float>(age);
     record.born = age >= 0;
     record.opaque = ColourByte(object.alpha) != 0;
     record.sub = object.sub_effect;
-    return record;
 }
 
 }   // namespace
@@ -70,7 +77,7 @@ void TransformUpdate::Add(VisualEffectObject& object, int id) {
     const double age = object.Age();
     if (age < 0) {
         object.position = object.base_position;
-        RecordOf(id) = MakeRecord(object, age, 0, 0);
+        FillRecord(RecordOf(id), object, age, 0, 0);
         return;
     }
     Group& group = groups_[groups_.NumberOf(*object.sub_effect)];
@@ -109,11 +116,10 @@ void TransformUpdate::Evaluate(Group& group) {
         object.position = object.base_position + Oriented(object.base_orientation, object.local_offset);
         object.scale = {scale.x[i], scale.y[i], scale.z[i]};
         object.rotation = {rotation.x[i], rotation.y[i], rotation.z[i], rotation.w[i]};
-        object.alpha = alpha[i] = alpha[i] * fade[i] * (static_cast<float>(object.colour >> 24) / kFullAlpha);
+        object.alpha = alpha[i] = alpha[i] * fade[i] * OwnAlpha(object);
     }
     PackParticleColours(rgb, alpha, count, sub.blend_mode, colour);
-    for (int i = 0; i < count; ++i)
-        RecordOf(group.ids[i]) = MakeRecord(*group.objects[i], in.t[i], colour[i], angle[i]);
+    for (int i = 0; i < count; ++i) FillRecord(RecordOf(group.ids[i]), *group.objects[i], in.t[i], colour[i], angle[i]);
 }
 
 void TransformUpdate::RefreshRecord(const VisualEffectObject& object, int id) {
@@ -127,7 +133,7 @@ void TransformUpdate::RefreshRecord(const VisualEffectObject& object, int id) {
     rgb.y[0] = first.y;
     rgb.z[0] = first.z;
     PackParticleColours(rgb, alpha, 1, sub.blend_mode, colour);
-    RecordOf(id) = MakeRecord(object, age, colour[0], EvalRotationAngle(sub, age, object.count_value, object.random));
+    FillRecord(RecordOf(id), object, age, colour[0], EvalRotationAngle(sub, age, object.count_value, object.random));
 }
 
 }   // namespace sparkrig
