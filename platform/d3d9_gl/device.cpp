@@ -21,11 +21,10 @@ HRESULT Device::Create(const PresentWindow& window, DWORD behaviour, const D3DPR
 
     std::shared_ptr<GlContext> context = GlContext::Create(window.native);
     if (context == nullptr) return D3DERR_NOTAVAILABLE;
-    DevicePtr<Device> made(new Device(std::move(context), window, behaviour));
-    if (const HRESULT result = made->ApplyParameters(complete); FAILED(result)) return result;
-    made->AddRef();
-    *device = made.Get();
-    return D3D_OK;
+    *device = new Device(std::move(context), window, behaviour);
+    const HRESULT result = (*device)->ApplyParameters(complete);
+    if (FAILED(result)) std::exchange(*device, nullptr)->Release();
+    return result;
 }
 
 Device::Device(std::shared_ptr<GlContext> context, const PresentWindow& window, DWORD behaviour)

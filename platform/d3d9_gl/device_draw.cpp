@@ -117,9 +117,11 @@ HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base_vertex, UIN
     const GLint first = PlaceVertices(static_cast<std::size_t>(first_vertex), vertices);
     const GlBytes place = indices.Place(first_byte, index_count * index_bytes, index_bytes);
     pipeline_.BindArray(state_.format).SetIndices(place.buffer);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes the offset as a pointer
+    const void* offset = reinterpret_cast<const void*>(place.offset);
     glDrawElementsBaseVertex(kModes[type], static_cast<GLsizei>(index_count),
-                             index_bytes == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
-                             reinterpret_cast<const void*>(place.offset), first - static_cast<GLint>(min_index));
+                             index_bytes == 2 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT, offset,
+                             first - static_cast<GLint>(min_index));
     pipeline_.Drawn();
     return D3D_OK;
 }

@@ -1,6 +1,4 @@
 // States and bindings: each call is checked, kept, and marks what the next draw has to send.
-#include <algorithm>
-#include <cstring>
 
 #include "platform/d3d9_gl/device.h"
 
@@ -51,7 +49,7 @@ HRESULT Device::GetViewport(D3DVIEWPORT9* viewport) {
 HRESULT Device::SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix) {
     D3DMATRIX* kept = FindTransform(state_, type);
     if (kept == nullptr || matrix == nullptr) return D3DERR_INVALIDCALL;
-    if (std::memcmp(kept, matrix, sizeof *kept) == 0) return D3D_OK;
+    if (*kept == *matrix) return D3D_OK;
     *kept = *matrix;
     pipeline_.Mark(TransformGroups(type));
     return D3D_OK;

@@ -13,7 +13,7 @@ namespace sparkrig {
 namespace {
 
 constexpr GLsizei kRampEntries = 256;
-constexpr int kIdentityStep = 257;   // 0xFFFF / 0xFF
+constexpr std::size_t kIdentityStep = 257;   // 0xFFFF / 0xFF
 
 constexpr const char* kRampVertexGlsl = R"(#version 450
 void main() { gl_Position = vec4(gl_VertexID == 1 ? 3.0 : -1.0, gl_VertexID == 2 ? 3.0 : -1.0, 0.0, 1.0); }
@@ -74,10 +74,10 @@ void Presenter::SetScreen(const D3DPRESENT_PARAMETERS& parameters) {
 void Presenter::SetGammaRamp(const D3DGAMMARAMP& ramp) {
     std::array<WORD, 4 * kRampEntries> texels = {};
     ramp_changes_ = false;
-    for (int i = 0; i < kRampEntries; ++i) {
+    for (std::size_t i = 0; i < kRampEntries; ++i) {
         const WORD channels[] = {ramp.red[i], ramp.green[i], ramp.blue[i]};
-        for (int channel = 0; channel < 3; ++channel) {
-            texels[static_cast<std::size_t>(4 * i + channel)] = channels[channel];
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            texels[4 * i + channel] = channels[channel];
             ramp_changes_ = ramp_changes_ || channels[channel] != i * kIdentityStep;
         }
     }

@@ -44,7 +44,7 @@ class Surface : public IDirect3DSurface9 {
 
   protected:
     Surface() = default;
-    virtual ~Surface();
+    ~Surface();
 
     void Describe(std::shared_ptr<GlContext> context, const D3DSURFACE_DESC& desc, const FormatInfo& format);
     void AllocateBytes() { bytes_.resize(format_->Bytes(desc_.Width, desc_.Height)); }

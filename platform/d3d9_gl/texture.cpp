@@ -51,18 +51,32 @@ void TextureLevel::Take(const std::byte* bytes) {
 
 // ---- The whole texture
 
-Texture* Texture::Create(std::shared_ptr<GlContext> context, const TextureShape& shape) {
-    auto* texture = new Texture(std::move(context), shape);
-    const bool drawable = shape.pool == D3DPOOL_DEFAULT || shape.pool == D3DPOOL_MANAGED;
-    if (drawable && !texture->CreateName()) {
-        texture->Release();
-        return nullptr;
-    }
-    return texture;
+namespace {
+
+// An OpenGL texture of the shape; 0 when OpenGL refuses.
+GLuint CreateName(const TextureShape& shape) {
+    GLuint name = 0;
+    glCreateTextures(GL_TEXTURE_2D, 1, &name);
+    glTextureStorage2D(name, static_cast<GLsizei>(shape.levels), shape.format->internal,
+                       static_cast<GLsizei>(shape.width), static_cast<GLsizei>(shape.height));
+    glTextureParameteriv(name, GL_TEXTURE_SWIZZLE_RGBA, shape.format->swizzle);
+    if (glGetError() == GL_NO_ERROR) return name;
+    glDeleteTextures(1, &name);
+    return 0;
 }
 
-Texture::Texture(std::shared_ptr<GlContext> context, const TextureShape& shape)
-    : context_(std::move(context)), shape_(shape) {
+}   // namespace
+
+Texture* Texture::Create(std::shared_ptr<GlContext> context, const TextureShape& shape) {
+    GLuint name = 0;
+    if (shape.pool == D3DPOOL_DEFAULT || shape.pool == D3DPOOL_MANAGED) {
+        if (!context->Activate() || (name = CreateName(shape)) == 0) return nullptr;
+    }
+    return new Texture(std::move(context), shape, name);
+}
+
+Texture::Texture(std::shared_ptr<GlContext> context, const TextureShape& shape, GLuint name)
+    : context_(std::move(context)), shape_(shape), name_(name) {
     const bool lockable = shape.pool != D3DPOOL_DEFAULT || (shape.usage & D3DUSAGE_DYNAMIC) != 0;
     for (UINT level = 0; level < GetLevelCount(); ++level) {
         const UINT width = std::max(shape.width >> level, 1u), height = std::max(shape.height >> level, 1u);
@@ -78,15 +92,6 @@ Texture::~Texture() {
     if (name_ == 0 || !context_->Activate()) return;
     glDeleteTextures(1, &name_);
     ++context_->deletions;
-}
-
-bool Texture::CreateName() {
-    if (!context_->Activate()) return false;
-    glCreateTextures(GL_TEXTURE_2D, 1, &name_);
-    glTextureStorage2D(name_, static_cast<GLsizei>(shape_.levels), shape_.format->internal,
-                       static_cast<GLsizei>(shape_.width), static_cast<GLsizei>(shape_.height));
-    glTextureParameteriv(name_, GL_TEXTURE_SWIZZLE_RGBA, shape_.format->swizzle);
-    return glGetError() == GL_NO_ERROR;
 }
 
 void Texture::Update() {

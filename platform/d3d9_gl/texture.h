@@ -12,7 +12,6 @@ class TextureLevel final : public Surface {
   public:
     TextureLevel(Texture& texture, std::shared_ptr<GlContext> context, GLint level, const D3DSURFACE_DESC& desc,
                  bool lockable);
-    ~TextureLevel() override = default;
 
     ULONG AddRef() override;
     ULONG Release() override;
@@ -69,10 +68,9 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
     void MarkDrawnInto() { stale_ = stale_ || GeneratesLevels(); }
 
   private:
-    Texture(std::shared_ptr<GlContext> context, const TextureShape& shape);
+    Texture(std::shared_ptr<GlContext> context, const TextureShape& shape, GLuint name);
     ~Texture() override;
 
-    bool CreateName();
     void Update();
     bool GeneratesLevels() const { return (shape_.usage & D3DUSAGE_AUTOGENMIPMAP) != 0; }
 
