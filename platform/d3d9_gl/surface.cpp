@@ -124,7 +124,7 @@ bool OwnSurface::CreateImage() {
         glCreateTextures(GL_TEXTURE_2D, 1, &image_.texture);
         glTextureStorage2D(image_.texture, 1, Format().internal, width, height);
     }
-    return glGetError() == GL_NO_ERROR;
+    return glGetError() != GL_OUT_OF_MEMORY;
 }
 
 void OwnSurface::BeforeLock() {

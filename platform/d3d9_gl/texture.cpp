@@ -60,7 +60,7 @@ GLuint CreateName(const TextureShape& shape) {
     glTextureStorage2D(name, static_cast<GLsizei>(shape.levels), shape.format->internal,
                        static_cast<GLsizei>(shape.width), static_cast<GLsizei>(shape.height));
     glTextureParameteriv(name, GL_TEXTURE_SWIZZLE_RGBA, shape.format->swizzle);
-    if (glGetError() == GL_NO_ERROR) return name;
+    if (glGetError() != GL_OUT_OF_MEMORY) return name;
     glDeleteTextures(1, &name);
     return 0;
 }
