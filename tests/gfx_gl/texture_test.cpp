@@ -35,8 +35,10 @@ class TexturePicture : public TemporaryFolder {
     static void TearDownTestSuite() { gfx_.reset(); }
 
     void Load(const std::string& content, int parameter = 0, int format = -1, int levels = 1) {
-        WriteFile("picture", content);
-        gfx_->LoadTexture(&texture_, "picture", 0, parameter, format, levels);
+        // A name of its own: files of one name written within a second are one file to the registry.
+        const std::string name = "picture" + std::to_string(++pictures_);
+        WriteFile(name, content);
+        gfx_->LoadTexture(&texture_, name.c_str(), 0, parameter, format, levels);
     }
     /// Draws the texture over the upper left side x side pixels, coordinates from 0 to 1, over black.
     void Draw(int side, D3DCOLOR diffuse = 0xFFFFFFFF) {
@@ -76,6 +78,7 @@ class TexturePicture : public TemporaryFolder {
 
     static std::unique_ptr<KRN_Gfx> gfx_;
     KRN_Texture texture_;
+    int pictures_ = 0;
     std::vector<D3DCOLOR> pixels_;
     UINT width_ = 0, height_ = 0;
 };
