@@ -11,10 +11,11 @@ constexpr float kMargin = 13, kSpeedFromRight = 70, kDrawsFromRight = 140;
 void PrintLines(Engine& engine, const TesterState& state, const LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
     const float width = static_cast<float>(state.client_width), height = static_cast<float>(state.client_height);
-    const float middle = static_cast<float>(state.client_width / 2);
+    const int half_width = state.client_width / 2;   // rounded toward zero
     gfx.Printf(1, 1, "FPS:%.2f", static_cast<double>(loop.rate.PerSecond()));
     gfx.PrintfCentred(width - kSpeedFromRight, kMargin, "Spd:%.2f", static_cast<double>(loop.speed));
-    gfx.PrintfCentred(middle, kMargin, "%s", engine.effects.GetEffectName(state.current_effect).c_str());
+    gfx.PrintfCentred(static_cast<float>(half_width), kMargin, "%s",
+                      engine.effects.GetEffectName(state.current_effect).c_str());
     gfx.Printf(1, height - kMargin, "NrPart:%i/%i", loop.drawn_particles, loop.most_drawn_particles);
     gfx.Printf(width - kDrawsFromRight, height - kMargin, "NrDraws:%i", engine.effects.DrawCallCount());
 }

@@ -9,6 +9,7 @@
 #include "app/program.h"
 #include "app/tester_state.h"
 #include "platform/system/system.h"
+#include "tests/support/canvas.h"
 
 namespace sparkrig {
 namespace {
@@ -26,6 +27,7 @@ std::string ReadAll(const std::string& name) {
 class AutomationTest : public ::testing::Test {
   protected:
     void SetUp() override {
+        KeepDriverLoaded();
         before_ = GetCurrentDirectoryA();
         char name[] = "/tmp/sparkrig_automation_XXXXXX";
         folder_ = mkdtemp(name);

@@ -4,6 +4,7 @@
 
 #include "app/resources.h"
 #include "app/tester_state.h"
+#include "tests/support/canvas.h"
 
 namespace sparkrig {
 namespace {
@@ -13,6 +14,7 @@ double now;
 class WindowProcedureTest : public ::testing::Test {
   protected:
     void SetUp() override {
+        KeepDriverLoaded();
         Tester() = {};
         now = 50;
         Tester().clock = FrameClock([] { return now; });

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+#include "tests/support/canvas.h"
+
 namespace sparkrig {
 namespace {
 
@@ -28,6 +30,7 @@ auto Is(UINT message, WPARAM wParam) {
 class WindowTest : public ::testing::Test {
   protected:
     void SetUp() override {
+        KeepDriverLoaded();
         RegisterClassExA({Record, "RECORDER"});
         window_ = CreateWindowExA("RECORDER", "A title", CW_USEDEFAULT, 0, 800, 600);
         ASSERT_NE(window_, nullptr);
