@@ -1,21 +1,13 @@
 #include "app/output_file.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <stb_image_write.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
-#define STB_IMAGE_WRITE_IMPLEMENTATION
-#define STB_IMAGE_WRITE_STATIC
-#define STBI_WRITE_NO_STDIO
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wunused-function"
-#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
-#include <stb_image_write.h>
-#pragma GCC diagnostic pop
+#include "platform/system/system.h"
 
 namespace sparkrig {
 
@@ -24,11 +16,6 @@ namespace {
 bool Complain(const std::string& name, int error) {
     std::fprintf(stderr, "sparkrig: %s cannot be written: %s\n", name.c_str(), std::strerror(error));
     return false;
-}
-
-bool IsSpecial(const std::string& name) {
-    struct stat existing = {};
-    return stat(name.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode);
 }
 
 std::string OpaqueRgb(const Picture& picture) {
@@ -47,7 +34,7 @@ void AppendTo(void* content, void* data, int size) {
 }   // namespace
 
 OutputFile::OutputFile(const std::string& name)
-    : name_(name), part_(IsSpecial(name) ? name : name + ".part"), file_(std::fopen(part_.c_str(), "wb")) {
+    : name_(name), part_(IsSpecialFile(name.c_str()) ? name : name + ".part"), file_(std::fopen(part_.c_str(), "wb")) {
     if (!file_) error_ = errno;
 }
 
@@ -70,7 +57,7 @@ bool OutputFile::Finish() {
         if (part_ != name_) std::remove(part_.c_str());
         return Complain(name_, error_);
     }
-    if (isatty(STDOUT_FILENO) != 0) std::fputs("\r\033[K", stdout);   // over a line of Progress
+    if (IsTerminal(stdout)) std::fputs("\r\033[K", stdout);   // over a line of Progress
     std::printf("%s\n", name_.c_str());
     std::fflush(stdout);
     return true;
@@ -86,11 +73,6 @@ bool WritePng(const std::string& name, const Picture& picture) {
     return file.Finish();
 }
 
-bool MakeOutputFolder(const std::string& name) {
-    struct stat existing = {};
-    if (stat(name.c_str(), &existing) == 0 && S_ISDIR(existing.st_mode)) return true;
-    constexpr mode_t kForEverybody = 0777;   // less the user's mask
-    return mkdir(name.c_str(), kForEverybody) == 0 || Complain(name, errno);
-}
+bool MakeOutputFolder(const std::string& name) { return MakeFolder(name.c_str()) || Complain(name, errno); }
 
 }   // namespace sparkrig

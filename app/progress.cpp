@@ -1,12 +1,12 @@
 #include "app/progress.h"
 
-#include <unistd.h>
-
 #include <cstdio>
+
+#include "platform/system/system.h"
 
 namespace sparkrig {
 
-Progress::Progress(const char* what, int total) : what_(what), total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
+Progress::Progress(const char* what, int total) : what_(what), total_(total), shown_(IsTerminal(stderr)) {}
 
 Progress::~Progress() {
     if (shown_) std::fputs("\r\033[K", stderr);

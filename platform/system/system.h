@@ -38,6 +38,16 @@ bool ReplaceFileContent(const char* name, const void* data, std::size_t size);
 std::string GetCurrentDirectoryA();
 bool SetCurrentDirectoryA(const char* name);
 
+// ---- Output that the user asks for. Names are taken as they stand.
+
+/// Makes a folder. True as well when it is there already; false with errno set on failure.
+bool MakeFolder(const char* name);
+
+/// Whether the name stands for something that cannot be replaced by a new file: a pipe, a device, a folder.
+bool IsSpecialFile(const char* name);
+
+bool IsTerminal(std::FILE* stream);
+
 // ---- Clock and memory
 
 /// A monotonic counter; its frequency is constant.

@@ -26,7 +26,7 @@ constexpr KeyRow kKeyRows[] = {
 }   // namespace
 
 WPARAM VirtualKey(SDL_Keycode key) {
-    if (key >= SDLK_a && key <= SDLK_z) return static_cast<WPARAM>(key - SDLK_a + 'A');
+    if (key >= SDLK_a && key <= SDLK_z) return static_cast<WPARAM>(key) - SDLK_a + 'A';
     if ((key >= SDLK_0 && key <= SDLK_9) || key == SDLK_SPACE) return static_cast<WPARAM>(key);
     for (const KeyRow& row : kKeyRows) {
         if (row.key == key) return row.virtual_key;
