@@ -1,9 +1,11 @@
 #include "app/engine.h"
 
+#include "app/program_folder.h"
 #include "app/resources.h"
 #include "app/window_procedure.h"
 #include "base/random.h"
 #include "base/string.h"
+#include "gfx/gfx_parts.h"
 #include "platform/system/system.h"
 
 namespace sparkrig {
@@ -38,6 +40,7 @@ void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
     constexpr int kZBufferBits = 16, kNoVsync = 0, kMixedVertices = 1, kDefaultDevice = 0, kOneThread = 0;
     gfx->InitDevice(state.window, state.windowed, &mode, kZBufferBits, kNoVsync, kMixedVertices, kDefaultDevice,
                     kOneThread);
+    gfx->Parts().shader_effects.SetProgramFolder(BuiltInFolder());
     input->Create(state.window, -1);
     input->CreateKeyboard(*keyboard, DISCL_NONEXCLUSIVE | DISCL_FOREGROUND);
     SeedRandom(seed.value_or(static_cast<std::uint32_t>(QueryPerformanceCounter())));

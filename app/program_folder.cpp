@@ -23,6 +23,8 @@ bool EnterProgramFolder(const std::string& data) {
     return true;
 }
 
+const char* BuiltInFolder() { return kBuiltInFolder; }
+
 std::string AbsolutePath(const std::string& name) {
     if (name.empty() || name[0] == '/') return name;
     return GetCurrentDirectoryA() + "/" + name;

@@ -3,6 +3,7 @@
 #include "base/file_validator.h"
 #include "gfx/gfx.h"
 #include "gfx/shader_effect_registry.h"
+#include "gfx/texture_paths.h"
 #include "platform/system/system.h"
 
 namespace sparkrig {
@@ -69,10 +70,18 @@ std::unique_ptr<ShaderEffectData> Describe(DevicePtr<ID3DXEffect> effect) {
 ShaderEffectLoader::ShaderEffectLoader(KRN_Gfx& gfx) : gfx_(gfx), registry_(std::make_shared<ShaderEffectRegistry>()) {}
 ShaderEffectLoader::~ShaderEffectLoader() = default;
 
-bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool) {
+std::string ShaderEffectLoader::Find(const char* file) const {
+    if (program_folder_.empty() || FileExists(file)) return file;
+    const std::string own = JoinPath(program_folder_, file);
+    return FileExists(own.c_str()) ? own : file;
+}
+
+bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool required, DWORD flags, bool use_pool) {
     effect.Release();
     effect.gfx_ = &gfx_;
-    CFileValidator().CheckPath(file);   // such a file is loaded nevertheless
+    CFileValidator().CheckPath(name);   // such a file is loaded nevertheless
+    const std::string found = Find(name);
+    const char* const file = found.c_str();
     const std::string key = KeyOf(file);
     const int shared = registry_->settings.sharing ? registry_->Share(key) : -1;
     if (shared >= 0) {

@@ -1,6 +1,7 @@
 // Loads shader effects and keeps their registry: one compiled effect for a file, however many objects share it.
 #pragma once
 #include <memory>
+#include <string>
 
 #include "gfx/shader_effect.h"
 #include "gfx/shader_effect_search_list.h"
@@ -25,6 +26,9 @@ class ShaderEffectLoader {
     /// The first of the candidates that exists. False for an empty list.
     bool Load(KRN_ShaderEffect& effect, const ShaderSearchList& candidates, bool required, DWORD flags, bool use_pool);
 
+    /// Where a file that the current directory does not have is looked for: the program's own shaders stand there.
+    void SetProgramFolder(const char* folder) { program_folder_ = folder; }
+
     /// Around a device reset.
     void OnLostDevice();
     void OnResetDevice();
@@ -39,7 +43,11 @@ class ShaderEffectLoader {
     void SetGameTimeSource(GameTimeSource source);
 
   private:
+    /// The name under which the file can be opened; the name itself when it is nowhere.
+    std::string Find(const char* file) const;
+
     KRN_Gfx& gfx_;
+    std::string program_folder_;
     std::shared_ptr<ShaderEffectRegistry> registry_;   // and of every loaded effect
 };
 
