@@ -78,6 +78,7 @@ void EffectParticleSystem::Flush() {
 
 /// The frame of the batch: the texture, which sub-effects may share, can have gone on to another one since.
 void EffectParticleSystem::BindTexture() {
+    if (!texture_) return gfx_->SetTexture(nullptr, -1);
     const int present = texture_->CurrentFrame();
     if (present != texture_frame_) texture_->SelectSequenceFrame(texture_frame_);
     gfx_->SetTexture(texture_, -1);
