@@ -80,6 +80,7 @@ void TransformUpdate::Add(VisualEffectObject& object, int id) {
         FillRecord(RecordOf(id), object, age, 0, 0);
         return;
     }
+    RecordOf(id);   // so that it is there when the group is evaluated
     Group& group = groups_[groups_.NumberOf(*object.sub_effect)];
     group.objects[group.count] = &object;
     group.ids[group.count++] = id;

@@ -44,7 +44,10 @@ class ParticlePicture : public testing::Test {
     }
     ~ParticlePicture() override { system_.Release(); }
 
-    static std::string PictureFile() { return testing::TempDir() + "particle_picture.png"; }
+    static std::string PictureFile() {
+        const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+        return testing::TempDir() + "particle_picture_" + test->name() + ".png";
+    }
 
     /// A frame of one particle at the origin, half as high as the view, over 0x204060.
     void Draw(const std::string& lines) {
