@@ -2,6 +2,8 @@
 
 #include <SDL2/SDL_keyboard.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "platform/dinput/scan_codes.h"
@@ -11,11 +13,16 @@ namespace sparkrig {
 
 namespace {
 
+/// The keys that are down, and those that were pressed and released between two looks: a tap of a few milliseconds is
+/// down for one look, however slow the frames are.
 std::span<const std::uint8_t> SystemKeys() {
+    static std::array<std::uint8_t, SDL_NUM_SCANCODES> looked_at;
     CollectEvents();   // SDL learns of keys while it collects events
     int count = 0;
     const std::uint8_t* keys = SDL_GetKeyboardState(&count);
-    return {keys, static_cast<std::size_t>(count)};
+    std::copy_n(keys, std::min<std::size_t>(static_cast<std::size_t>(count), looked_at.size()), looked_at.begin());
+    AddPressedKeys(looked_at);
+    return looked_at;
 }
 
 }   // namespace

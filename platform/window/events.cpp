@@ -1,5 +1,8 @@
 #include "platform/window/events.h"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/window/virtual_keys.h"
 #include "platform/window/window_object.h"
 
@@ -22,6 +25,9 @@ WPARAM ShownSizeType(HWND window) {
     return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MAXIMIZED) != 0 ? SIZE_MAXIMIZED : SIZE_RESTORED;
 }
 
+// Keys that went down since the keyboard was last read, by scan code.
+std::array<std::uint8_t, SDL_NUM_SCANCODES> pressed_keys = {};
+
 void QueueWindowEvent(const SDL_WindowEvent& event) {
     const HWND window = WindowFromId(event.windowID);
     if (!window) return;
@@ -31,7 +37,10 @@ void QueueWindowEvent(const SDL_WindowEvent& event) {
         case SDL_WINDOWEVENT_MAXIMIZED:
         case SDL_WINDOWEVENT_RESTORED: QueueSize(window, ShownSizeType(window)); break;
         case SDL_WINDOWEVENT_FOCUS_GAINED: Messages().Post({window, WM_ACTIVATEAPP, 1, 0}); break;
-        case SDL_WINDOWEVENT_FOCUS_LOST: Messages().Post({window, WM_ACTIVATEAPP, 0, 0}); break;
+        case SDL_WINDOWEVENT_FOCUS_LOST:
+            pressed_keys.fill(0);
+            Messages().Post({window, WM_ACTIVATEAPP, 0, 0});
+            break;
         case SDL_WINDOWEVENT_CLOSE: Messages().Post({window, WM_CLOSE, 0, 0}); break;
         default: break;
     }
@@ -47,6 +56,7 @@ void QueueKey(const SDL_KeyboardEvent& event) {
         Messages().Post({window, WM_KEYUP, key, 0});
         return;
     }
+    if (event.repeat == 0 && event.keysym.scancode < SDL_NUM_SCANCODES) pressed_keys[event.keysym.scancode] = 1;
     // A repeat that finds its key still waiting adds nothing: a slow program must not be buried in repeats.
     text_is_merged = event.repeat != 0 && Messages().Holds(WM_KEYDOWN, key);
     if (!text_is_merged) Messages().Post({window, WM_KEYDOWN, key, 1, ControlCharacter(event.keysym.sym)});
@@ -71,6 +81,12 @@ void QueueButton(const SDL_MouseButtonEvent& event) {
 }
 
 }   // namespace
+
+void AddPressedKeys(std::span<std::uint8_t> keys) {
+    const std::size_t count = std::min(keys.size(), pressed_keys.size());
+    for (std::size_t i = 0; i < count; ++i) keys[i] |= pressed_keys[i];
+    pressed_keys.fill(0);
+}
 
 void QueueEvent(const SDL_Event& event) {
     switch (event.type) {

@@ -1,6 +1,9 @@
 // A window with a message queue and a window procedure, in the shape of the Win32 one, on SDL2.
 // SDL events become the numbered messages below; mouse moves that wait are merged.
 #pragma once
+#include <cstdint>
+#include <span>
+
 #include "platform/system/win_types.h"
 
 struct SDL_Window;
@@ -65,6 +68,10 @@ void ShowCursor(bool show);
 void RedrawWindow(HWND window);
 /// Prints "caption: text" on the error stream and, where there is a display, shows it in a modal box with an OK button.
 void MessageBoxA(HWND window, const char* text, const char* caption);
+
+/// For the keyboard alone: marks the keys, by the system's scan codes, that have gone down since the last call, also
+/// those that are up again.
+void AddPressedKeys(std::span<std::uint8_t> keys);
 
 /// For the device layer alone: the window that OpenGL draws into.
 SDL_Window* NativeWindow(HWND window);

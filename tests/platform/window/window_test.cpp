@@ -4,6 +4,8 @@
 #include <SDL2/SDL_video.h>
 #include <gmock/gmock.h>
 
+#include <array>
+
 #include <vector>
 
 #include "tests/support/canvas.h"
@@ -50,7 +52,7 @@ class WindowTest : public ::testing::Test {
     Uint32 Id() { return SDL_GetWindowID(NativeWindow(window_)); }
     void PushKey(Uint32 type, SDL_Keycode key, bool repeat) {
         SDL_Event event = {};
-        event.key = {type, 0, Id(), SDL_PRESSED, repeat, 0, 0, {SDL_SCANCODE_UNKNOWN, key, 0, 0}};
+        event.key = {type, 0, Id(), SDL_PRESSED, repeat, 0, 0, {SDL_GetScancodeFromKey(key), key, 0, 0}};
         SDL_PushEvent(&event);
     }
     void PushText(const char* text) {
@@ -127,6 +129,21 @@ TEST_F(WindowTest, TypedTextFollowsItsKey) {
     PushKey(SDL_KEYUP, SDLK_d, false);
     HandleAll();
     EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, 'D'), Is(WM_CHAR, 'd'), Is(WM_KEYUP, 'D')));
+}
+
+TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnce) {
+    PushKey(SDL_KEYDOWN, SDLK_r, false);
+    PushKey(SDL_KEYUP, SDLK_r, false);
+    PushKey(SDL_KEYDOWN, SDLK_F5, true);   // held since long ago
+    CollectEvents();
+    std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
+    keys[SDL_SCANCODE_UP] = 1;
+    AddPressedKeys(keys);
+    EXPECT_TRUE(keys[SDL_SCANCODE_R] && keys[SDL_SCANCODE_UP]);
+    EXPECT_FALSE(keys[SDL_SCANCODE_F5]);
+    keys.fill(0);
+    AddPressedKeys(keys);
+    EXPECT_FALSE(keys[SDL_SCANCODE_R]);
 }
 
 TEST_F(WindowTest, RepeatsOfAWaitingKeyAreMerged) {
