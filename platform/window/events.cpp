@@ -25,8 +25,15 @@ WPARAM ShownSizeType(HWND window) {
     return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MAXIMIZED) != 0 ? SIZE_MAXIMIZED : SIZE_RESTORED;
 }
 
-// Keys that went down since the keyboard was last read, by scan code.
-std::array<std::uint8_t, SDL_NUM_SCANCODES> pressed_keys = {};
+// By scan code: the keys that are down as far as the events tell, and those that went down, or were held while another
+// went down, since the keyboard was last read.
+using Keys = std::array<std::uint8_t, SDL_NUM_SCANCODES>;
+Keys held_keys = {}, pressed_keys = {};
+
+void NotePress(SDL_Scancode key) {
+    held_keys[key] = 1;
+    for (std::size_t i = 0; i < held_keys.size(); ++i) pressed_keys[i] |= held_keys[i];
+}
 
 void QueueWindowEvent(const SDL_WindowEvent& event) {
     const HWND window = WindowFromId(event.windowID);
@@ -38,6 +45,7 @@ void QueueWindowEvent(const SDL_WindowEvent& event) {
         case SDL_WINDOWEVENT_RESTORED: QueueSize(window, ShownSizeType(window)); break;
         case SDL_WINDOWEVENT_FOCUS_GAINED: Messages().Post({window, WM_ACTIVATEAPP, 1, 0}); break;
         case SDL_WINDOWEVENT_FOCUS_LOST:
+            held_keys.fill(0);
             pressed_keys.fill(0);
             Messages().Post({window, WM_ACTIVATEAPP, 0, 0});
             break;
@@ -53,10 +61,11 @@ void QueueKey(const SDL_KeyboardEvent& event) {
     const HWND window = WindowFromId(event.windowID);
     const WPARAM key = VirtualKey(event.keysym.sym);
     if (event.type == SDL_KEYUP) {
+        held_keys[event.keysym.scancode] = 0;
         Messages().Post({window, WM_KEYUP, key, 0});
         return;
     }
-    if (event.repeat == 0 && event.keysym.scancode < SDL_NUM_SCANCODES) pressed_keys[event.keysym.scancode] = 1;
+    if (event.repeat == 0) NotePress(event.keysym.scancode);
     // A repeat that finds its key still waiting adds nothing: a slow program must not be buried in repeats.
     text_is_merged = event.repeat != 0 && Messages().Holds(WM_KEYDOWN, key);
     if (!text_is_merged) Messages().Post({window, WM_KEYDOWN, key, 1, ControlCharacter(event.keysym.sym)});

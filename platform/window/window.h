@@ -69,8 +69,8 @@ void RedrawWindow(HWND window);
 /// Prints "caption: text" on the error stream and, where there is a display, shows it in a modal box with an OK button.
 void MessageBoxA(HWND window, const char* text, const char* caption);
 
-/// For the keyboard alone: marks the keys, by the system's scan codes, that have gone down since the last call, also
-/// those that are up again.
+/// For the keyboard alone: marks the keys, by the system's scan codes, that have gone down since the last call, and
+/// those that were held meanwhile, also when they are up again.
 void AddPressedKeys(std::span<std::uint8_t> keys);
 
 /// For the device layer alone: the window that OpenGL draws into.

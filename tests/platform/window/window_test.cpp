@@ -131,6 +131,25 @@ TEST_F(WindowTest, TypedTextFollowsItsKey) {
     EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, 'D'), Is(WM_CHAR, 'd'), Is(WM_KEYUP, 'D')));
 }
 
+TEST_F(WindowTest, ATapIsSeenWithTheKeysHeldMeanwhile) {
+    std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
+    PushKey(SDL_KEYDOWN, SDLK_LSHIFT, false);
+    PushKey(SDL_KEYDOWN, SDLK_b, false);
+    PushKey(SDL_KEYUP, SDLK_b, false);
+    CollectEvents();
+    AddPressedKeys(keys);
+    keys.fill(0);
+    PushKey(SDL_KEYDOWN, SDLK_RIGHT, false);
+    PushKey(SDL_KEYUP, SDLK_RIGHT, false);
+    PushKey(SDL_KEYUP, SDLK_LSHIFT, false);
+    PushKey(SDL_KEYDOWN, SDLK_c, false);
+    PushKey(SDL_KEYUP, SDLK_c, false);
+    CollectEvents();
+    AddPressedKeys(keys);
+    EXPECT_TRUE(keys[SDL_SCANCODE_RIGHT] && keys[SDL_SCANCODE_LSHIFT] && keys[SDL_SCANCODE_C]);
+    EXPECT_FALSE(keys[SDL_SCANCODE_B]);
+}
+
 TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnce) {
     PushKey(SDL_KEYDOWN, SDLK_r, false);
     PushKey(SDL_KEYUP, SDLK_r, false);
