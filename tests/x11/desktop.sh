@@ -34,7 +34,8 @@ until_true() {
 start_desktop() {
     export XDG_CONFIG_HOME=$work HOME=$work
     unset SDL_VIDEODRIVER WAYLAND_DISPLAY
-    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
+    # A server that resets when its last client leaves would take the window manager along: hence -noreset.
+    Xvfb -noreset -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
     pids+=($!)
     until_true 30 test -s "$work/display" || { cat "$work/xvfb.log" >&2; exit 1; }
     DISPLAY=:$(cat "$work/display")
