@@ -54,8 +54,9 @@ void Device::UseTarget(Surface* target) {
     bound_.target = DevicePtr<Surface>::Share(target);
     bindings_.target = target;
     bindings_.depth = DepthFor(*target);
-    bindings_.stencil = parameters_.EnableAutoDepthStencil &&
-                        FindFormat(parameters_.AutoDepthStencilFormat)->internal == GL_DEPTH24_STENCIL8;
+    const GLenum depth_format = depth_ ? depth_->Format().internal : 0;
+    bindings_.stencil = depth_format == GL_DEPTH24_STENCIL8;
+    bindings_.depth_steps = depth_format == GL_DEPTH_COMPONENT16 ? 65536.0f : 16777216.0f;
     state_.viewport = {0, 0, target->Desc().Width, target->Desc().Height, 0.0f, 1.0f};
     pipeline_.Mark(kDirtyTarget);
 }

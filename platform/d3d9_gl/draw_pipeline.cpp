@@ -66,7 +66,7 @@ bool DrawPipeline::Prepare(const DeviceState& state, const Bindings& bindings, b
     if ((dirty_ & kDirtyTarget) != 0) PrepareTarget(state, bindings);
     if ((dirty_ & (kDirtyOutput | kDirtyTarget)) != 0) gl_.SetOutput(state, bindings.target->Format().alpha);
     if ((dirty_ & (kDirtyDepth | kDirtyTarget)) != 0) gl_.SetDepth(state, bindings.depth != 0);
-    if ((dirty_ & kDirtyRaster) != 0) gl_.SetRaster(state, points);
+    if ((dirty_ & kDirtyRaster) != 0) gl_.SetRaster(state, points, bindings.depth_steps);
     dirty_ &= ~(kDirtyProgram | kDirtyOutput | kDirtyDepth | kDirtyRaster);
     PrepareUniforms(state, bindings);
     PrepareTextures(state, bindings);

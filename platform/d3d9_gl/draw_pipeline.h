@@ -30,6 +30,7 @@ struct Bindings {
     Surface* target = nullptr;   // borrowed
     GLuint depth = 0;            // renderbuffer, 0: none
     bool stencil = false;        // the depth buffer has one
+    float depth_steps = 1.0f;    // that the depth buffer makes of its range
 };
 
 class DrawPipeline {

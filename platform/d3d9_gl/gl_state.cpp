@@ -169,20 +169,19 @@ void GlState::SetDepth(const DeviceState& state, bool target_has_depth) {
     depth_known_ = true;
 }
 
-void GlState::SetRaster(const DeviceState& state, bool points) {
+void GlState::SetRaster(const DeviceState& state, bool points, float depth_steps) {
     Raster raster;
     raster.cull = points ? 0 : At(kCull, state.render[D3DRS_CULLMODE]);
     raster.fill = points ? GL_FILL : At(kFill, state.render[D3DRS_FILLMODE]);
     raster.slope_bias = state.Float(D3DRS_SLOPESCALEDEPTHBIAS);
-    raster.bias = state.Float(D3DRS_DEPTHBIAS);
+    raster.bias = state.Float(D3DRS_DEPTHBIAS) * depth_steps;
     if (raster_known_ && raster == raster_) return;
     Enable(GL_CULL_FACE, raster.cull != 0);
     if (raster.cull != 0) glCullFace(raster.cull);
     glPolygonMode(GL_FRONT_AND_BACK, raster.fill);
     const bool biased = raster.slope_bias != 0.0f || raster.bias != 0.0f;
     Enable(GL_POLYGON_OFFSET_FILL, biased);
-    constexpr float kDepthSteps = 16777216.0f;   // of a 24-bit buffer: the bias is given in the range of depth
-    if (biased) glPolygonOffset(raster.slope_bias, raster.bias * kDepthSteps);
+    if (biased) glPolygonOffset(raster.slope_bias, raster.bias);
     raster_ = raster;
     raster_known_ = true;
 }

@@ -34,8 +34,9 @@ class GlState {
     /// Opens what would keep a clear from reaching the target.
     void OpenMasks();
     void SetDepth(const DeviceState& state, bool target_has_depth);
-    /// Triangles that stand for points are neither culled nor drawn as lines.
-    void SetRaster(const DeviceState& state, bool points);
+    /// Triangles that stand for points are neither culled nor drawn as lines. depth_steps: of the depth buffer's range,
+    /// in which OpenGL counts a bias.
+    void SetRaster(const DeviceState& state, bool points, float depth_steps);
 
   private:
     struct Blend {

@@ -1,6 +1,8 @@
 // Where pixels land: pixel centres, winding, clip depth, final positions, viewports.
 #include <gtest/gtest.h>
 
+#include <bit>
+
 #include "tests/support/canvas.h"
 
 namespace sparkrig {
@@ -140,6 +142,26 @@ TEST(Raster, TestsAndWritesDepth) {
         EXPECT_EQ(canvas.PixelArgb(1, 1) == kSecond, row.second_seen) << row.enable << row.write << row.function;
         canvas.FillAll(kThird, 0xFF000000, 0.625f);
         EXPECT_EQ(canvas.PixelArgb(1, 1) == kThird, row.third_seen) << row.enable << row.write << row.function;
+    }
+}
+
+// Drivers may count a step as two.
+TEST(Raster, BiasesDepthInItsOwnRange) {
+    constexpr D3DCOLOR kBehind = Argb(255, 1, 2, 3);
+    for (const D3DFORMAT format : {D3DFMT_D16, D3DFMT_D24X8}) {
+        Canvas canvas(4, 4);
+        canvas->EndScene();
+        D3DPRESENT_PARAMETERS parameters = CanvasParameters(4, 4);
+        parameters.AutoDepthStencilFormat = format;
+        ASSERT_EQ(canvas->Reset(&parameters), D3D_OK);
+        canvas->BeginScene();
+        canvas->SetRenderState(D3DRS_LIGHTING, FALSE);
+        for (const float bias : {-0.02f, -0.002f}) {
+            canvas.Clear(kBack, 0.5f);
+            canvas->SetRenderState(D3DRS_DEPTHBIAS, std::bit_cast<DWORD>(bias));
+            canvas.FillAll(kBehind, 0xFF000000, 0.51f);
+            EXPECT_EQ(canvas.PixelArgb(1, 1) == kBehind, bias == -0.02f) << format << " " << bias;
+        }
     }
 }
 
