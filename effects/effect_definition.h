@@ -5,8 +5,8 @@
 
 #include "base/dyna_mem.h"
 #include "base/string.h"
-#include "effects/key_curve.h"
 #include "platform/d3dx/d3dx_math.h"
+#include "scene/key_curve.h"
 
 namespace sparkrig {
 

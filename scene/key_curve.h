@@ -1,4 +1,5 @@
-// Keyed curves: cubic Hermite segments between keys, or straight ones, once or in a loop.
+// Keyed curves: cubic Hermite segments between keys, or straight ones, once or in a loop. Numbers and colours of scenes
+// and effects follow them; what moves nodes is in node_tracks.h.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -14,7 +15,7 @@ struct CurveKey {
     float in[Components] = {};    // incoming tangent times the interval, stored negated
     float out[Components] = {};   // outgoing tangent times the interval
 };
-static_assert(sizeof(CurveKey<3>) == 40 && sizeof(CurveKey<1>) == 16);
+static_assert(sizeof(CurveKey<4>) == 52 && sizeof(CurveKey<3>) == 40 && sizeof(CurveKey<1>) == 16);
 
 template <int Components>
 class KeyCurve {
@@ -23,6 +24,7 @@ class KeyCurve {
 
     /// Keys come in ascending order of time; equal times are allowed and make a step.
     void AddKey(float time, const float (&value)[Components]);
+    void AddKey(const Key& key) { keys_.push_back(key); }
     /// In a loop the curve runs from its last key on to `end_time`, where the first key's value stands again. An end
     /// before the last key counts as the last key's time.
     void SetLoop(bool on, float end_time);
@@ -37,8 +39,20 @@ class KeyCurve {
     /// The value at a time, held before the first and after the last key of a curve without loop. Zeros for a curve
     /// without keys.
     void EvaluateCurve(double time, float (&value)[Components]) const;
+    /// Its change in a second; zeros where the value is held.
+    void EvaluateDerivative(double time, float (&slope)[Components]) const;
 
   private:
+    /// Where a time falls: at `s`, 0 to 1, between two keys, or at `from` alone. `interval` is in seconds.
+    struct Place {
+        const Key& from;
+        const Key* to = nullptr;
+        double interval = 0;
+        float s = 0;
+    };
+    /// Of a curve with keys.
+    Place Find(double time) const;
+
     CurveMode mode_ = CurveMode::Hermite;
     bool loop_ = false;
     float loop_end_ = 0;
@@ -49,9 +63,11 @@ class KeyCurve {
 template <int Components>
 int FindSegment(const std::vector<CurveKey<Components>>& keys, double time);
 
+using ColourCurve = KeyCurve<4>;   // r, g, b, a
 using VectorCurve = KeyCurve<3>;
 using ScalarCurve = KeyCurve<1>;
 
+extern template class KeyCurve<4>;
 extern template class KeyCurve<3>;
 extern template class KeyCurve<1>;
 

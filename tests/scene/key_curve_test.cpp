@@ -1,4 +1,4 @@
-#include "effects/key_curve.h"
+#include "scene/key_curve.h"
 
 #include <gtest/gtest.h>
 
@@ -101,9 +101,8 @@ TEST(KeyCurve, OneKeyIsAConstant) {
     for (const bool loop : {false, true}) {
         for (const float loop_end : {2.0f, 9.0f}) {
             ScalarCurve curve;
-            curve.AddKey(2, {6});
+            curve.AddKey({.time = 2, .value = {6}, .in = {3}, .out = {4}});
             curve.SetLoop(loop, loop_end);
-            curve.ComputeTangents(1);
             for (const double time : {-3.0, 2.0, 4.5, 70.0}) EXPECT_FLOAT_EQ(At(curve, time), 6) << loop << time;
         }
     }
@@ -131,6 +130,25 @@ TEST(KeyCurve, ComponentsAreIndependent) {
     EXPECT_FLOAT_EQ(value[0], 3);
     EXPECT_FLOAT_EQ(value[1], 2);
     EXPECT_FLOAT_EQ(value[2], 4.5f);
+}
+
+TEST(KeyCurve, TheDerivativeIsTheSlopeOfTheCurve) {
+    for (const CurveMode mode : {CurveMode::Linear, CurveMode::Hermite}) {
+        for (const bool loop : {false, true}) {
+            ColourCurve curve;
+            curve.AddKey({.time = 2, .value = {3, 5, 7, 9}, .in = {-1, 2, 4, 8}, .out = {6, -2, 3, 5}});
+            curve.AddKey({.time = 5, .value = {4, -6, 8, 2}, .in = {-3, 7, 2, -5}, .out = {2, 4, -8, 6}});
+            curve.SetLoop(loop, 9);
+            curve.SetMode(mode);
+            for (const double time : {1.0, 2.75, 4.5, 7.25, 13.5}) {
+                float before[4], behind[4], slope[4];
+                curve.EvaluateCurve(time - 0.001, before);
+                curve.EvaluateCurve(time + 0.001, behind);
+                curve.EvaluateDerivative(time, slope);
+                for (int i = 0; i < 4; ++i) EXPECT_NEAR(slope[i], (behind[i] - before[i]) / 0.002f, 0.01f) << time;
+            }
+        }
+    }
 }
 
 TEST(KeyCurve, WithoutKeysIsZero) { EXPECT_EQ(At(ScalarCurve(), 3), 0); }

@@ -1,9 +1,10 @@
-#include "effects/key_curve.h"
+#include "scene/key_curve.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "base/numeric.h"
+#include "scene/hermite.h"
 
 namespace sparkrig {
 namespace {
@@ -37,18 +38,6 @@ void SetTangents(CurveKey<Components>& key, const Neighbours<Components>& near, 
         key.out[i] *= tension;
     }
 }
-
-struct HermiteWeights {
-    explicit HermiteWeights(float s) {
-        const float s2 = s * s;
-        const float s3 = s2 * s;
-        from = 2 * s3 - 3 * s2 + 1;
-        to = 3 * s2 - 2 * s3;
-        out = s3 - 2 * s2 + s;
-        in = s3 - s2;
-    }
-    float from, to, out, in;
-};
 
 }   // namespace
 
@@ -105,37 +94,65 @@ void KeyCurve<Components>::ComputeTangents(float tension) {
 }
 
 template <int Components>
-void KeyCurve<Components>::EvaluateCurve(double time, float (&value)[Components]) const {
-    std::fill_n(value, Components, 0.0f);
-    if (keys_.empty()) return;
+typename KeyCurve<Components>::Place KeyCurve<Components>::Find(double time) const {
     const Key& first = keys_.front();
     const Key& last = keys_.back();
+    const double loop_end = std::max(loop_end_, last.time);
     if (loop_) {
-        const double period = std::max(loop_end_, last.time) - first.time;
-        if (!(period > 0)) return void(std::copy_n(first.value, Components, value));
+        const double period = loop_end - first.time;
+        if (!(period > 0) || keys_.size() == 1) return {first};
         time = first.time + WrapFloat(time, period);
     } else {
-        if (time <= first.time) return void(std::copy_n(first.value, Components, value));
-        if (time >= last.time) return void(std::copy_n(last.value, Components, value));
+        if (time <= first.time) return {first};
+        if (time >= last.time) return {last};
     }
     const auto segment = static_cast<std::size_t>(FindSegment(keys_, time));
     const bool at_seam = segment + 1 == keys_.size();   // only in a loop
     const Key& from = keys_[segment];
     const Key& to = at_seam ? first : keys_[segment + 1];
-    const double end = at_seam ? std::max(loop_end_, last.time) : to.time;
-    const double interval = end - from.time;
-    const float s = interval > 0 ? static_cast<float>((time - from.time) / interval) : 0.0f;
+    const double interval = (at_seam ? loop_end : to.time) - from.time;
+    return {from, &to, interval, interval > 0 ? static_cast<float>((time - from.time) / interval) : 0.0f};
+}
+
+template <int Components>
+void KeyCurve<Components>::EvaluateCurve(double time, float (&value)[Components]) const {
+    std::fill_n(value, Components, 0.0f);
+    if (keys_.empty()) return;
+    const Place place = Find(time);
+    const Key& from = place.from;
+    if (!place.to) return void(std::copy_n(from.value, Components, value));
+    const Key& to = *place.to;
     if (mode_ == CurveMode::Hermite) {
-        const HermiteWeights w(s);
+        const HermiteWeights w(place.s);
         for (int i = 0; i < Components; ++i)
             value[i] = from.value[i] * w.from + to.value[i] * w.to + from.out[i] * w.out - to.in[i] * w.in;
     } else {
-        for (int i = 0; i < Components; ++i) value[i] = from.value[i] + (to.value[i] - from.value[i]) * s;
+        for (int i = 0; i < Components; ++i) value[i] = from.value[i] + (to.value[i] - from.value[i]) * place.s;
     }
 }
 
+template <int Components>
+void KeyCurve<Components>::EvaluateDerivative(double time, float (&slope)[Components]) const {
+    std::fill_n(slope, Components, 0.0f);
+    if (keys_.empty()) return;
+    const Place place = Find(time);
+    if (!place.to || !(place.interval > 0)) return;
+    const Key& from = place.from;
+    const Key& to = *place.to;
+    const HermiteSlopes w(place.s);
+    const auto interval = static_cast<float>(place.interval);
+    for (int i = 0; i < Components; ++i) {
+        const float rise = mode_ == CurveMode::Hermite
+                               ? from.value[i] * w.from + to.value[i] * w.to + from.out[i] * w.out - to.in[i] * w.in
+                               : to.value[i] - from.value[i];
+        slope[i] = rise / interval;
+    }
+}
+
+template int FindSegment(const std::vector<CurveKey<4>>&, double);
 template int FindSegment(const std::vector<CurveKey<3>>&, double);
 template int FindSegment(const std::vector<CurveKey<1>>&, double);
+template class KeyCurve<4>;
 template class KeyCurve<3>;
 template class KeyCurve<1>;
 
