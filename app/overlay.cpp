@@ -47,7 +47,7 @@ void DrawOverlay(Engine& engine, const TesterState& state, const LoopState& loop
 
 void DrawEffectName(Engine& engine, const TesterState& state) {
     constexpr float kLargest = 4, kTop = 2;
-    const String name = engine.effects.GetEffectName(state.current_effect);
+    const String& name = engine.effects.GetEffectName(state.current_effect);
     const float width = static_cast<float>(state.client_width);
     SetTextSize(*engine.font, 1.0f);
     const float advance = engine.font->Advance('0') * static_cast<float>(std::max(name.GetLength(), 1));

@@ -80,9 +80,10 @@ void VisualEffectSystem::LoadEffects(const char* file, bool keep_instances) {
 
 int VisualEffectSystem::GetEffectCount() const { return parts_->definitions->names.GetCount(); }
 
-String VisualEffectSystem::GetEffectName(int index) const {
+const String& VisualEffectSystem::GetEffectName(int index) const {
+    static const String none;
     const String* name = parts_->definitions->names.GetAt(index);
-    return name ? *name : String();
+    return name ? *name : none;
 }
 
 void VisualEffectSystem::StartEffect(const char* name, const D3DXVECTOR3& position) {

@@ -41,7 +41,8 @@ class VisualEffectSystem : public ErrorClass {
     /// With keep_instances running instances go on with the new definitions.
     void LoadEffects(const char* file, bool keep_instances);
     int GetEffectCount() const;
-    String GetEffectName(int index) const;   // in file order
+    /// In file order; empty for a wrong index. Good until the next load.
+    const String& GetEffectName(int index) const;
 
     void StartEffect(const char* name, const D3DXVECTOR3& position);
     /// Loads the textures of the effect and of what it emits. A name that begins with "trace:" names a texture.

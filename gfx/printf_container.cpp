@@ -92,7 +92,9 @@ void KRN_PrintfContainer::Clear() {
 }
 
 void KRN_PrintfContainer::SortLines() {
-    std::ranges::stable_sort(lines_, {}, &PrintfLine::y);
+    // Insertion keeps the order of equal lines and, unlike a library's stable sort, takes no memory in each frame.
+    for (auto line = lines_.begin(); line != lines_.end(); ++line)
+        std::rotate(std::ranges::upper_bound(lines_.begin(), line, line->y, {}, &PrintfLine::y), line, line + 1);
     line_open_ = false;   // the last line may be another one now
 }
 
