@@ -1,9 +1,11 @@
 #include "tools/textures/picture.h"
+#include "tools/textures/flipbook.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -56,22 +58,87 @@ TEST(Picture, ContinuesTheColourUnderTransparentPixels) {
     }
 }
 
-TEST(Picture, ClearsTheBorderOfEverySprite) {
-    for (const Sprite& sprite : AllSprites()) {
-        const Picture picture = RenderSmall(sprite);
-        int strongest_in_border = 0, strongest = 0;
-        for (int row = 0; row < kSmallSize; ++row) {
-            for (int column = 0; column < kSmallSize; ++column) {
-                const int edge = std::min({row, column, kSmallSize - 1 - row, kSmallSize - 1 - column});
+/// The largest alpha in the border and of all pixels.
+struct Strongest {
+    int in_border = 0, anywhere = 0;
+
+    void Add(const Picture& picture) {
+        for (int row = 0; row < picture.size; ++row) {
+            for (int column = 0; column < picture.size; ++column) {
+                const int edge = std::min({row, column, picture.size - 1 - row, picture.size - 1 - column});
                 const int alpha = picture.At(column, row)[3];
-                strongest = std::max(strongest, alpha);
-                if (edge < kClearBorder) strongest_in_border = std::max(strongest_in_border, alpha);
+                anywhere = std::max(anywhere, alpha);
+                if (edge < kClearBorder) in_border = std::max(in_border, alpha);
             }
         }
-        EXPECT_EQ(strongest_in_border, 0) << sprite.name;
-        EXPECT_GT(strongest, 100) << sprite.name;
+    }
+};
+
+TEST(Picture, ClearsTheBorderOfEverySprite) {
+    for (const Sprite& sprite : AllSprites()) {
+        Strongest strongest;
+        strongest.Add(RenderSmall(sprite));
+        EXPECT_EQ(strongest.in_border, 0) << sprite.name;
+        EXPECT_GT(strongest.anywhere, 100) << sprite.name;
     }
 }
+
+// ---- Flipbooks
+
+std::vector<Picture> RenderSmall(Flipbook flipbook) {
+    flipbook.size = kSmallSize;
+    std::vector<Picture> frames;
+    for (int i = 0; i < flipbook.frames; ++i) frames.push_back(RenderFrame(flipbook, i));
+    return frames;
+}
+
+/// Over all pixels, by alpha: what of a picture shows.
+double Difference(const Picture& a, const Picture& b) {
+    double sum = 0;
+    for (std::size_t i = 3; i < a.rgba.size(); i += 4) sum += std::abs(a.rgba[i] - b.rgba[i]);
+    return sum;
+}
+
+TEST(Flipbooks, LoopOrEndWithNothing) {
+    for (const Flipbook& flipbook : AllFlipbooks()) {
+        const std::vector<Picture> frames = RenderSmall(flipbook);
+        Strongest all, last;
+        double largest_step = 0;
+        for (std::size_t i = 1; i < frames.size(); ++i) {
+            all.Add(frames[i]);
+            const double step = Difference(frames[i - 1], frames[i]);
+            EXPECT_GT(step, 0) << flipbook.name << i;
+            largest_step = std::max(largest_step, step);
+        }
+        last.Add(frames.back());
+        EXPECT_EQ(all.in_border, 0) << flipbook.name;
+        EXPECT_GT(all.anywhere, 100) << flipbook.name;
+        if (flipbook.name == std::string("flame")) {
+            EXPECT_LE(Difference(frames.back(), frames.front()), largest_step);
+        } else {
+            EXPECT_LT(last.anywhere, 16) << flipbook.name;
+        }
+    }
+}
+
+TEST(Flipbooks, AreTheSameEveryTimeAndStandInListAndCatalogue) {
+    const std::string catalogue = ReadText("cfg/texCatalogue.cfg");
+    for (Flipbook flipbook : AllFlipbooks()) {
+        const std::string name = flipbook.name, list = "textures\\" + name + ".ifl";
+        EXPECT_THAT(catalogue, ::testing::HasSubstr("\"" + name + "\" = \"" + list + "\"")) << name;
+        EXPECT_EQ(ReadText("textures/" + name + ".ifl"), FrameList(flipbook)) << name;
+        const int middle = flipbook.frames / 2;
+        for (const int i : {0, middle, flipbook.frames - 1}) {
+            std::string file = FrameFile(flipbook, i);
+            std::ranges::replace(file, '\\', '/');
+            EXPECT_TRUE(std::filesystem::exists("textures/" + file)) << file;
+        }
+        flipbook.size = kSmallSize;
+        EXPECT_EQ(EncodePng(RenderFrame(flipbook, middle)), EncodePng(RenderFrame(flipbook, middle))) << name;
+    }
+}
+
+// ---- Sprites
 
 TEST(Picture, IsTheSameEveryTime) {
     const std::vector<Sprite> once = AllSprites(), again = AllSprites();

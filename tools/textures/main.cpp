@@ -1,23 +1,46 @@
 // make_textures OUTPUT_DIR: draws every sample texture.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
 
-#include "tools/textures/picture.h"
-#include "tools/textures/sprite.h"
+#include "tools/textures/flipbook.h"
 
 namespace {
 
 constexpr int kCannotWrite = 3;
 
-/// False after a message when a file cannot be written.
+using Bytes = std::vector<std::uint8_t>;
+
+/// False after a message when the file cannot be written.
+bool Write(const std::string& path, const Bytes& bytes) {
+    if (sparkrig::WriteFile(path, bytes)) return true;
+    std::fprintf(stderr, "Can not write %s\n", path.c_str());
+    return false;
+}
+
+void MakeFolder(const std::string& folder) {
+    std::error_code failure;   // what goes wrong shows when a file is written
+    std::filesystem::create_directories(folder, failure);
+}
+
 bool WriteSprites(const std::string& folder) {
-    for (const sparkrig::Sprite& sprite : sparkrig::AllSprites()) {
-        const std::string path = folder + "/" + sprite.name + ".png";
-        if (sparkrig::WriteFile(path, sparkrig::EncodePng(sparkrig::Render(sprite)))) continue;
-        std::fprintf(stderr, "Can not write %s\n", path.c_str());
-        return false;
+    for (const sparkrig::Sprite& sprite : sparkrig::AllSprites())
+        if (!Write(folder + "/" + sprite.name + ".png", sparkrig::EncodePng(sparkrig::Render(sprite)))) return false;
+    return true;
+}
+
+bool WriteFlipbooks(const std::string& folder) {
+    for (const sparkrig::Flipbook& flipbook : sparkrig::AllFlipbooks()) {
+        MakeFolder(folder + "/" + flipbook.name);
+        for (int i = 0; i < flipbook.frames; ++i) {
+            std::string file = sparkrig::FrameFile(flipbook, i);
+            std::ranges::replace(file, '\\', '/');
+            if (!Write(folder + "/" + file, sparkrig::EncodePng(sparkrig::RenderFrame(flipbook, i)))) return false;
+        }
+        const std::string list = sparkrig::FrameList(flipbook);
+        if (!Write(folder + "/" + flipbook.name + ".ifl", Bytes(list.begin(), list.end()))) return false;
     }
     return true;
 }
@@ -33,7 +56,6 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return options.exit(error) == 0 ? 0 : 2;
     }
-    std::error_code failure;
-    std::filesystem::create_directories(folder, failure);
-    return WriteSprites(folder) ? 0 : kCannotWrite;
+    MakeFolder(folder);
+    return WriteSprites(folder) && WriteFlipbooks(folder) ? 0 : kCannotWrite;
 }

@@ -22,6 +22,16 @@ float Slope(std::int32_t x, std::int32_t y, float dx, float dy, std::uint32_t se
     return std::cos(angle) * dx + std::sin(angle) * dy;
 }
 
+std::int32_t Wrap(std::int32_t v, std::int32_t period) { return (v % period + period) % period; }
+
+/// The same in space: the gradients point to the middles of a cube's edges.
+float SlopeInTime(std::int32_t x, std::int32_t y, std::int32_t t, Point off, float dt, std::uint32_t seed) {
+    constexpr float kGradients[12][3] = {{1, 1, 0},  {-1, 1, 0},  {1, -1, 0}, {-1, -1, 0}, {1, 0, 1},  {-1, 0, 1},
+                                         {1, 0, -1}, {-1, 0, -1}, {0, 1, 1},  {0, -1, 1},  {0, 1, -1}, {0, -1, -1}};
+    const float* g = kGradients[Hash(x, y, seed + static_cast<std::uint32_t>(t) * 7919u) % 12];
+    return g[0] * off.x + g[1] * off.y + g[2] * dt;
+}
+
 float Ease(float t) { return t * t * t * (t * (t * 6 - 15) + 10); }
 
 float Lerp(float a, float b, float t) { return a + (b - a) * t; }
@@ -35,6 +45,36 @@ float Noise(Point p, std::uint32_t seed) {
     const float low = Lerp(Slope(x, y, dx, dy, seed), Slope(x + 1, y, dx - 1, dy, seed), Ease(dx));
     const float high = Lerp(Slope(x, y + 1, dx, dy - 1, seed), Slope(x + 1, y + 1, dx - 1, dy - 1, seed), Ease(dx));
     return kNoiseHeight * Lerp(low, high, Ease(dy));
+}
+
+float MovingNoise(Moment at, Period period, std::uint32_t seed) {
+    const float fx = std::floor(at.p.x), fy = std::floor(at.p.y), ft = std::floor(at.time);
+    const auto x = static_cast<std::int32_t>(fx);
+    const float dx = at.p.x - fx, dy = at.p.y - fy, dt = at.time - ft;
+    float layers[2];
+    for (int k = 0; k < 2; ++k) {
+        const std::int32_t t = Wrap(static_cast<std::int32_t>(ft) + k, period.times);
+        float rows[2];
+        for (int j = 0; j < 2; ++j) {
+            const std::int32_t y = Wrap(static_cast<std::int32_t>(fy) + j, period.rows);
+            const float up = dy - static_cast<float>(j), later = dt - static_cast<float>(k);
+            rows[j] = Lerp(SlopeInTime(x, y, t, {dx, up}, later, seed),
+                           SlopeInTime(x + 1, y, t, {dx - 1, up}, later, seed), Ease(dx));
+        }
+        layers[k] = Lerp(rows[0], rows[1], Ease(dy));
+    }
+    return Lerp(layers[0], layers[1], Ease(dt));
+}
+
+float MovingFractal(Moment at, Period period, int octaves, std::uint32_t seed) {
+    float sum = 0, height = 0.5f;
+    for (int i = 0; i < octaves; ++i) {
+        sum += height * MovingNoise(at, period, seed + static_cast<std::uint32_t>(i));
+        at.p = {at.p.x * 2 + 17.1f, at.p.y * 2};
+        period.rows *= 2;
+        height *= 0.5f;
+    }
+    return sum;
 }
 
 float Fractal(Point p, int octaves, std::uint32_t seed) {

@@ -19,6 +19,22 @@ float Billows(Point p, int octaves, std::uint32_t seed);
 /// p moved by two fractal noises, at most about `amount`: what makes straight things organic.
 Point Warp(Point p, float frequency, float amount, std::uint32_t seed);
 
+/// A point of the plane at a time.
+struct Moment {
+    Point p;
+    float time;
+};
+
+/// Noise in motion. It repeats after `rows` units of y and after `times` units of time, so that a loop in which the
+/// time goes once through and y moves on by a multiple of the rows has no seam.
+struct Period {
+    int rows, times;
+};
+float MovingNoise(Moment at, Period period, std::uint32_t seed);
+
+/// Fractal sum of MovingNoise. The fine octaves are finer in the plane only: they are carried along, not faster.
+float MovingFractal(Moment at, Period period, int octaves, std::uint32_t seed);
+
 class Dice {
   public:
     explicit Dice(std::uint32_t seed) : engine_(seed) {}

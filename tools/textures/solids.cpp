@@ -1,4 +1,4 @@
-// Solid things: chips of stone, leaves, petals, paper, firewood. Light, so that the effect's colour tints them.
+// Solid things: chips of stone, leaves, petals, paper, firewood, iron. Light, so that the effect's colour tints them.
 #include <array>
 
 #include "tools/textures/noise.h"
@@ -172,6 +172,38 @@ Pixel PaintLogs(Point p) {
     return pixel;
 }
 
+/// Hammered iron, lit from above by the fire that it holds: brightest at the rim, rust in the hollows.
+Pixel Iron(Point p, float light) {
+    const float dents = Fractal({p.x * 6, p.y * 6}, 3, 1701);
+    const float rust = Step(0.05f, 0.5f, Fractal({p.x * 4 + 5, p.y * 5}, 3, 1711));
+    const float lit = Unit(light * (1 + 0.7f * dents));
+    return MixColour({0.52f * lit, 0.47f * lit, 0.45f * lit, 1}, {0.6f * lit, 0.3f * lit, 0.16f * lit, 1}, rust);
+}
+
+/// A bowl of coals on three legs.
+Pixel PaintBrazier(Point p) {
+    constexpr float kRim = 0.36f, kHalfWidth = 0.8f, kDepth = 0.62f;
+    constexpr std::array<std::array<Point, 2>, 3> kLegs = {
+        {{{{-0.38f, 0.02f}, {-0.62f, -0.9f}}}, {{{0.38f, 0.02f}, {0.62f, -0.9f}}}, {{{0.0f, -0.2f}, {0.0f, -0.92f}}}}};
+    Pixel pixel{0.12f, 0.1f, 0.1f, 0};
+    for (const auto& [hip, foot] : kLegs) {
+        float along = 0;
+        const float width = 0.06f, distance = SegmentDistance(p, hip, foot, along);
+        if (distance < width) pixel = Iron(p, (0.62f - 0.42f * along) * (1 - 0.5f * distance / width));
+    }
+    const Point bowl{p.x / kHalfWidth, (kRim - p.y) / kDepth};   // 1 at its outline
+    if (bowl.y > 0 && Length(bowl) < 1) {
+        const float roundness = std::sqrt(Unit(1 - Square(bowl.x)));
+        const float ribs = 0.86f + 0.14f * std::cos(std::asin(bowl.x) * 22);
+        pixel = Iron(p, (0.24f + 0.42f * roundness) * ribs * (1 - 0.62f * bowl.y));
+    }
+    const float rim = Length({bowl.x, (p.y - kRim) / 0.15f});
+    if (rim > 1.08f) return pixel;
+    if (rim > 0.86f) return Iron(p, 0.95f);
+    const float heat = 0.5f + 1.3f * Fractal({p.x * 8, p.y * 20}, 3, 1721);
+    return MixColour({0.16f, 0.04f, 0.02f, 1}, {1, 0.56f, 0.14f, 1}, Step(0.2f, 0.95f, heat));
+}
+
 /// A shelf of rock that overhangs: broken below, flat and mossy on top.
 Pixel PaintLedge(Point p) {
     const float top = 0.16f + 0.05f * Fractal({p.x * 3, 0.5f}, 3, 1401);
@@ -203,6 +235,7 @@ std::vector<Sprite> SolidSprites() {
         {"streamer", 64, PaintStreamer},
         {"logs", 128, PaintLogs},
         {"ledge", 256, PaintLedge},
+        {"brazier", 128, PaintBrazier},
     };
 }
 
