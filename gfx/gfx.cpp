@@ -119,7 +119,7 @@ void KRN_Gfx::SetMaterial(const D3DMATERIAL9& material) { parts_->lighting.SetMa
 int KRN_Gfx::SetLight(int index, KRN_Light& light, double time, bool evaluate) {
     if (light.off) return 0;
     if (evaluate) {
-        light.Animate(time, false);
+        light.Animate(time, true, false);
     } else {
         light.record.Position = light.Eye();
         light.record.Direction = light.ViewDirection();

@@ -3,7 +3,7 @@
 
 namespace sparkrig {
 
-/// A node with an eye, a view direction and an up vector.
+/// A node with an eye, a view direction and an up vector, which may look at another node.
 class KRN_Target3dObject : public KRN_3dObject {
   public:
     KRN_Target3dObject();
@@ -15,10 +15,17 @@ class KRN_Target3dObject : public KRN_3dObject {
     /// Turns view direction and up vector about an axis (radians).
     void RotateView(const D3DXVECTOR3& axis, float angle);
     void TurnAroundUp(float angle);
-    /// Places the node and takes eye, direction and up vector from where it stands: it looks down its own z axis.
-    void Animate(double time, bool force) override;
+    /// Places the node and its target, and takes the eye from where it stands. It looks at its target; without one down
+    /// its own z axis, whose y axis is then the up vector.
+    int Animate(double time, bool force, bool update_parent) override;
     /// Called whenever the orientation changed.
     virtual void ApplyOrientation(const D3DXMATRIX*) {}
+
+    /// The node that it looks at, borrowed; null for none.
+    KRN_3dObject* Target() const { return target_; }
+    void SetTarget(KRN_3dObject* target) { target_ = target; }
+    const String& TargetName() const { return target_name_; }
+    void SetTargetName(const char* name) { target_name_ = name; }
 
     const D3DXVECTOR3& Eye() const { return eye_; }
     const D3DXVECTOR3& ViewDirection() const { return direction_; }
@@ -27,6 +34,8 @@ class KRN_Target3dObject : public KRN_3dObject {
   protected:
     ~KRN_Target3dObject() = default;
 
+    String target_name_;
+    KRN_3dObject* target_ = nullptr;
     D3DXVECTOR3 eye_;
     D3DXVECTOR3 direction_ = {0, 1, 0};
     D3DXVECTOR3 up_ = {0, 0, 1};

@@ -9,9 +9,9 @@ KRN_Light::KRN_Light() {
 
 void KRN_Light::ApplyOrientation(const D3DXMATRIX* extra) {
     D3DXMATRIX placement = kIdentityMatrix;   // also that of a flattened node, which has no inverse
-    if (D3DXMatrixInverse(&placement, nullptr, &world_)) {
-        D3DXMatrixMultiply(&placement, &placement, &pivot_);
-        D3DXMatrixMultiply(&placement, &placement, &world_);
+    if (D3DXMatrixInverse(&placement, nullptr, &WorldMatrix())) {
+        D3DXMatrixMultiply(&placement, &placement, &PivotMatrix());
+        D3DXMatrixMultiply(&placement, &placement, &WorldMatrix());
     }
     if (extra) D3DXMatrixMultiply(&placement, &placement, extra);
     D3DXVECTOR3 position, direction;

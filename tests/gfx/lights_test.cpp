@@ -3,6 +3,7 @@
 
 #include "gfx/gfx_parts.h"
 #include "scene/light.h"
+#include "tests/scene/near.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
@@ -55,6 +56,30 @@ TEST(Lights, TheRecordTakesTheNodesPlace) {
     EXPECT_NEAR(sent.Direction.z, 0.8f, 1e-6);
     gfx.recording.Fail("SetLight", E_OUTOFMEMORY);
     EXPECT_EQ(ErrorOf([&] { gfx->SetLight(3, light, 0, false); }), "KRN_Gfx: SetLight failed: E_OUTOFMEMORY");
+}
+
+TEST(Lights, EvaluatingMovesALightAlongItsTracks) {
+    RecordedGfx gfx;
+    KRN_Light light;
+    light.off = false;
+    light.Tracks().position.Add(2, KeyInterpolation::Linear, {{4, 6, 8}, {}, {}});
+    light.Tracks().position.Add(6, KeyInterpolation::Linear, {{8, 14, -4}, {}, {}});
+    KRN_RotKeyData turn;   // a sixth about x: what looked down looks forwards
+    turn.rotation = {0.5f, 0, 0, 0.8660254f};
+    light.Tracks().rotation.Add(3, KeyInterpolation::Linear, turn);
+    light.RebuildLookupTables();
+    const struct {
+        double time;
+        bool evaluate;
+        D3DXVECTOR3 position;
+    } rows[] = {{3, true, {5, 8, 5}}, {5, false, {5, 8, 5}}, {5, true, {7, 12, -1}}, {5, true, {7, 12, -1}}};
+    for (const auto& row : rows) {
+        gfx->SetLight(3, light, row.time, row.evaluate);
+        D3DLIGHT9 sent = {};
+        gfx->Device()->GetLight(3, &sent);
+        ExpectNear(sent.Position, row.position);
+        ExpectNear(sent.Direction, {0, 0.8660254f, -0.5f});
+    }
 }
 
 }   // namespace

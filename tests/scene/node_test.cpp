@@ -1,18 +1,15 @@
 // Nodes, nodes with a view, cameras and lights.
 #include <gtest/gtest.h>
 
+#include "base/file.h"
 #include "scene/camera.h"
 #include "scene/light.h"
 #include "tests/base/reports.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/scene/near.h"
 
 namespace sparkrig {
 namespace {
-
-void ExpectNear(const D3DXVECTOR3& a, const D3DXVECTOR3& b) {
-    EXPECT_NEAR(a.x, b.x, 1e-5f);
-    EXPECT_NEAR(a.y, b.y, 1e-5f);
-    EXPECT_NEAR(a.z, b.z, 1e-5f);
-}
 
 constexpr float kQuarterTurn = 1.5707963f;
 
@@ -51,13 +48,187 @@ TEST(Node, ReportsWithItsName) {
 TEST(Node, IsPlacedAgainOnlyWhenSomethingChanged) {
     Node node;
     node.SetPosition(1, 2, 3, false);
-    node.Animate(5, false);
+    node.Animate(5, false, false);
     EXPECT_EQ(node.WorldMatrix().m[3][1], 2);
     node.SetWorldMatrix(kIdentityMatrix);
-    node.Animate(5, false);
+    node.Animate(5, false, false);
     EXPECT_EQ(node.WorldMatrix(), kIdentityMatrix) << "the same time, nothing dirty";
-    node.Animate(5, true);
+    node.Animate(5, true, false);
     EXPECT_EQ(node.WorldMatrix().m[3][1], 2);
+}
+
+/// Keys at 2 and 4 seconds: from (10, 20, 30) to (30, 60, -10), twice to four times the size, half a turn about z.
+void AddKeys(NodeTracks& tracks) {
+    constexpr auto kLinear = KeyInterpolation::Linear;
+    tracks.position.Add(2, kLinear, {.value = {10, 20, 30}, .in_tangent = {}, .out_tangent = {}});
+    tracks.position.Add(4, kLinear, {.value = {30, 60, -10}, .in_tangent = {}, .out_tangent = {}});
+    tracks.scale.Add(2, kLinear, {{{2, 2, 2}, {}, {}}});
+    tracks.scale.Add(4, kLinear, {{{4, 4, 4}, {}, {}}});
+    tracks.rotation.Add(2, kLinear, {});
+    KRN_RotKeyData half_turn;
+    half_turn.rotation = {0, 0, 1, 0};
+    tracks.rotation.Add(4, kLinear, half_turn);
+}
+
+D3DXVECTOR3 Carried(const KRN_3dObject& node, D3DXVECTOR3 point) {
+    return *D3DXVec3TransformCoord(&point, &point, &node.WorldMatrix());
+}
+
+TEST(AnimatedNode, FollowsItsTracks) {
+    Node node;
+    NodeTransform rest;
+    rest.axis_signs = {1, -1, 1};
+    rest.position = {7, 7, 7};
+    node.SetRestPose(rest);
+    AddKeys(node.Tracks());
+    node.RebuildLookupTables();
+    EXPECT_EQ(node.Animate(3, false, false), 1);
+    ExpectNear(Carried(node, {1, 2, 3}), {20 + 3 * 2, 40 + 3 * 1, 10 + 3 * 3});   // a quarter turn, y mirrored
+    ExpectNear(node.CurrentPosition(), {20, 40, 10});
+    ExpectNear(node.CurrentScale(), {3, 3, 3});
+    ExpectSameTurn(node.CurrentRotation(), {0, 0, 0.70710678f, 0.70710678f});
+    EXPECT_EQ(node.RestPose().position, D3DXVECTOR3(7, 7, 7));
+}
+
+TEST(AnimatedNode, TakesItsTimeFromTheLoop) {
+    const struct {
+        double time;
+        bool loops;
+        float x;
+    } rows[] = {{-3, false, 10}, {99, false, 30}, {9, true, 20}, {-3, true, 20}, {5, true, 20}, {5.5, true, 15}};
+    Node node;
+    AddKeys(node.Tracks());
+    node.RebuildLookupTables();
+    node.SetAnimationLength(6);
+    for (const auto& row : rows) {
+        node.SetLooping(row.loops);
+        node.Animate(row.time, false, false);
+        EXPECT_NEAR(node.CurrentPosition().x, row.x, 1e-4f) << row.time;
+    }
+}
+
+TEST(AnimatedNode, FrozenStays) {
+    Node node;
+    node.SetPosition(1, 2, 3, false);
+    node.SetFrozen(true);
+    node.Animate(2, true, false);
+    EXPECT_EQ(node.WorldMatrix(), kIdentityMatrix);
+}
+
+class NodeFile : public TemporaryFolder {};
+
+TEST_F(NodeFile, WithMoreKeysThanItSaysIsRefused) {
+    WriteFile("node", std::string(91, '\0'));   // one key of either kind, since what follows it says no more
+    const char* const messages[] = {"Scale", "Rot", "Pos"};
+    for (int kind = 0; kind < 3; ++kind) {
+        File file;
+        file.Open("node", true, true, true);
+        Node node;
+        if (kind == 0) node.Tracks().scale.Read(file, 2);
+        if (kind == 1) node.Tracks().rotation.Read(file, 2);
+        if (kind == 2) node.Tracks().position.Read(file, 2);
+        EXPECT_EQ(ErrorOf([&] { node.RebuildLookupTables(); }),
+                  "KRN_3dObject: *undefined*: Check: " + std::string(messages[kind]) + " key numbers don't match");
+    }
+}
+
+/// A parent at (10, 20, 30), two, three and four times as large, turned by a quarter.
+struct Family {
+    Node parent, child;
+    Family() {
+        parent.SetPosition(10, 20, 30, false);
+        parent.SetScale(2, 3, 4, false);
+        parent.SetRotation(QuarterTurnAboutZ(), false);
+        parent.Animate(0, true, false);
+        child.SetPosition(5, 6, 7, false);
+        child.SetParent(&parent);
+    }
+};
+
+TEST(Hierarchy, ANodeTakesOverWhatItInherits) {
+    const struct {
+        const char* name;
+        InheritFlags inherits;
+        D3DXVECTOR3 at, one_x;   // where the child's origin and its (1, 0, 0) come to lie
+    } rows[] = {
+        {"all", {}, {10 - 18, 20 + 10, 30 + 28}, {10 - 18, 20 + 12, 30 + 28}},
+        {"no position", {.position = false}, {-18, 10, 28}, {-18, 12, 28}},
+        {"no scale", {.scale = false}, {10 - 6, 20 + 5, 30 + 7}, {10 - 6, 20 + 6, 30 + 7}},
+        {"no rotation", {.rotation = false}, {10 + 10, 20 + 18, 30 + 28}, {10 + 12, 20 + 18, 30 + 28}},
+        {"no signs", {.axis_signs = false}, {10 - 18, 20 + 10, 30 + 28}, {10 - 18, 20 + 12, 30 + 28}},
+        {"nothing", {false, false, false, false}, {5, 6, 7}, {6, 6, 7}},
+    };
+    Family family;
+    for (const auto& row : rows) {
+        const testing::ScopedTrace trace(__FILE__, __LINE__, row.name);
+        family.child.SetInheritance(row.inherits);
+        family.child.Animate(0, false, false);
+        ExpectNear(Carried(family.child, {}), row.at);
+        ExpectNear(Carried(family.child, {1, 0, 0}), row.one_x);
+    }
+}
+
+TEST(Hierarchy, TheParentIsPlacedFirstWhenAsked) {
+    Family family;
+    AddKeys(family.parent.Tracks());
+    family.parent.RebuildLookupTables();
+    family.child.Animate(2, true, false);
+    ExpectNear(Carried(family.child, {}), {10 - 18, 20 + 10, 30 + 28});
+    family.child.Animate(2, true, true);
+    ExpectNear(Carried(family.child, {}), {10 + 10, 20 + 12, 30 + 14});
+}
+
+TEST(Hierarchy, RebuildingFollowsTheParentFullyAndOnce) {
+    Family family;
+    family.child.SetInheritance({false, false, false, false});
+    family.child.Animate(0, true, false);
+    family.parent.SetWorldMatrix(kIdentityMatrix);
+    family.child.RebuildFromCurrent(false);
+    ExpectNear(Carried(family.child, {}), {10 - 18, 20 + 10, 30 + 28});
+    family.child.SetWorldMatrix(kIdentityMatrix);
+    family.child.RebuildFromCurrent(false);
+    EXPECT_EQ(family.child.WorldMatrix(), kIdentityMatrix);
+    family.child.RebuildFromCurrent(true);
+    ExpectNear(Carried(family.child, {}), {10 - 18, 20 + 10, 30 + 28});
+    family.child.Animate(0, false, false);
+    ExpectNear(Carried(family.child, {}), {5, 6, 7});
+}
+
+TEST(Hierarchy, MayBeDeep) {
+    std::vector<Node> line(100'000);
+    for (std::size_t i = 0; i + 1 < line.size(); ++i) line[i].SetParent(&line[i + 1]);
+    line.back().SetPosition(3, 5, 7, true);
+    line.front().RebuildFromCurrent(true);
+    ExpectNear(Carried(line.front(), {}), {3, 5, 7});
+}
+
+TEST(Hierarchy, NoNodeIsItsOwnAncestor) {
+    Family family;
+    const Reports reports;
+    family.parent.SetNodeName("Arm");
+    family.child.SetNodeName("Hand");
+    family.parent.SetParent(&family.child);
+    EXPECT_EQ(reports.Last(), "warning KRN_3dObject: Arm: Parent object 'Hand' descends from it");
+    EXPECT_EQ(family.parent.Parent(), nullptr);
+}
+
+TEST(CopyNode, CopiesTheNodeAndItsKeysIfAsked) {
+    Family family;
+    family.child.SetNodeName("Hand");
+    family.child.SetKind(ObjectKind::Bone);
+    AddKeys(family.child.Tracks());
+    for (const bool with_keys : {true, false}) {
+        Node copy;
+        AddKeys(copy.Tracks());
+        KRN_3dObject::CopyNode(family.child, copy, with_keys);
+        EXPECT_EQ(copy.Name(), family.child.Name());
+        EXPECT_EQ(copy.Kind(), ObjectKind::Bone);
+        EXPECT_EQ(copy.Parent(), &family.parent);
+        EXPECT_EQ(copy.Tracks().rotation.Count(), with_keys ? 2u : 0u);
+        copy.SetParent(nullptr);
+        copy.Animate(3, false, false);
+        ExpectNear(Carried(copy, {}), with_keys ? D3DXVECTOR3(20, 40, 10) : D3DXVECTOR3(5, 6, 7));
+    }
 }
 
 TEST(Camera, KeepsEyeDirectionAndUp) {
@@ -87,10 +258,24 @@ TEST(Camera, AnimatedLooksDownItsOwnZAxis) {
     KRN_Camera camera;
     camera.SetPosition(3, 5, 7, false);
     camera.SetRotation(QuarterTurnAboutZ(), false);
-    camera.Animate(0, true);
+    camera.Animate(0, true, false);
     ExpectNear(camera.Eye(), {3, 5, 7});
     ExpectNear(camera.ViewDirection(), {0, 0, -1});
     ExpectNear(camera.Up(), {-1, 0, 0});
+}
+
+TEST(Camera, LooksAtItsTarget) {
+    KRN_Camera camera, target;
+    camera.SetPosition(3, 5, 7, false);
+    AddKeys(target.Tracks());
+    target.RebuildLookupTables();
+    camera.SetTarget(&target);
+    target.SetTarget(&camera);   // two that look at each other
+    camera.Animate(2, false, false);
+    ExpectNear(camera.ViewDirection(), {7, 15, 23});
+    EXPECT_EQ(camera.Up(), D3DXVECTOR3(0, 0, 1));
+    target.Animate(4, false, false);
+    ExpectNear(target.ViewDirection(), {-27, -55, 17});
 }
 
 TEST(Light, RecordsWhereItStands) {
