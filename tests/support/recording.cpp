@@ -1,5 +1,6 @@
 #include "tests/support/recording.h"
 
+#include "tests/support/forwarding_device.h"
 #include "tests/support/recording_device.h"
 
 namespace sparkrig {
@@ -53,6 +54,7 @@ Recording::~Recording() { current = previous_; }
 
 IDirect3D9* Recording::Create(UINT sdk_version) {
     if (!current || !current->offers_direct3d || sdk_version != D3D_SDK_VERSION) return nullptr;
+    if (current->behind) return Forward(*current, current->behind(sdk_version));
     return new RecordingDirect3D(*current);
 }
 
@@ -84,6 +86,7 @@ std::vector<DWORD> Recording::Sent(DWORD sampler, D3DSAMPLERSTATETYPE type) cons
 
 void Recording::ForgetCalls() {
     calls_.clear();
+    redundant_.clear();
     draws_.clear();
 }
 
@@ -94,7 +97,13 @@ void Recording::LoseDevice(int polls) {
     lost_polls_ = polls;
 }
 
+void Recording::Interrupt(int nth, std::function<void()> action) {
+    until_interrupt_ = nth;
+    interrupt_ = std::move(action);
+}
+
 HRESULT Recording::Record(const char* method, std::vector<DWORD> arguments) {
+    if (until_interrupt_ > 0 && --until_interrupt_ == 0) interrupt_();
     calls_.push_back({method, std::move(arguments)});
     const auto found = failures_.find(method);
     if (found == failures_.end()) return D3D_OK;

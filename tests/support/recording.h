@@ -1,4 +1,5 @@
-// What a test sees of the recording device: the calls that were made, what fails next, what the adapter offers.
+// What a test sees of the recording device: the calls that were made, what fails next, what the adapter offers. It
+// stands by itself, or before a real device, which then does what does not fail.
 //
 //     Recording recording;                                  // from now on it serves Recording::Create
 //     recording.Fail("CreateTexture", E_OUTOFMEMORY, 2);    // the second call from now
@@ -6,6 +7,7 @@
 //     EXPECT_THAT(recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW));
 //     EXPECT_EQ(recording.LiveObjects(), 0);
 #pragma once
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -44,6 +46,9 @@ class Recording {
     /// In place of Direct3DCreate9: a Direct3D object of the newest recording. Null when `offers_direct3d` is off.
     static IDirect3D9* Create(UINT sdk_version);
 
+    /// What makes the Direct3D object that calls go on to. None: calls are only recorded, and the adapter is as below.
+    IDirect3D9* (*behind)(UINT sdk_version) = nullptr;
+
     // ---- What the adapter offers; set before the device is made.
     bool offers_direct3d = true;
     D3DCAPS9 caps;
@@ -63,6 +68,8 @@ class Recording {
     std::vector<DWORD> Sent(D3DRENDERSTATETYPE state) const;
     std::vector<DWORD> Sent(DWORD stage, D3DTEXTURESTAGESTATETYPE type) const;
     std::vector<DWORD> Sent(DWORD sampler, D3DSAMPLERSTATETYPE type) const;
+    /// The state changes among them that gave the device what it held already. Only without a device behind.
+    const std::vector<RecordedCall>& Redundant() const { return redundant_; }
     void ForgetCalls();
 
     // ---- Failing. A failing call has no effect but its record.
@@ -70,6 +77,8 @@ class Recording {
     void Fail(const std::string& method, HRESULT code, int nth = 1);
     /// From now on TestCooperativeLevel says lost for `polls` calls, then not-reset until Reset.
     void LoseDevice(int polls);
+    /// Does something right before the n-th call from now on, whatever its method.
+    void Interrupt(int nth, std::function<void()> action);
 
     // ---- Objects
     /// Device objects that somebody still holds, the Direct3D object and the device included.
@@ -78,6 +87,7 @@ class Recording {
 
     // ---- For the recording device alone
     HRESULT Record(const char* method, std::vector<DWORD> arguments);
+    void LastWasRedundant() { redundant_.push_back(calls_.back()); }
     void RecordDraw(RecordedDraw draw) { draws_.push_back(std::move(draw)); }
     UINT ObjectMade(bool default_pool);
     void ObjectGone(bool default_pool);
@@ -87,13 +97,15 @@ class Recording {
 
   private:
     Recording* previous_;
-    std::vector<RecordedCall> calls_;
+    std::vector<RecordedCall> calls_, redundant_;
     std::vector<RecordedDraw> draws_;
     struct Failure {
         int left;
         HRESULT code;
     };
     std::map<std::string, std::vector<Failure>> failures_;
+    int until_interrupt_ = 0;
+    std::function<void()> interrupt_;
     UINT serial_ = 0;
     int live_objects_ = 0, default_pool_objects_ = 0;
     bool lost_ = false;

@@ -296,7 +296,7 @@ HRESULT RecordingDevice::SetRenderTarget(DWORD index, IDirect3DSurface9* surface
     if (index != 0 || !surface) return D3DERR_INVALIDCALL;
     const D3DSURFACE_DESC& desc = static_cast<RecordedSurface*>(surface)->Image().desc;
     if (!(desc.Usage & D3DUSAGE_RENDERTARGET)) return D3DERR_INVALIDCALL;
-    states_.target = DevicePtr<IDirect3DSurface9>::Share(surface);
+    Keep(states_.target, DevicePtr<IDirect3DSurface9>::Share(surface));
     states_.viewport = {0, 0, desc.Width, desc.Height, 0.0f, 1.0f};
     return D3D_OK;
 }

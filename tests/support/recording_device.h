@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 
+#include "platform/d3dx/d3dx_math.h"
 #include "tests/support/recorded_objects.h"
 
 namespace sparkrig {
@@ -125,6 +126,12 @@ class RecordingDevice : public RecordedObject<IDirect3DDevice9> {
     int ForeignDefaultPoolObjects() const;
     /// The reason that forbids drawing now, or D3D_OK.
     HRESULT ReadyToDraw(UINT count) const;
+    /// Keeps a state that was sent. It is redundant when it was there already.
+    template <class State>
+    void Keep(State& held, const State& sent) {
+        if (held == sent) recording_.LastWasRedundant();
+        held = sent;
+    }
     RecordedDraw DescribeDraw(D3DPRIMITIVETYPE type, UINT first, UINT count) const;
 
     DWORD behaviour_;

@@ -2,7 +2,6 @@
 #include <bit>
 #include <cstring>
 
-#include "platform/d3dx/d3dx_math.h"
 #include "tests/support/recording_device.h"
 
 namespace sparkrig {
@@ -43,22 +42,24 @@ HRESULT RecordingDevice::SetViewport(const D3DVIEWPORT9* viewport) {
         viewport->Width > target.Width - viewport->X || viewport->Height > target.Height - viewport->Y) {
         return D3DERR_INVALIDCALL;
     }
-    states_.viewport = *viewport;
+    Keep(states_.viewport, *viewport);
     return D3D_OK;
 }
 
 HRESULT RecordingDevice::GetViewport(D3DVIEWPORT9* viewport) {
+    if (const HRESULT refused = recording_.Record("GetViewport", {}); FAILED(refused)) return refused;
     *viewport = states_.viewport;
     return D3D_OK;
 }
 
 HRESULT RecordingDevice::SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX* matrix) {
     const HRESULT result = recording_.Record("SetTransform", {state});
-    if (SUCCEEDED(result)) states_.transforms[state] = *matrix;
+    if (SUCCEEDED(result)) Keep(states_.transforms.try_emplace(state, kIdentityMatrix).first->second, *matrix);
     return result;
 }
 
 HRESULT RecordingDevice::GetTransform(D3DTRANSFORMSTATETYPE state, D3DMATRIX* matrix) {
+    if (const HRESULT refused = recording_.Record("GetTransform", {state}); FAILED(refused)) return refused;
     const auto found = states_.transforms.find(state);
     *matrix = found == states_.transforms.end() ? kIdentityMatrix : found->second;
     return D3D_OK;
@@ -66,22 +67,24 @@ HRESULT RecordingDevice::GetTransform(D3DTRANSFORMSTATETYPE state, D3DMATRIX* ma
 
 HRESULT RecordingDevice::SetMaterial(const D3DMATERIAL9* material) {
     const HRESULT result = recording_.Record("SetMaterial", {std::bit_cast<DWORD>(material->Diffuse.r)});
-    if (SUCCEEDED(result)) states_.material = *material;
+    if (SUCCEEDED(result)) Keep(states_.material, *material);
     return result;
 }
 
 HRESULT RecordingDevice::GetMaterial(D3DMATERIAL9* material) {
+    if (const HRESULT refused = recording_.Record("GetMaterial", {}); FAILED(refused)) return refused;
     *material = states_.material;
     return D3D_OK;
 }
 
 HRESULT RecordingDevice::SetLight(DWORD index, const D3DLIGHT9* light) {
     const HRESULT result = recording_.Record("SetLight", {index, light->Type});
-    if (SUCCEEDED(result)) states_.lights[index] = *light;
+    if (SUCCEEDED(result)) Keep(states_.lights[index], *light);
     return result;
 }
 
 HRESULT RecordingDevice::GetLight(DWORD index, D3DLIGHT9* light) {
+    if (const HRESULT refused = recording_.Record("GetLight", {index}); FAILED(refused)) return refused;
     const auto found = states_.lights.find(index);
     if (found == states_.lights.end()) return D3DERR_INVALIDCALL;
     *light = found->second;
@@ -90,11 +93,12 @@ HRESULT RecordingDevice::GetLight(DWORD index, D3DLIGHT9* light) {
 
 HRESULT RecordingDevice::LightEnable(DWORD index, BOOL enable) {
     const HRESULT result = recording_.Record("LightEnable", {index, static_cast<DWORD>(enable)});
-    if (SUCCEEDED(result)) states_.lights_on[index] = enable;
+    if (SUCCEEDED(result)) Keep(states_.lights_on[index], enable);
     return result;
 }
 
 HRESULT RecordingDevice::GetLightEnable(DWORD index, BOOL* enable) {
+    if (const HRESULT refused = recording_.Record("GetLightEnable", {index}); FAILED(refused)) return refused;
     const auto found = states_.lights_on.find(index);
     *enable = found != states_.lights_on.end() && found->second;
     return D3D_OK;
@@ -102,11 +106,12 @@ HRESULT RecordingDevice::GetLightEnable(DWORD index, BOOL* enable) {
 
 HRESULT RecordingDevice::SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
     const HRESULT result = recording_.Record("SetRenderState", {state, value});
-    if (SUCCEEDED(result)) states_.render[state] = value;
+    if (SUCCEEDED(result)) Keep(states_.render[state], value);
     return result;
 }
 
 HRESULT RecordingDevice::GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) {
+    if (const HRESULT refused = recording_.Record("GetRenderState", {state}); FAILED(refused)) return refused;
     *value = ValueOf(states_.render, state);
     return D3D_OK;
 }
@@ -115,11 +120,13 @@ HRESULT RecordingDevice::SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATET
     const HRESULT result = recording_.Record("SetTextureStageState", {stage, state, value});
     if (FAILED(result)) return result;
     if (stage >= kTextureStages) return D3DERR_INVALIDCALL;
-    states_.stages[stage][state] = value;
+    Keep(states_.stages[stage][state], value);
     return D3D_OK;
 }
 
 HRESULT RecordingDevice::GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD* value) {
+    if (const HRESULT refused = recording_.Record("GetTextureStageState", {stage, state}); FAILED(refused))
+        return refused;
     if (stage >= kTextureStages) return D3DERR_INVALIDCALL;
     *value = ValueOf(states_.stages[stage], state);
     return D3D_OK;
@@ -129,11 +136,12 @@ HRESULT RecordingDevice::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE stat
     const HRESULT result = recording_.Record("SetSamplerState", {sampler, state, value});
     if (FAILED(result)) return result;
     if (sampler >= kSamplers) return D3DERR_INVALIDCALL;
-    states_.samplers[sampler][state] = value;
+    Keep(states_.samplers[sampler][state], value);
     return D3D_OK;
 }
 
 HRESULT RecordingDevice::GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD* value) {
+    if (const HRESULT refused = recording_.Record("GetSamplerState", {sampler, state}); FAILED(refused)) return refused;
     if (sampler >= kSamplers) return D3DERR_INVALIDCALL;
     *value = ValueOf(states_.samplers[sampler], state);
     return D3D_OK;
@@ -143,31 +151,36 @@ HRESULT RecordingDevice::SetTexture(DWORD sampler, IDirect3DTexture9* texture) {
     const HRESULT result = recording_.Record("SetTexture", {sampler, SerialOf(texture)});
     if (FAILED(result)) return result;
     if (sampler >= kSamplers) return D3DERR_INVALIDCALL;
-    states_.textures[sampler] = DevicePtr<IDirect3DTexture9>::Share(texture);
+    Keep(states_.textures[sampler], DevicePtr<IDirect3DTexture9>::Share(texture));
     return D3D_OK;
 }
 
 HRESULT RecordingDevice::GetTexture(DWORD sampler, IDirect3DTexture9** texture) {
+    if (const HRESULT refused = recording_.Record("GetTexture", {sampler}); FAILED(refused)) return refused;
     return sampler < kSamplers ? Give(states_.textures[sampler], texture) : D3DERR_INVALIDCALL;
 }
 
 HRESULT RecordingDevice::SetVertexShader(IDirect3DVertexShader9* shader) {
     const HRESULT result = recording_.Record("SetVertexShader", {SerialOfShader(shader)});
-    if (SUCCEEDED(result)) states_.vertex_shader = DevicePtr<IDirect3DVertexShader9>::Share(shader);
+    if (SUCCEEDED(result)) Keep(states_.vertex_shader, DevicePtr<IDirect3DVertexShader9>::Share(shader));
     return result;
 }
 
 HRESULT RecordingDevice::GetVertexShader(IDirect3DVertexShader9** shader) {
+    if (const HRESULT refused = recording_.Record("GetVertexShader", {}); FAILED(refused)) return refused;
     return Give(states_.vertex_shader, shader);
 }
 
 HRESULT RecordingDevice::SetPixelShader(IDirect3DPixelShader9* shader) {
     const HRESULT result = recording_.Record("SetPixelShader", {SerialOfShader(shader)});
-    if (SUCCEEDED(result)) states_.pixel_shader = DevicePtr<IDirect3DPixelShader9>::Share(shader);
+    if (SUCCEEDED(result)) Keep(states_.pixel_shader, DevicePtr<IDirect3DPixelShader9>::Share(shader));
     return result;
 }
 
-HRESULT RecordingDevice::GetPixelShader(IDirect3DPixelShader9** shader) { return Give(states_.pixel_shader, shader); }
+HRESULT RecordingDevice::GetPixelShader(IDirect3DPixelShader9** shader) {
+    if (const HRESULT refused = recording_.Record("GetPixelShader", {}); FAILED(refused)) return refused;
+    return Give(states_.pixel_shader, shader);
+}
 
 HRESULT RecordingDevice::SetVertexShaderGlobals(const void* data, UINT bytes) {
     return recording_.Record("SetVertexShaderGlobals", WordsOf(data, bytes));
@@ -184,6 +197,7 @@ HRESULT RecordingDevice::SetFVF(DWORD fvf) {
 }
 
 HRESULT RecordingDevice::GetFVF(DWORD* fvf) {
+    if (const HRESULT refused = recording_.Record("GetFVF", {}); FAILED(refused)) return refused;
     *fvf = states_.fvf;
     return D3D_OK;
 }
