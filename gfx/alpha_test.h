@@ -13,13 +13,11 @@ class AlphaTest {
     int Mode() const { return mode_; }
     int Reference() const { return reference_; }
     /// After a reset.
-    void Forget() { known_ = false; }
     void Reapply() { Set(mode_, reference_); }
 
   private:
     StateSender& sender_;
     int mode_ = 0, reference_ = 0;
-    bool known_ = false;   // the device holds the pair
 };
 
 }   // namespace sparkrig

@@ -89,8 +89,8 @@ int BlendingState::Set(int mode, int alpha, int stage) {
     SendStage(*row, static_cast<DWORD>(stage));
     if (row->factor == Factor::Alpha) factor_.SetAlpha(row->kept == Kept::Scaled ? alpha_ : alpha);
     if (row->factor == Factor::Whole) factor_.Set(static_cast<D3DCOLOR>(alpha & 0xFF));
-    sender_.SendRenderState(D3DRS_SRCBLEND, row->source);
-    sender_.SendRenderState(D3DRS_DESTBLEND, row->destination);
+    sender_.SetRenderState(D3DRS_SRCBLEND, row->source);
+    sender_.SetRenderState(D3DRS_DESTBLEND, row->destination);
     sender_.SetStageState(static_cast<DWORD>(stage) + 1, D3DTSS_ALPHAOP, D3DTOP_DISABLE);
     return 1;
 }

@@ -4,7 +4,7 @@ namespace sparkrig {
 
 void DepthStates::SetMode(int mode) {
     if (mode == 2 && !(sender_.Graphics().Caps().RasterCaps & D3DPRASTERCAPS_WBUFFER)) mode = 1;
-    sender_.SendRenderState(D3DRS_ZENABLE, static_cast<DWORD>(mode));
+    sender_.SetRenderState(D3DRS_ZENABLE, static_cast<DWORD>(mode));
     mode_ = mode;
 }
 
@@ -14,16 +14,16 @@ void DepthStates::SetWrite(bool on) {
 }
 
 void DepthStates::PushOff() {
-    if (pushes_++ == 0) sender_.SendRenderState(D3DRS_ZENABLE, DWORD{FALSE});
+    if (pushes_++ == 0) sender_.SetRenderState(D3DRS_ZENABLE, DWORD{FALSE});
 }
 
 void DepthStates::PopOff() {
     if (pushes_ == 0) return;   // a pop without its push
-    if (--pushes_ == 0 && mode_ != 0) sender_.SendRenderState(D3DRS_ZENABLE, static_cast<DWORD>(mode_));
+    if (--pushes_ == 0 && mode_ != 0) sender_.SetRenderState(D3DRS_ZENABLE, static_cast<DWORD>(mode_));
 }
 
 void DepthStates::Reapply() {
-    sender_.SendRenderState(D3DRS_ZENABLE, pushes_ > 0 ? 0 : static_cast<DWORD>(mode_));
+    sender_.SetRenderState(D3DRS_ZENABLE, pushes_ > 0 ? 0 : static_cast<DWORD>(mode_));
     SetWrite(write_);
 }
 

@@ -136,7 +136,6 @@ void ReapplyRest(GfxParts& parts) {
 
 void ForgetDeviceStates(GfxParts& parts) {
     parts.sender.Cache().Forget();
-    parts.alpha_test.Forget();
     parts.bindings.Forget();
 }
 

@@ -54,12 +54,12 @@ struct GfxParts {
     PresentationSettings presentation;
     RECT client_rectangle = {};
     D3DFORMAT alpha_format = D3DFMT_UNKNOWN, opaque_format = D3DFMT_UNKNOWN;
-    RenderTargets targets{graphics};
+    StateSender sender{graphics};
+    RenderTargets targets{sender};
     FrameTimeRing frames;
     double created_at = 0;   // seconds of the clock
 
-    // States: what the device holds, and what the program wants
-    StateSender sender{graphics};
+    // States that the program wants; the sender's cache is what the device holds
     TextureFactor texture_factor{sender};
     BlendingState blending{sender, texture_factor};
     RenderSources render_sources{sender, texture_factor};

@@ -20,7 +20,7 @@ void LightingState::PopOff() {
 
 void LightingState::SetAmbient(D3DCOLOR colour) {
     ambient_ = colour;
-    sender_.SendRenderState(D3DRS_AMBIENT, colour);
+    sender_.SetRenderState(D3DRS_AMBIENT, colour);
 }
 
 void LightingState::SetSpecular(bool on) {
@@ -33,21 +33,17 @@ void LightingState::SetNormalizeNormals(bool on) {
     normalize_normals_ = on;
 }
 
-void LightingState::SendMaterial() {
-    sender_.Graphics().Require(sender_.Device().SetMaterial(&material_), "SetMaterial failed: ");
-}
-
 void LightingState::SetMaterial(const D3DMATERIAL9& material) {
     material_ = material;
     material_given_ = true;
-    if (!MaterialLocked()) SendMaterial();
+    if (!MaterialLocked()) sender_.SetMaterial(material_);
 }
 
 void LightingState::EndOverride() {
     colour_.reset();
     const bool held_back = MaterialLocked() && material_given_;
     material_locks_[0] = material_locks_[1] = false;
-    if (held_back) SendMaterial();
+    if (held_back) sender_.SetMaterial(material_);
 }
 
 void LightingState::Reapply() {
@@ -58,7 +54,7 @@ void LightingState::Reapply() {
 void LightingState::ReapplyMaterial() {
     SetAmbient(ambient_);
     SetNormalizeNormals(normalize_normals_);
-    if (material_given_ && !MaterialLocked()) SendMaterial();
+    if (material_given_ && !MaterialLocked()) sender_.SetMaterial(material_);
 }
 
 }   // namespace sparkrig

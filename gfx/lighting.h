@@ -39,7 +39,6 @@ class LightingState {
 
   private:
     bool MaterialLocked() const { return material_locks_[0] || material_locks_[1]; }
-    void SendMaterial();
 
     StateSender& sender_;
     bool on_ = true;

@@ -12,7 +12,7 @@ void PointSprites::SetFillMode(int mode, const PointSpriteSettings* settings) {
     fill_mode_ = mode;
     if (settings) settings_ = *settings;
     if (mode == static_cast<int>(D3DFILL_POINT)) Apply(settings_, false);
-    sender_.SendRenderState(D3DRS_FILLMODE, static_cast<DWORD>(mode));
+    sender_.SetRenderState(D3DRS_FILLMODE, static_cast<DWORD>(mode));
 }
 
 float PointSprites::LimitedSize(float size, bool device_limit) const {

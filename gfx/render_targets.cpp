@@ -28,6 +28,7 @@ void RenderTargets::Release() {
 void RenderTargets::Set(IDirect3DSurface9* surface, DWORD index) {
     graphics_.Require(graphics_.Device()->SetRenderTarget(index, surface), "Can not set render target: ");
     if (index != 0) return;
+    cache_.viewport.reset();   // it covers the whole of the new target now
     target_ = DevicePtr<IDirect3DSurface9>::Share(surface);
     has_depth_ = false;
     if (!depth_) return;

@@ -2,14 +2,14 @@
 #pragma once
 #include <vector>
 
-#include "gfx/graphics_device.h"
+#include "gfx/state_sender.h"
 #include "gfx/surface.h"
 
 namespace sparkrig {
 
 class RenderTargets {
   public:
-    explicit RenderTargets(const GraphicsDevice& graphics) : graphics_(graphics) {}
+    explicit RenderTargets(StateSender& sender) : graphics_(sender.Graphics()), cache_(sender.Cache()) {}
 
     /// After creation and every reset. z_buffer_bits as the device was made with.
     void Fetch(int z_buffer_bits);
@@ -33,6 +33,7 @@ class RenderTargets {
 
   private:
     const GraphicsDevice& graphics_;
+    StateCache& cache_;
     DevicePtr<IDirect3DSurface9> target_, depth_;
     KRN_Surface back_buffer_;
     UINT width_ = 0, height_ = 0;   // of the back buffer

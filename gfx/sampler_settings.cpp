@@ -48,12 +48,12 @@ int SamplerSettings::SetPreset(int preset, int stage) {
 }
 
 void SamplerSettings::SetMagFilter(DWORD filter, int stage) {
-    sender_.SendSamplerState(Stage(stage), D3DSAMP_MAGFILTER, filter);
+    sender_.SetSamplerState(Stage(stage), D3DSAMP_MAGFILTER, filter);
     mag_filter_[stage] = filter;
 }
 
 void SamplerSettings::SetMinFilter(DWORD filter, int stage) {
-    sender_.SendSamplerState(Stage(stage), D3DSAMP_MINFILTER, filter);
+    sender_.SetSamplerState(Stage(stage), D3DSAMP_MINFILTER, filter);
     min_filter_[stage] = filter;
 }
 
@@ -83,9 +83,9 @@ int SamplerSettings::SetMipmaps(int mode, float bias, int stage) {
     const D3DCAPS9& caps = sender_.Graphics().Caps();
     if (!(caps.TextureCaps & D3DPTEXTURECAPS_MIPMAP)) return 0;
     if (mode < 0 || mode > 2) sender_.Reporter().Error("Wrong mipmap mode!");
-    sender_.SendSamplerState(sampler, D3DSAMP_MIPFILTER, static_cast<DWORD>(mode));
+    sender_.SetSamplerState(sampler, D3DSAMP_MIPFILTER, static_cast<DWORD>(mode));
     if (caps.RasterCaps & D3DPRASTERCAPS_MIPMAPLODBIAS) {
-        sender_.SendSamplerState(sampler, D3DSAMP_MIPMAPLODBIAS, std::bit_cast<DWORD>(bias));
+        sender_.SetSamplerState(sampler, D3DSAMP_MIPMAPLODBIAS, std::bit_cast<DWORD>(bias));
     }
     return 1;
 }

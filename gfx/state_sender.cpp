@@ -8,6 +8,9 @@ void StateCache::Forget() {
     std::fill_n(render_, kRenderStateCount, kUnknown);
     std::fill_n(&stages_[0][0], kTextureStages * kStageStateCount, kUnknown);
     std::fill_n(&samplers_[0][0], kTextureStages * kSamplerStateCount, kUnknown);
+    transforms.clear();
+    material.reset();
+    viewport.reset();
 }
 
 void StateSender::SendRenderState(D3DRENDERSTATETYPE state, DWORD value) {
@@ -16,6 +19,7 @@ void StateSender::SendRenderState(D3DRENDERSTATETYPE state, DWORD value) {
         Reporter().Error(" SetRenderState (state %i, value: %i failed: %s", static_cast<int>(state),
                          static_cast<int>(value), DXGetErrorString9(result));
     }
+    cache_.Remember(state, value);
 }
 
 void StateSender::SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
@@ -24,16 +28,15 @@ void StateSender::SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWO
         Reporter().Error(" SetTextureStageState failed: %s (stage %i, type %i, value %i)", DXGetErrorString9(result),
                          static_cast<int>(stage), static_cast<int>(type), static_cast<int>(value));
     }
-}
-
-void StateSender::SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
-    if (cache_.Holds(stage, type, value)) return;
-    SendStageState(stage, type, value);
     cache_.Remember(stage, type, value);
 }
 
-void StateSender::SendSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
-    const HRESULT result = Device().SetSamplerState(sampler, type, value);
+void StateSender::SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
+    if (!cache_.Holds(stage, type, value)) SendStageState(stage, type, value);
+}
+
+void StateSender::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
+    const HRESULT result = TrySamplerState(sampler, type, value);
     if (FAILED(result)) {
         Reporter().Error(" SetSamplerState failed: %s (stage %i, type %i, value %i)", DXGetErrorString9(result),
                          static_cast<int>(sampler), static_cast<int>(type), static_cast<int>(value));
@@ -44,6 +47,26 @@ HRESULT StateSender::TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DW
     if (cache_.Holds(sampler, type, value)) return D3D_OK;
     const HRESULT result = Device().SetSamplerState(sampler, type, value);
     if (SUCCEEDED(result)) cache_.Remember(sampler, type, value);
+    return result;
+}
+
+void StateSender::SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix) {
+    const auto held = cache_.transforms.find(kind);
+    if (held != cache_.transforms.end() && held->second == matrix) return;
+    graphics_.Require(Device().SetTransform(kind, &matrix), "SetTransform failed: ");
+    cache_.transforms.insert_or_assign(held, kind, matrix);
+}
+
+void StateSender::SetMaterial(const D3DMATERIAL9& material) {
+    if (cache_.material == material) return;
+    graphics_.Require(Device().SetMaterial(&material), "SetMaterial failed: ");
+    cache_.material = material;
+}
+
+HRESULT StateSender::TryViewport(const D3DVIEWPORT9& viewport) {
+    if (cache_.viewport == viewport) return D3D_OK;
+    const HRESULT result = Device().SetViewport(&viewport);
+    if (SUCCEEDED(result)) cache_.viewport = viewport;
     return result;
 }
 

@@ -2,12 +2,14 @@
 #pragma once
 #include <bit>
 #include <cstdint>
+#include <map>
+#include <optional>
 
 #include "gfx/graphics_device.h"
 
 namespace sparkrig {
 
-/// The last value that the device took for each state that is filtered. Forgotten at creation and at every reset.
+/// The last value that the device took for each state. Forgotten at creation and at every reset.
 class StateCache {
   public:
     StateCache() { Forget(); }
@@ -19,7 +21,11 @@ class StateCache {
     void Remember(D3DRENDERSTATETYPE state, DWORD value) { render_[state] = value; }
     void Remember(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) { stages_[stage][type] = value; }
     void Remember(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) { samplers_[sampler][type] = value; }
-    void Forget(D3DRENDERSTATETYPE state) { render_[state] = kUnknown; }
+
+    // What is sent as a whole
+    std::map<DWORD, D3DMATRIX> transforms;
+    std::optional<D3DMATERIAL9> material;
+    std::optional<D3DVIEWPORT9> viewport;   // a new render target changes it
 
   private:
     using Value = std::int64_t;   // wider than any state, so that no value looks unknown
@@ -29,8 +35,8 @@ class StateCache {
     Value samplers_[kTextureStages][kSamplerStateCount];
 };
 
-/// Send… sends always; Set… sends what differs from the cache. What the device refuses is an error and is not
-/// remembered, so that it is tried again. A state is either always sent by Send… or always by Set….
+/// Send… sends always; Set… and Try… send what differs from the cache. What the device refuses is an error, but for
+/// Try…, which return the device's answer; it is not remembered, so that it is tried again.
 class StateSender {
   public:
     explicit StateSender(const GraphicsDevice& graphics) : graphics_(graphics) {}
@@ -38,18 +44,18 @@ class StateSender {
     void SendRenderState(D3DRENDERSTATETYPE state, DWORD value);
     void SendRenderState(D3DRENDERSTATETYPE state, float value) { SendRenderState(state, std::bit_cast<DWORD>(value)); }
     void SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
-        if (cache_.Holds(state, value)) return;
-        SendRenderState(state, value);
-        cache_.Remember(state, value);
+        if (!cache_.Holds(state, value)) SendRenderState(state, value);
     }
     void SetRenderState(D3DRENDERSTATETYPE state, float value) { SetRenderState(state, std::bit_cast<DWORD>(value)); }
 
     /// Stages are 0 to 7.
     void SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value);
     void SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value);
-    void SendSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
-    /// The device's answer instead of an error.
+    void SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     HRESULT TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
+    void SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix);
+    void SetMaterial(const D3DMATERIAL9& material);
+    HRESULT TryViewport(const D3DVIEWPORT9& viewport);
 
     StateCache& Cache() { return cache_; }
     const GraphicsDevice& Graphics() const { return graphics_; }

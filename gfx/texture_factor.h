@@ -10,7 +10,7 @@ class TextureFactor {
 
     void Set(D3DCOLOR colour) {
         colour_ = colour;
-        sender_.SendRenderState(D3DRS_TEXTUREFACTOR, colour_);
+        sender_.SetRenderState(D3DRS_TEXTUREFACTOR, colour_);
     }
     void SetAlpha(int alpha) { Set((colour_ & 0x00FFFFFF) | static_cast<D3DCOLOR>(alpha & 0xFF) << 24); }
     D3DCOLOR Colour() const { return colour_; }

@@ -21,7 +21,7 @@ void Transforms::Set(D3DTRANSFORMSTATETYPE kind, const D3DXMATRIX& matrix) {
     if (kind == D3DTS_VIEW) view_ = value;
     if (kind == D3DTS_PROJECTION) projection_ = value;
     planes_stale_ |= kind == D3DTS_VIEW || kind == D3DTS_PROJECTION;
-    sender_.Graphics().Require(sender_.Device().SetTransform(kind, &value), "SetTransform failed: ");
+    sender_.SetTransform(kind, value);
 }
 
 void Transforms::SetNearFar(float z_near, float z_far) {
@@ -52,7 +52,7 @@ void Transforms::MirrorProjection() {
 }
 
 HRESULT Transforms::SetViewport(const D3DVIEWPORT9& viewport) {
-    const HRESULT result = sender_.Device().SetViewport(&viewport);
+    const HRESULT result = sender_.TryViewport(viewport);
     if (SUCCEEDED(result)) viewport_ = viewport;
     return result;
 }

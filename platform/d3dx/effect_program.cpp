@@ -167,27 +167,24 @@ std::array<DWORD, 4> EffectProgram::Evaluate(const StateAssignment& state) const
 }
 
 HRESULT EffectProgram::Apply(const StateAssignment& state, DWORD index, WholeStates& whole) {
+    const StateKey key = {state.group, state.state, index};
     switch (state.group) {
         case StateGroup::Render:
-            return device_.SetRenderState(static_cast<D3DRENDERSTATETYPE>(state.state), Evaluate(state)[0]);
         case StateGroup::TextureStage:
-            return device_.SetTextureStageState(index, static_cast<D3DTEXTURESTAGESTATETYPE>(state.state),
-                                                Evaluate(state)[0]);
         case StateGroup::SamplerState:
-            return device_.SetSamplerState(index, static_cast<D3DSAMPLERSTATETYPE>(state.state), Evaluate(state)[0]);
+        case StateGroup::LightEnable: return SetState(device_, key, Evaluate(state)[0]);
         case StateGroup::Texture:
-            return device_.SetTexture(
-                index, state.value == ValueKind::Null ? nullptr : values_[state.reference]->texture.Get());
+            return SetState(
+                device_, key,
+                state.value == ValueKind::Null ? DevicePtr<IDirect3DTexture9>() : values_[state.reference]->texture);
         case StateGroup::Sampler: return ApplySampler(state.reference, index);
         case StateGroup::Transform: {
-            const D3DXMATRIX matrix =
-                MatrixOf(file_.parameters[state.reference].variable, values_[state.reference]->words, 0);
-            return device_.SetTransform(static_cast<D3DTRANSFORMSTATETYPE>(state.state), &matrix);
+            const EffectVariable& variable = file_.parameters[state.reference].variable;
+            return SetState(device_, key, MatrixOf(variable, values_[state.reference]->words, 0));
         }
         case StateGroup::Light:
             SetMember(whole.lights[index], static_cast<LightMember>(state.state), Evaluate(state));
             return D3D_OK;
-        case StateGroup::LightEnable: return device_.LightEnable(index, static_cast<BOOL>(Evaluate(state)[0]));
         case StateGroup::Material:
             if (!whole.material) whole.material.emplace(D3DMATERIAL9{});
             SetMember(*whole.material, static_cast<MaterialMember>(state.state), Evaluate(state));
@@ -205,10 +202,10 @@ HRESULT EffectProgram::ApplyPass(const EffectPass& pass) {
         if (FAILED(result)) return result;
     }
     for (const auto& [index, light] : whole.lights) {
-        const HRESULT result = device_.SetLight(index, &light);
+        const HRESULT result = SetState(device_, {StateGroup::Light, 0, index}, light);
         if (FAILED(result)) return result;
     }
-    return whole.material ? device_.SetMaterial(&*whole.material) : D3D_OK;
+    return whole.material ? SetState(device_, {StateGroup::Material}, *whole.material) : D3D_OK;
 }
 
 HRESULT EffectProgram::ApplySampler(DWORD parameter, DWORD sampler) {
@@ -223,11 +220,12 @@ HRESULT EffectProgram::ApplySampler(DWORD parameter, DWORD sampler) {
 HRESULT EffectProgram::ApplyFunction(const StateAssignment& state) {
     const EffectFunction* source = FunctionOf(state);
     const bool vertex = state.group == StateGroup::VertexShader;
-    if (!source) return vertex ? device_.SetVertexShader(nullptr) : device_.SetPixelShader(nullptr);
-    if (vertex != (source->stage == FunctionStage::Vertex)) return D3DERR_INVALIDCALL;
-    Function& function = functions_[static_cast<std::size_t>(source - file_.functions.data())];
-    HRESULT result =
-        vertex ? device_.SetVertexShader(function.vertex.Get()) : device_.SetPixelShader(function.pixel.Get());
+    if (source && vertex != (source->stage == FunctionStage::Vertex)) return D3DERR_INVALIDCALL;
+    Function none;
+    Function& function = source ? functions_[static_cast<std::size_t>(source - file_.functions.data())] : none;
+    const StateKey key = {state.group};
+    HRESULT result = vertex ? SetState(device_, key, function.vertex) : SetState(device_, key, function.pixel);
+    if (!source) return result;
     if (SUCCEEDED(result) && !function.globals.empty()) {
         FillGlobals(*source, function.globals);
         const UINT bytes = static_cast<UINT>(function.globals.size());

@@ -2,7 +2,9 @@
 
 namespace sparkrig {
 
-HRESULT SavedStates::Read(IDirect3DDevice9& device, const StateKey& key, Value& value) {
+namespace {
+
+HRESULT Read(IDirect3DDevice9& device, const StateKey& key, StateValue& value) {
     switch (key.group) {
         case StateGroup::Render:
             return device.GetRenderState(static_cast<D3DRENDERSTATETYPE>(key.state), &value.emplace<DWORD>());
@@ -33,7 +35,7 @@ HRESULT SavedStates::Read(IDirect3DDevice9& device, const StateKey& key, Value& 
     return D3DERR_INVALIDCALL;
 }
 
-HRESULT SavedStates::Write(IDirect3DDevice9& device, const StateKey& key, const Value& value) {
+HRESULT Write(IDirect3DDevice9& device, const StateKey& key, const StateValue& value) {
     switch (key.group) {
         case StateGroup::Render:
             return device.SetRenderState(static_cast<D3DRENDERSTATETYPE>(key.state), std::get<DWORD>(value));
@@ -59,6 +61,14 @@ HRESULT SavedStates::Write(IDirect3DDevice9& device, const StateKey& key, const 
     return D3DERR_INVALIDCALL;
 }
 
+}   // namespace
+
+HRESULT SetState(IDirect3DDevice9& device, const StateKey& key, const StateValue& value) {
+    StateValue held;
+    if (SUCCEEDED(Read(device, key, held)) && held == value) return D3D_OK;
+    return Write(device, key, value);
+}
+
 HRESULT SavedStates::Capture(IDirect3DDevice9& device, const std::vector<StateKey>& keys) {
     saved_.clear();
     for (const StateKey& key : keys) {
@@ -77,7 +87,7 @@ HRESULT SavedStates::Capture(IDirect3DDevice9& device, const std::vector<StateKe
 HRESULT SavedStates::Restore(IDirect3DDevice9& device) {
     HRESULT first_failure = D3D_OK;
     for (const Saved& saved : saved_) {
-        const HRESULT result = Write(device, saved.key, saved.value);
+        const HRESULT result = SetState(device, saved.key, saved.value);
         if (FAILED(result) && SUCCEEDED(first_failure)) first_failure = result;
     }
     saved_.clear();

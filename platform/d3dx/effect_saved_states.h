@@ -19,6 +19,13 @@ struct StateKey {
     }
 };
 
+/// A value that a state of the device can have.
+using StateValue = std::variant<DWORD, D3DMATRIX, D3DLIGHT9, D3DMATERIAL9, DevicePtr<IDirect3DTexture9>,
+                                DevicePtr<IDirect3DVertexShader9>, DevicePtr<IDirect3DPixelShader9>>;
+
+/// Sets a state, unless the device holds the value already.
+HRESULT SetState(IDirect3DDevice9& device, const StateKey& key, const StateValue& value);
+
 /// What a technique may change, as the device held it.
 class SavedStates {
   public:
@@ -30,15 +37,10 @@ class SavedStates {
     void Forget() { saved_.clear(); }
 
   private:
-    using Value = std::variant<DWORD, D3DMATRIX, D3DLIGHT9, D3DMATERIAL9, DevicePtr<IDirect3DTexture9>,
-                               DevicePtr<IDirect3DVertexShader9>, DevicePtr<IDirect3DPixelShader9>>;
     struct Saved {
         StateKey key;
-        Value value;
+        StateValue value;
     };
-
-    static HRESULT Read(IDirect3DDevice9& device, const StateKey& key, Value& value);
-    static HRESULT Write(IDirect3DDevice9& device, const StateKey& key, const Value& value);
 
     std::vector<Saved> saved_;   // keeps its memory from one use to the next
 };

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "gfx/texture.h"
 #include "scene/camera.h"
 #include "tests/support/recorded_gfx.h"
 
@@ -80,8 +81,25 @@ TEST(Transforms, WorldAndOthersGoToTheDevice) {
     EXPECT_EQ(gfx->WorldMatrix(), world);
     gfx->ResetWorldTransform();
     EXPECT_EQ(DeviceMatrix(gfx, D3DTS_WORLD), kIdentityMatrix);
+    gfx.recording.ForgetCalls();
+    gfx->ResetWorldTransform();
+    EXPECT_EQ(gfx.recording.Count("SetTransform"), 0) << "the device holds it";
     gfx.recording.Fail("SetTransform", E_FAIL);
-    EXPECT_EQ(ErrorOf([&] { gfx->ResetWorldTransform(); }), "KRN_Gfx: SetTransform failed: E_FAIL");
+    for (const char* error : {"KRN_Gfx: SetTransform failed: E_FAIL", "no error"})
+        EXPECT_EQ(ErrorOf([&] { gfx->SetTransform(D3DTS_WORLD, world); }), error);
+    EXPECT_EQ(DeviceMatrix(gfx, D3DTS_WORLD), world);
+}
+
+TEST(Transforms, ANewTargetTakesTheViewportWithIt) {
+    RecordedGfx gfx;
+    KRN_Texture target;
+    gfx->CreateTexture(&target, 1024, 512, 3, -1, 1);
+    gfx->SetViewPort(10, 20, 110, 220, 0, 1);
+    gfx->SetRenderTarget(target.GetSurfaceLevel(0).Get(), 0);
+    gfx->SetViewPort(10, 20, 110, 220, 0, 1);
+    D3DVIEWPORT9 viewport = {};
+    gfx->Device()->GetViewport(&viewport);
+    EXPECT_EQ(viewport, (D3DVIEWPORT9{10, 20, 100, 200, 0, 1}));
 }
 
 TEST(Transforms, APixelRayMeetsThePointThatIsDrawnThere) {
