@@ -32,7 +32,7 @@ D3DDISPLAYMODE ChooseMode(TesterState& state, KRN_Gfx& gfx) {
 }   // namespace
 
 void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
-    gfx.emplace();
+    if (!gfx) gfx.emplace();
     input.emplace();
     keyboard.emplace();
     font.emplace();

@@ -1,0 +1,63 @@
+// Frames in which nothing new is shown: nothing is made, and nothing is sent that the device holds.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "platform/d3d9_gl/device_hooks.h"
+#include "tests/device/whole_program.h"
+#include "tests/support/forwarding_device.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr int kFrames = 120, kFewFrames = 40;   // of 1/60 s
+
+std::string Describe(const RecordedCall& call) {
+    std::string text = call.method;
+    for (const DWORD argument : call.arguments) text += " " + std::to_string(argument);
+    return text;
+}
+
+long CountStarting(const Recording& recording, const char* beginning) {
+    return std::ranges::count_if(recording.Calls(),
+                                 [&](const RecordedCall& call) { return call.method.starts_with(beginning); });
+}
+
+TEST(SteadyFrames, SendNothingThatTheDeviceHolds) {
+    WholeProgram program(BackEnd::Recording);
+    program.Frame();   // the defaults of creation are sent to a new device that holds them
+    long sent = 0, draws = 0;
+    for (int effect = 0; effect < program.player->EffectCount(); ++effect) {
+        program.player->StartEffect(effect);
+        program.recording.ForgetCalls();
+        program.Play(effect, kFrames);
+        std::vector<std::string> redundant;
+        for (const RecordedCall& call : program.recording.Redundant()) redundant.push_back(Describe(call));
+        EXPECT_THAT(redundant, testing::IsEmpty()) << program.engine.effects.GetEffectName(effect).c_str();
+        sent += CountStarting(program.recording, "Set");
+        draws += CountStarting(program.recording, "Draw");
+    }
+    std::printf("%i effects, %i frames each: %li draws, %li states and bindings sent\n", program.player->EffectCount(),
+                kFrames, draws, sent);
+}
+
+TEST(SteadyFrames, MakeNothing) {
+    WholeProgram program(BackEnd::OpenGl);
+    for (int effect = 0; effect < program.player->EffectCount(); ++effect) {
+        program.player->StartEffect(effect);
+        program.engine.effects.PreloadEffect(program.engine.effects.GetEffectName(effect).c_str());
+        program.Play(effect, kFewFrames);   // shows every combination of states
+        const std::size_t programs = ProgramCount(DeviceBehind(*program.Gfx().Device()));
+        const int objects = program.recording.LiveObjects();
+        program.recording.ForgetCalls();
+        program.Play(effect, kFewFrames);
+        EXPECT_EQ(ProgramCount(DeviceBehind(*program.Gfx().Device())), programs);
+        EXPECT_EQ(program.recording.LiveObjects(), objects);
+        EXPECT_EQ(CountStarting(program.recording, "Create"), 0);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
