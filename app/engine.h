@@ -21,8 +21,8 @@ struct Engine {
     VisualEffectSystem effects;
     KRN_Texture background;
 
-    /// Makes device, keyboard and font on the window. Everything that fails is an error. A KRN_Gfx that is there already
-    /// is used: tests bring one on a device of their own.
+    /// Makes device, keyboard and font on the window. Everything that fails is an error. A KRN_Gfx that is there
+    /// already is used: tests bring one on a device of their own.
     ///   seed  of the random generator; none: the counter
     void Start(TesterState& state, std::optional<std::uint32_t> seed);
     /// Also after an error in Start: what was not made is not released.

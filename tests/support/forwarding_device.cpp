@@ -19,7 +19,9 @@ struct Argument {
 };
 
 template <class Interface>
-concept Object = requires(Interface& object) { object.AddRef(); };
+concept Object = requires(Interface& object) {
+    object.AddRef();
+};
 
 template <Object Interface>
 struct Argument<Interface*> {
