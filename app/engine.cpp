@@ -13,6 +13,7 @@ namespace sparkrig {
 namespace {
 
 constexpr int kTextBytes = 100;
+constexpr int kGeneratedVideo = 0;   // the slot of ">>Video1"
 constexpr D3DCOLOR kFontTop = 0xFF96DCFF, kFontBottom = 0xFF006473, kWhite = 0xFFFFFFFF;
 
 D3DDISPLAYMODE ChooseMode(TesterState& state, KRN_Gfx& gfx) {
@@ -41,6 +42,7 @@ void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
     gfx->InitDevice(state.window, state.windowed, &mode, kZBufferBits, kNoVsync, kMixedVertices, kDefaultDevice,
                     kOneThread);
     gfx->Parts().shader_effects.SetProgramFolder(BuiltInFolder());
+    video.emplace(state.clock).Serve(*gfx, kGeneratedVideo);
     input->Create(state.window, -1);
     input->CreateKeyboard(*keyboard, DISCL_NONEXCLUSIVE | DISCL_FOREGROUND);
     SeedRandom(seed.value_or(static_cast<std::uint32_t>(QueryPerformanceCounter())));
@@ -59,6 +61,7 @@ void Engine::ShutDown() {
     font.reset();
     input.reset();
     gfx.reset();
+    video.reset();
 }
 
 bool ReadWindowOptions(TesterState& state, const std::string& command_line) {

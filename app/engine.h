@@ -4,6 +4,7 @@
 
 #include "app/options.h"
 #include "app/tester_state.h"
+#include "app/video_generator.h"
 #include "effects/visual_effect_system.h"
 #include "gfx/font.h"
 #include "gfx/gfx.h"
@@ -14,6 +15,7 @@
 namespace sparkrig {
 
 struct Engine {
+    std::optional<VideoGenerator> video;   // what textures named ">>Video1" show
     std::optional<KRN_Gfx> gfx;
     std::optional<KRN_Input> input;
     std::optional<KRN_InputKeyboard> keyboard;

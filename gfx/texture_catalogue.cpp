@@ -5,6 +5,7 @@
 #include "gfx/gfx.h"
 #include "gfx/gfx_parts.h"
 #include "gfx/texture.h"
+#include "gfx/video_sources.h"
 
 namespace sparkrig {
 namespace {
@@ -30,7 +31,8 @@ void KRN_TextureCatalogue::Load(const char* file, const char* directory, bool us
     String name, entry_file;
     while (catalogue.Next(name, entry_file)) {
         loader.Validator().CheckPath(entry_file.c_str());
-        const std::string path = below ? JoinPath(directory, entry_file.c_str()) : entry_file.c_str();
+        const bool is_file = !IsVideoName(entry_file.c_str());
+        const std::string path = below && is_file ? JoinPath(directory, entry_file.c_str()) : entry_file.c_str();
         if (Insert(name.c_str(), path.c_str(), 1, true) && !loader.CanLoad(path.c_str(), lookup))
             WarnOfMissingFile(path.c_str());
     }

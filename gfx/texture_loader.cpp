@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
 #include "gfx/frame_list.h"
 #include "gfx/gfx.h"
@@ -13,11 +12,8 @@
 namespace sparkrig {
 namespace {
 
-constexpr char kVideoPrefix[] = ">>Video";
 constexpr D3DCOLOR kPlaceholderColour = 0xFFC8C8C8;
 constexpr UINT kPlaceholderSize = 8;
-
-bool IsVideoName(const char* name) { return std::strncmp(name, kVideoPrefix, sizeof kVideoPrefix - 1) == 0; }
 
 /// How a pool number, of LoadTexture or CreateTexture, is made.
 struct PoolRow {

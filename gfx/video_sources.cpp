@@ -1,8 +1,12 @@
 #include "gfx/video_sources.h"
 
+#include <cstring>
+
 #include "gfx/surface.h"
 
 namespace sparkrig {
+
+bool IsVideoName(const char* name) { return std::strncmp(name, kVideoPrefix, sizeof kVideoPrefix - 1) == 0; }
 
 void VideoSources::Update(const KRN_Base& reporter, int index) {
     if (!IsSlot(index)) reporter.Error("Invalid video source nurber in UpdateVideoSource(): %i", index);

@@ -7,6 +7,12 @@
 
 namespace sparkrig {
 
+/// What the number of the slot, from 1, follows.
+inline constexpr char kVideoPrefix[] = ">>Video";
+
+/// Whether a texture of that name shows a video source: no file has such a name.
+bool IsVideoName(const char* name);
+
 struct VideoSource {
     D3DFORMAT format = D3DFMT_UNKNOWN;
     UINT width = 0, height = 0;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "gfx/gfx.h"
+#include "gfx/gfx_parts.h"
 #include "gfx/texture.h"
 #include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
@@ -77,11 +78,16 @@ TEST_F(TextureCatalogue, WarnsOfDuplicatesMissingFilesAndPaths) {
 TEST_F(TextureCatalogue, PutsTheBaseDirectoryInFront) {
     std::filesystem::create_directories(Folder() / "pictures");
     std::filesystem::rename("a.png", "pictures/a.png");
-    WriteFile("catalogue.cfg", "\"smoke\" = \"a.png\"\n");
-    catalogue_.Load("catalogue.cfg", "pictures", true);
-    EXPECT_EQ(catalogue_.GetTexture("smoke")->Width(), 6.0f);
-    catalogue_.Clear();
+    WriteFile("catalogue.cfg", "\"smoke\" = \"a.png\"\n\"mirror\" = \">>Video3\"\n");
+    VideoSource& source = gfx_->Parts().videos[2];
+    source.format = D3DFMT_A8R8G8B8;
+    source.width = source.height = 5;
     Reports reports;
+    catalogue_.Load("catalogue.cfg", "pictures", true);
+    EXPECT_THAT(reports.All(), IsEmpty());
+    EXPECT_EQ(catalogue_.GetTexture("smoke")->Width(), 6.0f);
+    EXPECT_EQ(catalogue_.GetTexture("mirror")->VideoSourceIndex(), 2);   // no file, and in no directory
+    catalogue_.Clear();
     catalogue_.Load("catalogue.cfg", "pictures", false);
     EXPECT_EQ(reports.All().size(), 1u);
 }

@@ -56,7 +56,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
     WriteFile("text.png", "no picture");
     WriteFile("blank.ifl", "\n  \n\t\n");
     WriteFile("self.ifl", "self.ifl\n");
-    WriteFile("missing.ifl", "gone.png\n");
+    WriteFile("missing.ifl", "a.png\nmore\\gone.png\n");
     WritePng("a.png", 2, 2);
     const struct {
         const char* name;
@@ -71,7 +71,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
         {"text.png", -1, "KRN_Gfx:  D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:text.png)"},
         {"blank.ifl", -1, "KRN_Gfx: Empty texture file list"},
         {"self.ifl", -1, "KRN_Gfx: Texture file list in texture file list 'self.ifl': self.ifl"},
-        {"missing.ifl", -1, "KRN_Gfx: Can not open file gone.png"},
+        {"missing.ifl", -1, "KRN_Gfx: Can not open file more\\gone.png"},
         {">>Video0", -1, "KRN_Gfx: Invalid video source for texture: 0"},
         {">>Video17", -1, "KRN_Gfx: Invalid video source for texture: 17"},
         {">>Video", -1, "KRN_Gfx: Invalid video source for texture: 0"},
@@ -260,11 +260,11 @@ TEST_F(TextureLoading, PlaceholdersReadNoFile) {
 // ---- Sequences
 
 TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
-    std::filesystem::create_directories(Folder() / "fire");
+    std::filesystem::create_directories(Folder() / "fire/more");
     WritePng("fire/f0.png", 2, 2);
-    WritePng("fire/f1.png", 3, 2);
+    WritePng("fire/more/f1.png", 3, 2);
     WritePng("f2.png", 4, 2);
-    WriteFile("fire/FIRE.ifl", "\t f0.png\r\n\r\n  f1.png  \r\nf2.png\r\n");
+    WriteFile("fire/FIRE.ifl", "\t f0.png\r\n\r\n  More\\F1.png  \r\nf2.png\r\n");
     Load("fire\\fire.ifl");
     EXPECT_EQ(texture_.SequenceFrames(), 3);
     EXPECT_EQ(texture_.CurrentFrame(), 0);
