@@ -1,6 +1,7 @@
 #include "gfx/texture.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/numeric.h"
 #include "gfx/gfx.h"
@@ -153,10 +154,16 @@ bool KRN_Texture::SetStageMap(int layer, MapKind kind, float amount) {
     return true;
 }
 
-void KRN_Texture::SetLayerMatrix(int layer, const TextureMatrixValues& values) {
+void KRN_Texture::SetLayerMatrix(int layer, const TextureMatrixValues& constants) {
+    KRN_TextMatrixAni animation;
+    animation.constants = constants;
+    SetLayerAnimation(layer, std::move(animation));
+}
+
+void KRN_Texture::SetLayerAnimation(int layer, KRN_TextMatrixAni animation) {
     if (layer < 0 || layer >= kLayers) Error("Invalid texture stage: %i", layer);
-    layers_[layer].matrix_values = values;
-    layers_[layer].matrix = BuildTextureMatrix(values);
+    layers_[layer].animation = std::move(animation);
+    layers_[layer].matrix = BuildTextureMatrix(layers_[layer].animation.ValuesAt(0));
 }
 
 // ---- Sequences
@@ -173,6 +180,11 @@ void KRN_Texture::FreeSequenceFrame(int frame) {
 }
 
 void KRN_Texture::Update(float t) {
+    for (int i = 0; i < kLayers; ++i) {
+        Layer& layer = layers_[i];
+        if (!layer.animation.IsAnimated() || !LayerTexture(i)) continue;   // what is constant stands already
+        layer.matrix = BuildTextureMatrix(layer.animation.ValuesAt(t));
+    }
     if (!frames_.empty()) SelectSequenceFrame(FrameAt(timing_, SequenceFrames(), t));
 }
 

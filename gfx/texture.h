@@ -9,8 +9,8 @@
 
 #include "base/string.h"
 #include "gfx/surface_base.h"
-#include "gfx/texture_matrix.h"
 #include "gfx/texture_sequence.h"
+#include "scene/text_matrix_ani.h"
 
 namespace sparkrig {
 
@@ -65,7 +65,9 @@ class KRN_Texture final : public KRN_SurfaceBase {
     bool SetStageMap(int layer, MapKind kind, float amount);
     MapKind KindOf(int layer) const { return layers_[layer].kind; }
     float AmountOf(int layer) const { return layers_[layer].amount; }
-    void SetLayerMatrix(int layer, const TextureMatrixValues& values);
+    void SetLayerMatrix(int layer, const TextureMatrixValues& constants);
+    /// Update moves the layer from now on; until then it stands as at the start.
+    void SetLayerAnimation(int layer, KRN_TextMatrixAni animation);
     const D3DXMATRIX& LayerMatrix(int layer) const { return layers_[layer].matrix; }
     /// Borrowed; null for a layer without a picture. Layer 0 of a sequence is the current frame.
     IDirect3DTexture9* LayerTexture(int layer) const;
@@ -76,7 +78,7 @@ class KRN_Texture final : public KRN_SurfaceBase {
     int SequenceFrames() const { return static_cast<int>(frames_.size()); }
     int CurrentFrame() const { return current_frame_; }
     void FreeSequenceFrame(int frame);
-    /// Advances texture matrices and the sequence frame to time t (seconds).
+    /// Advances the matrices of layers with a picture and the sequence frame to time t (seconds).
     void Update(float t);
 
     // ---- What is in use
@@ -127,8 +129,8 @@ class KRN_Texture final : public KRN_SurfaceBase {
         std::uint32_t time_stamp = 0;
         MapKind kind = MapKind::None;
         float amount = 1;
-        TextureMatrixValues matrix_values;
-        D3DXMATRIX matrix = kIdentityMatrix;
+        KRN_TextMatrixAni animation;
+        D3DXMATRIX matrix = kIdentityMatrix;   // of the animation at the time of the last Update
     };
 
     const Picture& InUse() const { return frames_.empty() ? layers_[current_layer_].picture : frames_[current_frame_]; }

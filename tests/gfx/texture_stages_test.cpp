@@ -163,6 +163,36 @@ TEST_F(TextureStagesTest, ALayersMatrixMovesItsCoordinates) {
     EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
 }
 
+TEST_F(TextureStagesTest, ALayersMatrixFollowsItsTracks) {
+    KRN_TextMatrixAni animation;
+    animation.constants = {0.25f, 0.5f, 2, 3, 0.75f};
+    animation.offset_v.AddKey({.time = 2, .value = {0.125f}, .in = {0.5f}, .out = {0.375f}});
+    animation.offset_v.AddKey({.time = 4, .value = {0.625f}, .in = {-0.25f}, .out = {0.875f}});
+    animation.angle_w.SetMode(CurveMode::Linear);
+    animation.angle_w.SetLoop(true, 4);
+    animation.angle_w.AddKey(1, {0.25f});
+    animation.angle_w.AddKey(3, {1.25f});
+    texture_.SetLayerAnimation(0, animation);
+    texture_.SetLayerAnimation(1, animation);   // has no picture
+    const D3DXMATRIX at_start = texture_.LayerMatrix(1);
+    const struct {
+        float t, offset_v, angle_w;
+    } rows[] = {{0, 0.125f, 0.25f}, {2, 0.125f, 1.25f}, {3, 0.390625f, 0.25f}, {9.5f, 0.625f, 0.5f}};
+    for (const auto& row : rows) {
+        texture_.Update(row.t);
+        const D3DXMATRIX expected = BuildTextureMatrix({0.25f, row.offset_v, 2, 3, row.angle_w});
+        EXPECT_EQ(texture_.LayerMatrix(0), expected) << row.t;
+        gfx_->SetTexture(&texture_, -1);
+        D3DMATRIX sent;
+        gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &sent);
+        EXPECT_EQ(sent, expected) << row.t;
+    }
+    EXPECT_EQ(texture_.LayerMatrix(1), at_start);
+    texture_.SetLayerMatrix(0, {0.25f, 0.5f, 2, 3, 0.75f});
+    texture_.Update(3);
+    EXPECT_EQ(texture_.LayerMatrix(0), BuildTextureMatrix({0.25f, 0.5f, 2, 3, 0.75f})) << "no tracks any more";
+}
+
 TEST_F(TextureStagesTest, TheTexturesFlagSwitchesTheAlphaTest) {
     texture_.SetAlphaTest(true);
     gfx_->SetAlphaTest(0, 77);
