@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "scene/hermite.h"
+#include "scene/slerp.h"
 
 namespace sparkrig {
 
@@ -119,12 +120,6 @@ D3DXVECTOR3 EvaluateVector(const KeyTrack<Data>& track, double t, const TrackEnd
     if (place.from.interpolation != KeyInterpolation::Bezier) return from.value + (to.value - from.value) * place.u;
     const HermiteWeights w(place.u);
     return from.value * w.from + from.out_tangent * w.out - to.in_tangent * w.in + to.value * w.to;
-}
-
-D3DXQUATERNION Slerp(const D3DXQUATERNION& a, const D3DXQUATERNION& b, float t) {
-    D3DXQUATERNION between;
-    D3DXQuaternionSlerp(&between, &a, &b, t);
-    return between;
 }
 
 /// De Casteljau on the sphere. Continuity shifts how far the two outer pairs have got.

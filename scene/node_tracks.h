@@ -23,8 +23,10 @@ class KeyTrack {
     bool IsEmpty() const { return !head_; }
     /// As counted by Add, or as said to Read.
     std::uint32_t Count() const { return count_; }
-    Key* Head() { return head_.get(); }   // null when empty
+    // Null when empty.
+    Key* Head() { return head_.get(); }
     const Key* Head() const { return head_.get(); }
+    const Key* Tail() const { return tail_; }
 
     /// Puts a key before the first one that is later: of equal times the one added last comes last.
     Key& Add(float time, KeyInterpolation interpolation, const Data& data);
