@@ -86,9 +86,12 @@ bool WaitForDevice(GfxParts& parts) {
 }
 
 void ReleaseDefaultPool(GfxParts& parts) {
+    parts.surfaces.ReleaseDefaultPool();
     parts.textures.ReleaseDefaultPool();
     parts.texture_stages.Forget();
     parts.shader_effects.OnLostDevice();
+    parts.pass_switch.Forget();
+    parts.screen_buffers.Release();
     parts.targets.Release();
 }
 
@@ -159,6 +162,8 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
     const bool was_lost = WaitForDevice(parts);
     const UINT old_width = parts.targets.Width(), old_height = parts.targets.Height();
     ReleaseDefaultPool(parts);
+    const bool post_render = parts.post_render.On();
+    parts.post_render.Release();
     if (mode) parts.presentation.mode = *mode;
     if (vsync >= 0) parts.presentation.vsync = vsync;
     D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
@@ -169,6 +174,7 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
     ForgetDeviceStates(parts);
     ReapplyStates(parts, old_width, old_height);
     ReapplyRest(parts);
+    if (post_render) parts.post_render.Init();
     parts.catalogue.Restore();
     return was_lost ? 0 : 1;
 }
@@ -196,7 +202,7 @@ int PresentFrame(GfxParts& parts) {
     }
     const HRESULT result = graphics.Device()->Present(nullptr, nullptr, nullptr, nullptr);
     parts.frames.Presented(graphics.Environment().seconds());
-    parts.shader_effects.NextFrame();
+    parts.frame_cache.NextFrame();
     parts.statistics.NextFrame();
     if (SUCCEEDED(result)) return 1;
     if (result == D3DERR_DRIVERINTERNALERROR) {

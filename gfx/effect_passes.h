@@ -3,7 +3,24 @@
 
 namespace sparkrig {
 
-/// Draws once without an effect; with one, fills its parameters and draws every pass.
+/// An effect between Begin and End. What an error leaves begun ends without a further report: the render target is
+/// what it was before.
+class BegunEffect {
+  public:
+    explicit BegunEffect(KRN_ShaderEffect& effect) : effect_(effect), passes_(effect.Begin()) {}
+    ~BegunEffect() { effect_.Abandon(); }
+    BegunEffect(const BegunEffect&) = delete;
+    BegunEffect& operator=(const BegunEffect&) = delete;
+
+    int Passes() const { return passes_; }
+
+  private:
+    KRN_ShaderEffect& effect_;
+    int passes_;
+};
+
+/// Draws once without an effect; with one, fills its parameters and draws every pass. While a pass of the effect is
+/// open already, draws once more through that one.
 template <class DrawOnce>
 void DrawWithEffect(KRN_ShaderEffect* effect, DrawOnce draw) {
     if (!effect) {
@@ -11,9 +28,14 @@ void DrawWithEffect(KRN_ShaderEffect* effect, DrawOnce draw) {
         return;
     }
     effect->ApplyFrameSemantics();
-    const int passes = effect->Begin();
-    for (int pass = 0; pass < passes; ++pass) {
-        effect->BeginPass(pass);
+    if (effect->InPass()) {
+        effect->RepeatPass();
+        draw();
+        return;
+    }
+    const BegunEffect begun(*effect);
+    for (int pass = 0; pass < begun.Passes(); ++pass) {
+        if (!effect->BeginPass(pass)) continue;
         draw();
         effect->EndPass();
     }

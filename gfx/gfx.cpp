@@ -6,6 +6,7 @@
 #include "gfx/device_life.h"
 #include "gfx/display_modes.h"
 #include "gfx/gfx_parts.h"
+#include "gfx/scene_frame.h"
 #include "scene/camera.h"
 #include "scene/light.h"
 #include "scene/mesh.h"
@@ -37,16 +38,8 @@ int KRN_Gfx::InitDevice(HWND window, int windowed, const D3DDISPLAYMODE* mode, i
 int KRN_Gfx::ResetDevice(const D3DDISPLAYMODE* mode, int vsync) { return sparkrig::ResetDevice(*parts_, mode, vsync); }
 int KRN_Gfx::PresentFrame() { return sparkrig::PresentFrame(*parts_); }
 
-int KRN_Gfx::BeginScene() {
-    parts_->graphics.Require(Device()->BeginScene(), "BeginScene failed: ");
-    return 1;
-}
-
-int KRN_Gfx::EndScene() {
-    parts_->graphics.Require(Device()->EndScene(), "EndScene failed: ");
-    return 1;
-}
-
+int KRN_Gfx::BeginScene() { return sparkrig::BeginScene(*parts_); }
+int KRN_Gfx::EndScene() { return sparkrig::EndScene(*parts_); }
 int KRN_Gfx::Clear(D3DCOLOR colour, float z, const D3DRECT* rectangle) {
     return parts_->targets.Clear(colour, z, rectangle);
 }
@@ -206,6 +199,23 @@ bool KRN_Gfx::LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool 
 }
 void KRN_Gfx::SetShaderEffect(KRN_ShaderEffect* effect) { parts_->effects.SetCurrent(effect); }
 KRN_ShaderEffect* KRN_Gfx::EffectForDraw() const { return parts_->effects.ForDraw(); }
+
+void KRN_Gfx::SetFrameCache(bool on) { parts_->frame_cache.on = on; }
+
+// ---- Post-render effects and screen buffers
+
+void KRN_Gfx::InitPostRenderEffects() { parts_->post_render.Init(); }
+void KRN_Gfx::ReleasePostRenderEffects() { sparkrig::ReleasePostRenderEffects(*parts_); }
+bool KRN_Gfx::PostRenderEffects() const { return parts_->post_render.On(); }
+void KRN_Gfx::SetMultisampleTarget(bool wish) { parts_->post_render.SetMultisampleTarget(wish); }
+IDirect3DTexture9* KRN_Gfx::SceneTexture() { return parts_->post_render.SceneTexture(); }
+bool KRN_Gfx::DrawScene(KRN_ShaderEffect& effect) { return sparkrig::DrawScene(*parts_, effect); }
+IDirect3DTexture9* KRN_Gfx::GetScreenCopy(bool viewport_only) {
+    return parts_->screen_buffers.GetScreenCopy(viewport_only);
+}
+IDirect3DTexture9* KRN_Gfx::GetScreenBufferTexture(int kind, int index) {
+    return parts_->screen_buffers.GetScreenBufferTexture(static_cast<TargetKind>(kind), index);
+}
 
 // ---- Geometry
 

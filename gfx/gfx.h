@@ -48,6 +48,7 @@ class KRN_Gfx final : public KRN_Base {
     int ResetDevice(const D3DDISPLAYMODE* mode, int vsync);
     /// 0 when the device had to be reset and nothing was shown.
     int PresentFrame();
+    /// With post-render effects on, the scene goes into its own target until EndScene.
     int BeginScene();
     int EndScene();
     /// z 0 to 1; the rectangle in pixels, null for the whole viewport.
@@ -157,6 +158,27 @@ class KRN_Gfx final : public KRN_Base {
     void SetShaderEffect(KRN_ShaderEffect* effect);
     /// The effect that a draw uses now, or null.
     KRN_ShaderEffect* EffectForDraw() const;
+
+    /// With the frame cache on, frame semantics and screen copy are made once in a frame. Initially off.
+    void SetFrameCache(bool on);
+
+    // ---- Post-render effects and screen buffers. Textures are borrowed, and gone after a reset.
+    /// From the next BeginScene on, scenes are drawn into a texture of the back buffer's size.
+    void InitPostRenderEffects();
+    void ReleasePostRenderEffects();
+    bool PostRenderEffects() const;
+    /// Several samples a pixel, from the next InitPostRenderEffects or reset on.
+    void SetMultisampleTarget(bool wish);
+    /// The scene as it was drawn; null with post-render effects off.
+    IDirect3DTexture9* SceneTexture();
+    /// After EndScene: takes the scene to the screen. Every pass of the effect draws a square that covers the viewport,
+    /// in clip coordinates, which its vertex function passes on, and finds the scene as SCREENCOPY. False with
+    /// post-render effects off.
+    bool DrawScene(KRN_ShaderEffect& effect);
+    /// What the render target shows now, or only the viewport of it.
+    IDirect3DTexture9* GetScreenCopy(bool viewport_only);
+    /// kind 1: quarter buffer 0 to 2; kind 2: full buffer 0 to 1.
+    IDirect3DTexture9* GetScreenBufferTexture(int kind, int index);
 
     // ---- Geometry
     bool CreateVertexList(KRN_VertexList* list, UINT elements, int usage, bool system_memory);

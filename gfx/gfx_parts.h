@@ -7,6 +7,7 @@
 #include "gfx/draw_statistics.h"
 #include "gfx/effect_choice.h"
 #include "gfx/fog.h"
+#include "gfx/frame_cache.h"
 #include "gfx/frame_timing.h"
 #include "gfx/gamma.h"
 #include "gfx/geometry_bindings.h"
@@ -16,15 +17,19 @@
 #include "gfx/light_slots.h"
 #include "gfx/lighting.h"
 #include "gfx/mesh_drawer.h"
+#include "gfx/pass_switch.h"
 #include "gfx/point_sprites.h"
+#include "gfx/post_render.h"
 #include "gfx/presentation.h"
 #include "gfx/printf_container.h"
 #include "gfx/render_sources.h"
 #include "gfx/render_targets.h"
 #include "gfx/sampler_settings.h"
+#include "gfx/screen_buffers.h"
 #include "gfx/screen_drawer.h"
 #include "gfx/shader_effect_loader.h"
 #include "gfx/state_sender.h"
+#include "gfx/surface_registry.h"
 #include "gfx/text_drawer.h"
 #include "gfx/texture_catalogue.h"
 #include "gfx/texture_factor.h"
@@ -41,6 +46,7 @@ struct GfxParts {
     GfxParts(KRN_Gfx& gfx, KRN_Gfx::CreateDirect3D create, const GfxEnvironment& environment)
         : graphics(gfx, create, environment),
           textures(gfx),
+          surfaces(gfx),
           texture_loader(gfx, textures, videos),
           texture_stages(gfx),
           shader_effects(gfx),
@@ -77,11 +83,18 @@ struct GfxParts {
 
     // Resources
     TextureRegistry textures;
+    SurfaceRegistry surfaces;
     VideoSources videos;
     TextureLoader texture_loader;
     TextureStages texture_stages;
     ShaderEffectLoader shader_effects;
     EffectChoice effects;
+
+    // Post-render effects and screen buffers
+    FrameCache frame_cache;
+    ScreenBuffers screen_buffers{graphics, targets, transforms, frame_cache, textures};
+    PassSwitch pass_switch{graphics, targets, transforms, screen_buffers, effects};
+    PostRender post_render{graphics, targets, surfaces};
 
     // Drawing
     DrawStatistics statistics;

@@ -27,7 +27,9 @@ void ImmediateLists::Create(VertexListDrawer& drawer) {
     Fill(triangles, KRN_LVertex{0, 0, 0, kWhite, kBlack, 0, 0});
     Fill(lines, KRN_LVertex{0, 0, 0, kWhite, kBlack, 0, 0});
     Fill(point, KRN_PointVertex{0, 0, 0, kWhite});
-    constexpr KRN_VertexPosTex kCorners[] = {{-1, -1, 0, 0, 1}, {-1, 1, 0, 0, 0}, {1, -1, 0, 1, 1}, {1, 1, 0, 1, 0}};
+    // Twice the screen, texture coordinates likewise: no edge lies on pixel centres, whatever the target's size.
+    constexpr KRN_VertexPosTex kCorners[] = {
+        {-2, -2, 0, -0.5f, 1.5f}, {-2, 2, 0, -0.5f, -0.5f}, {2, -2, 0, 1.5f, 1.5f}, {2, 2, 0, 1.5f, -0.5f}};
     std::ranges::copy(kCorners, quad.Lock(0, 4, 0));
     quad.Unlock();
 }

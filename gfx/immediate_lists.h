@@ -14,7 +14,7 @@ class ImmediateLists {
     KRN_VertexListTemp<KRN_TLVertex> screen{PrimitiveMode::TriangleStrip};
     KRN_VertexListTemp<KRN_LVertex> triangles{PrimitiveMode::TriangleList};
     KRN_VertexListTemp<KRN_LVertex> lines{PrimitiveMode::LineList};
-    /// The whole screen in clip coordinates, as a strip.
+    /// Covers the screen in clip coordinates, as a strip; on the screen texture coordinates run from 0 to 1.
     KRN_VertexListTemp<KRN_VertexPosTex> quad{PrimitiveMode::TriangleStrip};
     KRN_VertexListTemp<KRN_PointVertex> point{PrimitiveMode::PointList};
 };

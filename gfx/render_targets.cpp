@@ -25,8 +25,16 @@ void RenderTargets::Release() {
     depth_.Reset();
 }
 
-void RenderTargets::Set(IDirect3DSurface9* surface, DWORD index) {
-    graphics_.Require(graphics_.Device()->SetRenderTarget(index, surface), "Can not set render target: ");
+HRESULT RenderTargets::PutBack(IDirect3DSurface9* surface, bool has_depth) {
+    const HRESULT result = graphics_.Device()->SetRenderTarget(0, surface);
+    if (FAILED(result)) return result;
+    target_ = DevicePtr<IDirect3DSurface9>::Share(surface);
+    has_depth_ = has_depth;
+    return result;
+}
+
+void RenderTargets::Set(IDirect3DSurface9* surface, DWORD index, const char* failure) {
+    graphics_.Require(graphics_.Device()->SetRenderTarget(index, surface), failure);
     if (index != 0) return;
     cache_.viewport.reset();   // it covers the whole of the new target now
     target_ = DevicePtr<IDirect3DSurface9>::Share(surface);

@@ -17,7 +17,9 @@ class RenderTargets {
     void Release();
 
     /// Target 0 decides whether depths can be cleared: the depth buffer must be as large at least.
-    void Set(IDirect3DSurface9* surface, DWORD index);
+    void Set(IDirect3DSurface9* surface, DWORD index, const char* failure = "Can not set render target: ");
+    /// The same with what is known of a target that was set before, without reports.
+    HRESULT PutBack(IDirect3DSurface9* surface, bool has_depth);
     bool HasDepthBuffer() const { return has_depth_; }
 
     /// A rectangle in pixels, or null for the whole viewport.

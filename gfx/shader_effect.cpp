@@ -1,5 +1,7 @@
 #include "gfx/shader_effect.h"
 
+#include <utility>
+
 #include "gfx/gfx_parts.h"
 #include "gfx/shader_effect_registry.h"
 #include "gfx/shader_effect_values.h"
@@ -10,6 +12,7 @@ KRN_ShaderEffect::KRN_ShaderEffect() { SetName("KRN_ShaderEffect"); }
 KRN_ShaderEffect::~KRN_ShaderEffect() { Release(); }
 
 void KRN_ShaderEffect::Release() {
+    Abandon();
     if (registry_) registry_->Release(registry_index_);
     registry_.reset();
     registry_index_ = -1;
@@ -72,10 +75,12 @@ void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, IDirect3DTexture9* value)
 
 void KRN_ShaderEffect::ApplyFrameSemantics() {
     ShaderEffectSettings& settings = registry_->settings;
-    if (settings.frame_cache && Data()->filled_in == settings.frame) return;
-    Data()->filled_in = settings.frame;
+    const FrameCache& frames = gfx_->Parts().frame_cache;
+    if (frames.Serves(Data()->filled_in)) return;
+    Data()->filled_in = frames.frame;
     FillFrameSemantics(*gfx_, *this, *Data(), settings);
     FillResourceTextures(*gfx_, *this, *Data());
+    FillScreenTextures(*gfx_, *this, *Data());
 }
 
 void KRN_ShaderEffect::ApplyLightSemantics() { FillLightSemantics(*gfx_, *this, *Data()); }
@@ -93,27 +98,73 @@ void KRN_ShaderEffect::ReapplyDefaults() {
 
 // ---- Drawing
 
+// ---- Drawing
+
+void KRN_ShaderEffect::Require(HRESULT result, const char* call) const {
+    if (FAILED(result)) Error("%s failed: %s", call, DXGetErrorString9(result));
+}
+
+const TechniqueTargets* KRN_ShaderEffect::Targets() const {
+    return technique_ >= 0 ? &Data()->targets[static_cast<std::size_t>(technique_)] : nullptr;
+}
+
+bool KRN_ShaderEffect::TechniqueHasPixelShader() const { return Targets() && Targets()->has_pixel_shader; }
+bool KRN_ShaderEffect::PassHasPixelShader(int pass) const { return !TargetOf(pass).no_pixel_shader; }
+
+PassTarget KRN_ShaderEffect::TargetOf(int pass) const {
+    const TechniqueTargets* targets = Targets();
+    const bool known = targets && pass >= 0 && static_cast<std::size_t>(pass) < targets->passes.size();
+    return known ? targets->passes[static_cast<std::size_t>(pass)] : PassTarget{};
+}
+
 int KRN_ShaderEffect::Begin() {
     UINT passes = 0;
-    const HRESULT result = Effect()->Begin(&passes, 0);
-    if (FAILED(result)) Error("Begin failed: %s", DXGetErrorString9(result));
+    Require(Effect()->Begin(&passes, 0), "Begin");
+    Data()->begun_by = this;
     return static_cast<int>(passes);
 }
 
-void KRN_ShaderEffect::BeginPass(int pass) {
-    const HRESULT result = Effect()->BeginPass(static_cast<UINT>(pass));
-    if (FAILED(result)) Error("BeginPass failed: %s", DXGetErrorString9(result));
+bool KRN_ShaderEffect::BeginPass(int pass) {
+    const PassTarget target = TargetOf(pass);
+    ShaderEffectData& data = *Data();
+    if (target.init_pass && data.initialised) return false;
+    Require(Effect()->BeginPass(static_cast<UINT>(pass)), "BeginPass");
+    data.open_pass = pass;
+    data.passes_around = gfx_->Parts().pass_switch.Depth();
+    gfx_->Parts().pass_switch.Begin(target, *this);
+    return true;
+}
+
+bool KRN_ShaderEffect::InPass() const { return Data()->open_pass >= 0; }
+
+void KRN_ShaderEffect::RepeatPass() {
+    Require(Effect()->EndPass(), "EndPass");
+    Require(Effect()->BeginPass(static_cast<UINT>(Data()->open_pass)), "BeginPass");
 }
 
 void KRN_ShaderEffect::EndPass() {
     const HRESULT result = Effect()->EndPass();
-    if (FAILED(result)) Error("EndPass failed: %s", DXGetErrorString9(result));
+    if (std::exchange(Data()->open_pass, -1) >= 0) gfx_->Parts().pass_switch.End();
+    Require(result, "EndPass");
 }
 
 void KRN_ShaderEffect::End() {
-    const HRESULT result = Effect()->End();
-    if (FAILED(result)) Error("End failed: %s", DXGetErrorString9(result));
+    if (InPass()) EndPass();
+    Data()->begun_by = nullptr;
+    Require(Effect()->End(), "End");
+    Data()->initialised = true;
     if (reapply_defaults_) ReapplyDefaults();
+}
+
+void KRN_ShaderEffect::Abandon() {
+    if (!registry_ || Data()->begun_by != this) return;
+    ShaderEffectData& data = *Data();
+    if (data.open_pass >= 0) {
+        data.effect->EndPass();
+        gfx_->Parts().pass_switch.UnwindTo(data.passes_around);
+    }
+    data.effect->End();
+    data.EndDrawing();
 }
 
 }   // namespace sparkrig

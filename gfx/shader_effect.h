@@ -14,6 +14,8 @@ namespace sparkrig {
 class KRN_Gfx;
 class ShaderEffectRegistry;
 struct ShaderEffectData;
+struct TechniqueTargets;
+struct PassTarget;
 
 class KRN_ShaderEffect : public KRN_ResourceBase {
   public:
@@ -49,9 +51,21 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
 
     /// The number of passes; each is drawn between BeginPass and EndPass, all before End.
     int Begin();
-    void BeginPass(int pass);
+    /// The pass's screen buffer becomes the render target. False, and no EndPass follows, for an init pass of an effect
+    /// whose screen buffers are not new.
+    bool BeginPass(int pass);
     void EndPass();
     void End();
+    /// After an error: ends what is begun, without reports.
+    void Abandon();
+    /// Between BeginPass and EndPass, of this object or of one that shares the effect.
+    bool InPass() const;
+    /// Begins the open pass again, with the values that the parameters have now.
+    void RepeatPass();
+
+    /// Of the chosen technique: whether one of its passes, or that pass, has a pixel shader.
+    bool TechniqueHasPixelShader() const;
+    bool PassHasPixelShader(int pass) const;
 
     /// SelectTechnique gives stages 0 to 5 the texture coordinates of their own number.
     void SetOwnTextureCoordinates(bool on) { own_texture_coordinates_ = on; }
@@ -68,6 +82,9 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
   private:
     friend class ShaderEffectLoader;
     void Check(HRESULT result) const;
+    void Require(HRESULT result, const char* call) const;
+    const TechniqueTargets* Targets() const;   // null before a technique was chosen
+    PassTarget TargetOf(int pass) const;       // plain for what is not known
     void ReapplyDefaults();
 
     KRN_Gfx* gfx_ = nullptr;                           // borrowed

@@ -52,7 +52,7 @@ void ReadNumberedParameters(ShaderEffectData& data) {
     }
 }
 
-std::unique_ptr<ShaderEffectData> Describe(DevicePtr<ID3DXEffect> effect) {
+std::unique_ptr<ShaderEffectData> Describe(const KRN_Gfx& gfx, DevicePtr<ID3DXEffect> effect) {
     auto data = std::make_unique<ShaderEffectData>();
     data->effect = std::move(effect);
     D3DXEFFECT_DESC desc = {};
@@ -62,6 +62,7 @@ std::unique_ptr<ShaderEffectData> Describe(DevicePtr<ID3DXEffect> effect) {
     data->handles = FindSemantics(*data->effect);
     FindResourceTextures(*data);
     ReadNumberedParameters(*data);
+    data->targets = ReadPassTargets(gfx, *data->effect);
     return data;
 }
 
@@ -87,6 +88,7 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
     if (shared >= 0) {
         effect.registry_ = registry_;
         effect.registry_index_ = shared;
+        effect.technique_ = effect.Data()->technique;
         return true;
     }
     if (!FileExists(file)) {
@@ -94,9 +96,10 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
         gfx_.Warning("Shader effect file '%s' not found", file);
         return false;
     }
-    effect.registry_index_ = registry_->Add(Describe(Compile(gfx_, file, flags, use_pool)), key);
+    effect.registry_index_ = registry_->Add(Describe(gfx_, Compile(gfx_, file, flags, use_pool)), key);
     effect.registry_ = registry_;
     effect.Data()->not_valid = !effect.SelectTechnique();
+    effect.Data()->technique = effect.Technique();
     if (!effect.IsValid()) gfx_.Warning("Shader could not be validated for this GPU: '%s'", file);
     return true;
 }
@@ -112,8 +115,6 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const ShaderSearchList& 
 void ShaderEffectLoader::OnLostDevice() { registry_->OnLostDevice(); }
 void ShaderEffectLoader::OnResetDevice() { registry_->OnResetDevice(); }
 void ShaderEffectLoader::SetSharing(bool on) { registry_->settings.sharing = on; }
-void ShaderEffectLoader::SetFrameCache(bool on) { registry_->settings.frame_cache = on; }
-void ShaderEffectLoader::NextFrame() { ++registry_->settings.frame; }
 void ShaderEffectLoader::SetGameTimeSource(GameTimeSource source) { registry_->settings.game_time = source; }
 
 }   // namespace sparkrig

@@ -35,10 +35,6 @@ class ShaderEffectLoader {
 
     /// Whether a file that is loaded already is shared. Initially on.
     void SetSharing(bool on);
-    /// With the frame cache on, an effect's frame semantics are filled once in a frame. Initially off.
-    void SetFrameCache(bool on);
-    /// A frame was presented.
-    void NextFrame();
     /// Gives the parameter GAMETIME its value; null for the seconds since the device was created.
     void SetGameTimeSource(GameTimeSource source);
 

@@ -25,8 +25,13 @@ void ShaderEffectRegistry::Release(int index) {
 }
 
 void ShaderEffectRegistry::OnLostDevice() {
-    for (const Entry& entry : entries_)
-        if (entry.data) entry.data->effect->OnLostDevice();
+    for (const Entry& entry : entries_) {
+        if (!entry.data) continue;
+        entry.data->effect->OnLostDevice();
+        entry.data->filled_in = -1;   // its screen textures are gone
+        entry.data->initialised = false;
+        entry.data->EndDrawing();
+    }
 }
 
 void ShaderEffectRegistry::OnResetDevice() {

@@ -6,10 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "gfx/pass_target.h"
 #include "gfx/shader_effect_semantics.h"
 #include "platform/d3d9/device_ptr.h"
 
 namespace sparkrig {
+
+class KRN_ShaderEffect;
 
 /// What is known of one compiled effect. Handles are looked up once, when it is loaded.
 struct ShaderEffectData {
@@ -26,17 +29,27 @@ struct ShaderEffectData {
     float float_parameters[kNumberedParameters] = {};     // of fParam1 to fParam8: the effect's own, or overrides
     D3DXVECTOR4 vector_parameters[kNumberedParameters];   // of vParam1 to vParam8
     UINT parameters = 0, techniques = 0;
-    bool not_valid = false;        // no technique validated on this device
-    std::int64_t filled_in = -1;   // the frame in which the frame semantics were filled last
+    std::vector<TechniqueTargets> targets;   // one entry a technique
+    int technique = -1;                      // that the first object chose
+    bool not_valid = false;                  // no technique validated on this device
+    std::int64_t filled_in = -1;             // the frame in which the frame semantics were filled last
+
+    // What is being drawn
+    KRN_ShaderEffect* begun_by = nullptr;   // the object between Begin and End
+    int open_pass = -1;                     // between BeginPass and EndPass
+    std::size_t passes_around = 0;          // how many passes, of all effects, the open one is inside of
+    bool initialised = false;               // the init passes were drawn since the screen buffers are new
+    void EndDrawing() {
+        begun_by = nullptr;
+        open_pass = -1;
+    }
 
     D3DXHANDLE Handle(Semantic semantic) const { return handles[static_cast<std::size_t>(semantic)]; }
 };
 
-/// What all effects share besides: settings and the frame.
+/// What all effects share besides.
 struct ShaderEffectSettings {
     bool sharing = true;
-    bool frame_cache = false;
-    std::int64_t frame = 0;
     float (*game_time)() = nullptr;
     // RANDOM has a generator of its own: what effects draw must not change what the simulation draws.
     std::minstd_rand random;

@@ -103,6 +103,20 @@ constexpr VectorRow kVectorRows[] = {
     {Semantic::InvViewPortDim, InverseViewport},
 };
 
+struct BufferRow {
+    Semantic semantic;
+    TargetKind kind;
+    int index;
+};
+
+constexpr BufferRow kBufferRows[] = {
+    {Semantic::ScreenQuarterBuffer1, TargetKind::QuarterBuffer, 0},
+    {Semantic::ScreenQuarterBuffer2, TargetKind::QuarterBuffer, 1},
+    {Semantic::ScreenQuarterBuffer3, TargetKind::QuarterBuffer, 2},
+    {Semantic::ScreenBuffer1, TargetKind::FullBuffer, 0},
+    {Semantic::ScreenBuffer2, TargetKind::FullBuffer, 1},
+};
+
 /// The name under which the catalogue keeps a resource texture.
 std::string CatalogueName(const char* resource) {
     std::string name;
@@ -191,6 +205,16 @@ void FillResourceTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEf
             texture = gfx.Catalogue().GetTexture(name.c_str());
         effect.SetParameter(resource.parameter, texture ? texture->DeviceTexture() : nullptr);
     }
+}
+
+void FillScreenTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
+    GfxParts& parts = gfx.Parts();
+    const D3DXHANDLE copy = data.Handle(Semantic::ScreenCopy);
+    if (copy && !parts.post_render.Drawing() && !parts.pass_switch.Buffer())
+        effect.SetParameter(copy, parts.screen_buffers.GetScreenCopy(true));
+    for (const BufferRow& row : kBufferRows)
+        if (const D3DXHANDLE handle = data.Handle(row.semantic))
+            effect.SetParameter(handle, parts.screen_buffers.GetScreenBufferTexture(row.kind, row.index));
 }
 
 void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {

@@ -12,6 +12,8 @@ void FillFrameSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffe
                         ShaderEffectSettings& settings);
 /// The textures that "ResourceName" annotations name, through the texture catalogue.
 void FillResourceTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+/// The copy of the screen, unless a pass that reads it is being drawn already, and the screen buffers.
+void FillScreenTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 void FillMaterialSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 

@@ -38,6 +38,8 @@ class TextureRegistry {
     /// How many entries hold a texture now, and how many textures were ever added.
     int Count() const;
     UINT Created() const { return created_; }
+    /// One more that stands elsewhere: the screen copy.
+    void CountCreated() { ++created_; }
     /// Default-pool textures of the whole process.
     static int DefaultPoolTextures() { return default_pool_textures_; }
 

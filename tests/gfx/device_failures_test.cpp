@@ -70,6 +70,20 @@ const FailingCall kCalls[] = {
     {"GetDepthStencilSurface", "KRN_Gfx: Can not retrieve zbuffer: %s",
      [](KRN_Gfx& gfx) { gfx.ResetDevice(nullptr, -1); }},
     {"GetBackBuffer", "KRN_Gfx: GetBackBuffer failed: %s", [](KRN_Gfx& gfx) { gfx.ResetDevice(nullptr, -1); }},
+    {"CreateTexture", "KRN_Gfx: InitPostRenderEffects failed - can not create render texture: %s",
+     [](KRN_Gfx& gfx) { gfx.InitPostRenderEffects(); }},
+    {"GetSurfaceLevel", "KRN_Gfx: InitPostRenderEffects failed - can not retrieve target surface: %s",
+     [](KRN_Gfx& gfx) { gfx.InitPostRenderEffects(); }},
+    {"SetRenderTarget", "KRN_Gfx: BeginScene (post effect SetRenderTarget) failed: %s",
+     [](KRN_Gfx& gfx) {
+         gfx.InitPostRenderEffects();
+         gfx.BeginScene();
+     }},
+    {"CreateTexture", "KRN_Gfx: Could not create screen copy texture: %s",
+     [](KRN_Gfx& gfx) { gfx.GetScreenCopy(false); }},
+    {"StretchRect", "KRN_Gfx: StretchRect failed: %s", [](KRN_Gfx& gfx) { gfx.GetScreenCopy(true); }},
+    {"CreateTexture", "KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: %s",
+     [](KRN_Gfx& gfx) { gfx.GetScreenBufferTexture(1, 2); }},
     {"CreateVertexBuffer", "KRN_Gfx: CreateVertexBuffer in CreateVertexList failed: %s",
      [](KRN_Gfx& gfx) {
          KRN_VertexListTemp<KRN_LVertex> list;

@@ -223,10 +223,10 @@ TEST_F(ShaderEffectTest, TimesFogAndViewportAreFilled) {
 
     ShaderEffectLoader& loader = gfx_->Parts().shader_effects;
     loader.SetGameTimeSource([] { return 77.5f; });
-    loader.SetFrameCache(true);
+    gfx_->SetFrameCache(true);
     effect.ApplyFrameSemantics();
     EXPECT_EQ(FloatOf(effect, "gametime"), 12.5f);   // filled in this frame already
-    loader.NextFrame();
+    gfx_->PresentFrame();
     effect.ApplyFrameSemantics();
     EXPECT_EQ(FloatOf(effect, "gametime"), 77.5f);
     EXPECT_NE(FloatOf(effect, "random"), random);

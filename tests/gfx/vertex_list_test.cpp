@@ -220,8 +220,8 @@ TEST(ImmediateLists, AreMadeOnceAndFilled) {
     EXPECT_EQ(screen[31].rhw, 1.0f);
     lists.screen.Unlock();
     const KRN_VertexPosTex* quad = lists.quad.Lock(0, 4, 0);
-    EXPECT_EQ(quad[3].x, 1.0f);
-    EXPECT_EQ(quad[3].v, 0.0f);
+    EXPECT_EQ(quad[3].x, 2.0f);
+    EXPECT_EQ(quad[3].v, -0.5f);
     lists.quad.Unlock();
     EXPECT_EQ(lists.triangles.ElementCount(), 32u);
     EXPECT_EQ(lists.lines.PrimitiveCount(), 16u);

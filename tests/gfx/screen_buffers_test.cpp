@@ -1,0 +1,472 @@
+// Post-render effects, the copy of the screen, screen buffers, and the passes that draw into them.
+#include "gfx/screen_buffers.h"
+
+#include <gmock/gmock.h>
+
+#include "gfx/effect_passes.h"
+#include "gfx/gfx_parts.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/support/recorded_gfx.h"
+#include "tests/support/reports.h"
+
+namespace sparkrig {
+namespace {
+
+using ::testing::ElementsAre;
+
+constexpr const char* kReadsCopy = "texture t : SCREENCOPY; technique { pass { Texture[3] = <t>; } }";
+
+class ScreenBufferTest : public TemporaryFolder {
+  protected:
+    void Load(KRN_ShaderEffect& effect, const std::string& text) {
+        const std::string name = "t" + std::to_string(++files_) + ".fx";
+        WriteFile(name, text);
+        gfx_->LoadShaderEffect(effect, name.c_str(), true, 0, true);
+    }
+    /// An effect with a pass for each annotation list.
+    void LoadPasses(KRN_ShaderEffect& effect, const std::vector<std::string>& annotations) {
+        std::string text = "technique {";
+        for (const std::string& list : annotations) text += " pass < " + list + " > { }";
+        Load(effect, text + " }");
+    }
+    /// A scene that ends whatever happens in it.
+    struct Scene {
+        explicit Scene(RecordedGfx& gfx) : device(*gfx->Device()) { device.BeginScene(); }
+        ~Scene() { device.EndScene(); }
+        IDirect3DDevice9& device;
+    };
+    void DrawWith(KRN_ShaderEffect& effect) {
+        const Scene scene(gfx_);
+        gfx_->SetShaderEffect(&effect);
+        gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);
+        gfx_->SetShaderEffect(nullptr);
+    }
+    /// The size of the render target, which tells the back buffer, full and quarter buffers apart.
+    UINT TargetWidth() {
+        DevicePtr<IDirect3DSurface9> target;
+        D3DSURFACE_DESC desc = {};
+        gfx_->Device()->GetRenderTarget(0, target.Receive());
+        target->GetDesc(&desc);
+        return desc.Width;
+    }
+    bool TargetIs(IDirect3DSurface9* surface) {
+        DevicePtr<IDirect3DSurface9> target;
+        gfx_->Device()->GetRenderTarget(0, target.Receive());
+        return target.Get() == surface;
+    }
+    bool TargetIsBackBuffer() { return TargetIs(gfx_->Parts().targets.BackBuffer().Get()); }
+    std::vector<std::vector<DWORD>> ArgumentsOf(const char* method) const {
+        std::vector<std::vector<DWORD>> all;
+        for (const RecordedCall& call : gfx_.recording.Calls())
+            if (call.method == method) all.push_back(call.arguments);
+        return all;
+    }
+
+    RecordedGfx gfx_;
+
+  private:
+    int files_ = 0;
+};
+
+// ---- Post-render effects
+
+TEST_F(ScreenBufferTest, TheSceneHasATargetOfItsOwn) {
+    const D3DVIEWPORT9 view = {10, 20, 300, 200, 0, 1};
+    gfx_->SetViewPort(10, 20, 310, 220, 0, 1);
+    EXPECT_EQ(gfx_->SceneTexture(), nullptr);
+    gfx_->InitPostRenderEffects();
+    gfx_->InitPostRenderEffects();   // on already
+    EXPECT_THAT(ArgumentsOf("CreateTexture"),
+                ElementsAre(ElementsAre(640, 480, 1, D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT)));
+    EXPECT_TRUE(TargetIsBackBuffer());
+    D3DVIEWPORT9 of_device = {};
+    gfx_->BeginScene();
+    EXPECT_TRUE(TargetIs(gfx_->Parts().post_render.SceneSurface()));
+    gfx_->Device()->GetViewport(&of_device);
+    EXPECT_EQ(of_device, view);
+    gfx_->EndScene();
+    EXPECT_TRUE(TargetIsBackBuffer());
+    gfx_->Device()->GetViewport(&of_device);
+    EXPECT_EQ(of_device, view);
+
+    gfx_->BeginScene();
+    gfx_->ReleasePostRenderEffects();   // in the middle: the rest goes to the screen
+    EXPECT_TRUE(TargetIsBackBuffer());
+    gfx_->EndScene();
+    EXPECT_EQ(gfx_->SceneTexture(), nullptr);
+}
+
+TEST_F(ScreenBufferTest, AMultisampleTargetIsResolvedOnDemand) {
+    gfx_->SetMultisampleTarget(true);
+    gfx_->InitPostRenderEffects();
+    EXPECT_THAT(ArgumentsOf("CreateRenderTarget"),
+                ElementsAre(ElementsAre(640, 480, D3DFMT_A8R8G8B8, D3DMULTISAMPLE_4_SAMPLES, 0, FALSE)));
+    EXPECT_NE(gfx_->SceneTexture(), nullptr);
+    EXPECT_EQ(gfx_.recording.Count("StretchRect"), 1);
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_EQ(gfx_.recording.Count("CreateRenderTarget"), 2);
+}
+
+TEST_F(ScreenBufferTest, WithoutMultisampleTargetsTheTextureItselfServes) {
+    const Reports reports;
+    gfx_->SetMultisampleTarget(true);
+    gfx_.recording.Fail("CreateRenderTarget", D3DERR_NOTAVAILABLE);
+    gfx_->InitPostRenderEffects();
+    EXPECT_EQ(reports.Last(),
+              "warning KRN_Gfx: InitPostRenderEffects failed - can not create multisample render target: "
+              "D3DERR_NOTAVAILABLE");
+    EXPECT_FALSE(gfx_->Parts().post_render.MultisampleTarget());
+    EXPECT_NE(gfx_->SceneTexture(), nullptr);
+    EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
+}
+
+TEST_F(ScreenBufferTest, AResizeMakesTheSceneAgainInItsNewSize) {
+    gfx_->InitPostRenderEffects();
+    gfx_.ResizeWindow(300, 200);
+    gfx_.recording.ForgetCalls();
+    EXPECT_EQ(gfx_->PresentFrame(), 0);
+    EXPECT_TRUE(gfx_->PostRenderEffects());
+    EXPECT_THAT(gfx_.recording.Methods({"Reset", "CreateTexture"}), ElementsAre("Reset", "CreateTexture"));
+    EXPECT_EQ(ArgumentsOf("CreateTexture")[0][0], 300u);
+    EXPECT_EQ(ArgumentsOf("CreateTexture")[0][1], 200u);
+    gfx_->ReleasePostRenderEffects();
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_FALSE(gfx_->PostRenderEffects());
+}
+
+TEST_F(ScreenBufferTest, TheSceneStandsForTheScreenCopyOnItsWayToTheScreen) {
+    KRN_ShaderEffect effect, other;
+    Load(effect, kReadsCopy);
+    Load(other, kReadsCopy);
+    EXPECT_FALSE(gfx_->DrawScene(effect));
+    gfx_->InitPostRenderEffects();
+    gfx_->SetShaderEffect(&other);
+    gfx_->SetCullingMode(1);
+    gfx_.recording.ForgetCalls();
+    EXPECT_TRUE(gfx_->DrawScene(effect));
+    EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
+    EXPECT_EQ(gfx_.recording.Draws().size(), 1u);
+    EXPECT_THAT(gfx_.recording.Methods({"BeginScene", "DrawPrimitive", "EndScene"}),
+                ElementsAre("BeginScene", "DrawPrimitive", "EndScene"));
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_NONE, D3DCULL_CW));
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ZENABLE), ElementsAre(0u, 1u));
+    EXPECT_EQ(gfx_->EffectForDraw(), &other);
+
+    gfx_.recording.Fail("DrawPrimitive", E_FAIL);
+    EXPECT_EQ(ErrorOf([&] { gfx_->DrawScene(effect); }), "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL");
+    EXPECT_EQ(gfx_->EffectForDraw(), &other);
+    EXPECT_FALSE(gfx_->Parts().post_render.Drawing());
+}
+
+// ---- The copy of the screen, and buffers
+
+TEST_F(ScreenBufferTest, TheCopyIsMadeAgainOnlyForAnotherSize) {
+    const UINT before = gfx_->Parts().textures.Created();
+    IDirect3DTexture9* whole = gfx_->GetScreenCopy(false);
+    EXPECT_EQ(gfx_->GetScreenCopy(true), whole);   // the viewport is the whole target
+    gfx_->SetViewPort(40, 30, 140, 80, 0, 1);
+    gfx_->GetScreenCopy(true);
+    gfx_->SetViewPort(0, 0, 100, 50, 0, 1);
+    gfx_->GetScreenCopy(true);
+    EXPECT_THAT(ArgumentsOf("CreateTexture"),
+                ElementsAre(ElementsAre(640, 480, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8, D3DPOOL_DEFAULT),
+                            ElementsAre(100, 50, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8, D3DPOOL_DEFAULT)));
+    EXPECT_EQ(gfx_.recording.Count("StretchRect"), 4);
+    EXPECT_EQ(gfx_->Parts().textures.Created() - before, 2u);
+}
+
+TEST_F(ScreenBufferTest, OneCopyServesAFrameWithTheFrameCache) {
+    KRN_ShaderEffect first, second;
+    Load(first, kReadsCopy);
+    Load(second, kReadsCopy);
+    const auto copies = [&] {
+        gfx_.recording.ForgetCalls();
+        DrawWith(first);
+        DrawWith(second);
+        return gfx_.recording.Count("StretchRect");
+    };
+    EXPECT_EQ(copies(), 2);
+    gfx_->PresentFrame();
+    gfx_->SetFrameCache(true);
+    EXPECT_EQ(copies(), 1);
+    EXPECT_EQ(copies(), 0);
+    gfx_->PresentFrame();
+    EXPECT_EQ(copies(), 1);
+    gfx_.ResizeWindow(300, 200);
+    gfx_->PresentFrame();   // resets instead: the copy of this frame is gone
+    EXPECT_EQ(copies(), 1);
+    DevicePtr<IDirect3DTexture9> bound;
+    first.Begin();
+    first.BeginPass(0);
+    gfx_->Device()->GetTexture(3, bound.Receive());
+    EXPECT_EQ(bound.Get(), gfx_->GetScreenCopy(false));
+    first.EndPass();
+    first.End();
+}
+
+TEST_F(ScreenBufferTest, BuffersAreMadeOnFirstUse) {
+    gfx_.ResizeWindow(300, 202);
+    gfx_->PresentFrame();
+    gfx_.recording.ForgetCalls();
+    constexpr struct {
+        int kind, index;
+        UINT width, height;
+    } kRows[] = {{1, 0, 75, 50}, {1, 2, 75, 50}, {2, 0, 300, 202}, {2, 1, 300, 202}};
+    std::set<IDirect3DTexture9*> textures;
+    for (const auto& row : kRows) {
+        gfx_.recording.ForgetCalls();
+        IDirect3DTexture9* texture = gfx_->GetScreenBufferTexture(row.kind, row.index);
+        EXPECT_TRUE(textures.insert(texture).second);
+        EXPECT_EQ(gfx_->GetScreenBufferTexture(row.kind, row.index), texture);
+        EXPECT_THAT(ArgumentsOf("CreateTexture"),
+                    ElementsAre(ElementsAre(row.width, row.height, 1, D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8,
+                                            D3DPOOL_DEFAULT)));
+    }
+    constexpr int kNone[][2] = {{0, 0}, {1, 3}, {2, 2}, {3, 0}, {2, -1}};
+    for (const auto& [kind, index] : kNone) {
+        EXPECT_EQ(ErrorOf([&, k = kind, i = index] { gfx_->GetScreenBufferTexture(k, i); }),
+                  "KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: D3DERR_INVALIDCALL");
+    }
+}
+
+TEST_F(ScreenBufferTest, BuffersReachEffectsBySemantic) {
+    KRN_ShaderEffect effect;
+    Load(effect,
+         "texture a : SCREENQUARTERBUFFER3; texture b : ScreenBuffer2;"
+         "technique { pass { Texture[1] = <a>; Texture[2] = <b>; } }");
+    effect.ApplyFrameSemantics();
+    const BegunEffect begun(effect);
+    effect.BeginPass(0);
+    DevicePtr<IDirect3DTexture9> bound;
+    gfx_->Device()->GetTexture(1, bound.Receive());
+    EXPECT_EQ(bound.Get(), gfx_->GetScreenBufferTexture(1, 2));
+    gfx_->Device()->GetTexture(2, bound.Receive());
+    EXPECT_EQ(bound.Get(), gfx_->GetScreenBufferTexture(2, 1));
+}
+
+// ---- Passes
+
+TEST_F(ScreenBufferTest, AnnotationsNameThePassesTargets) {
+    const struct {
+        const char* annotations;
+        TargetKind kind;
+        int index;
+        bool init;
+    } rows[] = {
+        {"string RenderTarget = \"ScreenBuffer1\";", TargetKind::FullBuffer, 0, false},
+        {"string RenderTarget = \"ScreenBuffer2\"; int InitPass = 1;", TargetKind::FullBuffer, 1, true},
+        {"string RenderTarget = \"ScreenBuffer1.6\"; int InitPass = 0;", TargetKind::FullBuffer, 1, false},
+        {"string RenderTarget = \"ScreenBuffer0\";", TargetKind::None, 0, false},
+        {"string RenderTarget = \"ScreenBuffer\";", TargetKind::None, 0, false},
+        {"string RenderTarget = \"ScreenQuarterBuffer3\";", TargetKind::QuarterBuffer, 2, false},
+        {"string RenderTarget = \"Initial\";", TargetKind::Initial, 0, false},
+        {"string RenderTarget = \"Initially\";", TargetKind::None, 0, false},
+        {"int RenderTarget = 1; int InitPass = -3;", TargetKind::None, 0, true},
+        {"", TargetKind::None, 0, false},
+    };
+    KRN_ShaderEffect effect;
+    for (const auto& row : rows) {
+        LoadPasses(effect, {"", row.annotations});
+        const auto techniques = ReadPassTargets(*gfx_, *effect.Effect());
+        ASSERT_EQ(techniques.size(), 1u);
+        const PassTarget& pass = techniques[0].passes.at(1);
+        EXPECT_EQ(pass.kind, row.kind) << row.annotations;
+        EXPECT_EQ(pass.index, row.index) << row.annotations;
+        EXPECT_EQ(pass.init_pass, row.init) << row.annotations;
+    }
+    const struct {
+        const char* name;
+        int limit;
+    } too_many[] = {{"ScreenBuffer3", 2}, {"ScreenBuffer9e9", 2}, {"ScreenQuarterBuffer4", 3}};
+    for (const auto& row : too_many) {
+        EXPECT_EQ(ErrorOf([&] { LoadPasses(effect, {std::string("string RenderTarget = \"") + row.name + "\";"}); }),
+                  "KRN_Gfx: Not more than " + std::to_string(row.limit) + " ScreenBuffer supported");
+        EXPECT_FALSE(effect.IsValid());
+    }
+}
+
+TEST_F(ScreenBufferTest, EffectsTellWherePixelShadersAre) {
+    KRN_ShaderEffect effect, fixed;
+    Load(effect,
+         "float4 V(float4 p : POSITION) : POSITION { return p; } float4 P() : COLOR { return 1; }"
+         "technique { pass { VertexShader = compile vs_2_0 V(); PixelShader = NULL; }"
+         "pass { VertexShader = compile vs_2_0 V(); PixelShader = compile ps_2_0 P(); } }");
+    EXPECT_FALSE(fixed.TechniqueHasPixelShader());
+    LoadPasses(fixed, {""});
+    EXPECT_TRUE(effect.TechniqueHasPixelShader());
+    EXPECT_FALSE(effect.PassHasPixelShader(0));
+    EXPECT_TRUE(effect.PassHasPixelShader(1));
+    EXPECT_FALSE(fixed.TechniqueHasPixelShader());
+    EXPECT_FALSE(fixed.PassHasPixelShader(0));
+}
+
+TEST_F(ScreenBufferTest, PassesDrawWhereTheySay) {
+    KRN_ShaderEffect effect, shared;
+    LoadPasses(effect, {"string RenderTarget = \"ScreenQuarterBuffer2\";", "string RenderTarget = \"ScreenBuffer1\";",
+                        "string RenderTarget = \"Initial\";", ""});
+    gfx_->LoadShaderEffect(shared, "t1.fx", true, 0, true);
+    gfx_->SetViewPort(10, 20, 310, 220, 0, 1);
+    for (KRN_ShaderEffect* each : {&effect, &shared}) {
+        std::vector<UINT> targets, views;
+        const BegunEffect begun(*each);
+        for (int pass = 0; pass < begun.Passes(); ++pass) {
+            each->BeginPass(pass);
+            D3DVIEWPORT9 view = {};
+            gfx_->Device()->GetViewport(&view);
+            targets.push_back(TargetWidth());
+            views.push_back(view.Width);
+            each->EndPass();
+            EXPECT_TRUE(TargetIsBackBuffer());
+        }
+        EXPECT_THAT(targets, ElementsAre(160u, 640u, 640u, 640u));
+        EXPECT_THAT(views, ElementsAre(160u, 640u, 300u, 300u));
+        each->End();
+    }
+}
+
+TEST_F(ScreenBufferTest, InitialWithoutABufferAroundItSwitchesNothing) {
+    KRN_ShaderEffect effect;
+    LoadPasses(effect, {"string RenderTarget = \"Initial\";"});
+    gfx_.recording.ForgetCalls();
+    DrawWith(effect);
+    EXPECT_EQ(gfx_.recording.Count("SetRenderTarget"), 0);
+}
+
+TEST_F(ScreenBufferTest, InitPassesAreDrawnWhileTheBuffersAreNew) {
+    KRN_ShaderEffect effect;
+    LoadPasses(effect, {"int InitPass = 1; string RenderTarget = \"ScreenBuffer1\";", ""});
+    const auto draws = [&] {
+        gfx_.recording.ForgetCalls();
+        DrawWith(effect);
+        return gfx_.recording.Draws().size();
+    };
+    gfx_.recording.Fail("DrawPrimitive", E_FAIL, 2);
+    EXPECT_NE(ErrorOf(draws), "no error");
+    EXPECT_EQ(draws(), 2u) << "the first drawing did not end";
+    EXPECT_EQ(draws(), 1u);
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_EQ(draws(), 2u);
+    EXPECT_EQ(draws(), 1u);
+}
+
+TEST_F(ScreenBufferTest, NestedPassesPutBackWhatTheyFound) {
+    KRN_ShaderEffect outer, inner;
+    LoadPasses(outer, {"string RenderTarget = \"ScreenBuffer1\";"});
+    LoadPasses(inner, {"string RenderTarget = \"ScreenQuarterBuffer1\";", "string RenderTarget = \"Initial\";", ""});
+    const D3DVIEWPORT9 view = {10, 20, 300, 200, 0, 1};
+    gfx_->SetViewPort(10, 20, 310, 220, 0, 1);
+    const BegunEffect around(outer);
+    outer.BeginPass(0);
+    DevicePtr<IDirect3DSurface9> buffer;
+    gfx_->Device()->GetRenderTarget(0, buffer.Receive());
+    EXPECT_EQ(gfx_->EffectForDraw(), &outer);
+    const BegunEffect begun(inner);
+    inner.BeginPass(0);
+    EXPECT_EQ(TargetWidth(), 160u);
+    EXPECT_EQ(gfx_->EffectForDraw(), &inner);
+    inner.EndPass();
+    EXPECT_TRUE(TargetIs(buffer.Get()));
+    inner.BeginPass(1);
+    EXPECT_TRUE(TargetIsBackBuffer());
+    EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
+    D3DVIEWPORT9 of_device = {};
+    gfx_->Device()->GetViewport(&of_device);
+    EXPECT_EQ(of_device, view);
+    inner.EndPass();
+    inner.BeginPass(2);
+    EXPECT_TRUE(TargetIs(buffer.Get()));
+    EXPECT_EQ(gfx_->EffectForDraw(), &outer);
+    inner.EndPass();
+    inner.End();
+
+    gfx_->InitPostRenderEffects();
+    gfx_->BeginScene();
+    EXPECT_TRUE(TargetIs(gfx_->Parts().post_render.SceneSurface()));
+    gfx_->EndScene();
+    EXPECT_TRUE(TargetIs(buffer.Get())) << "a scene inside a pass ends in the pass's buffer";
+    outer.EndPass();
+    outer.End();
+    EXPECT_TRUE(TargetIsBackBuffer());
+    EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
+    EXPECT_EQ(gfx_->Viewport(), view);
+}
+
+TEST_F(ScreenBufferTest, TheScreenCopyStaysWhileABufferIsDrawnInto) {
+    KRN_ShaderEffect effect;
+    Load(effect, std::string("texture t : SCREENCOPY;") +
+                     "technique { pass < string RenderTarget = \"ScreenBuffer1\"; > { Texture[3] = <t>; } }");
+    effect.ApplyFrameSemantics();
+    const Scene scene(gfx_);
+    const BegunEffect begun(effect);
+    effect.BeginPass(0);
+    gfx_.recording.ForgetCalls();
+    gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);   // once more through the open pass
+    EXPECT_EQ(gfx_.recording.Draws().size(), 1u);
+    EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
+    EXPECT_EQ(gfx_.recording.Count("SetRenderTarget"), 0);
+}
+
+TEST_F(ScreenBufferTest, AnErrorInThePassLeavesNothingBehind) {
+    constexpr struct {
+        const char* method;
+        const char* error;
+    } kRows[] = {
+        {"DrawPrimitive", "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL"},
+        {"GetRenderTarget", "KRN_Gfx: Can not retrieve render target: E_FAIL"},
+        {"CreateTexture", "KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: E_FAIL"},
+        {"GetSurfaceLevel", "KRN_Gfx: GetSurfaceLevel failed: E_FAIL"},
+        {"SetRenderTarget", "KRN_Gfx: Can not set render target: E_FAIL"},
+        {"GetDesc", "KRN_Gfx: GetDesc failed: E_FAIL"},
+    };
+    for (const auto& row : kRows) {
+        SCOPED_TRACE(row.method);
+        KRN_ShaderEffect effect;
+        LoadPasses(effect, {"string RenderTarget = \"ScreenBuffer1\";"});
+        gfx_.recording.Fail(row.method, E_FAIL);
+        EXPECT_EQ(ErrorOf([&] { DrawWith(effect); }), row.error);
+        gfx_->SetShaderEffect(nullptr);
+        EXPECT_TRUE(TargetIsBackBuffer());
+        EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
+        EXPECT_EQ(gfx_->Parts().pass_switch.Depth(), 0u);
+        DrawWith(effect);   // nothing is begun still
+        gfx_->ResetDevice(nullptr, -1);
+    }
+}
+
+TEST_F(ScreenBufferTest, AResetInsideAPassForgetsThePass) {
+    KRN_ShaderEffect effect;
+    LoadPasses(effect, {"string RenderTarget = \"ScreenBuffer1\";"});
+    {
+        const BegunEffect begun(effect);
+        effect.BeginPass(0);
+        EXPECT_EQ(gfx_->ResetDevice(nullptr, -1), 1);
+        EXPECT_FALSE(effect.InPass());
+    }
+    EXPECT_TRUE(TargetIsBackBuffer());
+    EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
+    effect.Begin();
+    effect.BeginPass(0);
+    effect.Release();   // what is begun ends with the effect
+    EXPECT_TRUE(TargetIsBackBuffer());
+}
+
+// ---- The registry of surfaces
+
+TEST_F(ScreenBufferTest, RegisteredSurfacesOfTheDefaultPoolGoBeforeAReset) {
+    SurfaceRegistry& surfaces = gfx_->Parts().surfaces;
+    DevicePtr<IDirect3DSurface9> target, plain;
+    gfx_->Device()->CreateRenderTarget(8, 4, D3DFMT_A8R8G8B8, 0, 0, FALSE, target.Receive());
+    gfx_->Device()->CreateOffscreenPlainSurface(8, 4, D3DFMT_A8R8G8B8, D3DPOOL_SYSTEMMEM, plain.Receive());
+    const int first = surfaces.Add(std::move(target)), second = surfaces.Add(plain);
+    EXPECT_EQ(gfx_->ResetDevice(nullptr, -1), 1);
+    EXPECT_EQ(surfaces.Get(first), nullptr);
+    EXPECT_EQ(surfaces.Get(second), plain.Get());
+    EXPECT_NE(surfaces.Add(plain), first) << "a cleared slot is its owner's still";
+    surfaces.Remove(first);
+    EXPECT_EQ(surfaces.Add(plain), first);
+    surfaces.Remove(-1);
+    EXPECT_EQ(surfaces.Get(-1), nullptr);
+}
+
+}   // namespace
+}   // namespace sparkrig

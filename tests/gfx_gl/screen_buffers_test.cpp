@@ -1,0 +1,304 @@
+// Effects that read what was drawn: the scene's way to the screen, the copy of the screen, and passes through buffers.
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+#include "gfx/gfx_parts.h"
+#include "gfx/surface.h"
+#include "platform/d3d9_gl/device_hooks.h"
+#include "platform/window/window.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+LRESULT Ignore(HWND window, UINT message, WPARAM wide, LPARAM lng) {
+    return DefWindowProcA(window, message, wide, lng);
+}
+
+constexpr char kStart[] = R"(
+float4 Inverse : InvViewPortDim;
+texture Copy : SCREENCOPY; texture Quarter : SCREENQUARTERBUFFER1; texture Full : SCREENBUFFER1;
+#define READER(name, picture) sampler name = sampler_state { Texture = <picture>; \
+    MinFilter = POINT; MagFilter = POINT; AddressU = CLAMP; AddressV = CLAMP; };
+READER(CopyReader, Copy) READER(QuarterReader, Quarter) READER(FullReader, Full)
+struct Out { float4 p : POSITION; float2 uv : TEXCOORD0; };
+Out V(float4 p : POSITION, float2 uv : TEXCOORD0) { Out o; o.p = p; o.uv = uv + Inverse.xy * 0.5; return o; }
+#define PASS(function, annotations) \
+    pass < annotations > { VertexShader = compile vs_2_0 V(); PixelShader = compile ps_2_0 function(); }
+)";
+
+constexpr char kInvert[] = R"(
+float4 P(float2 uv : TEXCOORD0) : COLOR { return float4(1 - tex2D(CopyReader, uv).rgb, 1); }
+technique { PASS(P, ) })";
+
+// Half of every fourth pixel goes to the quarter buffer, each pixel blurred with its neighbours to the full one.
+constexpr char kBlurAndBlocks[] = R"(
+float4 Half(float2 uv : TEXCOORD0) : COLOR { return tex2D(CopyReader, uv) * 0.5; }
+float4 Blur(float2 uv : TEXCOORD0) : COLOR {
+    float2 step = float2(Inverse.x, 0);
+    return (tex2D(CopyReader, uv - step) + tex2D(CopyReader, uv + step)) / 2;
+}
+float4 Sum(float2 uv : TEXCOORD0) : COLOR {
+    return float4(tex2D(QuarterReader, uv).rgb + tex2D(FullReader, uv).rgb / 4, 1);
+}
+technique {
+    PASS(Half, string RenderTarget = "ScreenQuarterBuffer1";)
+    PASS(Blur, string RenderTarget = "ScreenBuffer1";)
+    PASS(Sum, string RenderTarget = "Initial";)
+})";
+
+class ScreenBufferPicture : public TemporaryFolder {
+  protected:
+    static void SetUpTestSuite() {
+        KeepDriverLoaded();
+        RegisterClassExA({Ignore, "SCREEN"});
+        window_ = CreateWindowExA("SCREEN", "", 0, 0, 160, 120);
+        gfx_ = std::make_unique<KRN_Gfx>();
+        gfx_->InitDevice(window_, 1, nullptr, 16, 0, 1, 0, 0);
+    }
+    static void TearDownTestSuite() { gfx_.reset(); }
+
+    ScreenBufferPicture() { Resize(96, 64); }
+    ~ScreenBufferPicture() override { gfx_->ReleasePostRenderEffects(); }
+
+    void Resize(int width, int height) {
+        SDL_SetWindowSize(NativeWindow(window_), width, height);
+        gfx_->PresentFrame();
+        width_ = width;
+        height_ = height;
+        gfx_->SetViewPort(0, 0, width, height, 0, 1);
+    }
+    void Load(KRN_ShaderEffect& effect, const char* text) {
+        const std::string name = "t" + std::to_string(++files_) + ".fx";
+        WriteFile(name, std::string(kStart) + text);
+        gfx_->LoadShaderEffect(effect, name.c_str(), true, 0, true);
+        ASSERT_TRUE(effect.IsValid());
+    }
+
+    /// Of the picture that Paint draws: blocks of 4 x 4, neighbours clearly different, no channel like another.
+    static D3DCOLOR Painted(int x, int y) {
+        const DWORD column = static_cast<DWORD>(x) / 4, row = static_cast<DWORD>(y) / 4;
+        return Argb(255, column * 88 % 256, row * 60 % 256, (column + row) % 2 * 120 + 40);
+    }
+    void Paint() const {
+        for (int y = 0; y < height_; y += 4) {
+            for (int x = 0; x < width_; x += 4) {
+                const D3DRECT block = {x, y, x + 4, y + 4};
+                gfx_->Clear(Painted(x, y), 1, &block);
+            }
+        }
+    }
+    static void DrawSquare(KRN_ShaderEffect& effect) {
+        gfx_->SetShaderEffect(&effect);
+        gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);
+        gfx_->SetShaderEffect(nullptr);
+    }
+
+    using Formula = std::function<Rgb(int x, int y)>;
+    static Rgb AsPainted(int x, int y) { return ToRgb(Painted(x, y)); }
+    static Rgb Inverted(int x, int y) {
+        const Rgb colour = AsPainted(x, y);
+        return {255 - colour.r, 255 - colour.g, 255 - colour.b};
+    }
+    /// What kBlurAndBlocks makes of the painted picture.
+    Rgb Blurred(int x, int y) const {
+        const Rgb block = AsPainted(x, y);
+        const Rgb left = AsPainted(std::max(x - 1, 0), y), right = AsPainted(std::min(x + 1, width_ - 1), y);
+        const auto sum = [](int b, int l, int r) { return b / 2 + (l + r) / 8; };
+        return {sum(block.r, left.r, right.r), sum(block.g, left.g, right.g), sum(block.b, left.b, right.b)};
+    }
+    void Expect(const std::vector<D3DCOLOR>& pixels, const Formula& formula, int tolerance) const {
+        ASSERT_EQ(pixels.size(), static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+        int wrong = 0;
+        for (int y = 0; y < height_; ++y) {
+            for (int x = 0; x < width_; ++x) {
+                const Rgb is = ToRgb(pixels[static_cast<std::size_t>(y * width_ + x)]), expected = formula(x, y);
+                if (Near(is, expected, tolerance)) continue;
+                if (++wrong < 5) ADD_FAILURE() << x << ", " << y << ": " << is << ", not " << expected;
+            }
+        }
+        EXPECT_EQ(wrong, 0);
+    }
+    void ExpectScreen(const Formula& formula, int tolerance = 1) const {
+        Expect(ReadBackBuffer(*gfx_->Device()), formula, tolerance);
+    }
+
+    void CheckSceneTexture() {
+        KRN_ShaderEffect invert;
+        Load(invert, kInvert);
+        const Rgb screen = {90, 60, 30};
+        gfx_->BeginScene();   // without post-render effects
+        gfx_->Clear(Argb(255, 90, 60, 30), 1, nullptr);
+        gfx_->EndScene();
+        gfx_->InitPostRenderEffects();
+        gfx_->BeginScene();
+        Paint();
+        gfx_->EndScene();
+        ExpectScreen([&](int, int) { return screen; });
+        DevicePtr<IDirect3DSurface9> level;
+        gfx_->SceneTexture()->GetSurfaceLevel(0, level.Receive());
+        Expect(ReadTarget(*gfx_->Device(), *level), AsPainted, 0);
+        EXPECT_TRUE(gfx_->DrawScene(invert));
+        ExpectScreen(Inverted);
+        gfx_->ReleasePostRenderEffects();
+    }
+    void CheckBufferPasses() {
+        KRN_ShaderEffect effect;
+        Load(effect, kBlurAndBlocks);
+        gfx_->BeginScene();
+        Paint();
+        DrawSquare(effect);
+        gfx_->EndScene();
+        ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
+    }
+
+    static std::unique_ptr<KRN_Gfx> gfx_;
+    static HWND window_;
+    int width_ = 0, height_ = 0;
+
+  private:
+    static int files_;
+};
+std::unique_ptr<KRN_Gfx> ScreenBufferPicture::gfx_;
+HWND ScreenBufferPicture::window_ = nullptr;
+int ScreenBufferPicture::files_ = 0;
+
+TEST_F(ScreenBufferPicture, TheSceneReachesTheScreenThroughItsTexture) { CheckSceneTexture(); }
+
+TEST_F(ScreenBufferPicture, AMultisampledSceneIsResolvedIntoItsTexture) {
+    gfx_->SetMultisampleTarget(true);
+    CheckSceneTexture();
+    gfx_->InitPostRenderEffects();
+    D3DSURFACE_DESC desc = {};
+    gfx_->Parts().post_render.SceneSurface()->GetDesc(&desc);
+    EXPECT_EQ(desc.MultiSampleType, DWORD{D3DMULTISAMPLE_4_SAMPLES});
+    gfx_->SetMultisampleTarget(false);
+}
+
+TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
+    KRN_ShaderEffect invert;
+    Load(invert, kInvert);
+    const RECT viewports[] = {{0, 0, 96, 64}, {8, 12, 60, 48}, {33, 5, 96, 41}};
+    for (const RECT& view : viewports) {
+        gfx_->SetViewPort(0, 0, width_, height_, 0, 1);
+        gfx_->BeginScene();
+        Paint();
+        gfx_->SetViewPort(view.left, view.top, view.right, view.bottom, 0, 1);
+        DrawSquare(invert);
+        gfx_->EndScene();
+        ExpectScreen([&](int x, int y) {
+            const bool inside = x >= view.left && x < view.right && y >= view.top && y < view.bottom;
+            return inside ? Inverted(x, y) : AsPainted(x, y);
+        });
+    }
+}
+
+TEST_F(ScreenBufferPicture, PassesThroughBuffersGiveTheFormula) { CheckBufferPasses(); }
+
+TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
+    KRN_ShaderEffect effect;
+    Load(effect, kBlurAndBlocks);
+    gfx_->BeginScene();
+    Paint();
+    gfx_->SetViewPort(32, 16, 64, 48, 0, 1);
+    DrawSquare(effect);
+    gfx_->SetShaderEffect(nullptr);
+    EXPECT_EQ(gfx_->Viewport(), (D3DVIEWPORT9{32, 16, 32, 32, 0, 1}));
+    D3DVIEWPORT9 of_device = {};
+    gfx_->Device()->GetViewport(&of_device);
+    EXPECT_EQ(of_device, gfx_->Viewport());
+    gfx_->EndScene();
+    const std::vector<D3DCOLOR> pixels = ReadBackBuffer(*gfx_->Device());
+    for (const int x : {4, 31, 64, 90}) EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), AsPainted(x, 30), 1)) << x;
+    for (const int x : {34, 41, 53, 62}) {   // in the middle of blocks neighbours are equal
+        const Rgb block = AsPainted(x, 30);
+        const Rgb expected = {block.r * 3 / 4, block.g * 3 / 4, block.b * 3 / 4};
+        EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), expected, 2)) << x << ": " << ToRgb(pixels[30 * 96 + x]);
+    }
+}
+
+TEST_F(ScreenBufferPicture, EverythingWorksAfterAResizeAndALoss) {
+    KRN_ShaderEffect kept;
+    Load(kept, kBlurAndBlocks);
+    gfx_->InitPostRenderEffects();
+    gfx_->BeginScene();
+    DrawSquare(kept);
+    gfx_->EndScene();
+    SDL_SetWindowSize(NativeWindow(window_), 160, 80);
+    EXPECT_EQ(gfx_->PresentFrame(), 0);
+    EXPECT_TRUE(gfx_->PostRenderEffects());
+    DevicePtr<IDirect3DSurface9> level;
+    D3DSURFACE_DESC desc = {};
+    gfx_->SceneTexture()->GetSurfaceLevel(0, level.Receive());
+    level->GetDesc(&desc);
+    EXPECT_EQ(desc.Width, 160u);
+    EXPECT_EQ(desc.Height, 80u);
+    level.Reset();
+    width_ = 160;
+    height_ = 80;
+    gfx_->ReleasePostRenderEffects();
+    CheckBufferPasses();
+    CheckSceneTexture();
+
+    gfx_->InitPostRenderEffects();
+    LoseDevice(*gfx_->Device());
+    RestoreDevice(*gfx_->Device());
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_TRUE(gfx_->PostRenderEffects());
+    gfx_->ReleasePostRenderEffects();
+    gfx_->BeginScene();
+    Paint();
+    DrawSquare(kept);
+    gfx_->EndScene();
+    ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
+    CheckSceneTexture();
+}
+
+TEST_F(ScreenBufferPicture, ListsDrawnInsideABufferPassGoThroughIt) {
+    KRN_ShaderEffect effect;
+    Load(effect, R"(
+float4x4 World : WORLD;
+float4 Place(float4 p : POSITION) : POSITION { return mul(p, World); }
+float4 Plain() : COLOR { return float4(0.2, 0.4, 0.6, 1); }
+technique { pass < string RenderTarget = "ScreenBuffer2"; > {
+    VertexShader = compile vs_2_0 Place(); PixelShader = compile ps_2_0 Plain(); } })");
+    KRN_VertexListTemp<KRN_VertexPosTex> left(PrimitiveMode::TriangleStrip), right(PrimitiveMode::TriangleStrip);
+    for (auto* list : {&left, &right}) {
+        gfx_->CreateVertexList(list, 4, -1, false);
+        constexpr KRN_VertexPosTex kCorners[] = {
+            {-0.25f, -1, 0, 0, 1}, {-0.25f, 1, 0, 0, 0}, {0.25f, -1, 0, 1, 1}, {0.25f, 1, 0, 1, 0}};
+        std::ranges::copy(kCorners, list->Lock(0, 4, 0));
+        list->Unlock();
+    }
+    left.SetPosition(-0.5f, 0, 0, true);
+    right.SetPosition(0.75f, 0, 0, true);
+    const D3DCOLOR screen = Argb(255, 10, 90, 70);
+    gfx_->BeginScene();
+    gfx_->Clear(screen, 1, nullptr);
+    effect.ApplyFrameSemantics();
+    effect.Begin();
+    EXPECT_TRUE(effect.BeginPass(0));
+    gfx_->Clear(Argb(255, 1, 2, 3), 1, nullptr);
+    gfx_->DrawTriangleList(left, 0, -1);
+    gfx_->DrawTriangleList(right, 0, -1);
+    effect.EndPass();
+    effect.End();
+    gfx_->EndScene();
+    ExpectScreen([&](int, int) { return ToRgb(screen); }, 0);
+    DevicePtr<IDirect3DSurface9> level;
+    gfx_->GetScreenBufferTexture(2, 1)->GetSurfaceLevel(0, level.Receive());
+    const std::vector<D3DCOLOR> pixels = ReadTarget(*gfx_->Device(), *level);
+    const auto drawn = [](int x) { return (x >= 12 && x < 36) || (x >= 72 && x < 96); };
+    for (const int x : {2, 10, 14, 33, 38, 60, 70, 75, 93}) {
+        const Rgb expected = drawn(x) ? Rgb{51, 102, 153} : Rgb{1, 2, 3};
+        EXPECT_TRUE(Near(ToRgb(pixels[20 * 96 + x]), expected, 1)) << x << ": " << ToRgb(pixels[20 * 96 + x]);
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
