@@ -75,7 +75,8 @@ TEST_P(EffectPictures, LookAsTheyDid) {
 INSTANTIATE_TEST_SUITE_P(Samples, EffectPictures, testing::Values(
     Row{"campfire", "1.5"},  Row{"explosion", "0.3"},   Row{"rain", "0.8"},           Row{"waterfall", "1.2"},
     Row{"portal", "1"},      Row{"ice burst", "0.5"},   Row{"autumn leaves", "1.1"},  Row{"magic heal", "0.9"},
-    Row{"confetti", "0.6"},  Row{"dust", "0.7"}),
+    Row{"confetti", "0.6"},  Row{"dust", "0.7"},        Row{"brazier", "1.3"},        Row{"signal smoke", "2"},
+    Row{"scrying mirror", "2.2"}),
     [](const auto& row) {
         std::string name = row.param.effect;
         std::ranges::replace(name, ' ', '_');

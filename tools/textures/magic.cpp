@@ -1,4 +1,4 @@
-// Drawn magic and electricity: rune circles, a vortex, lightning, a healing cross, the ribbon of a trail.
+// Drawn magic and electricity: rune circles, a vortex, lightning, a healing cross, a mirror, the ribbon of a trail.
 #include <array>
 
 #include "tools/textures/noise.h"
@@ -152,6 +152,38 @@ Pixel PaintCross(Point p) {
     return White(Unit(0.62f * body + 0.5f * rim + glow));
 }
 
+/// Gold under a light from the upper left. `normal` is where the surface looks to, z towards the eye.
+Pixel Gold(Point normal, float z) {
+    const float length = std::sqrt(Square(normal.x) + Square(normal.y) + Square(z));
+    const float lit = (-0.42f * normal.x + 0.68f * normal.y + 0.6f * z) / std::max(length, 1e-6f);
+    const float shine = std::pow(Unit(lit), 14.0f), warm = Unit(0.16f + 0.8f * Unit(lit));
+    return {Unit(warm + 0.6f * shine), Unit(0.74f * warm + 0.6f * shine), Unit(0.3f * warm + 0.5f * shine), 1};
+}
+
+/// The frame of a mirror: a twisted golden hoop between two lips, set with eight stones. Inside and outside is nothing.
+Pixel PaintMirror(Point p) {
+    constexpr float kRadius = 0.84f, kHalfWidth = 0.1f, kStones = 8, kStone = 0.085f;
+    const float r = Length(p), angle = Angle(p);
+    const Point out{p.x / std::max(r, 1e-6f), p.y / std::max(r, 1e-6f)}, along{-out.y, out.x};
+    const float band = (r - kRadius) / kHalfWidth;
+    const float step = 2 * kPi / kStones, off = std::remainder(angle - 0.5f * step, step);
+    const Point stone{off * kRadius / kStone, (r - kRadius) / kStone};
+    if (Length(stone) < 1) {
+        const float facet = 0.5f + 0.5f * std::cos(6 * Angle(stone));
+        const float light = Unit(0.3f + 0.4f * facet * Length(stone) + 0.25f * (out.x * -0.4f + out.y * 0.7f));
+        const Point in_picture{along.x * stone.x + out.x * stone.y, along.y * stone.x + out.y * stone.y};
+        const float glint = Gauss(Length({in_picture.x + 0.33f, in_picture.y - 0.36f}), 0.28f);
+        return {Unit(0.2f * light + glint), Unit(0.75f * light + glint), Unit(1.15f * light + glint), 1};
+    }
+    if (Length(stone) < 1.32f) return Gold({out.x * stone.y, out.y * stone.y}, 0.55f);   // its setting
+    if (std::fabs(band) > 1) return {0.2f, 0.13f, 0.05f, 0};
+    const bool lip = std::fabs(band) > 0.72f;
+    const float across = lip ? (std::fabs(band) - 0.86f) / 0.14f * (band > 0 ? 1.0f : -1.0f) : band / 0.72f;
+    const float twist = lip ? 0 : std::sin(44 * angle + 2.6f * across);
+    return Gold({out.x * across + 0.8f * twist * along.x, out.y * across + 0.8f * twist * along.y},
+                std::sqrt(Unit(1 - Square(across))) + 0.15f);
+}
+
 /// The band of a trail: u runs along it from the old end to the new one, v across it. Trails are drawn as their texture
 /// is, so each colour is a picture of its own; the middle is nearly white.
 Pixel PaintRibbon(Point p, Pixel colour) {
@@ -180,6 +212,7 @@ std::vector<Sprite> MagicSprites() {
         Arc("arc1", 1201),
         Arc("arc2", 1213),
         {"cross", 64, PaintCross},
+        {"mirror", 256, PaintMirror},
         Ribbon("ribbon_violet", {0.5f, 0.26f, 1, 1}),
         Ribbon("ribbon_gold", {1, 0.74f, 0.24f, 1}),
         Ribbon("ribbon_ice", {0.3f, 0.72f, 1, 1}),
