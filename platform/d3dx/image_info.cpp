@@ -2,7 +2,7 @@
 #include "platform/d3dx/dds_file.h"
 #include "platform/d3dx/file_bytes.h"
 #include "platform/d3dx/image_file.h"
-#include "platform/d3dx/jpg_segments.h"
+#include "platform/d3dx/jpg_tables.h"
 
 namespace sparkrig {
 namespace {
@@ -70,10 +70,11 @@ bool ReadJpgFrame(const Bytes& file, std::size_t data, D3DXIMAGE_INFO& info) {
 bool ReadJpg(const Bytes& file, D3DXIMAGE_INFO& info) {
     bool found = false;
     JpgSegments segments(file);
+    JpgTables tables(file);
     for (JpgSegment segment; segments.Next(segment);) {
         const bool is_frame = segment.marker >= 0xC0 && segment.marker <= 0xC2;   // baseline, extended, progressive
         if (is_frame && (found || !ReadJpgFrame(file, segment.data, info))) return false;
-        if (segment.marker == 0xC4 && !HuffmanTablesAreSound(file, segment)) return false;
+        if (!tables.Take(segment)) return false;
         found = found || is_frame;
     }
     return found;

@@ -4,8 +4,6 @@ namespace sparkrig {
 namespace {
 
 constexpr UINT kEndOfImage = 0xD9, kStartOfScan = 0xDA;
-constexpr int kTableHead = 17;   // the table's number, then how many codes there are of each length
-constexpr int kMostCodes = 256;
 
 bool IsRestart(UINT marker) { return marker >= 0xD0 && marker <= 0xD7; }
 
@@ -24,18 +22,6 @@ bool JpgSegments::Next(JpgSegment& segment) {
         at_ += file_.Big16(at_);
         return true;
     }
-}
-
-bool HuffmanTablesAreSound(const Bytes& file, const JpgSegment& segment) {
-    std::size_t at = segment.data + 2;
-    for (int left = static_cast<int>(file.Big16(segment.data)) - 2; left > 0;) {
-        int codes = 0;
-        for (std::size_t i = 1; i < kTableHead; ++i) codes += static_cast<int>(file.At(at + i));
-        if (codes > kMostCodes) return false;
-        left -= kTableHead + codes;
-        at += static_cast<std::size_t>(kTableHead + codes);
-    }
-    return true;
 }
 
 }   // namespace sparkrig

@@ -21,8 +21,4 @@ class JpgSegments {
     bool in_scan_ = false;
 };
 
-/// Whether each Huffman table of a segment of them has at most 256 codes, as many as there are bytes. The decoder does
-/// not look and would write behind its own tables.
-bool HuffmanTablesAreSound(const Bytes& file, const JpgSegment& segment);
-
 }   // namespace sparkrig

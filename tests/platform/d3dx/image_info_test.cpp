@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "platform/d3dx/image_file.h"
 #include "tests/support/picture_files.h"
 
@@ -82,15 +84,30 @@ TEST(ImageInfo, RefusesWhatCannotBeAPicture) {
     }
 }
 
-TEST(ImageInfo, RefusesAJpgWhoseTablesAreLongerThanTheDecoders) {
-    std::string file = JpgFile(TestPicture::Pattern(6, 5), 3);
-    const std::size_t table = file.find("\xFF\xC4");
-    ASSERT_NE(table, std::string::npos);
+TEST(ImageInfo, RefusesAJpgWhoseTablesTheDecoderCouldNotUse) {
+    const std::string whole = JpgFile(TestPicture::Pattern(6, 5), 3);
+    const auto behind = [&whole](const char* marker) { return whole.find(marker) + 4; };
+    const std::size_t frame = behind("\xFF\xC0"), codes = behind("\xFF\xC4"), quantisation = behind("\xFF\xDB"),
+                      scan = behind("\xFF\xDA");
+    const struct {
+        const char* name;
+        std::size_t place;
+        const char* bytes;
+    } kRows[] = {{"more codes than bytes", codes + 1, "\xFF\xFF"},
+                 {"a table of a third coder", codes, "\x20"},
+                 {"a table beyond the fourth", codes, "\x04"},
+                 {"the first table under another number", codes, "\x03"},
+                 {"a scan with a table never given", scan + 2, "\x13"},
+                 {"a scan of a component that is not there", scan + 1, "\x09"},
+                 {"a quantisation table beyond the fourth", quantisation, "\x04"},
+                 {"a component whose quantisation was never given", frame + 8, "\x03"}};
     D3DXIMAGE_INFO info = {};
-    ASSERT_EQ(ReadImageInfo(BytesOf(file), info), D3D_OK);
-    file[table + 5] = '\xFF';   // codes of length 1 and 2: more than there are bytes
-    file[table + 6] = '\xFF';
-    EXPECT_EQ(ReadImageInfo(BytesOf(file), info), D3DXERR_INVALIDDATA);
+    ASSERT_EQ(ReadImageInfo(BytesOf(whole), info), D3D_OK);
+    for (const auto& row : kRows) {
+        std::string file = whole;
+        file.replace(row.place, std::strlen(row.bytes), row.bytes);
+        EXPECT_EQ(ReadImageInfo(BytesOf(file), info), D3DXERR_INVALIDDATA) << row.name;
+    }
 }
 
 TEST(ImageInfo, TakesTheLongestSideThatIsAllowed) {
