@@ -18,11 +18,18 @@ class EffectChoice {
     /// The effect of two-dimensional drawing.
     void SetFor2D(KRN_ShaderEffect* effect) { for_2d_ = effect; }
 
-    /// Null for fixed-function drawing.
-    KRN_ShaderEffect* ForDraw() const {
+    /// Draws geometry that is skinned by a shader and has no other effect.
+    void SetSkinning(KRN_ShaderEffect* effect) { skinning_ = effect; }
+
+    /// How the vertices of geometry are processed, as far as it matters here.
+    enum class Processing { Fixed = 0, ShaderSkinning = 2 };
+    /// own: what the geometry brings along, or null. Null for fixed-function drawing.
+    KRN_ShaderEffect* ForDraw(KRN_ShaderEffect* own = nullptr, Processing processing = Processing::Fixed) const {
         if (forced_) return forced_;
-        if (override_ && override_->IsValid()) return override_;
-        return current_ && current_->IsValid() ? current_ : nullptr;
+        KRN_ShaderEffect* const skinning = processing == Processing::ShaderSkinning ? skinning_ : nullptr;
+        for (KRN_ShaderEffect* effect : {override_, current_, own, skinning})
+            if (effect && effect->IsValid()) return effect;
+        return nullptr;
     }
     KRN_ShaderEffect* For2D() const { return for_2d_ && for_2d_->IsValid() ? for_2d_ : nullptr; }
 
@@ -30,6 +37,7 @@ class EffectChoice {
     KRN_ShaderEffect* forced_ = nullptr;
     KRN_ShaderEffect* current_ = nullptr;
     KRN_ShaderEffect* override_ = nullptr;
+    KRN_ShaderEffect* skinning_ = nullptr;
     KRN_ShaderEffect* for_2d_ = nullptr;
 };
 

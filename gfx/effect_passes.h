@@ -28,6 +28,8 @@ void DrawWithEffect(KRN_ShaderEffect* effect, DrawOnce draw) {
         return;
     }
     effect->ApplyFrameSemantics();
+    if (effect->LightSemantics()) effect->ApplyLightSemantics();
+    effect->ApplyMaterialSemantics();
     if (effect->InPass()) {
         effect->RepeatPass();
         draw();

@@ -69,6 +69,9 @@ void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, const D3DXVECTOR4* values
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, const D3DXMATRIX& value) {
     Check(Effect()->SetMatrix(handle, &value));
 }
+void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, std::span<const D3DXMATRIX> values) {
+    Check(Effect()->SetMatrixArray(handle, values.data(), static_cast<UINT>(values.size())));
+}
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, IDirect3DTexture9* value) {
     Check(Effect()->SetTexture(handle, value));
 }
@@ -81,6 +84,13 @@ void KRN_ShaderEffect::ApplyFrameSemantics() {
     FillFrameSemantics(*gfx_, *this, *Data(), settings);
     FillResourceTextures(*gfx_, *this, *Data());
     FillScreenTextures(*gfx_, *this, *Data());
+}
+
+void KRN_ShaderEffect::ApplyObjectSemantics(int blend_weights, std::span<const D3DXMATRIX> palette) {
+    const FrameCache& frames = gfx_->Parts().frame_cache;
+    if (frames.Serves(Data()->object_filled_in)) return;
+    Data()->object_filled_in = frames.frame;
+    FillObjectSemantics(*gfx_, *this, *Data(), blend_weights, palette);
 }
 
 void KRN_ShaderEffect::ApplyLightSemantics() { FillLightSemantics(*gfx_, *this, *Data()); }

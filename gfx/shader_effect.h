@@ -1,9 +1,10 @@
 // A compiled effect file whose parameters the engine fills by their semantics.
 //
-// Loaded by KRN_Gfx::LoadShaderEffect. To draw: ApplyFrameSemantics, and what else the geometry knows (lights,
-// material), Begin, for each pass BeginPass, draw, EndPass, then End.
+// Loaded by KRN_Gfx::LoadShaderEffect. To draw: fill the semantics, Begin, for each pass BeginPass, draw, EndPass, then
+// End. The drawers of KRN_Gfx do so by themselves (effect_passes.h).
 #pragma once
 #include <memory>
+#include <span>
 
 #include "base/resource_manager.h"
 #include "base/string.h"
@@ -40,13 +41,18 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
     void SetParameter(D3DXHANDLE handle, const INT (&value)[4]);
     void SetParameter(D3DXHANDLE handle, const D3DXVECTOR4* values, std::size_t count);
     void SetParameter(D3DXHANDLE handle, const D3DXMATRIX& value);
+    void SetParameter(D3DXHANDLE handle, std::span<const D3DXMATRIX> values);
     void SetParameter(D3DXHANDLE handle, IDirect3DTexture9* value);
 
-    /// Fills every matrix, time, fog, viewport and resource-texture parameter that the effect has.
+    /// Fills every matrix, time, fog and viewport parameter that the effect has, its resource textures and the textures
+    /// of the screen. With the frame cache on: once in a frame.
     void ApplyFrameSemantics();
+    /// The number of blend weights of the object that is drawn and its bone matrices, as many as the device has room
+    /// for. With the frame cache on: once in a frame.
+    void ApplyObjectSemantics(int blend_weights, std::span<const D3DXMATRIX> palette);
     /// From the eight lights of the device: the first two directional ones, the first six others, ambient light.
     void ApplyLightSemantics();
-    /// The colours and the power of the current material.
+    /// The current material, the textures that are bound to the stages, by their kinds, and their matrices.
     void ApplyMaterialSemantics();
 
     /// The number of passes; each is drawn between BeginPass and EndPass, all before End.

@@ -33,6 +33,7 @@ struct ShaderEffectData {
     int technique = -1;                      // that the first object chose
     bool not_valid = false;                  // no technique validated on this device
     std::int64_t filled_in = -1;             // the frame in which the frame semantics were filled last
+    std::int64_t object_filled_in = -1;      // the same of the object semantics
 
     // What is being drawn
     KRN_ShaderEffect* begun_by = nullptr;   // the object between Begin and End

@@ -1,5 +1,6 @@
 #include "gfx/shader_effect_values.h"
 
+#include <algorithm>
 #include <string>
 
 #include "gfx/gfx_parts.h"
@@ -217,6 +218,15 @@ void FillScreenTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffe
             effect.SetParameter(handle, parts.screen_buffers.GetScreenBufferTexture(row.kind, row.index));
 }
 
+void FillObjectSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data, int blend_weights,
+                         std::span<const D3DXMATRIX> palette) {
+    if (const D3DXHANDLE handle = data.Handle(Semantic::NumBlendWeights))
+        effect.SetParameter(handle, static_cast<float>(blend_weights));
+    const D3DXHANDLE handle = data.Handle(Semantic::WorldMatrixArray);
+    const std::size_t room = std::size_t{gfx.Caps().MaxVertexBlendMatrixIndex} + 1;
+    if (handle && !palette.empty()) effect.SetParameter(handle, palette.first(std::min(palette.size(), room)));
+}
+
 void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
     const LightArrays arrays = ScanLights(gfx.Parts());
     const auto set_number = [&](Semantic semantic, int value) {
@@ -240,16 +250,24 @@ void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffe
 
 void FillMaterialSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
     const D3DMATERIAL9& material = gfx.Parts().lighting.Material();
-    const struct {
-        Semantic semantic;
-        const D3DCOLORVALUE& colour;
-    } rows[] = {{Semantic::DiffuseMaterial, material.Diffuse},
-                {Semantic::AmbientMaterial, material.Ambient},
-                {Semantic::SpecularMaterial, material.Specular},
-                {Semantic::EmissiveMaterial, material.Emissive}};
-    for (const auto& row : rows)
-        if (const D3DXHANDLE handle = data.Handle(row.semantic)) effect.SetParameter(handle, Vector(row.colour));
-    if (const D3DXHANDLE handle = data.Handle(Semantic::SpecularPower)) effect.SetParameter(handle, material.Power);
+    const TextureStages::Map diffuse = gfx.Parts().texture_stages.DiffuseMap();
+    const TextureStages::Map normal = gfx.Parts().texture_stages.MapOf(MapKind::Bump);
+    const TextureStages::Map reflection = gfx.Parts().texture_stages.ReflectionMap();
+    const auto set = [&](Semantic semantic, const auto& value) {
+        if (const D3DXHANDLE handle = data.Handle(semantic)) effect.SetParameter(handle, value);
+    };
+    set(Semantic::DiffuseMap, diffuse.texture);
+    set(Semantic::NormalMap, normal.texture);
+    set(Semantic::TextureMatrix, diffuse.matrix);
+    set(Semantic::Opacity, static_cast<float>(gfx.BlendingAlpha()) / 255);
+    set(Semantic::ReflectionMapType, static_cast<float>(reflection.kind));
+    set(Semantic::ReflectionMap, reflection.texture);
+    set(Semantic::TransformReflectionMap, reflection.matrix);
+    set(Semantic::DiffuseMaterial, Vector(material.Diffuse));
+    set(Semantic::AmbientMaterial, Vector(material.Ambient));
+    set(Semantic::SpecularMaterial, Vector(material.Specular));
+    set(Semantic::EmissiveMaterial, Vector(material.Emissive));
+    set(Semantic::SpecularPower, material.Power);
 }
 
 }   // namespace sparkrig

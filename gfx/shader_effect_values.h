@@ -1,5 +1,7 @@
 // The values that parameters get by their semantics, from what the graphics device holds.
 #pragma once
+#include <span>
+
 #include "gfx/shader_effect_registry.h"
 
 namespace sparkrig {
@@ -14,6 +16,8 @@ void FillFrameSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffe
 void FillResourceTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 /// The copy of the screen, unless a pass that reads it is being drawn already, and the screen buffers.
 void FillScreenTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillObjectSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data, int blend_weights,
+                         std::span<const D3DXMATRIX> palette);
 void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 void FillMaterialSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 

@@ -9,10 +9,7 @@ namespace sparkrig {
 
 void TextureStages::SetStagesInUse(int count) { stages_in_use_ = std::clamp(count, 1, int{kTextureStages}); }
 
-void TextureStages::Forget() {
-    std::ranges::fill(bound_, nullptr);
-    std::ranges::fill(kinds_, MapKind::None);
-}
+void TextureStages::Forget() { std::ranges::fill(bound_, Map()); }
 
 void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
     if (stage < -1 || stage >= int{kTextureStages}) gfx_.Error("Invalid stage: %i", stage);
@@ -26,8 +23,8 @@ void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
 }
 
 void TextureStages::Unbind(int stage) {
-    if (stage >= 0) return Bind(stage, nullptr, MapKind::None);
-    for (int i = 0; i < stages_in_use_; ++i) Bind(i, nullptr, MapKind::None);
+    if (stage >= 0) return Bind(stage, {});
+    for (int i = 0; i < stages_in_use_; ++i) Bind(i, {});
     SendColour(0, kNoTextureRecipe);
     SendAlpha(0, D3DTOP_SELECTARG1, DiffuseArgument());
     for (int i = 1; i < std::max(2, stages_in_use_); ++i) SendColour(i, RecipeOf(MapKind::None, i, 1));
@@ -53,7 +50,7 @@ void TextureStages::SetLayers(const KRN_Texture& texture) {
         if (i > alpha_stage) SendAlpha(i, D3DTOP_DISABLE, D3DTA_TEXTURE);
     }
     for (int i = layers; i < std::max(2, stages_in_use_); ++i) {
-        Bind(i, nullptr, MapKind::None);
+        Bind(i, {});
         SendColour(i, RecipeOf(MapKind::None, i, 1));
     }
     BlendingState& blending = gfx_.Parts().blending;
@@ -64,19 +61,34 @@ void TextureStages::SetLayers(const KRN_Texture& texture) {
 void TextureStages::SetLayer(const KRN_Texture& texture, int layer, int stage) {
     IDirect3DTexture9* const device_texture = texture.LayerTexture(layer);
     const MapKind kind = device_texture ? texture.KindOf(layer) : MapKind::None;
-    if (const char* why_not = WhyNotAtStage(kind, stage, kinds_[0])) gfx_.Error("%s", why_not);
-    Bind(stage, device_texture, kind);
+    if (const char* why_not = WhyNotAtStage(kind, stage, bound_[0].kind)) gfx_.Error("%s", why_not);
+    Bind(stage, {device_texture, kind, device_texture ? texture.LayerMatrix(layer) : kIdentityMatrix});
     SendColour(stage, RecipeOf(kind, stage, gfx_.Parts().render_sources.Source(stage)));
     if (kind == MapKind::Bump) SendBumpMatrix(stage, texture.AmountOf(layer));
     if (device_texture) SendMatrix(stage, texture.LayerMatrix(layer));
 }
 
-void TextureStages::Bind(int stage, IDirect3DTexture9* texture, MapKind kind) {
-    kinds_[stage] = kind;
-    if (bound_[stage] == texture) return;
-    const HRESULT result = gfx_.Device()->SetTexture(static_cast<DWORD>(stage), texture);
-    if (FAILED(result)) gfx_.Error("SetTexture failed: %s", DXGetErrorString9(result));
-    bound_[stage] = texture;
+void TextureStages::Bind(int stage, const Map& map) {
+    if (bound_[stage].texture != map.texture) {
+        const HRESULT result = gfx_.Device()->SetTexture(static_cast<DWORD>(stage), map.texture);
+        if (FAILED(result)) gfx_.Error("SetTexture failed: %s", DXGetErrorString9(result));
+    }
+    bound_[stage] = map;
+}
+
+TextureStages::Map TextureStages::MapOf(MapKind kind) const {
+    const Map* found = std::ranges::find_if(bound_, [kind](const Map& map) { return map.texture && map.kind == kind; });
+    return found == std::end(bound_) ? Map() : *found;
+}
+
+TextureStages::Map TextureStages::DiffuseMap() const {
+    const Map diffuse = MapOf(MapKind::Diffuse);
+    return diffuse.texture ? diffuse : MapOf(MapKind::None);
+}
+
+TextureStages::Map TextureStages::ReflectionMap() const {
+    const Map reflection = MapOf(MapKind::Reflection);
+    return reflection.texture ? reflection : MapOf(MapKind::SphereReflection);
 }
 
 // ---- States of a stage

@@ -22,6 +22,19 @@ class TextureStages {
     void SetStagesInUse(int count);
     int StagesInUse() const { return stages_in_use_; }
 
+    /// What is bound to a stage, as the program bound it.
+    struct Map {
+        IDirect3DTexture9* texture = nullptr;   // borrowed; null for none
+        MapKind kind = MapKind::None;
+        D3DXMATRIX matrix = kIdentityMatrix;
+    };
+    /// The first map of a kind.
+    Map MapOf(MapKind kind) const;
+    /// The diffuse map: without one of that kind, a texture without kinds.
+    Map DiffuseMap() const;
+    /// Of either kind of reflection.
+    Map ReflectionMap() const;
+
     /// After a reset: the device has nothing bound.
     void Forget();
 
@@ -29,7 +42,7 @@ class TextureStages {
     void Unbind(int stage);
     void SetLayers(const KRN_Texture& texture);
     void SetLayer(const KRN_Texture& texture, int layer, int stage);
-    void Bind(int stage, IDirect3DTexture9* texture, MapKind kind);
+    void Bind(int stage, const Map& map);
     void SendColour(int stage, StageRecipe recipe);
     void SendAlpha(int stage, DWORD operation, DWORD argument);
     void SendMatrix(int stage, const D3DXMATRIX& matrix);
@@ -39,8 +52,7 @@ class TextureStages {
 
     KRN_Gfx& gfx_;
     int stages_in_use_ = 2;
-    IDirect3DTexture9* bound_[kTextureStages] = {};   // borrowed: what the device holds is not freed meanwhile
-    MapKind kinds_[kTextureStages] = {};
+    Map bound_[kTextureStages];   // what the device holds is not freed meanwhile
 };
 
 }   // namespace sparkrig

@@ -9,6 +9,7 @@
 namespace sparkrig {
 
 class KRN_Gfx;
+class KRN_ShaderEffect;
 
 struct KRN_TLVertex {
     static constexpr DWORD kFormat = 0x1C4;
@@ -89,6 +90,9 @@ class KRN_VertexList : public KRN_VertexListBase {
     UINT ElementCount() const { return elements_; }
     UINT PrimitiveCount() const { return primitives_; }
     bool IsLocked() const { return locked_; }
+    /// Drawn with this effect where no other is set; borrowed, null for none.
+    void SetEffect(KRN_ShaderEffect* effect) { effect_ = effect; }
+    KRN_ShaderEffect* Effect() const { return effect_; }
     PointSpriteSettings& PointSprites() { return point_sprites_; }
     /// Its vertices are processed in software although the device has mixed processing.
     bool SoftwareProcessing() const { return (usage_ & D3DUSAGE_SOFTWAREPROCESSING) != 0; }
@@ -107,6 +111,7 @@ class KRN_VertexList : public KRN_VertexListBase {
     UINT elements_ = 0, primitives_ = 0;
     bool locked_ = false;
     PointSpriteSettings point_sprites_;
+    KRN_ShaderEffect* effect_ = nullptr;
 };
 
 /// A list of one vertex type. Its format is the type's kFormat.

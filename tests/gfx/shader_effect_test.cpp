@@ -302,6 +302,117 @@ TEST_F(ShaderEffectTest, MaterialColoursAreFilled) {
     EXPECT_EQ(FloatOf(effect, "SpecularPower"), 12.0f);
 }
 
+TEST_F(ShaderEffectTest, MapsAreThoseBoundToTheStages) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect,
+                         "texture a : DIFFUSEMAP; texture b : NORMALMAP; texture c : REFLECTIONMAP;"
+                         "int d : REFLECTIONMAPTYPE; float e : Opacity; float4x4 f : TextureMatrix;"
+                         "float4x4 g : TransformReflectionMap;"
+                         "technique { pass { Texture[4] = <a>; Texture[5] = <b>; Texture[6] = <c>;"
+                         "TextureTransform[4] = <f>; TextureTransform[6] = <g>; } }"));
+    KRN_Texture plain, layered;
+    gfx_->CreateTexture(&plain, 4, 4, 4, -1, 1);
+    constexpr MapKind kKinds[] = {MapKind::Reflection, MapKind::Diffuse};
+    for (int layer = 0; layer < 2; ++layer) {
+        layered.SelectLayer(layer, false);
+        gfx_->CreateTexture(&layered, 8, 8, 4, -1, 1);
+        layered.SetStageMap(layer, kKinds[layer], 1);
+        TextureMatrixValues values;
+        values.offset_u = 0.25f * static_cast<float>(layer + 1);
+        layered.SetLayerMatrix(layer, values);
+    }
+    gfx_->SetBlendingMode(7, 51, 0);
+    const struct {
+        KRN_Texture* texture;
+        IDirect3DTexture9 *diffuse, *reflection;
+        float kind;
+        D3DXMATRIX texture_matrix, reflection_matrix;
+    } rows[] = {
+        {&plain, plain.DeviceTexture(), nullptr, 0, kIdentityMatrix, kIdentityMatrix},
+        {&layered, layered.LayerTexture(1), layered.LayerTexture(0), 3, layered.LayerMatrix(1), layered.LayerMatrix(0)},
+        {nullptr, nullptr, nullptr, 0, kIdentityMatrix, kIdentityMatrix},
+    };
+    for (const auto& row : rows) {
+        gfx_->SetTexture(row.texture, -1);
+        effect.ApplyMaterialSemantics();
+        EXPECT_EQ(FloatOf(effect, "Opacity"), 0.2f);
+        EXPECT_EQ(FloatOf(effect, "REFLECTIONMAPTYPE"), row.kind);
+        effect.Begin();
+        effect.BeginPass(0);
+        IDirect3DTexture9* const expected[] = {row.diffuse, nullptr, row.reflection};
+        for (DWORD i = 0; i < 3; ++i) {
+            DevicePtr<IDirect3DTexture9> bound;
+            gfx_->Device()->GetTexture(4 + i, bound.Receive());
+            EXPECT_EQ(bound.Get(), expected[i]) << i;
+        }
+        D3DXMATRIX matrix;
+        gfx_->Device()->GetTransform(D3DTS_TEXTUREn(4), &matrix);
+        EXPECT_EQ(matrix, row.texture_matrix);
+        gfx_->Device()->GetTransform(D3DTS_TEXTUREn(6), &matrix);
+        EXPECT_EQ(matrix, row.reflection_matrix);
+        effect.EndPass();
+        effect.End();
+    }
+}
+
+TEST_F(ShaderEffectTest, BonesAreCutToTheRoomOfTheDevice) {
+    gfx_.recording.caps.MaxVertexBlendMatrixIndex = 1;
+    gfx_.Init();
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect,
+                         "float4x4 m[3] : WORLDMATRIXARRAY; float n : NUMBLENDWEIGHTS;\n"
+                         "#define USE mul(p, m[0]) + mul(p, m[1]) + mul(p, m[2]) * n\n" +
+                             std::string(kVertexFunction) + kOneTechnique));
+    const D3DXMATRIX bones[] = {kWorld, kView, kProjection};
+    gfx_->SetFrameCache(true);
+    effect.ApplyObjectSemantics(3, bones);
+    effect.ApplyObjectSemantics(2, {});   // filled in this frame already
+    const std::vector<float> sent = SentGlobals(effect);
+    ASSERT_GE(sent.size(), 49u);
+    EXPECT_EQ(sent[3 * 4], kWorld.m[3][0]);
+    EXPECT_EQ(sent[16 + 3 * 4], kView.m[3][0]);
+    EXPECT_EQ(sent[32 + 3 * 4 + 2], 0.0f) << "no room for a third";
+    EXPECT_EQ(FloatOf(effect, "NUMBLENDWEIGHTS"), 3.0f);
+}
+
+TEST_F(ShaderEffectTest, DrawersFillLightsOnDemandAndTheMaterialAlways) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "float4 a : AmbientColor; float b : SpecularPower; technique { pass { } }"));
+    D3DMATERIAL9 material = {};
+    gfx_->SetAmbient(0x00FF0000);
+    gfx_->BeginScene();
+    gfx_->Parts().immediate.quad.SetEffect(&effect);
+    for (const bool lights : {false, true}) {
+        material.Power += 3;
+        gfx_->SetMaterial(material);
+        effect.SetLightSemantics(lights);
+        gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);
+        EXPECT_EQ(FloatOf(effect, "SpecularPower"), material.Power);
+        EXPECT_EQ(VectorOf(effect, "AmbientColor").x, lights ? 1.0f : 0.0f);
+    }
+}
+
+TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
+    KRN_ShaderEffect effects[5], invalid;
+    for (KRN_ShaderEffect& effect : effects) ASSERT_TRUE(LoadText(effect, "technique { pass { } }"));
+    enum { kForced, kOverride, kCurrent, kOwn, kSkinning };
+    constexpr auto kSkinned = EffectChoice::Processing::ShaderSkinning;
+    EffectChoice choice;
+    choice.Force(&effects[kForced]);
+    choice.SetOverride(&effects[kOverride]);
+    choice.SetCurrent(&effects[kCurrent]);
+    choice.SetSkinning(&effects[kSkinning]);
+    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kForced]);
+    EXPECT_EQ(choice.Force(nullptr), &effects[kForced]);
+    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kOverride]);
+    choice.SetOverride(&invalid);
+    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kCurrent]);
+    choice.SetCurrent(&invalid);
+    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kOwn]);
+    EXPECT_EQ(choice.ForDraw(nullptr, kSkinned), &effects[kSkinning]);
+    EXPECT_EQ(choice.ForDraw(), nullptr);
+}
+
 TEST_F(ShaderEffectTest, NumberedParametersComeBackAfterDrawing) {
     KRN_ShaderEffect effect;
     ASSERT_TRUE(LoadText(effect, "float a : fParam3 = 1.5; float4 b : vParam8 = {2, 3, 4, 5}; technique { pass { } }"));
