@@ -108,8 +108,6 @@ void KRN_ShaderEffect::ReapplyDefaults() {
 
 // ---- Drawing
 
-// ---- Drawing
-
 void KRN_ShaderEffect::Require(HRESULT result, const char* call) const {
     if (FAILED(result)) Error("%s failed: %s", call, DXGetErrorString9(result));
 }
@@ -124,7 +122,7 @@ bool KRN_ShaderEffect::PassHasPixelShader(int pass) const { return !TargetOf(pas
 PassTarget KRN_ShaderEffect::TargetOf(int pass) const {
     const TechniqueTargets* targets = Targets();
     const bool known = targets && pass >= 0 && static_cast<std::size_t>(pass) < targets->passes.size();
-    return known ? targets->passes[static_cast<std::size_t>(pass)] : PassTarget{};
+    return known ? targets->passes[static_cast<std::size_t>(pass)] : PassTarget{.no_pixel_shader = true};
 }
 
 int KRN_ShaderEffect::Begin() {

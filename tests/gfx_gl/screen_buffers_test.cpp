@@ -128,6 +128,7 @@ class ScreenBufferPicture : public TemporaryFolder {
         Expect(ReadBackBuffer(*gfx_->Device()), formula, tolerance);
     }
 
+    /// Inside the scene the copy is of the scene, on its way to the screen it is the scene.
     void CheckSceneTexture() {
         KRN_ShaderEffect invert;
         Load(invert, kInvert);
@@ -138,13 +139,14 @@ class ScreenBufferPicture : public TemporaryFolder {
         gfx_->InitPostRenderEffects();
         gfx_->BeginScene();
         Paint();
+        DrawSquare(invert);
         gfx_->EndScene();
         ExpectScreen([&](int, int) { return screen; });
         DevicePtr<IDirect3DSurface9> level;
         gfx_->SceneTexture()->GetSurfaceLevel(0, level.Receive());
-        Expect(ReadTarget(*gfx_->Device(), *level), AsPainted, 0);
+        Expect(ReadTarget(*gfx_->Device(), *level), Inverted, 1);
         EXPECT_TRUE(gfx_->DrawScene(invert));
-        ExpectScreen(Inverted);
+        ExpectScreen(AsPainted);
         gfx_->ReleasePostRenderEffects();
     }
     void CheckBufferPasses() {
@@ -247,8 +249,13 @@ TEST_F(ScreenBufferPicture, EverythingWorksAfterAResizeAndALoss) {
 
     gfx_->InitPostRenderEffects();
     LoseDevice(*gfx_->Device());
+    gfx_->BeginScene();   // a whole frame goes by before anybody notices
+    Paint();
+    DrawSquare(kept);
+    gfx_->EndScene();
+    gfx_->DrawScene(kept);
     RestoreDevice(*gfx_->Device());
-    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_EQ(gfx_->PresentFrame(), 0);
     EXPECT_TRUE(gfx_->PostRenderEffects());
     gfx_->ReleasePostRenderEffects();
     gfx_->BeginScene();
