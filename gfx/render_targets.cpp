@@ -28,6 +28,7 @@ void RenderTargets::Release() {
 HRESULT RenderTargets::PutBack(IDirect3DSurface9* surface, bool has_depth) {
     const HRESULT result = graphics_.Device()->SetRenderTarget(0, surface);
     if (FAILED(result)) return result;
+    cache_.viewport.reset();   // as in Set
     target_ = DevicePtr<IDirect3DSurface9>::Share(surface);
     has_depth_ = has_depth;
     return result;

@@ -315,8 +315,12 @@ TEST_F(ScreenBufferTest, PassesDrawWhereTheySay) {
             gfx_->Device()->GetViewport(&view);
             targets.push_back(TargetWidth());
             views.push_back(view.Width);
+            gfx_->SetViewPort(10, 20, 110, 120, 0, 1);
+            gfx_->SetViewPort(10, 20, 310, 220, 0, 1);   // fits into no quarter buffer: a warning
             each->EndPass();
             EXPECT_TRUE(TargetIsBackBuffer());
+            gfx_->Device()->GetViewport(&view);
+            EXPECT_EQ(view.Width, 300u);
         }
         EXPECT_THAT(targets, ElementsAre(160u, 640u, 640u, 640u));
         EXPECT_THAT(views, ElementsAre(160u, 640u, 300u, 300u));
