@@ -20,8 +20,9 @@ class SineTable {
     SineTable() {
         for (int i = 0; i < kSteps; ++i) values_[i] = static_cast<float>(std::sin(kTwoPi * i / kSteps));
     }
+    /// turns above -16: what is never below 0 needs no rounding down, which costs more than all the rest.
     float operator()(float turns) const {
-        return values_[static_cast<std::uint32_t>(static_cast<std::int32_t>(std::floor(turns * kSteps))) % kSteps];
+        return values_[static_cast<std::uint32_t>(static_cast<std::int32_t>((turns + 16) * kSteps)) % kSteps];
     }
 
   private:
@@ -80,10 +81,11 @@ float Turn(double seconds, double period) { return static_cast<float>(std::fmod(
 VideoGenerator::VideoGenerator(const FrameClock& clock) : clock_(clock), places_(kPixels), picture_(kPixels) {
     constexpr float kSoftFrom = 0.95f, kSoftTo = 0.78f;   // radius
     for (int i = 0; i < kPixels; ++i) {
-        const float x = (static_cast<float>(i % kSide) + 0.5f) * 2 / kSide - 1;
-        const float y = (static_cast<float>(i / kSide) + 0.5f) * 2 / kSide - 1;
+        const int column = i % kSide, row = i / kSide;
+        const float x = (static_cast<float>(column) + 0.5f) * 2 / kSide - 1;
+        const float y = (static_cast<float>(row) + 0.5f) * 2 / kSide - 1;
         const float radius = std::hypot(x, y), turn = static_cast<float>(std::atan2(y, x) / kTwoPi);
-        const auto alpha = static_cast<D3DCOLOR>(255 * SmoothStep(kSoftFrom, kSoftTo, radius) + 0.5f);
+        const auto alpha = static_cast<D3DCOLOR>(std::lround(255 * SmoothStep(kSoftFrom, kSoftTo, radius)));
         places_[i] = {x, y, radius, turn, alpha << 24};
     }
 }

@@ -88,6 +88,7 @@ TEST(Picture, ClearsTheBorderOfEverySprite) {
 std::vector<Picture> RenderSmall(Flipbook flipbook) {
     flipbook.size = kSmallSize;
     std::vector<Picture> frames;
+    frames.reserve(static_cast<std::size_t>(flipbook.frames));
     for (int i = 0; i < flipbook.frames; ++i) frames.push_back(RenderFrame(flipbook, i));
     return frames;
 }

@@ -33,14 +33,16 @@ bool WriteSprites(const std::string& folder) {
 
 bool WriteFlipbooks(const std::string& folder) {
     for (const sparkrig::Flipbook& flipbook : sparkrig::AllFlipbooks()) {
-        MakeFolder(folder + "/" + flipbook.name);
+        const std::string path = folder + "/" + flipbook.name;
+        MakeFolder(path);
         for (int i = 0; i < flipbook.frames; ++i) {
             std::string file = sparkrig::FrameFile(flipbook, i);
             std::ranges::replace(file, '\\', '/');
-            if (!Write(folder + "/" + file, sparkrig::EncodePng(sparkrig::RenderFrame(flipbook, i)))) return false;
+            file.insert(0, folder + "/");
+            if (!Write(file, sparkrig::EncodePng(sparkrig::RenderFrame(flipbook, i)))) return false;
         }
         const std::string list = sparkrig::FrameList(flipbook);
-        if (!Write(folder + "/" + flipbook.name + ".ifl", Bytes(list.begin(), list.end()))) return false;
+        if (!Write(path + ".ifl", Bytes(list.begin(), list.end()))) return false;
     }
     return true;
 }
