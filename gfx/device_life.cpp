@@ -95,6 +95,21 @@ void ReleaseDefaultPool(GfxParts& parts) {
     parts.targets.Release();
 }
 
+/// Waits again when the device was lost once more since it was waited for, which is no failure. Returns whether it was.
+bool ResetUntilUsable(GfxParts& parts) {
+    IDirect3DDevice9& device = *parts.graphics.Device();
+    bool was_lost = false;
+    while (true) {
+        D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
+        const HRESULT result = device.Reset(&parameters);
+        const bool lost_again = result == D3DERR_DEVICELOST &&
+                                (WaitForDevice(parts) || device.TestCooperativeLevel() == D3DERR_DEVICENOTRESET);
+        if (!lost_again) parts.graphics.Require(result, "Device Reset failed: ");
+        if (!lost_again) return was_lost;
+        was_lost = true;
+    }
+}
+
 /// The viewport stays where it was; one that covered the whole back buffer, or that leaves the new one, becomes whole.
 void ReapplyViewport(GfxParts& parts, UINT old_width, UINT old_height) {
     const D3DVIEWPORT9 kept = parts.transforms.Viewport();
@@ -159,15 +174,14 @@ void InitDevice(GfxParts& parts, const DeviceRequest& request) {
 }
 
 int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
-    const bool was_lost = WaitForDevice(parts);
+    bool was_lost = WaitForDevice(parts);
     const UINT old_width = parts.targets.Width(), old_height = parts.targets.Height();
     ReleaseDefaultPool(parts);
     const bool post_render = parts.post_render.On();
     parts.post_render.Release();
     if (mode) parts.presentation.mode = *mode;
     if (vsync >= 0) parts.presentation.vsync = vsync;
-    D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
-    parts.graphics.Require(parts.graphics.Device()->Reset(&parameters), "Device Reset failed: ");
+    was_lost |= ResetUntilUsable(parts);
 
     parts.shader_effects.OnResetDevice();
     parts.targets.Fetch(parts.presentation.z_buffer_bits);

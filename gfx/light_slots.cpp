@@ -17,22 +17,21 @@ void LightSlots::SetEnable(int index, bool on) {
     slots_[index].on = on;
 }
 
-void LightSlots::Send(int index) {
-    sender_.Graphics().Require(sender_.Device().SetLight(static_cast<DWORD>(index), &slots_[index].light),
-                               "SetLight failed: ");
+void LightSlots::Send(int index, const D3DLIGHT9& light) {
+    sender_.Graphics().Require(sender_.Device().SetLight(static_cast<DWORD>(index), &light), "SetLight failed: ");
 }
 
 void LightSlots::Set(int index, const D3DLIGHT9& light) {
     CheckIndex(index);
+    Send(index, light);
     slots_[index].light = light;
     slots_[index].set = true;
-    Send(index);
 }
 
 void LightSlots::Reapply() {
     for (int index = 0; index < kCount; ++index) {
         slots_[index].device_on = -1;
-        if (slots_[index].set) Send(index);
+        if (slots_[index].set) Send(index, slots_[index].light);
         if (slots_[index].on) SendEnable(index, true);
     }
 }

@@ -12,6 +12,7 @@ class LightSlots {
 
     /// An index outside 0 to 7 is an error.
     void SetEnable(int index, bool on);
+    /// Kept when the device takes it.
     void Set(int index, const D3DLIGHT9& light);
 
     /// index 0 to 7.
@@ -23,7 +24,7 @@ class LightSlots {
 
   private:
     void CheckIndex(int index) const;
-    void Send(int index);
+    void Send(int index, const D3DLIGHT9& light);
     void SendEnable(int index, bool on);
 
     struct Slot {

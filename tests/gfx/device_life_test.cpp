@@ -121,6 +121,22 @@ TEST(Creation, StatesStartAtTheirDefaults) {
     EXPECT_EQ(gfx->DeviceSeconds(), 2.5);
 }
 
+TEST(Creation, ReportsAnEffectPoolThatCannotBeMade) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    FakeEnvironment::pool_result = E_OUTOFMEMORY;
+    EXPECT_EQ(ErrorOf([&] { gfx.Init(); }), "KRN_Gfx: Can not create default effect pool: E_OUTOFMEMORY");
+    gfx.Destroy();
+    EXPECT_EQ(gfx.recording.LiveObjects(), 0);
+}
+
+TEST(Creation, CapabilitiesThatCannotBeReadMeanSoftwareProcessing) {
+    RecordedGfx gfx(RecordedGfx::State::Constructed);
+    gfx.recording.Fail("GetDeviceCaps", D3DERR_NOTAVAILABLE, 1);
+    gfx.Init();
+    EXPECT_FALSE(gfx->HardwareVertexProcessing());
+    EXPECT_EQ(gfx->Caps().MaxPointSize, 256.0f) << "the device's own were read afterwards";
+}
+
 TEST(Destruction, LeavesNothingBehind) {
     RecordedGfx gfx;
     gfx->ResetDevice(nullptr, -1);
