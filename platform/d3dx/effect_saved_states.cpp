@@ -20,10 +20,10 @@ HRESULT Read(IDirect3DDevice9& device, const StateKey& key, StateValue& value) {
             return device.GetTransform(static_cast<D3DTRANSFORMSTATETYPE>(key.state), &value.emplace<D3DMATRIX>());
         case StateGroup::Light: return device.GetLight(key.index, &value.emplace<D3DLIGHT9>());
         case StateGroup::LightEnable: {
-            BOOL enabled = FALSE;
-            const HRESULT result = device.GetLightEnable(key.index, &enabled);
+            BOOL enabled = FALSE;   // and stays so for a light that was never set, which the device does not know
+            device.GetLightEnable(key.index, &enabled);
             value = static_cast<DWORD>(enabled);
-            return result;
+            return D3D_OK;
         }
         case StateGroup::Material: return device.GetMaterial(&value.emplace<D3DMATERIAL9>());
         case StateGroup::VertexShader:

@@ -135,13 +135,12 @@ HRESULT Mesh::GetAttributeTable(D3DXATTRIBUTERANGE* table, DWORD* size) {
 
 HRESULT Mesh::ReadIndices(std::vector<DWORD>& indices) {
     void* data = nullptr;
-    const HRESULT result = LockIndexBuffer(D3DLOCK_READONLY, &data);
-    if (FAILED(result)) return result;
+    if (const HRESULT result = LockIndexBuffer(D3DLOCK_READONLY, &data); FAILED(result)) return result;
     indices.resize(static_cast<std::size_t>(faces_) * 3);
     for (std::size_t i = 0; i < indices.size(); ++i) {
         indices[i] = WideIndices() ? static_cast<const DWORD*>(data)[i] : static_cast<const WORD*>(data)[i];
     }
-    UnlockIndexBuffer();
+    if (const HRESULT result = UnlockIndexBuffer(); FAILED(result)) return result;
     const bool valid = std::ranges::all_of(indices, [this](DWORD index) { return index < vertices_; });
     return valid ? D3D_OK : D3DXERR_INVALIDMESH;
 }

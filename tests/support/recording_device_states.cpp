@@ -79,7 +79,9 @@ HRESULT RecordingDevice::GetMaterial(D3DMATERIAL9* material) {
 
 HRESULT RecordingDevice::SetLight(DWORD index, const D3DLIGHT9* light) {
     const HRESULT result = recording_.Record("SetLight", {index, light->Type});
-    if (SUCCEEDED(result)) Keep(states_.lights[index], *light);
+    if (FAILED(result)) return result;
+    Keep(states_.lights[index], *light);
+    states_.lights_on.try_emplace(index, FALSE);
     return result;
 }
 
@@ -100,7 +102,8 @@ HRESULT RecordingDevice::LightEnable(DWORD index, BOOL enable) {
 HRESULT RecordingDevice::GetLightEnable(DWORD index, BOOL* enable) {
     if (const HRESULT refused = recording_.Record("GetLightEnable", {index}); FAILED(refused)) return refused;
     const auto found = states_.lights_on.find(index);
-    *enable = found != states_.lights_on.end() && found->second;
+    if (found == states_.lights_on.end()) return D3DERR_INVALIDCALL;
+    *enable = found->second;
     return D3D_OK;
 }
 
