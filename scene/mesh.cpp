@@ -72,7 +72,8 @@ void KRN_MeshBase::ComputeBounds() {
         const D3DXVECTOR3 offset = D3DXVECTOR3(position(i)) - sphere_centre;
         sphere_radius = std::max(sphere_radius, D3DXVec3Length(offset));
     }
-    geometry_->UnlockVertexBuffer();
+    const HRESULT unlocked = geometry_->UnlockVertexBuffer();
+    if (FAILED(unlocked)) Error("UnlockVertexBuffer failed: %s", DXGetErrorString9(unlocked));
     clip_mode = 3;
 }
 
