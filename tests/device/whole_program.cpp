@@ -1,36 +1,62 @@
 #include "tests/device/whole_program.h"
 
-#include <cstdlib>
-
 #include "app/tester_commands.h"
+#include "gfx/gfx_environment.h"
+#include "platform/d3d9_gl/device_hooks.h"
 #include "tests/support/canvas.h"
+#include "tests/support/forwarding_device.h"
 
 namespace sparkrig {
+
+namespace {
+
+IDirect3DDevice9* lost_device = nullptr;   // of OpenGL
+
+/// In place of a message: what took the device away is gone.
+void GiveDeviceBack() {
+    if (lost_device) RestoreDevice(*lost_device);
+    lost_device = nullptr;
+}
+
+const GfxEnvironment& Environment() {
+    static const GfxEnvironment environment = [] {
+        GfxEnvironment table = kSystemEnvironment;
+        table.pump_message = GiveDeviceBack;
+        return table;
+    }();
+    return environment;
+}
+
+}   // namespace
 
 std::ostream& operator<<(std::ostream& out, BackEnd back_end) {
     return out << (back_end == BackEnd::OpenGl ? "OpenGL" : "recording");
 }
 
-WholeProgram::WholeProgram(BackEnd back_end) {
+WholeProgram::WholeProgram(BackEnd back_end, State state) : back_end_(back_end) {
     if (back_end == BackEnd::OpenGl) {
         KeepDriverLoaded();
         recording.behind = Direct3DCreate9;
     }
     recording.client_width = kWidth;
     recording.client_height = kHeight;
-    TesterState& state = Tester();
-    state = {};
-    state.resolution_x = kWidth;
-    state.resolution_y = kHeight;
-    MakeTesterWindow(state, WindowSize::Resolution);
-    engine.gfx.emplace(Recording::Create);
-    const Options options;
-    engine.Start(state, options.seed);
-    player.emplace(engine, state, options);
-    player->Load();
+    Tester() = {};
+    Tester().resolution_x = kWidth;
+    Tester().resolution_y = kHeight;
+    MakeTesterWindow(Tester(), WindowSize::Resolution);
+    engine.gfx.emplace(Recording::Create, Environment());
+    if (state == State::Started) Start();
 }
 
 WholeProgram::~WholeProgram() { End(); }
+
+void WholeProgram::Start() {
+    const Options options;
+    engine.Start(Tester(), 7);
+    player.emplace(engine, Tester(), options);
+    player->Load();
+    Tester().clock = FrameClock::Stepped(kAutomationStep);
+}
 
 void WholeProgram::Play(int effect, int frames) {
     Tester().current_effect = effect;
@@ -46,11 +72,22 @@ void WholeProgram::Frame() {
     player->Present();
 }
 
+std::vector<D3DCOLOR> WholeProgram::Picture() {
+    player->Draw();
+    return back_end_ == BackEnd::OpenGl ? ReadBackBuffer(DeviceBehind(*Gfx().Device())) : std::vector<D3DCOLOR>();
+}
+
 void WholeProgram::End() {
     player.reset();
     engine.ShutDown();
     if (Tester().window) DestroyWindow(Tester().window);
     Tester() = {};
+}
+
+void WholeProgram::LoseDevice() {
+    if (back_end_ == BackEnd::Recording) return recording.LoseDevice(3);
+    lost_device = &DeviceBehind(*Gfx().Device());
+    sparkrig::LoseDevice(*lost_device);
 }
 
 }   // namespace sparkrig

@@ -1,0 +1,114 @@
+// Every call that the program makes is refused once with each code that it may answer, on both back ends: the given
+// report, nothing is leaked, and after a reset the picture is the one of before.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+#include "gfx/gfx_parts.h"
+#include "gfx/texture.h"
+#include "tests/base/reports.h"
+#include "tests/device/failing_calls.h"
+
+namespace sparkrig {
+
+void PrintTo(const FailingCall& row, std::ostream* out) { *out << row.method << ": " << row.report; }
+
+namespace {
+
+std::string WithName(const char* report, HRESULT code) {
+    std::string text = report;
+    const std::size_t place = text.find("%s");
+    return place == std::string::npos ? text : text.replace(place, 2, DXGetErrorString9(code));
+}
+
+/// Acts while one call of the device is refused. What is reported last, "" for nothing.
+std::string ReportOfFailure(WholeProgram& program, const FailingCall& row, HRESULT code) {
+    const Reports reports;
+    program.recording.ForgetCalls();
+    program.recording.Fail(row.method, code, row.nth);
+    try {
+        row.act(program);
+    } catch (const ErrorRecord&) {   // the report has been heard
+    }
+    EXPECT_GE(program.recording.Count(row.method), row.nth) << "was not called";
+    return reports.Last();
+}
+
+std::vector<HRESULT> CodesOfRow(const FailingCall& row) { return row.codes.empty() ? CodesOf(row.method) : row.codes; }
+
+std::set<HRESULT> AsSet(const std::vector<HRESULT>& codes) { return {codes.begin(), codes.end()}; }
+
+class Failures : public testing::TestWithParam<BackEnd> {};
+INSTANTIATE_TEST_SUITE_P(BackEnds, Failures, testing::Values(BackEnd::Recording, BackEnd::OpenGl),
+                         testing::PrintToStringParamName());
+
+TEST_P(Failures, WhileTheProgramStarts) {
+    for (const FailingCall& row : FailingStart()) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        for (const HRESULT code : CodesOfRow(row)) {
+            WholeProgram program(GetParam(), WholeProgram::State::Window);
+            EXPECT_EQ(ReportOfFailure(program, row, code), WithName(row.report, code));
+            program.End();
+            EXPECT_EQ(program.recording.LiveObjects(), 0) << DXGetErrorString9(code);
+        }
+    }
+}
+
+TEST_P(Failures, WhileTheProgramPlays) {
+    WholeProgram program(GetParam());
+    program.Play(0, 30);
+    program.Gfx().Parts().texture_loader.Settings().sharing = false;
+    program.Gfx().Parts().shader_effects.SetSharing(false);
+    const std::vector<D3DCOLOR> before = program.Picture();
+    const int objects = program.recording.LiveObjects();
+    for (const FailingCall& row : FailingCalls()) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        for (const HRESULT code : CodesOfRow(row)) {
+            SCOPED_TRACE(DXGetErrorString9(code));
+            EXPECT_EQ(ReportOfFailure(program, row, code), WithName(row.report, code));
+            EXPECT_EQ(ErrorOf([&] { program.Gfx().ResetDevice(nullptr, -1); }), "no error");
+            EXPECT_TRUE(program.Picture() == before);
+            EXPECT_EQ(program.recording.LiveObjects(), objects);
+        }
+    }
+    program.End();
+    EXPECT_EQ(program.recording.LiveObjects(), 0);
+}
+
+/// All that the program does of the device, by itself and in the rows.
+void DoEverything(WholeProgram& program) {
+    KRN_Gfx& gfx = program.Gfx();
+    program.Start();
+    for (int effect = 0; effect < program.player->EffectCount(); ++effect) program.Play(effect, 1);
+    program.LoseDevice();
+    program.Frame();
+    for (const FailingCall& row : FailingCalls()) {
+        row.act(program);
+        gfx.ResetDevice(nullptr, -1);
+    }
+    gfx.Parts().texture_loader.Settings() = {.sharing = false, .compression = true, .compression_threshold = 16};
+    KRN_Texture compressed;
+    gfx.LoadTexture(&compressed, "textures\\glow.png", 0, 0, -1, 0);
+    program.Frame();
+    program.player->TakePicture();
+    program.End();
+}
+
+TEST_P(Failures, OfEveryCallThatIsMadeHaveARow) {
+    WholeProgram program(GetParam(), WholeProgram::State::Window);
+    DoEverything(program);
+    std::map<std::string, std::set<HRESULT>> shown;
+    for (const std::vector<FailingCall>* rows : {&FailingStart(), &FailingCalls()})
+        for (const FailingCall& row : *rows) shown[row.method].merge(AsSet(CodesOfRow(row)));
+    for (const SilentCall& row : SilentCalls()) shown[row.method] = AsSet(CodesOf(row.method));
+    const std::vector<std::string> called = program.recording.Methods();
+    for (const std::string& method : std::set<std::string>(called.begin(), called.end())) {
+        EXPECT_TRUE(shown.contains(method)) << method << " has no row";
+        EXPECT_EQ(shown[method], AsSet(CodesOf(method))) << method;
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
