@@ -94,7 +94,7 @@ void KeyCurve<Components>::ComputeTangents(float tension) {
 }
 
 template <int Components>
-typename KeyCurve<Components>::Place KeyCurve<Components>::Find(double time) const {
+inline typename KeyCurve<Components>::Place KeyCurve<Components>::Find(double time) const {
     const Key& first = keys_.front();
     const Key& last = keys_.back();
     const double loop_end = std::max(loop_end_, last.time);

@@ -50,8 +50,8 @@ class KeyCurve {
         double interval = 0;
         float s = 0;
     };
-    /// Of a curve with keys.
-    Place Find(double time) const;
+    /// Of a curve with keys. As a call of its own it makes an evaluation a quarter slower.
+    [[gnu::always_inline]] inline Place Find(double time) const;
 
     CurveMode mode_ = CurveMode::Hermite;
     bool loop_ = false;

@@ -1,0 +1,91 @@
+// Any bytes as the keys of a node: they are read, or reported, and then animated, written and read again. The rotations
+// are also taken as exported ones.
+#include <cmath>
+#include <vector>
+
+#include "base/file.h"
+#include "base/log.h"
+#include "fuzz/input_file.h"
+#include "fuzz/require.h"
+#include "scene/exported_keys.h"
+
+using namespace sparkrig;
+
+namespace {
+
+struct Node : KRN_3dObject {
+    ~Node() = default;
+};
+
+/// Each kind of key in turn: a count, and a chain when it is not 0.
+void ReadTracks(File& file, NodeTracks& tracks) {
+    tracks.position.Read(file, static_cast<std::uint32_t>(file.ReadInt32()));
+    tracks.rotation.Read(file, static_cast<std::uint32_t>(file.ReadInt32()));
+    tracks.scale.Read(file, static_cast<std::uint32_t>(file.ReadInt32()));
+}
+
+std::vector<char> WriteTracks(const InputFile& output, const NodeTracks& tracks) {
+    output.Put("", 0);
+    File file;
+    Require(file.Open(output.Name(), false, false, true));
+    const auto write = [&](const auto& track) {
+        file.WriteInt32(static_cast<std::int32_t>(track.Count()));
+        Require(track.Write(file) == track.Count());
+    };
+    write(tracks.position);
+    write(tracks.rotation);
+    write(tracks.scale);
+    std::vector<char> bytes(static_cast<std::size_t>(file.GetSize()));
+    file.Seek(0);
+    file.Read(bytes.data(), file.GetSize());
+    return bytes;
+}
+
+void Animate(KRN_3dObject& node) {
+    for (const bool loops : {false, true}) {
+        node.SetLooping(loops);
+        for (const double time : {-1e30, -2.5, 0.0, 0.25, 3.0, 1e30, static_cast<double>(NAN)}) {
+            node.Animate(time, true, true);
+        }
+    }
+}
+
+void TakeAsExported(const KeyTrack<KRN_RotKeyData>& keys) {
+    Node node;
+    ExportedRotations rotations(node.Tracks().rotation);
+    int left = 4;   // each may be thousands of keys
+    for (const auto* key = keys.Head(); key && left > 0; key = key->next.get(), --left) {
+        rotations.Add(key->time, key->interpolation, key->data);
+    }
+    FinishExportedKeys(node, {});
+    Animate(node);
+}
+
+void Load(const InputFile& input, const InputFile& output) {
+    File file;
+    Require(file.Open(input.Name(), true, true, true));
+    Node node, again;
+    ReadTracks(file, node.Tracks());
+    node.RebuildLookupTables();
+    Animate(node);
+    const std::vector<char> written = WriteTracks(output, node.Tracks());
+    Require(written.size() <= static_cast<std::size_t>(file.GetSize()));
+    Require(file.Open(output.Name(), true, true, true));
+    ReadTracks(file, again.Tracks());
+    Require(WriteTracks(output, again.Tracks()) == written);
+    TakeAsExported(node.Tracks().rotation);
+}
+
+}   // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const InputFile input, output;
+    SilenceLog();
+    input.Put(data, size);
+    try {
+        Load(input, output);
+    } catch (const ErrorMsg&) {
+    } catch (const KRN_Error&) {
+    }
+    return 0;
+}
