@@ -1,7 +1,6 @@
 #include "gfx/texture.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "base/numeric.h"
 #include "gfx/gfx.h"
@@ -157,13 +156,13 @@ bool KRN_Texture::SetStageMap(int layer, MapKind kind, float amount) {
 void KRN_Texture::SetLayerMatrix(int layer, const TextureMatrixValues& constants) {
     KRN_TextMatrixAni animation;
     animation.constants = constants;
-    SetLayerAnimation(layer, std::move(animation));
+    SetLayerAnimation(layer, animation);
 }
 
-void KRN_Texture::SetLayerAnimation(int layer, KRN_TextMatrixAni animation) {
+void KRN_Texture::SetLayerAnimation(int layer, const KRN_TextMatrixAni& animation) {
     if (layer < 0 || layer >= kLayers) Error("Invalid texture stage: %i", layer);
-    layers_[layer].animation = std::move(animation);
-    layers_[layer].matrix = BuildTextureMatrix(layers_[layer].animation.ValuesAt(0));
+    layers_[layer].animation = animation;
+    layers_[layer].matrix = BuildTextureMatrix(animation.ValuesAt(0));
 }
 
 // ---- Sequences

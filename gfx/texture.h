@@ -67,7 +67,7 @@ class KRN_Texture final : public KRN_SurfaceBase {
     float AmountOf(int layer) const { return layers_[layer].amount; }
     void SetLayerMatrix(int layer, const TextureMatrixValues& constants);
     /// Update moves the layer from now on; until then it stands as at the start.
-    void SetLayerAnimation(int layer, KRN_TextMatrixAni animation);
+    void SetLayerAnimation(int layer, const KRN_TextMatrixAni& animation);
     const D3DXMATRIX& LayerMatrix(int layer) const { return layers_[layer].matrix; }
     /// Borrowed; null for a layer without a picture. Layer 0 of a sequence is the current frame.
     IDirect3DTexture9* LayerTexture(int layer) const;
