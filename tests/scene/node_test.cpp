@@ -95,9 +95,10 @@ TEST(AnimatedNode, TakesItsTimeFromTheLoop) {
         double time;
         bool loops;
         float x;
-    } rows[] = {{-3, false, 10}, {99, false, 30}, {9, true, 20}, {-3, true, 20}, {5, true, 20}, {5.5, true, 15}};
+    } rows[] = {{-1, false, 20}, {99, false, 40}, {9, true, 35}, {-3, true, 35}, {5, true, 25}, {5.5, true, 17.5f}};
     Node node;
-    AddKeys(node.Tracks());
+    node.Tracks().position.Add(-2, KeyInterpolation::Linear, {{10, 2, 3}, {}, {}});
+    node.Tracks().position.Add(4, KeyInterpolation::Linear, {{40, 5, 6}, {}, {}});
     node.RebuildLookupTables();
     node.SetAnimationLength(6);
     for (const auto& row : rows) {
@@ -172,10 +173,10 @@ TEST(Hierarchy, TheParentIsPlacedFirstWhenAsked) {
     Family family;
     AddKeys(family.parent.Tracks());
     family.parent.RebuildLookupTables();
-    family.child.Animate(2, true, false);
+    family.child.Animate(3, true, false);
     ExpectNear(Carried(family.child, {}), {10 - 18, 20 + 10, 30 + 28});
-    family.child.Animate(2, true, true);
-    ExpectNear(Carried(family.child, {}), {10 + 10, 20 + 12, 30 + 14});
+    family.child.Animate(3, true, true);
+    ExpectNear(Carried(family.child, {}), {20 - 18, 40 + 15, 10 + 21});
 }
 
 TEST(Hierarchy, RebuildingFollowsTheParentFullyAndOnce) {
@@ -271,8 +272,10 @@ TEST(Camera, LooksAtItsTarget) {
     target.RebuildLookupTables();
     camera.SetTarget(&target);
     target.SetTarget(&camera);   // two that look at each other
-    camera.Animate(2, false, false);
-    ExpectNear(camera.ViewDirection(), {7, 15, 23});
+    camera.SetLooping(true);
+    camera.SetAnimationLength(6);
+    camera.Animate(9, false, false);   // in its own loop 3
+    ExpectNear(camera.ViewDirection(), {17, 35, 3});
     EXPECT_EQ(camera.Up(), D3DXVECTOR3(0, 0, 1));
     target.Animate(4, false, false);
     ExpectNear(target.ViewDirection(), {-27, -55, 17});

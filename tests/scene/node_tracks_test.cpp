@@ -303,6 +303,14 @@ TEST_F(NodeKeyFile, TakesKeysAsTheyStandAndTheCountAsItIsSaid) {
     EXPECT_TRUE(read.IsEmpty());
     Read(bytes, 4, read);
     EXPECT_FALSE(read.RebuildLookup());
+
+    KRN_KeyBase<KRN_PosKeyData> key;
+    File file;
+    file.Open("keys", true, true, true);
+    EXPECT_EQ(key.Read(file), 3);
+    file.Seek(2 * 43);
+    EXPECT_EQ(key.Read(file), 1);
+    EXPECT_EQ(key.next, nullptr);
 }
 
 TEST_F(NodeKeyFile, ThatEndsTooSoonIsReported) {
