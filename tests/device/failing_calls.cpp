@@ -45,7 +45,7 @@ const std::vector<CallCodes>& CodesOfCalls() {
         {"SetPixelShaderGlobals", kSet}, {"SetFVF", kSet}, {"SetStreamSource", kSet}, {"SetIndices", kSet},
         {"DrawPrimitive", kSet}, {"DrawIndexedPrimitive", kSet},
 
-        {"GetTransform", kSet}, {"GetMaterial", kSet}, {"GetLight", kSet}, {"GetLightEnable", kSet},
+        {"GetViewport", kSet}, {"GetTransform", kSet}, {"GetMaterial", kSet}, {"GetLight", kSet}, {"GetLightEnable", kSet},
         {"GetRenderState", kSet}, {"GetTextureStageState", kSet}, {"GetSamplerState", kSet}, {"GetTexture", kSet},
         {"GetVertexShader", kSet}, {"GetPixelShader", kSet},
     };
@@ -204,6 +204,30 @@ void RunEffect(WholeProgram& program) {
     effect.End();
 }
 
+/// Off again whatever happens.
+struct PostRenderEffects {
+    explicit PostRenderEffects(WholeProgram& program) : gfx(program.Gfx()) { gfx.InitPostRenderEffects(); }
+    ~PostRenderEffects() { gfx.ReleasePostRenderEffects(); }
+    KRN_Gfx& gfx;
+};
+void BeginSceneInTexture(WholeProgram& program) { PostRenderEffects(program).gfx.BeginScene(); }
+void InitMultisampled(WholeProgram& program) {
+    program.Gfx().SetMultisampleTarget(true);
+    const PostRenderEffects on(program);
+    program.Gfx().SetMultisampleTarget(false);
+}
+void CopyScreen(WholeProgram& program) { program.Gfx().GetScreenCopy(true); }
+void MakeScreenBuffer(WholeProgram& program) { program.Gfx().GetScreenBufferTexture(1, 2); }
+void DrawIntoScreenBuffer(WholeProgram& program) {
+    KRN_ShaderEffect effect;
+    program.Gfx().LoadShaderEffect(effect, "tests\\device\\screen_buffer.fx", true, 0, true);
+    KRN_VertexListTemp<KRN_LVertex> list;
+    list.SetEffect(&effect);
+    program.Gfx().CreateVertexList(&list, 3, -1, false);
+    program.Gfx().BeginScene();
+    program.Gfx().DrawTriangleList(list, 0, 1);
+}
+
 }   // namespace
 
 const std::vector<FailingCall>& FailingCalls() {
@@ -264,6 +288,25 @@ const std::vector<FailingCall>& FailingCalls() {
         {"GetDesc", "error KRN_Surface: GetDesc failed: %s", ReadPixels, {}, 2},
         {"LockRect", "error KRN_Surface: LockRect failed: %s", ReadPixels},
         {"UnlockRect", "error KRN_Surface: UnlockRect failed: %s", ReadPixels},
+
+        // Post-render effects and screen buffers
+        {"CreateTexture", "error KRN_Gfx: InitPostRenderEffects failed - can not create render texture: %s",
+         BeginSceneInTexture},
+        {"GetSurfaceLevel", "error KRN_Gfx: InitPostRenderEffects failed - can not retrieve target surface: %s",
+         BeginSceneInTexture},
+        {"CreateRenderTarget",
+         "warning KRN_Gfx: InitPostRenderEffects failed - can not create multisample render target: %s",
+         InitMultisampled},
+        {"SetRenderTarget", "error KRN_Gfx: BeginScene (post effect SetRenderTarget) failed: %s", BeginSceneInTexture},
+        {"CreateTexture", "error KRN_Gfx: Could not create screen copy texture: %s", CopyScreen},
+        {"StretchRect", "error KRN_Gfx: StretchRect failed: %s", CopyScreen},
+        {"CreateTexture", "error KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: %s",
+         MakeScreenBuffer},
+        {"GetRenderTarget", "error KRN_Gfx: Can not retrieve render target: %s", DrawIntoScreenBuffer},
+        {"GetViewport", "error KRN_Gfx: GetViewport failed: %s", DrawIntoScreenBuffer},
+        {"SetRenderTarget", "error KRN_Gfx: Can not set render target: %s", DrawIntoScreenBuffer},
+        {"SetRenderTarget", "error KRN_Gfx: Can not set render target: %s", DrawIntoScreenBuffer, {}, 2},
+        {"DrawPrimitive", "error KRN_Gfx: DrawPrimitive in DrawTriangleList failed: %s", DrawIntoScreenBuffer},
 
         // States
         {"SetViewport", "warning KRN_Gfx: SetViewPort failed: %s",
