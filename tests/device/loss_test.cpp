@@ -1,0 +1,90 @@
+// The device is lost between any two calls: the program goes on, and the picture is the one without the loss.
+#include <gtest/gtest.h>
+
+#include "app/effect_choice.h"
+#include "tests/base/reports.h"
+#include "tests/device/whole_program.h"
+
+namespace sparkrig {
+namespace {
+
+class Loss : public testing::TestWithParam<BackEnd> {};
+INSTANTIATE_TEST_SUITE_P(BackEnds, Loss, testing::Values(BackEnd::Recording, BackEnd::OpenGl),
+                         testing::PrintToStringParamName());
+
+void ExpectThatItGoesOn(WholeProgram& program, const std::vector<D3DCOLOR>& picture) {
+    const Reports reports;
+    EXPECT_EQ(ErrorOf([&] { program.Frame(); }), "no error");
+    EXPECT_EQ(program.Gfx().Device()->TestCooperativeLevel(), D3D_OK);
+    EXPECT_TRUE(program.Picture() == picture);
+    EXPECT_EQ(reports.Last(), "");
+}
+
+/// How many calls of the device it takes.
+template <class Action>
+int CallsOf(WholeProgram& program, Action action) {
+    program.recording.ForgetCalls();
+    action();
+    return static_cast<int>(program.recording.Calls().size());
+}
+
+TEST_P(Loss, BetweenAnyTwoCallsOfAFrame) {
+    WholeProgram program(GetParam());
+    for (const char* effect : {"campfire", "scrying mirror", "portal"}) {
+        program.player->StartEffect(ChooseEffect(program.engine.effects, effect).value());
+        for (int frame = 0; frame < 40; ++frame) program.player->Advance();
+        program.Frame();   // loads what is shown first
+        const std::vector<D3DCOLOR> picture = program.Picture();
+        const int calls = CallsOf(program, [&] { program.Frame(); });
+        for (int call = 1; call <= calls; ++call) {
+            SCOPED_TRACE(std::string(effect) + ", call " + std::to_string(call));
+            program.recording.ForgetCalls();
+            program.recording.Interrupt(call, [&] { program.LoseDevice(); });
+            ExpectThatItGoesOn(program, picture);
+            EXPECT_EQ(program.recording.Count("Reset"), 1);
+        }
+    }
+}
+
+TEST_P(Loss, AgainBetweenAnyTwoCallsOfAReset) {
+    WholeProgram program(GetParam());
+    program.Play(0, 30);
+    const std::vector<D3DCOLOR> picture = program.Picture();
+    program.LoseDevice();
+    const int calls = CallsOf(program, [&] { program.Gfx().ResetDevice(nullptr, -1); });
+    for (int call = 1; call <= calls; ++call) {
+        SCOPED_TRACE(call);
+        program.LoseDevice();
+        program.recording.Interrupt(call, [&] { program.LoseDevice(); });
+        EXPECT_EQ(ErrorOf([&] { program.Gfx().ResetDevice(nullptr, -1); }), "no error");
+        ExpectThatItGoesOn(program, picture);
+    }
+}
+
+TEST_P(Loss, WhileTheProgramStarts) {
+    std::vector<D3DCOLOR> picture;
+    int calls = 0;
+    {
+        WholeProgram program(GetParam(), WholeProgram::State::Window);
+        calls = CallsOf(program, [&] { program.Start(); });
+        program.Play(0, 30);
+        picture = program.Picture();
+    }
+    int losses = 0;
+    for (int call = 1; call <= calls; call += 7) {
+        SCOPED_TRACE(call);
+        WholeProgram program(GetParam(), WholeProgram::State::Window);
+        program.recording.Interrupt(call, [&] {
+            if (!program.Gfx().Device()) return;
+            program.LoseDevice();
+            ++losses;
+        });
+        ASSERT_EQ(ErrorOf([&] { program.Start(); }), "no error");
+        program.Play(0, 30);
+        ExpectThatItGoesOn(program, picture);
+    }
+    EXPECT_GT(losses, 0);
+}
+
+}   // namespace
+}   // namespace sparkrig
