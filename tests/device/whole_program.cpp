@@ -1,5 +1,7 @@
 #include "tests/device/whole_program.h"
 
+#include <SDL.h>
+
 #include "app/tester_commands.h"
 #include "gfx/gfx_environment.h"
 #include "platform/d3d9_gl/device_hooks.h"
@@ -11,6 +13,12 @@ namespace sparkrig {
 namespace {
 
 IDirect3DDevice9* lost_device = nullptr;   // of OpenGL
+bool minimised = false;
+
+void ClientRectangle(HWND window, RECT& rectangle) {
+    GetClientRect(window, rectangle);
+    if (minimised) rectangle = {};
+}
 
 /// In place of a message: what took the device away is gone.
 void GiveDeviceBack() {
@@ -21,6 +29,7 @@ void GiveDeviceBack() {
 const GfxEnvironment& Environment() {
     static const GfxEnvironment environment = [] {
         GfxEnvironment table = kSystemEnvironment;
+        table.client_rectangle = ClientRectangle;
         table.pump_message = GiveDeviceBack;
         return table;
     }();
@@ -82,12 +91,24 @@ void WholeProgram::End() {
     engine.ShutDown();
     if (Tester().window) DestroyWindow(Tester().window);
     Tester() = {};
+    minimised = false;
 }
 
 void WholeProgram::LoseDevice() {
     if (back_end_ == BackEnd::Recording) return recording.LoseDevice(3);
     lost_device = &DeviceBehind(*Gfx().Device());
     sparkrig::LoseDevice(*lost_device);
+}
+
+void WholeProgram::ResizeWindow(int width, int height) {
+    SDL_SetWindowSize(NativeWindow(Tester().window), width, height);
+    MSG message;
+    while (PeekMessageA(message, PM_REMOVE)) DispatchMessageA(message);
+}
+
+void WholeProgram::MinimiseWindow(bool on) {
+    minimised = on;
+    ResizeWindow(on ? 1 : kWidth, on ? 1 : kHeight);   // the layer takes one pixel for none
 }
 
 }   // namespace sparkrig

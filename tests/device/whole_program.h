@@ -43,6 +43,10 @@ class WholeProgram {
 
     /// The device is lost until the program asks for a message.
     void LoseDevice();
+    /// The window gets another client area, which the program notices with its next frame.
+    void ResizeWindow(int width, int height);
+    /// While minimised the window has no client area.
+    void MinimiseWindow(bool on);
 
     Recording recording;
     Engine engine;
