@@ -299,6 +299,7 @@ const std::vector<FailingCall>& FailingCalls() {
          InitMultisampled},
         {"SetRenderTarget", "error KRN_Gfx: BeginScene (post effect SetRenderTarget) failed: %s", BeginSceneInTexture},
         {"CreateTexture", "error KRN_Gfx: Could not create screen copy texture: %s", CopyScreen},
+        {"GetSurfaceLevel", "error KRN_Gfx: GetSurfaceLevel failed: %s", CopyScreen},
         {"StretchRect", "error KRN_Gfx: StretchRect failed: %s", CopyScreen},
         {"CreateTexture", "error KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: %s",
          MakeScreenBuffer},

@@ -81,7 +81,7 @@ TEST_P(Failures, WhileTheProgramPlays) {
 void DoEverything(WholeProgram& program) {
     KRN_Gfx& gfx = program.Gfx();
     program.Start();
-    for (int effect = 0; effect < program.player->EffectCount(); ++effect) program.Play(effect, 1);
+    for (int effect = 0; effect < program.player->EffectCount(); ++effect) program.Play(effect, 6);
     program.LoseDevice();
     program.Frame();
     for (const FailingCall& row : FailingCalls()) {
