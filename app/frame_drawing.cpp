@@ -7,6 +7,7 @@
 #include "app/overlay.h"
 #include "app/stage_mesh.h"
 #include "app/tester_commands.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 
@@ -27,24 +28,32 @@ void DrawBackground(Engine& engine) {
 
 void DrawBackdrop(KRN_Gfx& gfx, LoopState& loop) {
     if (!loop.show_backdrop) return;
-    gfx.SetAmbient(kWhite);
-    gfx.SetBlendingMode(1, 255, 0);
-    gfx.DrawMesh(&loop.stage_mesh, nullptr);
-    gfx.SetAmbient(0);
-    gfx.SetRenderSource(1, 0, kWhite);
-    gfx.EndLightingOverride();
+    const auto draw = [&] {
+        gfx.SetAmbient(kWhite);
+        gfx.SetBlendingMode(1, 255, 0);
+        gfx.DrawMesh(&loop.stage_mesh, nullptr);
+    };
+    WithRestore(draw, [&] {
+        gfx.SetAmbient(0);
+        gfx.SetRenderSource(1, 0, kWhite);
+        gfx.EndLightingOverride();
+    });
 }
 
 void DrawEffects(Engine& engine, LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
-    gfx.SetCullingMode(1);
-    engine.effects.Draw();
+    const auto draw = [&] {
+        gfx.SetCullingMode(1);
+        engine.effects.Draw();
+    };
+    WithRestore(draw, [&] {
+        gfx.ResetWorldTransform();
+        gfx.SetCullingMode(-1);
+        gfx.SetZWrite(true);
+        gfx.SetZBufferMode(2);
+    });
     loop.drawn_particles = engine.effects.DrawnParticleCount();
     loop.most_drawn_particles = std::max(loop.most_drawn_particles, loop.drawn_particles);
-    gfx.ResetWorldTransform();
-    gfx.SetCullingMode(-1);
-    gfx.SetZWrite(true);
-    gfx.SetZBufferMode(2);
 }
 
 }   // namespace

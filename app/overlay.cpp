@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "gfx/with_restore.h"
+
 namespace sparkrig {
 
 namespace {
@@ -37,12 +39,13 @@ void EndText(Engine& engine) {
 }   // namespace
 
 void DrawOverlay(Engine& engine, const TesterState& state, const LoopState& loop) {
-    BeginText(engine, 2.0f);
-    if (loop.show_overlay) {
+    const auto draw = [&] {
+        BeginText(engine, 2.0f);
+        if (!loop.show_overlay) return;
         PrintLines(engine, state, loop);
         engine.gfx->DrawText();
-    }
-    EndText(engine);
+    };
+    WithRestore(draw, [&] { EndText(engine); });
 }
 
 void DrawEffectName(Engine& engine, const TesterState& state) {

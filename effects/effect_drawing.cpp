@@ -3,6 +3,7 @@
 #include "gfx/gfx.h"
 #include "gfx/texture.h"
 #include "gfx/texture_catalogue.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 namespace {
@@ -43,11 +44,13 @@ void EffectDrawing::ResetCounters() {
 void EffectDrawing::Draw(const EffectSimulation& simulation) {
     ResetCounters();
     before_ = RememberStates();
-    gfx_->SetFogEnable(false);
-    gfx_->SetLighting(false, nullptr);
-    BuildOrder(simulation);
-    DrawInOrder(simulation.Records(), simulation.DetailLevel());
-    RestoreStates();
+    const auto draw = [&] {
+        gfx_->SetFogEnable(false);
+        gfx_->SetLighting(false, nullptr);
+        BuildOrder(simulation);
+        DrawInOrder(simulation.Records(), simulation.DetailLevel());
+    };
+    WithRestore(draw, [this] { RestoreStates(); });
 }
 
 void EffectDrawing::BuildOrder(const EffectSimulation& simulation) {

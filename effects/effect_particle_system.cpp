@@ -2,6 +2,7 @@
 
 #include "gfx/gfx.h"
 #include "gfx/texture.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 namespace {
@@ -65,24 +66,29 @@ void EffectParticleSystem::WarnFull() {
 }
 
 void EffectParticleSystem::Flush() {
-    if (!IsEmpty()) {
-        ++draw_calls_;
-        gfx_->SetBlendingMode(blend_mode_, kFullAlpha, 0);
-        BindTexture();
-        FillVertices();
-        DrawQuads();
-    }
-    count_ = 0;
-    texture_ = nullptr;
+    WithRestore([this] { DrawBatch(); },
+                [this] {
+                    count_ = 0;
+                    texture_ = nullptr;
+                });
+}
+
+void EffectParticleSystem::DrawBatch() {
+    if (IsEmpty()) return;
+    ++draw_calls_;
+    gfx_->SetBlendingMode(blend_mode_, kFullAlpha, 0);
+    BindTexture();
+    FillVertices();
+    DrawQuads();
 }
 
 /// The frame of the batch: the texture, which sub-effects may share, can have gone on to another one since.
 void EffectParticleSystem::BindTexture() {
     if (!texture_) return gfx_->SetTexture(nullptr, -1);
     const int present = texture_->CurrentFrame();
-    if (present != texture_frame_) texture_->SelectSequenceFrame(texture_frame_);
-    gfx_->SetTexture(texture_, -1);
-    if (present != texture_frame_) texture_->SelectSequenceFrame(present);
+    if (present == texture_frame_) return gfx_->SetTexture(texture_, -1);
+    texture_->SelectSequenceFrame(texture_frame_);
+    WithRestore([this] { gfx_->SetTexture(texture_, -1); }, [&] { texture_->SelectSequenceFrame(present); });
 }
 
 void EffectParticleSystem::FillVertices() {
@@ -97,13 +103,17 @@ void EffectParticleSystem::DrawQuads() {
     const int culling = gfx_->CullingMode();
     shader_.SetParameter(billboard_matrix_, BillboardMatrix());
     shader_.SetParameter(use_particle_position_, !before_camera);
-    if (before_camera) gfx_->SetTransform(D3DTS_VIEW, kBeforeCameraView);
-    gfx_->SetCullingMode(0);
-    gfx_->SetShaderEffect(&shader_);
-    gfx_->DrawTriangleList(vertices_, 0, static_cast<int>(count_) * kTrianglesPerParticle);
-    gfx_->SetShaderEffect(nullptr);
-    gfx_->SetCullingMode(culling);
-    if (before_camera) gfx_->SetTransform(D3DTS_VIEW, view);
+    const auto draw = [&] {
+        if (before_camera) gfx_->SetTransform(D3DTS_VIEW, kBeforeCameraView);
+        gfx_->SetCullingMode(0);
+        gfx_->SetShaderEffect(&shader_);
+        gfx_->DrawTriangleList(vertices_, 0, static_cast<int>(count_) * kTrianglesPerParticle);
+    };
+    WithRestore(draw, [&] {
+        gfx_->SetShaderEffect(nullptr);
+        gfx_->SetCullingMode(culling);
+        if (before_camera) gfx_->SetTransform(D3DTS_VIEW, view);
+    });
 }
 
 /// From the plane of the quads to the world. A mode beyond the four faces the camera.

@@ -48,6 +48,7 @@ class EffectParticleSystem : public ErrorClass {
     void CreateVertices(int capacity, bool force_software_processing, int buffer_mode);
     D3DXHANDLE FindSemantic(const char* semantic) const;
     void WarnFull();
+    void DrawBatch();
     void BindTexture();
     void FillVertices();
     void DrawQuads();

@@ -7,6 +7,7 @@
 #include "gfx/display_modes.h"
 #include "gfx/gfx_parts.h"
 #include "gfx/scene_frame.h"
+#include "gfx/with_restore.h"
 #include "scene/camera.h"
 #include "scene/light.h"
 #include "scene/mesh.h"
@@ -284,8 +285,7 @@ void KRN_Gfx::PrintfCentred(float x, float y, const char* format, ...) {
 
 void KRN_Gfx::DrawText() {
     const RECT whole = {0, 0, static_cast<LONG>(parts_->targets.Width()), static_cast<LONG>(parts_->targets.Height())};
-    parts_->text_drawer.Draw(parts_->text, whole, 0, 0);
-    parts_->text.Clear();
+    WithRestore([&] { parts_->text_drawer.Draw(parts_->text, whole, 0, 0); }, [this] { parts_->text.Clear(); });
 }
 
 }   // namespace sparkrig

@@ -1,6 +1,7 @@
 #include "gfx/mesh_drawer.h"
 
 #include "gfx/effect_passes.h"
+#include "gfx/with_restore.h"
 #include "scene/mesh.h"
 
 namespace sparkrig {
@@ -34,9 +35,11 @@ bool MeshDrawer::Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world) {
     PrepareStates(*mesh, world != nullptr);
     transforms_.Set(D3DTS_WORLD, placed);
     const int culling = culling_.Mode();
-    if (D3DXMatrixDeterminant(&placed) < 0) culling_.Set(-culling);   // a mirrored mesh shows its backs
-    DrawGroupsInColour(*mesh);
-    culling_.Set(culling);
+    const auto draw = [&] {
+        if (D3DXMatrixDeterminant(&placed) < 0) culling_.Set(-culling);   // a mirrored mesh shows its backs
+        DrawGroupsInColour(*mesh);
+    };
+    WithRestore(draw, [&] { culling_.Set(culling); });
     return true;
 }
 
@@ -53,8 +56,7 @@ void MeshDrawer::DrawGroupsInColour(const KRN_MeshBase& mesh) {
     std::optional<D3DCOLOR> before;   // what stood in for the unlit vertices' colour until now
     if (lighting_.Colour()) before = *lighting_.Colour();
     lighting_.Set(false, &*colour_override_);
-    DrawGroups(mesh);
-    lighting_.Set(false, before ? &*before : nullptr);
+    WithRestore([&] { DrawGroups(mesh); }, [&] { lighting_.Set(false, before ? &*before : nullptr); });
 }
 
 void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh) {

@@ -5,6 +5,7 @@
 #include "gfx/effect_passes.h"
 #include "gfx/texture.h"
 #include "gfx/vertex_list.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 
@@ -53,7 +54,9 @@ void ScreenDrawer::Draw(const KRN_Gfx::Quad2D& rectangle, const KRN_Gfx::Quad2D*
     void* data = nullptr;
     sender_.Graphics().Require(quad->Lock(0, 0, &data, 0), " VB Lock failed: ");
     std::ranges::copy(corners, static_cast<KRN_TLVertex*>(data));
-    sender_.Graphics().Require(quad->Unlock(), " VB Unlock failed: ");
+    const HRESULT unlocked = quad->Unlock();
+    if (FAILED(unlocked)) quad.Reset();   // it could not be drawn any more
+    sender_.Graphics().Require(unlocked, " VB Unlock failed: ");
     DrawLast();
 }
 
@@ -66,17 +69,20 @@ void ScreenDrawer::DrawLast() {
     bindings_.SetSoftwareProcessing(false);
     bindings_.SetStreamSource(texture.ScreenQuad().Get(), sizeof(KRN_TLVertex),
                               " SetStreamSource in DrawLastTexture failed: ");
-    culling_.Set(0);
-    if (!depth_test_) depth_.PushOff();
-    samplers_.SetAddressU(address, 0);
-    samplers_.SetAddressV(address, 0);
-    bindings_.SetVertexFormat(KRN_TLVertex::kFormat);
-    DrawWithEffect(effects_.For2D(), [this] { DrawStrip(); });
-
-    samplers_.SetAddressU(address_u, 0);
-    samplers_.SetAddressV(address_v, 0);
-    if (!depth_test_) depth_.PopOff();
-    culling_.Set(culling);
+    const auto draw = [&] {
+        culling_.Set(0);
+        if (!depth_test_) depth_.PushOff();
+        samplers_.SetAddressU(address, 0);
+        samplers_.SetAddressV(address, 0);
+        bindings_.SetVertexFormat(KRN_TLVertex::kFormat);
+        DrawWithEffect(effects_.For2D(), [this] { DrawStrip(); });
+    };
+    WithRestore(draw, [&] {
+        samplers_.SetAddressU(address_u, 0);
+        samplers_.SetAddressV(address_v, 0);
+        if (!depth_test_) depth_.PopOff();
+        culling_.Set(culling);
+    });
 }
 
 void ScreenDrawer::DrawStrip() {

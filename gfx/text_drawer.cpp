@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "gfx/texture.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 
@@ -61,28 +62,34 @@ void TextDrawer::Draw(KRN_PrintfContainer& text, const RECT& rectangle, float sc
     const int culling = culling_.Mode();
     const DWORD mag_filter = samplers_.MagFilter(0), min_filter = samplers_.MinFilter(0);
     const D3DVIEWPORT9 viewport = transforms_.Viewport();
-    culling_.Set(0);
-    depth_.PushOff();
-    samplers_.SetMinFilter(D3DTEXF_POINT, 0);
-    samplers_.SetMagFilter(D3DTEXF_POINT, 0);
+    const auto draw = [&] {
+        culling_.Set(0);
+        depth_.PushOff();
+        samplers_.SetMinFilter(D3DTEXF_POINT, 0);
+        samplers_.SetMagFilter(D3DTEXF_POINT, 0);
+        DrawVisible(text, rectangle, scroll_x, scroll_y);
+    };
+    WithRestore(draw, [&] {
+        Abandon();
+        transforms_.SetViewport(viewport);
+        samplers_.SetMinFilter(min_filter, 0);
+        samplers_.SetMagFilter(mag_filter, 0);
+        depth_.PopOff();
+        culling_.Set(culling);
+    });
+}
 
+void TextDrawer::DrawVisible(KRN_PrintfContainer& text, const RECT& rectangle, float scroll_x, float scroll_y) {
     text.SortLines();
     const RECT visible = VisibleRectangle(text, rectangle, scroll_x, scroll_y);
-    if (!Empty(visible)) {
-        const D3DVIEWPORT9 clip = {static_cast<DWORD>(visible.left),
-                                   static_cast<DWORD>(visible.top),
-                                   static_cast<DWORD>(visible.right - visible.left),
-                                   static_cast<DWORD>(visible.bottom - visible.top),
-                                   0.0f,
-                                   1.0f};
-        if (SUCCEEDED(transforms_.SetViewport(clip))) DrawLines(text, visible, scroll_x, scroll_y);
-        transforms_.SetViewport(viewport);
-    }
-
-    samplers_.SetMinFilter(min_filter, 0);
-    samplers_.SetMagFilter(mag_filter, 0);
-    depth_.PopOff();
-    culling_.Set(culling);
+    if (Empty(visible)) return;
+    const D3DVIEWPORT9 clip = {static_cast<DWORD>(visible.left),
+                               static_cast<DWORD>(visible.top),
+                               static_cast<DWORD>(visible.right - visible.left),
+                               static_cast<DWORD>(visible.bottom - visible.top),
+                               0.0f,
+                               1.0f};
+    if (SUCCEEDED(transforms_.SetViewport(clip))) DrawLines(text, visible, scroll_x, scroll_y);
 }
 
 void TextDrawer::DrawLines(const KRN_PrintfContainer& text, const RECT& visible, float scroll_x, float scroll_y) {
@@ -100,7 +107,12 @@ void TextDrawer::DrawLines(const KRN_PrintfContainer& text, const RECT& visible,
         }
     }
     Flush();
+}
+
+void TextDrawer::Abandon() {
     font_ = nullptr;
+    locked_ = nullptr;
+    glyphs_ = 0;
 }
 
 void TextDrawer::UseFont(KRN_Font* font) {

@@ -35,10 +35,13 @@ class TextDrawer {
   private:
     struct Placement;   // where one run goes
     RECT VisibleRectangle(const KRN_PrintfContainer& text, const RECT& rectangle, float scroll_x, float scroll_y) const;
+    void DrawVisible(KRN_PrintfContainer& text, const RECT& rectangle, float scroll_x, float scroll_y);
     void DrawLines(const KRN_PrintfContainer& text, const RECT& visible, float scroll_x, float scroll_y);
     void AddRun(const KRN_PrintfContainer& text, const PrintfEntity& run, float x, float y);
     void UseFont(KRN_Font* font);
     void Flush();
+    /// No font, and nothing waits.
+    void Abandon();
 
     CullingState& culling_;
     DepthStates& depth_;

@@ -28,6 +28,7 @@ void* KRN_VertexList::LockElements(UINT first, UINT count, DWORD flags) {
     HRESULT result = D3DERR_INVALIDCALL;
     const bool inside = first <= elements_ && count <= elements_ - first;
     const UINT stride = static_cast<UINT>(layout_.stride);
+    if (buffer_ && locked_) buffer_->Unlock();   // an error came between, or its Unlock was refused
     if (buffer_ && inside) result = buffer_->Lock(first * stride, count * stride, &data, flags);
     if (FAILED(result)) Error("Lock failed: %s", DXGetErrorString9(result));
     locked_ = true;
