@@ -177,6 +177,11 @@ void DrawQuad(WholeProgram& program) {
     program.Gfx().BeginScene();
     program.Gfx().DrawTexture2D({3, 5, 40, 30}, 0xFFFFFFFF, {0.5f, 0.5f, 0.5f, 0.5f});
 }
+void DrawText(WholeProgram& program) {
+    program.Gfx().BeginScene();
+    program.Gfx().Printf(3, 5, "Sparks");
+    program.Gfx().DrawText();
+}
 void DrawMesh(WholeProgram& program) {
     program.Gfx().BeginScene();
     program.Gfx().DrawMesh(&program.player->Loop().stage_mesh, nullptr);
@@ -379,6 +384,10 @@ const std::vector<FailingCall>& FailingCalls() {
         {"DrawPrimitive", "error KRN_Gfx:  DrawPrimitive in DrawLastTexture failed: %s", DrawQuad},
         {"Lock", "error KRN_Gfx:  VB Lock failed: %s", DrawQuad},
         {"Unlock", "error KRN_Gfx:  VB Unlock failed: %s", DrawQuad},
+        {"Lock", "error KRN_ListBase: *undefined*: Lock failed: %s", DrawText},
+        {"Unlock", "error KRN_ListBase: *undefined*: Unlock failed: %s", DrawText},
+        {"SetStreamSource", "error KRN_Gfx: SetStreamSource in DrawVertexList failed: %s", DrawText},
+        {"DrawPrimitive", "error KRN_Gfx: DrawPrimitive in DrawTriangleList failed: %s", DrawText},
 
         // Meshes
         {"CreateVertexBuffer", "error KRN_Mesh: *undefined*:  D3DXCreateMeshFVF failed: %s ", MakeMesh},

@@ -56,12 +56,30 @@ TEST_P(Failures, WhileTheProgramStarts) {
     }
 }
 
+/// The states of the device that a frame ends with, so that the next one begins as it did.
+std::vector<DWORD> HeldStates(IDirect3DDevice9& device) {
+    std::vector<DWORD> states;
+    for (DWORD state = 1; state < kRenderStateCount; ++state)
+        device.GetRenderState(static_cast<D3DRENDERSTATETYPE>(state), &states.emplace_back());
+    for (DWORD stage = 0; stage < kTextureStages; ++stage) {
+        for (DWORD state = 1; state < kStageStateCount; ++state)
+            device.GetTextureStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(state), &states.emplace_back());
+        for (DWORD state = 1; state < kSamplerStateCount; ++state)
+            device.GetSamplerState(stage, static_cast<D3DSAMPLERSTATETYPE>(state), &states.emplace_back());
+    }
+    D3DVIEWPORT9 viewport = {};
+    device.GetViewport(&viewport);
+    states.insert(states.end(), {viewport.X, viewport.Y, viewport.Width, viewport.Height});
+    return states;
+}
+
 TEST_P(Failures, WhileTheProgramPlays) {
     WholeProgram program(GetParam());
     program.Play(0, 30);
     program.Gfx().Parts().texture_loader.Settings().sharing = false;
     program.Gfx().Parts().shader_effects.SetSharing(false);
     const std::vector<D3DCOLOR> before = program.Picture();
+    const std::vector<DWORD> states = HeldStates(*program.Gfx().Device());
     const int objects = program.recording.LiveObjects();
     for (const FailingCall& row : FailingCalls()) {
         SCOPED_TRACE(testing::PrintToString(row));
@@ -70,6 +88,7 @@ TEST_P(Failures, WhileTheProgramPlays) {
             EXPECT_EQ(ReportOfFailure(program, row, code), WithName(row.report, code));
             EXPECT_EQ(ErrorOf([&] { program.Gfx().ResetDevice(nullptr, -1); }), "no error");
             EXPECT_TRUE(program.Picture() == before);
+            EXPECT_EQ(HeldStates(*program.Gfx().Device()), states);
             EXPECT_EQ(program.recording.LiveObjects(), objects);
         }
     }
@@ -108,6 +127,27 @@ TEST_P(Failures, OfEveryCallThatIsMadeHaveARow) {
         EXPECT_TRUE(shown.contains(method)) << method << " has no row";
         EXPECT_EQ(shown[method], AsSet(CodesOf(method))) << method;
     }
+}
+
+TEST_P(Failures, OfEveryCallOfAFrameLeaveTheNextFramesAsTheyWere) {
+    WholeProgram program(GetParam());
+    program.Play(0, 30);
+    const std::vector<D3DCOLOR> before = program.Picture();
+    program.recording.ForgetCalls();
+    program.Frame();
+    std::map<std::string, int> seen;
+    for (const std::string& method : program.recording.Methods()) {
+        const int nth = ++seen[method];
+        SCOPED_TRACE(method + " " + std::to_string(nth));
+        program.recording.ForgetCalls();
+        program.recording.Fail(method, D3DERR_INVALIDCALL, nth);
+        ErrorOf([&] { program.Frame(); });
+        EXPECT_GE(program.recording.Count(method), nth) << "was not called";
+        EXPECT_EQ(ErrorOf([&] { program.Gfx().ResetDevice(nullptr, -1); }), "no error");
+        EXPECT_TRUE(program.Picture() == before);
+    }
+    program.End();
+    EXPECT_EQ(program.recording.LiveObjects(), 0);
 }
 
 }   // namespace

@@ -195,23 +195,6 @@ TEST(VertexList, CountsWhatItDraws) {
     EXPECT_EQ(statistics.draw_calls, 0u);
 }
 
-TEST(VertexList, FailuresOfDrawingAreErrors) {
-    constexpr struct {
-        const char* method;
-        const char* message;
-    } kRows[] = {{"SetStreamSource", "KRN_Gfx: SetStreamSource in DrawVertexList failed: E_FAIL"},
-                 {"SetFVF", "KRN_Gfx: Failed to set flexible vertex format: E_FAIL"},
-                 {"DrawPrimitive", "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL"}};
-    for (const auto& row : kRows) {
-        RecordedGfx gfx;
-        KRN_VertexListTemp<KRN_LVertex> list;
-        gfx->CreateVertexList(&list, 30, -1, false);
-        gfx->BeginScene();
-        gfx.recording.Fail(row.method, E_FAIL);
-        EXPECT_EQ(ErrorOf([&] { gfx->DrawTriangleList(list, 0, -1); }), row.message);
-    }
-}
-
 TEST(ImmediateLists, AreMadeOnceAndFilled) {
     RecordedGfx gfx;
     ImmediateLists& lists = gfx->Parts().immediate;
