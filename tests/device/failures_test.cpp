@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <map>
 #include <set>
 
@@ -119,8 +120,15 @@ TEST_P(Failures, OfEveryCallThatIsMadeHaveARow) {
     WholeProgram program(GetParam(), WholeProgram::State::Window);
     DoEverything(program);
     std::map<std::string, std::set<HRESULT>> shown;
-    for (const std::vector<FailingCall>* rows : {&FailingStart(), &FailingCalls()})
-        for (const FailingCall& row : *rows) shown[row.method].merge(AsSet(CodesOfRow(row)));
+    std::size_t row_count = 0, cases = 0;
+    for (const std::vector<FailingCall>* rows : {&FailingStart(), &FailingCalls()}) {
+        for (const FailingCall& row : *rows) {
+            shown[row.method].merge(AsSet(CodesOfRow(row)));
+            ++row_count;
+            cases += CodesOfRow(row).size();
+        }
+    }
+    std::printf("%zu calls of the contract in %zu rows, %zu cases\n", shown.size(), row_count, cases);
     for (const SilentCall& row : SilentCalls()) shown[row.method] = AsSet(CodesOf(row.method));
     const std::vector<std::string> called = program.recording.Methods();
     for (const std::string& method : std::set<std::string>(called.begin(), called.end())) {

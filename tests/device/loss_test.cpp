@@ -71,7 +71,7 @@ TEST_P(Loss, WhileTheProgramStarts) {
         picture = program.Picture();
     }
     int losses = 0;
-    for (int call = 1; call <= calls; call += 7) {
+    for (int call = 1; call <= calls; call += 3) {
         SCOPED_TRACE(call);
         WholeProgram program(GetParam(), WholeProgram::State::Window);
         program.recording.Interrupt(call, [&] {
