@@ -42,6 +42,7 @@ struct Argument<Interface**> {
 template <class Interface>
 class ForwardingObject : public RecordedObject<Interface> {
   public:
+    using I = Interface;
     /// Takes over the reference.
     ForwardingObject(Recording& recording, Interface* behind)
         : RecordedObject<Interface>(recording, false), behind_(behind) {}
@@ -58,6 +59,9 @@ class ForwardingObject : public RecordedObject<Interface> {
     DevicePtr<Interface> behind_;
 };
 
+/// Forwards the call of the method it stands in. Arguments go by letters: the contract names them.
+#define CALL(method, ...) this->Call(#method, &I::method __VA_OPT__(, ) __VA_ARGS__)
+
 // Shaders have no calls.
 template <class Interface>
 class Forwarding : public ForwardingObject<Interface> {
@@ -67,44 +71,31 @@ class Forwarding : public ForwardingObject<Interface> {
 
 template <>
 class Forwarding<IDirect3DSurface9> : public ForwardingObject<IDirect3DSurface9> {
-    using I = IDirect3DSurface9;
-
   public:
     using ForwardingObject::ForwardingObject;
-    HRESULT GetDesc(D3DSURFACE_DESC* desc) override { return Call("GetDesc", &I::GetDesc, desc); }
-    HRESULT LockRect(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override {
-        return Call("LockRect", &I::LockRect, locked, rect, flags);
-    }
-    HRESULT UnlockRect() override { return Call("UnlockRect", &I::UnlockRect); }
+    HRESULT GetDesc(D3DSURFACE_DESC* a) override { return CALL(GetDesc, a); }
+    HRESULT LockRect(D3DLOCKED_RECT* a, const RECT* b, DWORD c) override { return CALL(LockRect, a, b, c); }
+    HRESULT UnlockRect() override { return CALL(UnlockRect); }
 };
 
 template <>
 class Forwarding<IDirect3DTexture9> : public ForwardingObject<IDirect3DTexture9> {
-    using I = IDirect3DTexture9;
-
   public:
     using ForwardingObject::ForwardingObject;
     DWORD GetLevelCount() override { return behind_->GetLevelCount(); }
-    HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override {
-        return Call("GetLevelDesc", &I::GetLevelDesc, level, desc);
-    }
-    HRESULT GetSurfaceLevel(UINT level, IDirect3DSurface9** surface) override {
-        return Call("GetSurfaceLevel", &I::GetSurfaceLevel, level, surface);
-    }
-    HRESULT LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override {
-        return Call("LockRect", &I::LockRect, level, locked, rect, flags);
-    }
-    HRESULT UnlockRect(UINT level) override { return Call("UnlockRect", &I::UnlockRect, level); }
+    HRESULT GetLevelDesc(UINT a, D3DSURFACE_DESC* b) override { return CALL(GetLevelDesc, a, b); }
+    HRESULT GetSurfaceLevel(UINT a, IDirect3DSurface9** b) override { return CALL(GetSurfaceLevel, a, b); }
+    HRESULT LockRect(UINT a, D3DLOCKED_RECT* b, const RECT* c, DWORD d) override { return CALL(LockRect, a, b, c, d); }
+    HRESULT UnlockRect(UINT a) override { return CALL(UnlockRect, a); }
 };
 
 template <class Interface>
 class ForwardingBuffer : public ForwardingObject<Interface> {
   public:
     using ForwardingObject<Interface>::ForwardingObject;
-    HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
-        return this->Call("Lock", &Interface::Lock, offset, size, data, flags);
-    }
-    HRESULT Unlock() override { return this->Call("Unlock", &Interface::Unlock); }
+    using typename ForwardingObject<Interface>::I;
+    HRESULT Lock(UINT a, UINT b, void** c, DWORD d) override { return CALL(Lock, a, b, c, d); }
+    HRESULT Unlock() override { return CALL(Unlock); }
 };
 
 template <>
@@ -120,198 +111,129 @@ class Forwarding<IDirect3DIndexBuffer9> : public ForwardingBuffer<IDirect3DIndex
 
 template <>
 class Forwarding<IDirect3D9> : public ForwardingObject<IDirect3D9> {
-    using I = IDirect3D9;
-
   public:
     using ForwardingObject::ForwardingObject;
     UINT GetAdapterCount() override { return behind_->GetAdapterCount(); }
-    HRESULT GetAdapterIdentifier(UINT adapter, DWORD flags, D3DADAPTER_IDENTIFIER9* identifier) override {
-        return Call("GetAdapterIdentifier", &I::GetAdapterIdentifier, adapter, flags, identifier);
+    HRESULT GetAdapterIdentifier(UINT a, DWORD b, D3DADAPTER_IDENTIFIER9* c) override {
+        return CALL(GetAdapterIdentifier, a, b, c);
     }
-    HRESULT GetAdapterDisplayMode(UINT adapter, D3DDISPLAYMODE* mode) override {
-        return Call("GetAdapterDisplayMode", &I::GetAdapterDisplayMode, adapter, mode);
-    }
+    HRESULT GetAdapterDisplayMode(UINT a, D3DDISPLAYMODE* b) override { return CALL(GetAdapterDisplayMode, a, b); }
     UINT GetAdapterModeCount(UINT adapter, D3DFORMAT format) override {
         return behind_->GetAdapterModeCount(adapter, format);
     }
-    HRESULT EnumAdapterModes(UINT adapter, D3DFORMAT format, UINT index, D3DDISPLAYMODE* mode) override {
-        return Call("EnumAdapterModes", &I::EnumAdapterModes, adapter, format, index, mode);
+    HRESULT EnumAdapterModes(UINT a, D3DFORMAT b, UINT c, D3DDISPLAYMODE* d) override {
+        return CALL(EnumAdapterModes, a, b, c, d);
     }
-    HRESULT CheckDeviceFormat(UINT adapter, D3DDEVTYPE type, D3DFORMAT adapter_format, DWORD usage,
-                              D3DRESOURCETYPE resource, D3DFORMAT format) override {
-        return Call("CheckDeviceFormat", &I::CheckDeviceFormat, adapter, type, adapter_format, usage, resource, format);
+    HRESULT CheckDeviceFormat(UINT a, D3DDEVTYPE b, D3DFORMAT c, DWORD d, D3DRESOURCETYPE e, D3DFORMAT f) override {
+        return CALL(CheckDeviceFormat, a, b, c, d, e, f);
     }
-    HRESULT GetDeviceCaps(UINT adapter, D3DDEVTYPE type, D3DCAPS9* caps) override {
-        return Call("GetDeviceCaps", &I::GetDeviceCaps, adapter, type, caps);
-    }
-    HRESULT CreateDevice(UINT adapter, D3DDEVTYPE type, HWND focus_window, DWORD behaviour,
-                         D3DPRESENT_PARAMETERS* parameters, IDirect3DDevice9** device) override {
-        return Call("CreateDevice", &I::CreateDevice, adapter, type, focus_window, behaviour, parameters, device);
+    HRESULT GetDeviceCaps(UINT a, D3DDEVTYPE b, D3DCAPS9* c) override { return CALL(GetDeviceCaps, a, b, c); }
+    HRESULT CreateDevice(UINT a, D3DDEVTYPE b, HWND c, DWORD d, D3DPRESENT_PARAMETERS* e,
+                         IDirect3DDevice9** f) override {
+        return CALL(CreateDevice, a, b, c, d, e, f);
     }
 };
 
 template <>
 class Forwarding<IDirect3DDevice9> : public ForwardingObject<IDirect3DDevice9> {
-    using I = IDirect3DDevice9;
-
   public:
     using ForwardingObject::ForwardingObject;
-    HRESULT TestCooperativeLevel() override { return Call("TestCooperativeLevel", &I::TestCooperativeLevel); }
-    HRESULT Reset(D3DPRESENT_PARAMETERS* parameters) override { return Call("Reset", &I::Reset, parameters); }
-    HRESULT Present(const RECT* source, const RECT* destination, HWND window, const void* region) override {
-        return Call("Present", &I::Present, source, destination, window, region);
-    }
-    HRESULT GetDeviceCaps(D3DCAPS9* caps) override { return Call("GetDeviceCaps", &I::GetDeviceCaps, caps); }
+    HRESULT TestCooperativeLevel() override { return CALL(TestCooperativeLevel); }
+    HRESULT Reset(D3DPRESENT_PARAMETERS* a) override { return CALL(Reset, a); }
+    HRESULT Present(const RECT* a, const RECT* b, HWND c, const void* d) override { return CALL(Present, a, b, c, d); }
+    HRESULT GetDeviceCaps(D3DCAPS9* a) override { return CALL(GetDeviceCaps, a); }
     void SetGammaRamp(UINT swap_chain, DWORD flags, const D3DGAMMARAMP* ramp) override {
         behind_->SetGammaRamp(swap_chain, flags, ramp);
     }
-    HRESULT SetSoftwareVertexProcessing(BOOL software) override {
-        return Call("SetSoftwareVertexProcessing", &I::SetSoftwareVertexProcessing, software);
+    HRESULT SetSoftwareVertexProcessing(BOOL a) override { return CALL(SetSoftwareVertexProcessing, a); }
+
+    HRESULT CreateTexture(UINT a, UINT b, UINT c, DWORD d, D3DFORMAT e, D3DPOOL f, IDirect3DTexture9** g) override {
+        return CALL(CreateTexture, a, b, c, d, e, f, g);
+    }
+    HRESULT CreateVertexBuffer(UINT a, DWORD b, DWORD c, D3DPOOL d, IDirect3DVertexBuffer9** e) override {
+        return CALL(CreateVertexBuffer, a, b, c, d, e);
+    }
+    HRESULT CreateIndexBuffer(UINT a, DWORD b, D3DFORMAT c, D3DPOOL d, IDirect3DIndexBuffer9** e) override {
+        return CALL(CreateIndexBuffer, a, b, c, d, e);
+    }
+    HRESULT CreateRenderTarget(UINT a, UINT b, D3DFORMAT c, DWORD d, DWORD e, BOOL f, IDirect3DSurface9** g) override {
+        return CALL(CreateRenderTarget, a, b, c, d, e, f, g);
+    }
+    HRESULT CreateOffscreenPlainSurface(UINT a, UINT b, D3DFORMAT c, D3DPOOL d, IDirect3DSurface9** e) override {
+        return CALL(CreateOffscreenPlainSurface, a, b, c, d, e);
+    }
+    HRESULT CreateVertexShader(const ShaderCode& a, IDirect3DVertexShader9** b) override {
+        return CALL(CreateVertexShader, a, b);
+    }
+    HRESULT CreatePixelShader(const ShaderCode& a, IDirect3DPixelShader9** b) override {
+        return CALL(CreatePixelShader, a, b);
     }
 
-    HRESULT CreateTexture(UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
-                          IDirect3DTexture9** texture) override {
-        return Call("CreateTexture", &I::CreateTexture, width, height, levels, usage, format, pool, texture);
+    HRESULT GetBackBuffer(UINT a, UINT b, DWORD c, IDirect3DSurface9** d) override {
+        return CALL(GetBackBuffer, a, b, c, d);
     }
-    HRESULT CreateVertexBuffer(UINT bytes, DWORD usage, DWORD fvf, D3DPOOL pool,
-                               IDirect3DVertexBuffer9** buffer) override {
-        return Call("CreateVertexBuffer", &I::CreateVertexBuffer, bytes, usage, fvf, pool, buffer);
+    HRESULT SetRenderTarget(DWORD a, IDirect3DSurface9* b) override { return CALL(SetRenderTarget, a, b); }
+    HRESULT GetRenderTarget(DWORD a, IDirect3DSurface9** b) override { return CALL(GetRenderTarget, a, b); }
+    HRESULT GetDepthStencilSurface(IDirect3DSurface9** a) override { return CALL(GetDepthStencilSurface, a); }
+    HRESULT StretchRect(IDirect3DSurface9* a, const RECT* b, IDirect3DSurface9* c, const RECT* d, DWORD e) override {
+        return CALL(StretchRect, a, b, c, d, e);
     }
-    HRESULT CreateIndexBuffer(UINT bytes, DWORD usage, D3DFORMAT format, D3DPOOL pool,
-                              IDirect3DIndexBuffer9** buffer) override {
-        return Call("CreateIndexBuffer", &I::CreateIndexBuffer, bytes, usage, format, pool, buffer);
-    }
-    HRESULT CreateRenderTarget(UINT width, UINT height, D3DFORMAT format, DWORD multisample, DWORD quality,
-                               BOOL lockable, IDirect3DSurface9** surface) override {
-        return Call("CreateRenderTarget", &I::CreateRenderTarget, width, height, format, multisample, quality, lockable,
-                    surface);
-    }
-    HRESULT CreateOffscreenPlainSurface(UINT width, UINT height, D3DFORMAT format, D3DPOOL pool,
-                                        IDirect3DSurface9** surface) override {
-        return Call("CreateOffscreenPlainSurface", &I::CreateOffscreenPlainSurface, width, height, format, pool,
-                    surface);
-    }
-    HRESULT CreateVertexShader(const ShaderCode& code, IDirect3DVertexShader9** shader) override {
-        return Call("CreateVertexShader", &I::CreateVertexShader, code, shader);
-    }
-    HRESULT CreatePixelShader(const ShaderCode& code, IDirect3DPixelShader9** shader) override {
-        return Call("CreatePixelShader", &I::CreatePixelShader, code, shader);
+    HRESULT ColorFill(IDirect3DSurface9* a, const RECT* b, D3DCOLOR c) override { return CALL(ColorFill, a, b, c); }
+    HRESULT UpdateTexture(IDirect3DTexture9* a, IDirect3DTexture9* b) override { return CALL(UpdateTexture, a, b); }
+    HRESULT GetRenderTargetData(IDirect3DSurface9* a, IDirect3DSurface9* b) override {
+        return CALL(GetRenderTargetData, a, b);
     }
 
-    HRESULT GetBackBuffer(UINT swap_chain, UINT index, DWORD type, IDirect3DSurface9** surface) override {
-        return Call("GetBackBuffer", &I::GetBackBuffer, swap_chain, index, type, surface);
-    }
-    HRESULT SetRenderTarget(DWORD index, IDirect3DSurface9* surface) override {
-        return Call("SetRenderTarget", &I::SetRenderTarget, index, surface);
-    }
-    HRESULT GetRenderTarget(DWORD index, IDirect3DSurface9** surface) override {
-        return Call("GetRenderTarget", &I::GetRenderTarget, index, surface);
-    }
-    HRESULT GetDepthStencilSurface(IDirect3DSurface9** surface) override {
-        return Call("GetDepthStencilSurface", &I::GetDepthStencilSurface, surface);
-    }
-    HRESULT StretchRect(IDirect3DSurface9* source, const RECT* from, IDirect3DSurface9* destination, const RECT* to,
-                        DWORD filter) override {
-        return Call("StretchRect", &I::StretchRect, source, from, destination, to, filter);
-    }
-    HRESULT ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR colour) override {
-        return Call("ColorFill", &I::ColorFill, surface, rect, colour);
-    }
-    HRESULT UpdateTexture(IDirect3DTexture9* source, IDirect3DTexture9* destination) override {
-        return Call("UpdateTexture", &I::UpdateTexture, source, destination);
-    }
-    HRESULT GetRenderTargetData(IDirect3DSurface9* target, IDirect3DSurface9* system_surface) override {
-        return Call("GetRenderTargetData", &I::GetRenderTargetData, target, system_surface);
+    HRESULT BeginScene() override { return CALL(BeginScene); }
+    HRESULT EndScene() override { return CALL(EndScene); }
+    HRESULT Clear(DWORD a, const D3DRECT* b, DWORD c, D3DCOLOR d, float e, DWORD f) override {
+        return CALL(Clear, a, b, c, d, e, f);
     }
 
-    HRESULT BeginScene() override { return Call("BeginScene", &I::BeginScene); }
-    HRESULT EndScene() override { return Call("EndScene", &I::EndScene); }
-    HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR colour, float z, DWORD stencil) override {
-        return Call("Clear", &I::Clear, count, rects, flags, colour, z, stencil);
+    HRESULT SetViewport(const D3DVIEWPORT9* a) override { return CALL(SetViewport, a); }
+    HRESULT GetViewport(D3DVIEWPORT9* a) override { return CALL(GetViewport, a); }
+    HRESULT SetTransform(D3DTRANSFORMSTATETYPE a, const D3DMATRIX* b) override { return CALL(SetTransform, a, b); }
+    HRESULT GetTransform(D3DTRANSFORMSTATETYPE a, D3DMATRIX* b) override { return CALL(GetTransform, a, b); }
+    HRESULT SetMaterial(const D3DMATERIAL9* a) override { return CALL(SetMaterial, a); }
+    HRESULT GetMaterial(D3DMATERIAL9* a) override { return CALL(GetMaterial, a); }
+    HRESULT SetLight(DWORD a, const D3DLIGHT9* b) override { return CALL(SetLight, a, b); }
+    HRESULT GetLight(DWORD a, D3DLIGHT9* b) override { return CALL(GetLight, a, b); }
+    HRESULT LightEnable(DWORD a, BOOL b) override { return CALL(LightEnable, a, b); }
+    HRESULT GetLightEnable(DWORD a, BOOL* b) override { return CALL(GetLightEnable, a, b); }
+    HRESULT SetRenderState(D3DRENDERSTATETYPE a, DWORD b) override { return CALL(SetRenderState, a, b); }
+    HRESULT GetRenderState(D3DRENDERSTATETYPE a, DWORD* b) override { return CALL(GetRenderState, a, b); }
+    HRESULT SetTextureStageState(DWORD a, D3DTEXTURESTAGESTATETYPE b, DWORD c) override {
+        return CALL(SetTextureStageState, a, b, c);
     }
+    HRESULT GetTextureStageState(DWORD a, D3DTEXTURESTAGESTATETYPE b, DWORD* c) override {
+        return CALL(GetTextureStageState, a, b, c);
+    }
+    HRESULT SetSamplerState(DWORD a, D3DSAMPLERSTATETYPE b, DWORD c) override { return CALL(SetSamplerState, a, b, c); }
+    HRESULT GetSamplerState(DWORD a, D3DSAMPLERSTATETYPE b, DWORD* c) override {
+        return CALL(GetSamplerState, a, b, c);
+    }
+    HRESULT SetTexture(DWORD a, IDirect3DTexture9* b) override { return CALL(SetTexture, a, b); }
+    HRESULT GetTexture(DWORD a, IDirect3DTexture9** b) override { return CALL(GetTexture, a, b); }
+    HRESULT SetVertexShader(IDirect3DVertexShader9* a) override { return CALL(SetVertexShader, a); }
+    HRESULT GetVertexShader(IDirect3DVertexShader9** a) override { return CALL(GetVertexShader, a); }
+    HRESULT SetPixelShader(IDirect3DPixelShader9* a) override { return CALL(SetPixelShader, a); }
+    HRESULT GetPixelShader(IDirect3DPixelShader9** a) override { return CALL(GetPixelShader, a); }
+    HRESULT SetVertexShaderGlobals(const void* a, UINT b) override { return CALL(SetVertexShaderGlobals, a, b); }
+    HRESULT SetPixelShaderGlobals(const void* a, UINT b) override { return CALL(SetPixelShaderGlobals, a, b); }
 
-    HRESULT SetViewport(const D3DVIEWPORT9* viewport) override {
-        return Call("SetViewport", &I::SetViewport, viewport);
+    HRESULT SetFVF(DWORD a) override { return CALL(SetFVF, a); }
+    HRESULT GetFVF(DWORD* a) override { return CALL(GetFVF, a); }
+    HRESULT SetStreamSource(UINT a, IDirect3DVertexBuffer9* b, UINT c, UINT d) override {
+        return CALL(SetStreamSource, a, b, c, d);
     }
-    HRESULT GetViewport(D3DVIEWPORT9* viewport) override { return Call("GetViewport", &I::GetViewport, viewport); }
-    HRESULT SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX* matrix) override {
-        return Call("SetTransform", &I::SetTransform, state, matrix);
-    }
-    HRESULT GetTransform(D3DTRANSFORMSTATETYPE state, D3DMATRIX* matrix) override {
-        return Call("GetTransform", &I::GetTransform, state, matrix);
-    }
-    HRESULT SetMaterial(const D3DMATERIAL9* material) override {
-        return Call("SetMaterial", &I::SetMaterial, material);
-    }
-    HRESULT GetMaterial(D3DMATERIAL9* material) override { return Call("GetMaterial", &I::GetMaterial, material); }
-    HRESULT SetLight(DWORD index, const D3DLIGHT9* light) override {
-        return Call("SetLight", &I::SetLight, index, light);
-    }
-    HRESULT GetLight(DWORD index, D3DLIGHT9* light) override { return Call("GetLight", &I::GetLight, index, light); }
-    HRESULT LightEnable(DWORD index, BOOL enable) override {
-        return Call("LightEnable", &I::LightEnable, index, enable);
-    }
-    HRESULT GetLightEnable(DWORD index, BOOL* enable) override {
-        return Call("GetLightEnable", &I::GetLightEnable, index, enable);
-    }
-    HRESULT SetRenderState(D3DRENDERSTATETYPE state, DWORD value) override {
-        return Call("SetRenderState", &I::SetRenderState, state, value);
-    }
-    HRESULT GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) override {
-        return Call("GetRenderState", &I::GetRenderState, state, value);
-    }
-    HRESULT SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD value) override {
-        return Call("SetTextureStageState", &I::SetTextureStageState, stage, state, value);
-    }
-    HRESULT GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD* value) override {
-        return Call("GetTextureStageState", &I::GetTextureStageState, stage, state, value);
-    }
-    HRESULT SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD value) override {
-        return Call("SetSamplerState", &I::SetSamplerState, sampler, state, value);
-    }
-    HRESULT GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD* value) override {
-        return Call("GetSamplerState", &I::GetSamplerState, sampler, state, value);
-    }
-    HRESULT SetTexture(DWORD sampler, IDirect3DTexture9* texture) override {
-        return Call("SetTexture", &I::SetTexture, sampler, texture);
-    }
-    HRESULT GetTexture(DWORD sampler, IDirect3DTexture9** texture) override {
-        return Call("GetTexture", &I::GetTexture, sampler, texture);
-    }
-    HRESULT SetVertexShader(IDirect3DVertexShader9* shader) override {
-        return Call("SetVertexShader", &I::SetVertexShader, shader);
-    }
-    HRESULT GetVertexShader(IDirect3DVertexShader9** shader) override {
-        return Call("GetVertexShader", &I::GetVertexShader, shader);
-    }
-    HRESULT SetPixelShader(IDirect3DPixelShader9* shader) override {
-        return Call("SetPixelShader", &I::SetPixelShader, shader);
-    }
-    HRESULT GetPixelShader(IDirect3DPixelShader9** shader) override {
-        return Call("GetPixelShader", &I::GetPixelShader, shader);
-    }
-    HRESULT SetVertexShaderGlobals(const void* data, UINT bytes) override {
-        return Call("SetVertexShaderGlobals", &I::SetVertexShaderGlobals, data, bytes);
-    }
-    HRESULT SetPixelShaderGlobals(const void* data, UINT bytes) override {
-        return Call("SetPixelShaderGlobals", &I::SetPixelShaderGlobals, data, bytes);
-    }
-
-    HRESULT SetFVF(DWORD fvf) override { return Call("SetFVF", &I::SetFVF, fvf); }
-    HRESULT GetFVF(DWORD* fvf) override { return Call("GetFVF", &I::GetFVF, fvf); }
-    HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset, UINT stride) override {
-        return Call("SetStreamSource", &I::SetStreamSource, stream, buffer, offset, stride);
-    }
-    HRESULT SetIndices(IDirect3DIndexBuffer9* buffer) override { return Call("SetIndices", &I::SetIndices, buffer); }
-    HRESULT DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT count) override {
-        return Call("DrawPrimitive", &I::DrawPrimitive, type, first_vertex, count);
-    }
-    HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base_vertex, UINT min_index, UINT vertices,
-                                 UINT first_index, UINT count) override {
-        return Call("DrawIndexedPrimitive", &I::DrawIndexedPrimitive, type, base_vertex, min_index, vertices,
-                    first_index, count);
+    HRESULT SetIndices(IDirect3DIndexBuffer9* a) override { return CALL(SetIndices, a); }
+    HRESULT DrawPrimitive(D3DPRIMITIVETYPE a, UINT b, UINT c) override { return CALL(DrawPrimitive, a, b, c); }
+    HRESULT DrawIndexedPrimitive(D3DPRIMITIVETYPE a, INT b, UINT c, UINT d, UINT e, UINT f) override {
+        return CALL(DrawIndexedPrimitive, a, b, c, d, e, f);
     }
 };
+
+#undef CALL
 
 }   // namespace
 

@@ -7,32 +7,17 @@ namespace sparkrig {
 namespace {
 
 UINT BlockBytes(D3DFORMAT format) {
-    switch (format) {
-        case D3DFMT_DXT1: return 8;
-        case D3DFMT_DXT2:
-        case D3DFMT_DXT3:
-        case D3DFMT_DXT4:
-        case D3DFMT_DXT5: return 16;
-        default: return 0;
-    }
+    if (format == D3DFMT_DXT1) return 8;
+    constexpr D3DFORMAT kLarge[] = {D3DFMT_DXT2, D3DFMT_DXT3, D3DFMT_DXT4, D3DFMT_DXT5};
+    return std::ranges::count(kLarge, format) > 0 ? 16 : 0;
 }
 
 UINT PixelBytes(D3DFORMAT format) {
-    switch (format) {
-        case D3DFMT_A8:
-        case D3DFMT_L8:
-        case D3DFMT_P8: return 1;
-        case D3DFMT_R5G6B5:
-        case D3DFMT_X1R5G5B5:
-        case D3DFMT_A1R5G5B5:
-        case D3DFMT_A4R4G4B4:
-        case D3DFMT_A8L8:
-        case D3DFMT_V8U8:
-        case D3DFMT_L16:
-        case D3DFMT_D16: return 2;
-        case D3DFMT_R8G8B8: return 3;
-        default: return 4;
-    }
+    constexpr D3DFORMAT kOne[] = {D3DFMT_A8, D3DFMT_L8, D3DFMT_P8};
+    constexpr D3DFORMAT kTwo[] = {D3DFMT_R5G6B5, D3DFMT_X1R5G5B5, D3DFMT_A1R5G5B5, D3DFMT_A4R4G4B4,
+                                  D3DFMT_A8L8,   D3DFMT_V8U8,     D3DFMT_L16,      D3DFMT_D16};
+    if (format == D3DFMT_R8G8B8) return 3;
+    return std::ranges::count(kOne, format) > 0 ? 1 : std::ranges::count(kTwo, format) > 0 ? 2 : 4;
 }
 
 bool Inside(const RECT& rect, const D3DSURFACE_DESC& desc) {
@@ -81,32 +66,6 @@ HRESULT RecordedImage::Unlock() {
     return D3D_OK;
 }
 
-RecordedSurface::RecordedSurface(Recording& recording, const D3DSURFACE_DESC& desc)
-    : RecordedObject(recording, desc.Pool == D3DPOOL_DEFAULT), image_(std::make_shared<RecordedImage>(desc)) {}
-
-RecordedSurface::RecordedSurface(Recording& recording, RecordedTexture& owner, std::shared_ptr<RecordedImage> image)
-    : RecordedObject(recording, image->desc.Pool == D3DPOOL_DEFAULT),
-      owner_(DevicePtr<IDirect3DTexture9>::Share(&owner)),
-      image_(std::move(image)) {}
-
-RecordedSurface::~RecordedSurface() = default;
-
-HRESULT RecordedSurface::GetDesc(D3DSURFACE_DESC* desc) {
-    const HRESULT result = recording_.Record("GetDesc", {Serial()});
-    if (SUCCEEDED(result)) *desc = image_->desc;
-    return result;
-}
-
-HRESULT RecordedSurface::LockRect(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
-    const HRESULT result = recording_.Record("LockRect", {Serial(), flags});
-    return FAILED(result) ? result : image_->Lock(locked, rect, flags);
-}
-
-HRESULT RecordedSurface::UnlockRect() {
-    const HRESULT result = recording_.Record("UnlockRect", {Serial()});
-    return FAILED(result) ? result : image_->Unlock();
-}
-
 RecordedTexture::RecordedTexture(Recording& recording, const D3DSURFACE_DESC& top, UINT levels)
     : RecordedObject(recording, top.Pool == D3DPOOL_DEFAULT) {
     D3DSURFACE_DESC desc = top;
@@ -115,34 +74,6 @@ RecordedTexture::RecordedTexture(Recording& recording, const D3DSURFACE_DESC& to
         desc.Width = std::max(desc.Width / 2, 1u);
         desc.Height = std::max(desc.Height / 2, 1u);
     }
-}
-
-HRESULT RecordedTexture::GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) {
-    const HRESULT result = recording_.Record("GetLevelDesc", {Serial(), level});
-    if (FAILED(result)) return result;
-    if (level >= levels_.size()) return D3DERR_INVALIDCALL;
-    *desc = levels_[level]->desc;
-    return D3D_OK;
-}
-
-HRESULT RecordedTexture::GetSurfaceLevel(UINT level, IDirect3DSurface9** surface) {
-    const HRESULT result = recording_.Record("GetSurfaceLevel", {Serial(), level});
-    if (FAILED(result)) return result;
-    if (level >= levels_.size()) return D3DERR_INVALIDCALL;
-    *surface = new RecordedSurface(recording_, *this, levels_[level]);
-    return D3D_OK;
-}
-
-HRESULT RecordedTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
-    const HRESULT result = recording_.Record("LockRect", {Serial(), flags});
-    if (FAILED(result)) return result;
-    return level < levels_.size() ? levels_[level]->Lock(locked, rect, flags) : D3DERR_INVALIDCALL;
-}
-
-HRESULT RecordedTexture::UnlockRect(UINT level) {
-    const HRESULT result = recording_.Record("UnlockRect", {Serial()});
-    if (FAILED(result)) return result;
-    return level < levels_.size() ? levels_[level]->Unlock() : D3DERR_INVALIDCALL;
 }
 
 }   // namespace sparkrig

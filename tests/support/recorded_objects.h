@@ -18,6 +18,12 @@ class RecordedObject : public RefCounted<Interface> {
     RecordedObject(Recording& recording, bool default_pool)
         : recording_(recording), default_pool_(default_pool), serial_(recording.ObjectMade(default_pool)) {}
     ~RecordedObject() override { recording_.ObjectGone(default_pool_); }
+    /// Records a call; `action` is what it does when it is not to fail.
+    template <class Action>
+    HRESULT Do(const char* method, const std::vector<DWORD>& arguments, Action action) {
+        const HRESULT refusal = recording_.Record(method, arguments);
+        return FAILED(refusal) ? refusal : action();
+    }
 
     Recording& recording_;
 
@@ -39,19 +45,26 @@ struct RecordedImage {
     bool Lockable() const;
 };
 
-class RecordedTexture;
-
 class RecordedSurface : public RecordedObject<IDirect3DSurface9> {
   public:
     /// A surface of its own.
-    RecordedSurface(Recording& recording, const D3DSURFACE_DESC& desc);
+    RecordedSurface(Recording& recording, const D3DSURFACE_DESC& desc)
+        : RecordedSurface(recording, nullptr, std::make_shared<RecordedImage>(desc)) {}
     /// A level of a texture, which it keeps alive.
-    RecordedSurface(Recording& recording, RecordedTexture& owner, std::shared_ptr<RecordedImage> image);
-    ~RecordedSurface() override;
+    RecordedSurface(Recording& recording, IDirect3DTexture9* owner, std::shared_ptr<RecordedImage> image)
+        : RecordedObject(recording, image->desc.Pool == D3DPOOL_DEFAULT),
+          owner_(DevicePtr<IDirect3DTexture9>::Share(owner)),
+          image_(std::move(image)) {}
 
-    HRESULT GetDesc(D3DSURFACE_DESC* desc) override;
-    HRESULT LockRect(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override;
-    HRESULT UnlockRect() override;
+    HRESULT GetDesc(D3DSURFACE_DESC* desc) override {
+        return Do("GetDesc", {Serial()}, [&] { return *desc = image_->desc, D3D_OK; });
+    }
+    HRESULT LockRect(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override {
+        return Do("LockRect", {Serial(), flags}, [&] { return image_->Lock(locked, rect, flags); });
+    }
+    HRESULT UnlockRect() override {
+        return Do("UnlockRect", {Serial()}, [&] { return image_->Unlock(); });
+    }
     RecordedImage& Image() { return *image_; }
 
   private:
@@ -64,13 +77,28 @@ class RecordedTexture : public RecordedObject<IDirect3DTexture9> {
     RecordedTexture(Recording& recording, const D3DSURFACE_DESC& top, UINT levels);
 
     DWORD GetLevelCount() override { return static_cast<DWORD>(levels_.size()); }
-    HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override;
-    HRESULT GetSurfaceLevel(UINT level, IDirect3DSurface9** surface) override;
-    HRESULT LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override;
-    HRESULT UnlockRect(UINT level) override;
+    HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override {
+        return DoAt(level, "GetLevelDesc", level, [&](const auto& image) { return *desc = image->desc, D3D_OK; });
+    }
+    HRESULT GetSurfaceLevel(UINT level, IDirect3DSurface9** surface) override {
+        return DoAt(level, "GetSurfaceLevel", level,
+                    [&](const auto& image) { return *surface = new RecordedSurface(recording_, this, image), D3D_OK; });
+    }
+    HRESULT LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override {
+        return DoAt(level, "LockRect", flags, [&](const auto& image) { return image->Lock(locked, rect, flags); });
+    }
+    HRESULT UnlockRect(UINT level) override {
+        return DoAt(level, "UnlockRect", level, [&](const auto& image) { return image->Unlock(); });
+    }
     RecordedImage& Level(UINT level) { return *levels_[level]; }
 
   private:
+    template <class Action>
+    HRESULT DoAt(UINT level, const char* method, DWORD argument, Action action) {
+        return Do(method, {Serial(), argument},
+                  [&] { return level < levels_.size() ? action(levels_[level]) : D3DERR_INVALIDCALL; });
+    }
+
     std::vector<std::shared_ptr<RecordedImage>> levels_;
 };
 
@@ -78,56 +106,32 @@ class RecordedTexture : public RecordedObject<IDirect3DTexture9> {
 template <class Interface>
 class RecordedBuffer : public RecordedObject<Interface> {
   public:
-    RecordedBuffer(Recording& recording, UINT size, DWORD use, D3DPOOL where)
-        : RecordedObject<Interface>(recording, where == D3DPOOL_DEFAULT), bytes(size), usage(use), pool(where) {}
+    RecordedBuffer(Recording& recording, UINT size, D3DPOOL pool)
+        : RecordedObject<Interface>(recording, pool == D3DPOOL_DEFAULT), bytes(size) {}
 
     HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
-        const HRESULT result = this->recording_.Record("Lock", {this->Serial(), offset, size, flags});
-        if (FAILED(result)) return result;
-        if (offset > bytes.size() || size > bytes.size() - offset) return D3DERR_INVALIDCALL;
-        ++locks;
-        *data = bytes.data() + offset;
-        return D3D_OK;
+        return this->Do("Lock", {this->Serial(), offset, size, flags}, [&] {
+            if (offset > bytes.size() || size > bytes.size() - offset) return D3DERR_INVALIDCALL;
+            ++locks;
+            return *data = bytes.data() + offset, D3D_OK;
+        });
     }
     HRESULT Unlock() override {
-        const HRESULT result = this->recording_.Record("Unlock", {this->Serial()});
-        if (FAILED(result)) return result;
-        if (locks == 0) return D3DERR_INVALIDCALL;
-        --locks;
-        return D3D_OK;
+        return this->Do("Unlock", {this->Serial()}, [&] { return locks > 0 ? --locks, D3D_OK : D3DERR_INVALIDCALL; });
     }
 
     std::vector<BYTE> bytes;
-    DWORD usage;
-    D3DPOOL pool;
     int locks = 0;
 };
-using RecordedVertexBuffer = RecordedBuffer<IDirect3DVertexBuffer9>;
-using RecordedIndexBuffer = RecordedBuffer<IDirect3DIndexBuffer9>;
 
 template <class Interface>
-class RecordedShader : public RecordedObject<Interface> {
-  public:
-    RecordedShader(Recording& recording, const ShaderCode& source)
-        : RecordedObject<Interface>(recording, false), code(source) {}
-    ShaderCode code;
+struct RecordedShader : RecordedObject<Interface> {
+    explicit RecordedShader(Recording& recording) : RecordedObject<Interface>(recording, false) {}
 };
 
-inline UINT SerialOf(IDirect3DTexture9* texture) {
-    return texture ? static_cast<RecordedTexture*>(texture)->Serial() : 0;
-}
-inline UINT SerialOf(IDirect3DSurface9* surface) {
-    return surface ? static_cast<RecordedSurface*>(surface)->Serial() : 0;
-}
-inline UINT SerialOf(IDirect3DVertexBuffer9* buffer) {
-    return buffer ? static_cast<RecordedVertexBuffer*>(buffer)->Serial() : 0;
-}
-inline UINT SerialOf(IDirect3DIndexBuffer9* buffer) {
-    return buffer ? static_cast<RecordedIndexBuffer*>(buffer)->Serial() : 0;
-}
 template <class Interface>
-UINT SerialOfShader(Interface* shader) {
-    return shader ? static_cast<RecordedShader<Interface>*>(shader)->Serial() : 0;
+UINT SerialOf(Interface* object) {
+    return object ? static_cast<RecordedObject<Interface>*>(object)->Serial() : 0;
 }
 
 /// The contract's Get functions: a further reference to what is held; null stays null.

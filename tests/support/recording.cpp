@@ -55,7 +55,7 @@ Recording::~Recording() { current = previous_; }
 IDirect3D9* Recording::Create(UINT sdk_version) {
     if (!current || !current->offers_direct3d || sdk_version != D3D_SDK_VERSION) return nullptr;
     if (current->behind) return Forward(*current, current->behind(sdk_version));
-    return new RecordingDirect3D(*current);
+    return MakeRecordingDirect3D(*current);
 }
 
 int Recording::Count(const std::string& method) const {
