@@ -1,6 +1,7 @@
 #include "gfx/blending.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace sparkrig {
@@ -56,6 +57,14 @@ constexpr BlendRow kRows[] = {
 // clang-format on
 static_assert(std::ranges::is_sorted(kRows, {}, &BlendRow::mode));
 
+constexpr int kMostModes = 18;
+/// The rows by mode; null for a number that is no mode.
+constexpr auto kRowOfMode = [] {
+    std::array<const BlendRow*, kMostModes> rows = {};
+    for (const BlendRow& row : kRows) rows[static_cast<std::size_t>(row.mode)] = &row;
+    return rows;
+}();
+
 constexpr int kColourAlphaMode = 12;   // sends its colour operation with hardware vertex processing only
 
 int KeptAlpha(Kept kept, int old, int given) {
@@ -78,8 +87,8 @@ int BlendingState::Set(int mode, int alpha, int stage) {
         sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{FALSE});
         return 1;
     }
-    const BlendRow* row = std::ranges::find(kRows, mode, &BlendRow::mode);
-    if (row == std::end(kRows)) sender_.Reporter().Error("Invalid Blending mode selected!");
+    const BlendRow* row = mode >= 0 && mode < kMostModes ? kRowOfMode[static_cast<std::size_t>(mode)] : nullptr;
+    if (!row) sender_.Reporter().Error("Invalid Blending mode selected!");
     if (stage < 0 || stage + 1 >= static_cast<int>(kTextureStages))
         sender_.Reporter().Error("Invalid stage: %i", stage);
 

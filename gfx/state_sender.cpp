@@ -8,7 +8,7 @@ void StateCache::Forget() {
     std::fill_n(render_, kRenderStateCount, kUnknown);
     std::fill_n(&stages_[0][0], kTextureStages * kStageStateCount, kUnknown);
     std::fill_n(&samplers_[0][0], kTextureStages * kSamplerStateCount, kUnknown);
-    transforms.clear();
+    transforms.fill(std::nullopt);
     material.reset();
     viewport.reset();
 }
@@ -31,10 +31,6 @@ void StateSender::SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWO
     cache_.Remember(stage, type, value);
 }
 
-void StateSender::SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
-    if (!cache_.Holds(stage, type, value)) SendStageState(stage, type, value);
-}
-
 void StateSender::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
     const HRESULT result = TrySamplerState(sampler, type, value);
     if (FAILED(result)) {
@@ -50,11 +46,24 @@ HRESULT StateSender::TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DW
     return result;
 }
 
+namespace {
+
+/// Without a branch for each element; not-a-number equals itself.
+bool SameBits(const D3DMATRIX& a, const D3DMATRIX& b) {
+    using Words = std::array<std::uint64_t, sizeof(D3DMATRIX) / sizeof(std::uint64_t)>;
+    const Words x = std::bit_cast<Words>(a), y = std::bit_cast<Words>(b);
+    std::uint64_t difference = 0;
+    for (std::size_t i = 0; i < x.size(); ++i) difference |= x[i] ^ y[i];
+    return difference == 0;
+}
+
+}   // namespace
+
 void StateSender::SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix) {
-    const auto held = cache_.transforms.find(kind);
-    if (held != cache_.transforms.end() && held->second == matrix) return;
+    const bool known = kind < cache_.transforms.size();
+    if (known && cache_.transforms[kind] && SameBits(*cache_.transforms[kind], matrix)) return;
     graphics_.Require(Device().SetTransform(kind, &matrix), "SetTransform failed: ");
-    cache_.transforms.insert_or_assign(held, kind, matrix);
+    if (known) cache_.transforms[kind] = matrix;
 }
 
 void StateSender::SetMaterial(const D3DMATERIAL9& material) {

@@ -1,8 +1,8 @@
 // Sends states to the device and remembers what the device took.
 #pragma once
+#include <array>
 #include <bit>
 #include <cstdint>
-#include <map>
 #include <optional>
 
 #include "gfx/graphics_device.h"
@@ -23,7 +23,7 @@ class StateCache {
     void Remember(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) { samplers_[sampler][type] = value; }
 
     // What is sent as a whole
-    std::map<DWORD, D3DMATRIX> transforms;
+    std::array<std::optional<D3DMATRIX>, D3DTS_WORLDMATRIX(256)> transforms;   // by kind
     std::optional<D3DMATERIAL9> material;
     std::optional<D3DVIEWPORT9> viewport;   // a new render target changes it
 
@@ -50,7 +50,9 @@ class StateSender {
 
     /// Stages are 0 to 7.
     void SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value);
-    void SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value);
+    void SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
+        if (!cache_.Holds(stage, type, value)) SendStageState(stage, type, value);
+    }
     void SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     HRESULT TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     void SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix);
