@@ -402,6 +402,8 @@ const std::vector<FailingCall>& FailingCalls() {
         {"DrawIndexedPrimitive", "error KRN_Gfx:  DrawSubset failed: %s", DrawMesh},
 
         // Shader effects
+        {"GetDeviceCaps",
+         "warning KRN_Gfx: Shader could not be validated for this GPU: 'tests\\device\\every_state.fx'", LoadEffect},
         {"CreateVertexShader",
          "warning KRN_Gfx: Shader could not be validated for this GPU: 'tests\\device\\every_state.fx'", LoadEffect},
         {"CreatePixelShader",
