@@ -113,7 +113,6 @@ void DoEverything(WholeProgram& program) {
     gfx.LoadTexture(&compressed, "textures\\glow.png", 0, 0, -1, 0);
     program.Frame();
     program.player->TakePicture();
-    program.End();
 }
 
 TEST_P(Failures, OfEveryCallThatIsMadeHaveARow) {
