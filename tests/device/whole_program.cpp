@@ -43,17 +43,15 @@ std::ostream& operator<<(std::ostream& out, BackEnd back_end) {
 }
 
 WholeProgram::WholeProgram(BackEnd back_end, State state) : back_end_(back_end) {
-    if (back_end == BackEnd::OpenGl) {
-        KeepDriverLoaded();
-        recording.behind = Direct3DCreate9;
-    }
+    if (back_end != BackEnd::Recording) KeepDriverLoaded();
+    if (back_end == BackEnd::OpenGl) recording.behind = Direct3DCreate9;
     recording.client_width = kWidth;
     recording.client_height = kHeight;
     Tester() = {};
     Tester().resolution_x = kWidth;
     Tester().resolution_y = kHeight;
     MakeTesterWindow(Tester(), WindowSize::Resolution);
-    engine.gfx.emplace(Recording::Create, Environment());
+    engine.gfx.emplace(back_end == BackEnd::OpenGlAlone ? Direct3DCreate9 : Recording::Create, Environment());
     if (state == State::Started) Start();
 }
 

@@ -14,7 +14,7 @@
 
 namespace sparkrig {
 
-enum class BackEnd { Recording, OpenGl };
+enum class BackEnd { Recording, OpenGl, OpenGlAlone };   // alone: nothing is recorded
 std::ostream& operator<<(std::ostream& out, BackEnd back_end);
 
 class WholeProgram {
