@@ -145,18 +145,15 @@ TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
 }
 
 TEST_F(AutomationTest, EndsWithOneSentence) {
-    const struct {
-        std::vector<std::string> words;
-        int end;
-        const char* text;
-    } kRows[] = {{{"--capture", "a.png", "--effect", "Glo"}, 2, "did you mean Glow?"},
-                 {{"--capture", "a.png", "--data", "none"}, 2, "--data none is no folder"},
-                 {{"--capture", "a.png", "/resx:0"}, 2, "a picture of 0 x 720 cannot be drawn"},
-                 {{"--capture", "none/a.png"}, 3, "none/a.png cannot be written"},
-                 {{"--record", "none/a.jsonl"}, 3, "none/a.jsonl cannot be written"}};
-    for (const auto& row : kRows) {
-        EXPECT_EQ(Run(row.words), row.end) << row.text;
-        EXPECT_THAT(err_, HasSubstr(row.text));
+    const std::tuple<std::vector<std::string>, int, const char*> kRows[] = {
+        {{"--capture", "a.png", "--effect", "Glo"}, 2, "did you mean Glow?"},
+        {{"--capture", "a.png", "--data", "none"}, 2, "--data none is no folder"},
+        {{"--capture", "a.png", "/resx:0"}, 2, "a picture of 0 x 720 cannot be drawn"},
+        {{"--capture", "none/a.png"}, 3, "none/a.png cannot be written"},
+        {{"--record", "none/a.jsonl"}, 3, "none/a.jsonl cannot be written"}};
+    for (const auto& [words, end, text] : kRows) {
+        EXPECT_EQ(Run(words), end) << text;
+        EXPECT_THAT(err_, HasSubstr(text));
         EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
         EXPECT_EQ(out_, "");
     }

@@ -14,11 +14,9 @@ TEST(NameLines, FindsQuotedTexts) {
     const NameLines lines(file.c_str());
     std::remove(file.c_str());
     EXPECT_EQ(lines.LineCount(), 6);
-    const struct {
-        const char* text;
-        int from, line;
-    } kRows[] = {{"spot", 2, 2}, {"spot", 3, 6}, {"fire", 1, 3}, {"fire", 4, 0}, {"a.png", -5, 2}, {"open", 1, 0}};
-    for (const auto& row : kRows) EXPECT_EQ(lines.Find(row.text, row.from), row.line) << row.text << row.from;
+    const std::tuple<const char*, int, int> kRows[] = {{"spot", 2, 2}, {"spot", 3, 6},   {"fire", 1, 3},
+                                                       {"fire", 4, 0}, {"a.png", -5, 2}, {"open", 1, 0}};
+    for (const auto& [text, from, line] : kRows) EXPECT_EQ(lines.Find(text, from), line) << text << from;
     const char* const kFirst[] = {"", "spot", "Fire", "", "", "SPOT"};
     for (int line = 1; line <= 6; ++line) EXPECT_EQ(lines.FirstQuoted(line), kFirst[line - 1]) << line;
     EXPECT_EQ(NameLines("no such file").LineCount(), 0);

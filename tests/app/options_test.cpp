@@ -51,26 +51,24 @@ TEST(Options, ReadsTheRest) {
 }
 
 TEST(Options, RefusesWrongUsageWithTwo) {
-    const struct {
-        Words words;
-        const char* text;
-    } kRows[] = {{{"--captur", "a.png"}, "unknown option --captur; did you mean --capture?"},
-                 {{"--no-overlays"}, "did you mean --no-overlay?"},
-                 {{"--xyzzyplugh=3"}, "unknown option --xyzzyplugh"},
-                 {{"--capture"}, "--capture"},
-                 {{"--capture", "a.png", "--sheet", "b.png"}, "--capture and --sheet cannot be given together"},
-                 {{"--capture", ""}, "--capture needs a name"},
-                 {{"--at", "2"}, "--at needs --capture"},
-                 {{"--capture", "a.png", "--at", "nan"}, "--at"},
-                 {{"--capture", "a.png", "--at", "-1"}, "--at"},
-                 {{"--frames", "5"}, "--frames needs"},
-                 {{"--record", "a.jsonl", "--frames", "0"}, "--frames"},
-                 {{"--seed", "many"}, "--seed"},
-                 {{"--check", "--journal", "j"}, "--journal needs a window"}};
-    for (const auto& row : kRows) {
-        const ParsedCommandLine parsed = ParseCommandLine(row.words);
-        EXPECT_EQ(parsed.exit_code, 2) << row.text;
-        EXPECT_THAT(parsed.text, HasSubstr(row.text));
+    const std::tuple<Words, const char*> kRows[] = {
+        {{"--captur", "a.png"}, "unknown option --captur; did you mean --capture?"},
+        {{"--no-overlays"}, "did you mean --no-overlay?"},
+        {{"--xyzzyplugh=3"}, "unknown option --xyzzyplugh"},
+        {{"--capture"}, "--capture"},
+        {{"--capture", "a.png", "--sheet", "b.png"}, "--capture and --sheet cannot be given together"},
+        {{"--capture", ""}, "--capture needs a name"},
+        {{"--at", "2"}, "--at needs --capture"},
+        {{"--capture", "a.png", "--at", "nan"}, "--at"},
+        {{"--capture", "a.png", "--at", "-1"}, "--at"},
+        {{"--frames", "5"}, "--frames needs"},
+        {{"--record", "a.jsonl", "--frames", "0"}, "--frames"},
+        {{"--seed", "many"}, "--seed"},
+        {{"--check", "--journal", "j"}, "--journal needs a window"}};
+    for (const auto& [words, text] : kRows) {
+        const ParsedCommandLine parsed = ParseCommandLine(words);
+        EXPECT_EQ(parsed.exit_code, 2) << text;
+        EXPECT_THAT(parsed.text, HasSubstr(text));
         EXPECT_EQ(std::count(parsed.text.begin(), parsed.text.end(), '\n'), 1) << parsed.text;
     }
 }
@@ -88,11 +86,9 @@ TEST(Options, HelpShowsEveryOption) {
 
 TEST(NearestWord, FindsMistypedNamesOnly) {
     const Words names = {"campfire", "snowfall", "fountain"};
-    const struct {
-        const char* word;
-        const char* nearest;
-    } kRows[] = {{"campfir", "campfire"}, {"SNOWFALL", "snowfall"}, {"funtain", "fountain"}, {"teapot", ""}, {"", ""}};
-    for (const auto& row : kRows) EXPECT_EQ(NearestWord(row.word, names), row.nearest) << row.word;
+    const std::tuple<const char*, const char*> kRows[] = {
+        {"campfir", "campfire"}, {"SNOWFALL", "snowfall"}, {"funtain", "fountain"}, {"teapot", ""}, {"", ""}};
+    for (const auto& [word, nearest] : kRows) EXPECT_EQ(NearestWord(word, names), nearest) << word;
 }
 
 }   // namespace

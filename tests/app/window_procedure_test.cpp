@@ -42,13 +42,11 @@ class WindowProcedureTest : public ::testing::Test {
 };
 
 TEST_F(WindowProcedureTest, SizeTellsVisibilityAndClientArea) {
-    constexpr struct {
-        WPARAM type;
-        int visible;
-    } kRows[] = {{SIZE_MINIMIZED, 0}, {SIZE_RESTORED, 1}, {SIZE_MAXHIDE, 0}, {SIZE_MAXSHOW, 1}, {SIZE_MAXIMIZED, 1}};
-    for (const auto& row : kRows) {
-        Send(WM_SIZE, row.type);
-        EXPECT_EQ(Tester().window_visible, row.visible) << row.type;
+    constexpr std::tuple<WPARAM, int> kRows[] = {
+        {SIZE_MINIMIZED, 0}, {SIZE_RESTORED, 1}, {SIZE_MAXHIDE, 0}, {SIZE_MAXSHOW, 1}, {SIZE_MAXIMIZED, 1}};
+    for (const auto& [type, visible] : kRows) {
+        Send(WM_SIZE, type);
+        EXPECT_EQ(Tester().window_visible, visible) << type;
     }
     EXPECT_EQ(Tester().client_width, 320);
     EXPECT_EQ(Tester().client_height, 240);
@@ -88,26 +86,23 @@ TEST_F(WindowProcedureTest, RecordsAClickOnce) {
 }
 
 TEST_F(WindowProcedureTest, MenusAndDragsPauseAndAlwaysGoOn) {
-    constexpr struct {
-        UINT enter, leave;
-    } kRows[] = {{WM_ENTERMENULOOP, WM_EXITMENULOOP}, {WM_ENTERSIZEMOVE, WM_EXITSIZEMOVE}};
-    for (const auto& row : kRows) {
-        Send(row.enter);
+    constexpr std::tuple<UINT, UINT> kRows[] = {{WM_ENTERMENULOOP, WM_EXITMENULOOP},
+                                                {WM_ENTERSIZEMOVE, WM_EXITSIZEMOVE}};
+    for (const auto& [enter, leave] : kRows) {
+        Send(enter);
         EXPECT_EQ(Tester().paused, 1);
-        Send(row.leave);
+        Send(leave);
         EXPECT_EQ(Tester().paused, 0);
     }
 }
 
 TEST(Resources, HoldTheStrings) {
-    constexpr struct {
-        UINT id;
-        const char* text;
-    } kRows[] = {{103, "Sparkrig"}, {106, "Sparkrig"}, {109, "KRN_DEFAULT"}, {77, ""}};
-    for (const auto& row : kRows) {
+    constexpr std::tuple<UINT, const char*> kRows[] = {
+        {103, "Sparkrig"}, {106, "Sparkrig"}, {109, "KRN_DEFAULT"}, {77, ""}};
+    for (const auto& [id, text] : kRows) {
         char buffer[100];
-        EXPECT_EQ(LoadStringA(row.id, buffer, 100), static_cast<int>(std::string(row.text).size()));
-        EXPECT_STREQ(buffer, row.text);
+        EXPECT_EQ(LoadStringA(id, buffer, 100), static_cast<int>(std::string(text).size()));
+        EXPECT_STREQ(buffer, text);
     }
     char small[4];
     EXPECT_EQ(LoadStringA(kWindowTitle, small, 4), 3);

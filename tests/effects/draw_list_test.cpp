@@ -19,12 +19,10 @@ std::vector<std::uint32_t> Iota(std::size_t count) {
 
 TEST(DrawList, SortsClassesUpAndDistancesDown) {
     DrawList list;
-    const struct {
-        std::uint16_t sort_class;
-        float distance;
-    } kRows[] = {{2, 5}, {1, 3}, {1, -1000}, {2, 70}, {1, 40}, {0, 0.5f}, {65535, 9}, {1, 3}};
+    const std::tuple<std::uint16_t, float> kRows[] = {{2, 5},  {1, 3},    {1, -1000}, {2, 70},
+                                                      {1, 40}, {0, 0.5f}, {65535, 9}, {1, 3}};
     std::uint32_t instance = 10;
-    for (const auto& row : kRows) list.Add({instance++, row.distance, row.sort_class}, 0);
+    for (const auto& [sort_class, distance] : kRows) list.Add({instance++, distance, sort_class}, 0);
     list.Sort();
     EXPECT_EQ(list.Order(), (std::vector<std::uint32_t>{15, 14, 11, 17, 12, 13, 10, 16}));
     list.Clear();

@@ -145,29 +145,22 @@ TEST_F(Drawing, AFullBatchIsDrawnAndAnotherBegins) {
 }
 
 TEST_F(Drawing, WhatIsNotSeenIsNotCounted) {
-    const struct {
-        const char* what;
-        std::string block;
-    } kRows[] = {
+    const std::tuple<const char*, std::string> kRows[] = {
         {"transparent", Particle("a", 1, "ALPHA {\ntype = \"cos\"\nTimeScale = 0, 0.003, 0\n}")},
         {"not born", Particle("a", 1, "BirthTime = 1")},
         {"too detailed", Particle("a", 1, "DetailLevel = 101")},
         {"behind the camera", Particle("a", 400)},
         {"too small at the edge", "PARTICLE {\ntexture = \"none\"\npos = 70, 0, 0\nscale = 2, 900, 900\n}\n"},
     };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(DrawEffect(row.block), 0) << row.what;
-        EXPECT_EQ(system.DrawnParticleCount(), 0) << row.what;
+    for (const auto& [what, block] : kRows) {
+        EXPECT_EQ(DrawEffect(block), 0) << what;
+        EXPECT_EQ(system.DrawnParticleCount(), 0) << what;
     }
     EXPECT_EQ(DrawEffect(Particle("a", 0, "DetailLevel = 100")), 1);
 }
 
 TEST_F(Drawing, BatchesEndWhereStatesChange) {
-    const struct {
-        const char* what;
-        std::string lines;
-        int draws;
-    } kRows[] = {
+    const std::tuple<const char*, std::string, int> kRows[] = {
         {"nothing", "", 1},
         {"blend mode", kAdditive, 2},
         {"billboard mode", "BillBoard = 1", 2},
@@ -175,8 +168,8 @@ TEST_F(Drawing, BatchesEndWhereStatesChange) {
         {"depth write", "WriteZBuf = 0", 2},
         {"sort class", "SortClass = 3", 1},
     };
-    for (const auto& row : kRows)
-        EXPECT_EQ(DrawEffect(Particle("a", 1) + Particle("a", 2, row.lines)), row.draws) << row.what;
+    for (const auto& [what, lines, draws] : kRows)
+        EXPECT_EQ(DrawEffect(Particle("a", 1) + Particle("a", 2, lines)), draws) << what;
 }
 
 TEST_F(Drawing, DepthStatesAreThoseThatTheEffectAsksFor) {

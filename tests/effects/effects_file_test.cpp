@@ -259,17 +259,14 @@ TEST_F(EffectsFile, ReadsTheKeysOfAStage) {
 }
 
 TEST_F(EffectsFile, ChannelsHaveTheirOwnDefaultConcatenation) {
-    const struct {
-        const char* block;
-        ConcatType concat;
-    } kRows[] = {{"POSITION", ConcatType::Add},
-                 {"Rotation", ConcatType::Rotate},
-                 {"SCALE", ConcatType::Multiply},
-                 {"COLOR", ConcatType::Multiply},
-                 {"alpha", ConcatType::Multiply}};
-    for (const auto& row : kRows) {
-        const VisualEffectMotion stage = LoadStage(row.block, "");
-        EXPECT_EQ(stage.concat, row.concat) << row.block;
+    const std::tuple<const char*, ConcatType> kRows[] = {{"POSITION", ConcatType::Add},
+                                                         {"Rotation", ConcatType::Rotate},
+                                                         {"SCALE", ConcatType::Multiply},
+                                                         {"COLOR", ConcatType::Multiply},
+                                                         {"alpha", ConcatType::Multiply}};
+    for (const auto& [block, concat] : kRows) {
+        const VisualEffectMotion stage = LoadStage(block, "");
+        EXPECT_EQ(stage.concat, concat) << block;
         EXPECT_FALSE(stage.uses_transform);
         EXPECT_EQ(stage.time_minimum, -89999998976.0f);
     }
@@ -292,11 +289,8 @@ TEST_F(EffectsFile, CurveTangentsKnowTheLoop) {
 }
 
 TEST_F(EffectsFile, BlendTypeDependsOnWordKindAndTrace) {
-    const struct {
-        const char* block;
-        const char* lines;
-        int mode;
-    } kRows[] = {
+    // clang-format off
+    const struct { const char* block; const char* lines; int mode; } kRows[] = {
         {"PARTICLE", "", 9},
         {"PARTICLE", "BlendType = \"ADDITIVE\"", 3},
         {"PARTICLE", "BlendType = \"default\"", 9},
@@ -312,6 +306,7 @@ TEST_F(EffectsFile, BlendTypeDependsOnWordKindAndTrace) {
         {"MESH", "EmitEffect = \"trace:glow\"", 3},
         {"SPECIAL", "type = \"none\"\nBlendType = \"additive\"", 3},
     };
+    // clang-format on
     for (const auto& row : kRows) {
         const VisualEffect& effect = LoadEffect(std::string(row.block) + " {\n" + row.lines + "\n}\n");
         ForEachSubEffect(effect, [&](const SubEffect& sub) {
@@ -394,10 +389,7 @@ TEST_F(EffectsFile, UnknownBlocksAreSkippedWithAWarning) {
 }
 
 TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
-    const struct {
-        const char* text;
-        const char* report;
-    } kRows[] = {
+    const std::tuple<const char*, const char*> kRows[] = {
         {"#a\n#b\ndesc = \"b\"\n", "1: Effect entry 0 without 'desc' entry"},
         {"#a\ndesc = \"x\"\n#b\n\ndesc = \"X\"\n", "5: Multiple effect entry 'X' in effects.cfg"},
         {"#a\ndesc = \"x\"\nSPECIAL {\n}\n", "4: No type in special effect 'x'"},
@@ -423,10 +415,10 @@ TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
         {"#a\ndesc = \"x\"\nPARTICLE {\nEmitEffect = \"y\"\n}\n#b\ndesc = \"z\"\n",
          "4: Emit effect 'y' of effect 'x' not found"},
     };
-    for (const auto& row : kRows) {
-        EXPECT_FALSE(Load(row.text)) << row.text;
-        ASSERT_FALSE(reports.empty()) << row.text;
-        EXPECT_EQ(reports.back(), row.report);
+    for (const auto& [text, report] : kRows) {
+        EXPECT_FALSE(Load(text)) << text;
+        ASSERT_FALSE(reports.empty()) << text;
+        EXPECT_EQ(reports.back(), report);
     }
 }
 

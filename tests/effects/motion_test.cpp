@@ -73,11 +73,7 @@ TEST(Sine, StaysInRangeForEveryAngle) {
 TEST(Motion, EachTypeGivesItsFormula) {
     const double u = 0.7, a = kTwoPi * u, swing = 1.5 * std::sin(a);
     const double height = 2 * 0.9 - 1, radius = std::sqrt(1 - height * height), longitude = kTwoPi * 0.61;
-    const struct {
-        const char* name;
-        AnimationType type;
-        D3DXVECTOR3 unscaled;
-    } kRows[] = {
+    const std::tuple<const char*, AnimationType, D3DXVECTOR3> kRows[] = {
         {"none", AnimationType::None, {}},
         {"linear", AnimationType::Linear, Vector(u, u, u)},
         {"swing", AnimationType::Swing, Vector(std::sin(swing), std::sin(swing), 1 - std::cos(swing))},
@@ -93,9 +89,9 @@ TEST(Motion, EachTypeGivesItsFormula) {
          Vector(radius * std::sin(longitude), radius * std::cos(longitude), height)},
         {"unknown", static_cast<AnimationType>(77), {}},
     };
-    for (const auto& row : kRows) {
-        const D3DXVECTOR3 expected(2 * row.unscaled.x, -3 * row.unscaled.y, 5 * row.unscaled.z);
-        ExpectNear(EvaluateMotion(Stage(row.type), u, 0.4f, kRandoms), expected, row.name);
+    for (const auto& [name, type, unscaled] : kRows) {
+        const D3DXVECTOR3 expected(2 * unscaled.x, -3 * unscaled.y, 5 * unscaled.z);
+        ExpectNear(EvaluateMotion(Stage(type), u, 0.4f, kRandoms), expected, name);
     }
 }
 
@@ -129,24 +125,19 @@ TEST(Motion, StageTimeIsClamped) {
 }
 
 TEST(Motion, TimeFactorScalesByTheStageTimeOrTheRawTime) {
-    const struct {
-        TimeScale scale;
-        bool uses_stage_time;
-        double t;
-        float factor;
-    } kRows[] = {
+    const std::tuple<TimeScale, bool, double, float> kRows[] = {
         {{0, 1, 0}, true, 3, 1},          {{4, 0, 0}, true, 0.5, 4},   // stage time 1
         {{4, 0, 0}, true, 0, 0},                                       // no division at time 0
         {{4, 0, 0}, false, 0.5, 8},                                    // raw time
         {{3, 2, 0.5f}, true, 1.5, 4.5f},                               // 3 / 3 + 2 + 0.5 * 3
         {{3, 2, 0.5f}, true, -1.5, 0.5f},
     };
-    for (const auto& row : kRows) {
+    for (const auto& [scale, uses_stage_time, t, factor] : kRows) {
         VisualEffectMotion stage = Stage(AnimationType::Rand1);
         stage.speed = 2;
-        stage.time_scale = row.scale;
-        stage.time_scale_uses_stage_time = row.uses_stage_time;
-        ExpectNear(EvaluateMotion(stage, row.t, 0, kRandoms), D3DXVECTOR3(0.4f, -0.6f, 1) * row.factor);
+        stage.time_scale = scale;
+        stage.time_scale_uses_stage_time = uses_stage_time;
+        ExpectNear(EvaluateMotion(stage, t, 0, kRandoms), D3DXVECTOR3(0.4f, -0.6f, 1) * factor);
     }
 }
 

@@ -365,25 +365,21 @@ int CountSelfEmitted(double age, int levels, double per_time, double start_time)
 }
 
 TEST_F(Simulation, AnEffectThatEmitsItselfEnds) {
-    const struct {
-        const char* what;
-        EffectLimits limits;
-        float per_time;
-        int instances;
-    } kRows[] = {{"nesting", {90000, 90000, 3}, 2, CountSelfEmitted(1, 3, 2, 1)},
-                 {"instances", {3000, 9000, 64}, 50, 3000},
-                 {"starts", {9000, 700, 64}, 50, 700}};
-    for (const auto& row : kRows) {
+    const std::tuple<const char*, EffectLimits, float, int> kRows[] = {
+        {"nesting", {90000, 90000, 3}, 2, CountSelfEmitted(1, 3, 2, 1)},
+        {"instances", {3000, 9000, 64}, 50, 3000},
+        {"starts", {9000, 700, 64}, 50, 700}};
+    for (const auto& [what, limits, per_time, instances] : kRows) {
         EffectDefinitions own;
         EffectSimulation own_simulation(reporter);
-        own_simulation.SetLimits(row.limits);
-        ParticleEffect& sub = AddParticle(AddEffect(own, row.what));
+        own_simulation.SetLimits(limits);
+        ParticleEffect& sub = AddParticle(AddEffect(own, what));
         sub.start_time = 1;
-        EmitInto(sub, *sub.owner, row.per_time, false);
+        EmitInto(sub, *sub.owner, per_time, false);
         reports.clear();
         own_simulation.StartEffect(*sub.owner, {});
-        EXPECT_EQ(own_simulation.Live().GetCount(), row.instances) << row.what;
-        EXPECT_EQ(reports.size(), 1u) << row.what;
+        EXPECT_EQ(own_simulation.Live().GetCount(), instances) << what;
+        EXPECT_EQ(reports.size(), 1u) << what;
     }
 }
 

@@ -116,19 +116,16 @@ TEST_F(ParticlePicture, RotationTurnsTheQuad) {
 }
 
 TEST_F(ParticlePicture, BillboardModesPlaceTheQuad) {
-    const struct {
-        const char* lines;
-        bool shows_centre;
-    } kRows[] = {
+    const std::tuple<const char*, bool> kRows[] = {
         {"BillBoard = 0", false},                 // in the plane of x and y: seen on its edge
         {"BillBoard = 1", true},                  // upright
         {"BillBoard = 2", true},                  // facing the camera
         {"BillBoard = 3\npos = 20, 5, 9", true}   // before the camera, wherever it is
     };
-    for (const auto& row : kRows) {
-        Draw(row.lines);
-        EXPECT_EQ(!Near(At(0.4, 0.4), kBackground, 8), row.shows_centre) << row.lines;
-        EXPECT_TRUE(Near(At(0.5, 0.1), kBackground, 0)) << row.lines;
+    for (const auto& [lines, shows_centre] : kRows) {
+        Draw(lines);
+        EXPECT_EQ(!Near(At(0.4, 0.4), kBackground, 8), shows_centre) << lines;
+        EXPECT_TRUE(Near(At(0.5, 0.1), kBackground, 0)) << lines;
     }
 }
 

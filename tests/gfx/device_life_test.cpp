@@ -18,20 +18,17 @@ using ::testing::ElementsAreArray;
 DWORD Bits(float value) { return std::bit_cast<DWORD>(value); }
 
 TEST(Construction, NeedsTheRunTimeLibraries) {
-    constexpr struct {
-        const char* missing;
-        const char* error;
-    } kRows[] = {
+    constexpr std::tuple<const char*, const char*> kRows[] = {
         {"d3d9.dll", "KRN_Gfx: At least DirectX 9.0 required!"},
         {"d3dx9_30.dll",
          "KRN_Gfx: Your DirectX 9.0 runtime is too old (d3dx9_30.dll not found).\n"
          "Please download and install latest DirectX"},
     };
     const Recording recording;
-    for (const auto& row : kRows) {
+    for (const auto& [missing, error] : kRows) {
         FakeEnvironment::Reset();
-        FakeEnvironment::missing = row.missing;
-        EXPECT_EQ(ErrorOf([] { const KRN_Gfx gfx(Recording::Create, FakeEnvironment::kTable); }), row.error);
+        FakeEnvironment::missing = missing;
+        EXPECT_EQ(ErrorOf([] { const KRN_Gfx gfx(Recording::Create, FakeEnvironment::kTable); }), error);
     }
     FakeEnvironment::Reset();
 }
@@ -271,24 +268,20 @@ TEST(Present, FullScreenDoesNotLookAtTheWindow) {
 }
 
 TEST(Present, FailuresResetOrEnd) {
-    constexpr struct {
-        HRESULT code;
-        const char* warning;
-        const char* error;
-    } kRows[] = {
+    constexpr std::tuple<HRESULT, const char*, const char*> kRows[] = {
         {D3DERR_DEVICELOST, "", "no error"},
         {D3DERR_DRIVERINTERNALERROR, "warning KRN_Gfx: Present failed! D3DERR_DRIVERINTERNALERROR", "no error"},
         {D3DERR_INVALIDCALL, "error KRN_Gfx: Present failed! D3DERR_INVALIDCALL",
          "KRN_Gfx: Present failed! D3DERR_INVALIDCALL"},
     };
-    for (const auto& row : kRows) {
+    for (const auto& [code, warning, error] : kRows) {
         RecordedGfx gfx;
         const Reports reports;
-        gfx.recording.Fail("Present", row.code);
+        gfx.recording.Fail("Present", code);
         int result = -1;
-        EXPECT_EQ(ErrorOf([&] { result = gfx->PresentFrame(); }), row.error);
-        EXPECT_EQ(reports.Last(), row.warning);
-        const bool reset = std::string(row.error) == "no error";
+        EXPECT_EQ(ErrorOf([&] { result = gfx->PresentFrame(); }), error);
+        EXPECT_EQ(reports.Last(), warning);
+        const bool reset = std::string(error) == "no error";
         EXPECT_EQ(gfx.recording.Count("Reset"), reset ? 1 : 0);
         EXPECT_EQ(result, reset ? 0 : -1);
     }

@@ -8,12 +8,7 @@ namespace sparkrig {
 namespace {
 
 TEST(DisplayModes, AreFoundBySizeFormatAndRate) {
-    constexpr struct {
-        const char* name;
-        D3DDISPLAYMODE wanted;
-        bool found;
-        UINT rate;
-    } kRows[] = {
+    constexpr std::tuple<const char*, D3DDISPLAYMODE, bool, UINT> kRows[] = {
         {"the highest rate", {1024, 768, 0, D3DFMT_X8R8G8B8}, true, 75},
         {"alpha does not count", {1024, 768, 0, D3DFMT_A8R8G8B8}, true, 75},
         {"an exact rate", {1024, 768, 72, D3DFMT_X8R8G8B8}, true, 72},
@@ -23,10 +18,10 @@ TEST(DisplayModes, AreFoundBySizeFormatAndRate) {
         {"no such format", {800, 600, 0, D3DFMT_A1R5G5B5}, false, 0},
     };
     RecordedGfx gfx(RecordedGfx::State::Constructed);
-    for (const auto& row : kRows) {
-        D3DDISPLAYMODE mode = row.wanted;
-        EXPECT_EQ(gfx->FindDisplayMode(mode), row.found) << row.name;
-        EXPECT_EQ(mode.RefreshRate, row.rate) << row.name;
+    for (const auto& [name, wanted, found, rate] : kRows) {
+        D3DDISPLAYMODE mode = wanted;
+        EXPECT_EQ(gfx->FindDisplayMode(mode), found) << name;
+        EXPECT_EQ(mode.RefreshRate, rate) << name;
     }
 }
 
@@ -44,15 +39,13 @@ TEST(DisplayModes, FailuresAreErrors) {
 }
 
 TEST(DisplayModes, TextureFormatsAreAskedForWithTheirUsage) {
-    constexpr struct {
-        int mode;
-        DWORD usage;
-    } kRows[] = {{3, D3DUSAGE_RENDERTARGET}, {5, D3DUSAGE_DEPTHSTENCIL}, {4, 0}, {-1, 0}};
+    constexpr std::tuple<int, DWORD> kRows[] = {
+        {3, D3DUSAGE_RENDERTARGET}, {5, D3DUSAGE_DEPTHSTENCIL}, {4, 0}, {-1, 0}};
     RecordedGfx gfx;
-    for (const auto& row : kRows) {
-        EXPECT_TRUE(gfx->CheckTextureFormat(D3DFMT_A4R4G4B4, row.mode));
-        const std::vector<DWORD> expected = {0,         D3DDEVTYPE_HAL,   D3DFMT_X8R8G8B8,
-                                             row.usage, D3DRTYPE_TEXTURE, D3DFMT_A4R4G4B4};
+    for (const auto& [mode, usage] : kRows) {
+        EXPECT_TRUE(gfx->CheckTextureFormat(D3DFMT_A4R4G4B4, mode));
+        const std::vector<DWORD> expected = {0,     D3DDEVTYPE_HAL,   D3DFMT_X8R8G8B8,
+                                             usage, D3DRTYPE_TEXTURE, D3DFMT_A4R4G4B4};
         EXPECT_EQ(gfx.recording.Calls().back().arguments, expected);
     }
     const Reports reports;

@@ -66,16 +66,13 @@ TEST(Lights, EvaluatingMovesALightAlongItsTracks) {
     turn.rotation = {0.5f, 0, 0, 0.8660254f};
     light.Tracks().rotation.Add(3, KeyInterpolation::Linear, turn);
     light.RebuildLookupTables();
-    const struct {
-        double time;
-        bool evaluate;
-        D3DXVECTOR3 position;
-    } rows[] = {{3, true, {5, 8, 5}}, {5, false, {5, 8, 5}}, {5, true, {7, 12, -1}}, {5, true, {7, 12, -1}}};
-    for (const auto& row : rows) {
-        gfx->SetLight(3, light, row.time, row.evaluate);
+    const std::tuple<double, bool, D3DXVECTOR3> rows[] = {
+        {3, true, {5, 8, 5}}, {5, false, {5, 8, 5}}, {5, true, {7, 12, -1}}, {5, true, {7, 12, -1}}};
+    for (const auto& [time, evaluate, position] : rows) {
+        gfx->SetLight(3, light, time, evaluate);
         D3DLIGHT9 sent = {};
         gfx->Device()->GetLight(3, &sent);
-        ExpectNear(sent.Position, row.position);
+        ExpectNear(sent.Position, position);
         ExpectNear(sent.Direction, {0, 0.8660254f, -0.5f});
     }
 }

@@ -7,13 +7,8 @@ namespace {
 
 TEST(PixelCodec, FollowsItsTable) {
     constexpr D3DCOLOR kColour = 0x93B5D7E9;
-    const struct {
-        D3DFORMAT format;
-        int bytes;
-        DWORD packed;
-        DWORD stored;
-        D3DCOLOR unpacked;
-    } rows[] = {
+    // clang-format off
+    const struct { D3DFORMAT format; int bytes; DWORD packed; DWORD stored; D3DCOLOR unpacked; } rows[] = {
         {D3DFMT_R8G8B8, 3, kColour, 0x12345678, 0x12345678},
         {D3DFMT_A8R8G8B8, 4, kColour, 0x12345678, 0x12345678},
         {D3DFMT_X8R8G8B8, 4, kColour, 0x12345678, 0x12345678},
@@ -28,6 +23,7 @@ TEST(PixelCodec, FollowsItsTable) {
         {D3DFMT_DXT1, 0, kColour, 0xABCD, 0xABCD},
         {D3DFMT_DXT5, 0, kColour, 0xABCD, 0xABCD},
     };
+    // clang-format on
     for (const auto& row : rows) {
         const PixelCodec* codec = FindPixelCodec(row.format);
         ASSERT_TRUE(codec) << row.format;

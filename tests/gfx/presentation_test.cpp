@@ -45,14 +45,11 @@ TEST(Presentation, FullScreenTakesTheMode) {
 }
 
 TEST(Presentation, DepthFormats) {
-    constexpr struct {
-        int bits;
-        D3DFORMAT windowed, full_screen;
-    } kRows[] = {{16, D3DFMT_D16, D3DFMT_D16}, {24, D3DFMT_D24X8, D3DFMT_D24S8}, {32, D3DFMT_D32, D3DFMT_D32}};
-    for (const auto& row : kRows) {
-        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(true, row.bits, 0)).AutoDepthStencilFormat, row.windowed);
-        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(false, row.bits, 0)).AutoDepthStencilFormat,
-                  row.full_screen);
+    constexpr std::tuple<int, D3DFORMAT, D3DFORMAT> kRows[] = {
+        {16, D3DFMT_D16, D3DFMT_D16}, {24, D3DFMT_D24X8, D3DFMT_D24S8}, {32, D3DFMT_D32, D3DFMT_D32}};
+    for (const auto& [bits, windowed, full_screen] : kRows) {
+        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(true, bits, 0)).AutoDepthStencilFormat, windowed);
+        EXPECT_EQ(BuildPresentParameters(Reporter(), Settings(false, bits, 0)).AutoDepthStencilFormat, full_screen);
     }
     EXPECT_EQ(ErrorOf([] { BuildPresentParameters(Reporter(), Settings(true, 15, 0)); }),
               "Reporter: Invalid Z-buffer: 15");
@@ -71,14 +68,13 @@ TEST(Presentation, Intervals) {
 }
 
 TEST(Presentation, FormatsFollowTheDisplay) {
-    constexpr struct {
-        D3DFORMAT display, alpha, opaque;
-    } kRows[] = {{D3DFMT_X8R8G8B8, D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8},
-                 {D3DFMT_A8R8G8B8, D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8},
-                 {D3DFMT_R5G6B5, D3DFMT_R5G6B5, D3DFMT_R5G6B5}};
-    for (const auto& row : kRows) {
-        EXPECT_EQ(AlphaFormatOf(row.display), row.alpha);
-        EXPECT_EQ(OpaqueFormatOf(row.display), row.opaque);
+    constexpr std::tuple<D3DFORMAT, D3DFORMAT, D3DFORMAT> kRows[] = {
+        {D3DFMT_X8R8G8B8, D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8},
+        {D3DFMT_A8R8G8B8, D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8},
+        {D3DFMT_R5G6B5, D3DFMT_R5G6B5, D3DFMT_R5G6B5}};
+    for (const auto& [display, alpha, opaque] : kRows) {
+        EXPECT_EQ(AlphaFormatOf(display), alpha);
+        EXPECT_EQ(OpaqueFormatOf(display), opaque);
     }
 }
 

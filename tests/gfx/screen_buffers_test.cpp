@@ -208,19 +208,16 @@ TEST_F(ScreenBufferTest, BuffersAreMadeOnFirstUse) {
     gfx_.ResizeWindow(300, 202);
     gfx_->PresentFrame();
     gfx_.recording.ForgetCalls();
-    constexpr struct {
-        int kind, index;
-        UINT width, height;
-    } kRows[] = {{1, 0, 75, 50}, {1, 2, 75, 50}, {2, 0, 300, 202}, {2, 1, 300, 202}};
+    constexpr std::tuple<int, int, UINT, UINT> kRows[] = {
+        {1, 0, 75, 50}, {1, 2, 75, 50}, {2, 0, 300, 202}, {2, 1, 300, 202}};
     std::set<IDirect3DTexture9*> textures;
-    for (const auto& row : kRows) {
+    for (const auto& [kind, index, width, height] : kRows) {
         gfx_.recording.ForgetCalls();
-        IDirect3DTexture9* texture = gfx_->GetScreenBufferTexture(row.kind, row.index);
+        IDirect3DTexture9* texture = gfx_->GetScreenBufferTexture(kind, index);
         EXPECT_TRUE(textures.insert(texture).second);
-        EXPECT_EQ(gfx_->GetScreenBufferTexture(row.kind, row.index), texture);
-        EXPECT_THAT(ArgumentsOf("CreateTexture"),
-                    ElementsAre(ElementsAre(row.width, row.height, 1, D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8,
-                                            D3DPOOL_DEFAULT)));
+        EXPECT_EQ(gfx_->GetScreenBufferTexture(kind, index), texture);
+        EXPECT_THAT(ArgumentsOf("CreateTexture"), ElementsAre(ElementsAre(width, height, 1, D3DUSAGE_RENDERTARGET,
+                                                                          D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT)));
     }
     constexpr int kNone[][2] = {{0, 0}, {1, 3}, {2, 2}, {3, 0}, {2, -1}};
     for (const auto& [kind, index] : kNone) {
@@ -247,12 +244,7 @@ TEST_F(ScreenBufferTest, BuffersReachEffectsBySemantic) {
 // ---- Passes
 
 TEST_F(ScreenBufferTest, AnnotationsNameThePassesTargets) {
-    const struct {
-        const char* annotations;
-        TargetKind kind;
-        int index;
-        bool init;
-    } rows[] = {
+    const std::tuple<const char*, TargetKind, int, bool> rows[] = {
         {"string RenderTarget = \"ScreenBuffer1\";", TargetKind::FullBuffer, 0, false},
         {"string RenderTarget = \"ScreenBuffer2\"; int InitPass = 1;", TargetKind::FullBuffer, 1, true},
         {"string RenderTarget = \"ScreenBuffer1.6\"; int InitPass = 0;", TargetKind::FullBuffer, 1, false},
@@ -265,14 +257,14 @@ TEST_F(ScreenBufferTest, AnnotationsNameThePassesTargets) {
         {"", TargetKind::None, 0, false},
     };
     KRN_ShaderEffect effect;
-    for (const auto& row : rows) {
-        LoadPasses(effect, {"", row.annotations});
+    for (const auto& [annotations, kind, index, init] : rows) {
+        LoadPasses(effect, {"", annotations});
         const auto techniques = ReadPassTargets(*gfx_, *effect.Effect());
         ASSERT_EQ(techniques.size(), 1u);
         const PassTarget& pass = techniques[0].passes.at(1);
-        EXPECT_EQ(pass.kind, row.kind) << row.annotations;
-        EXPECT_EQ(pass.index, row.index) << row.annotations;
-        EXPECT_EQ(pass.init_pass, row.init) << row.annotations;
+        EXPECT_EQ(pass.kind, kind) << annotations;
+        EXPECT_EQ(pass.index, index) << annotations;
+        EXPECT_EQ(pass.init_pass, init) << annotations;
     }
     const struct {
         const char* name;
@@ -411,10 +403,7 @@ TEST_F(ScreenBufferTest, TheScreenCopyStaysWhileABufferIsDrawnInto) {
 }
 
 TEST_F(ScreenBufferTest, AnErrorInThePassLeavesNothingBehind) {
-    constexpr struct {
-        const char* method;
-        const char* error;
-    } kRows[] = {
+    constexpr std::tuple<const char*, const char*> kRows[] = {
         {"DrawPrimitive", "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL"},
         {"GetRenderTarget", "KRN_Gfx: Can not retrieve render target: E_FAIL"},
         {"CreateTexture", "KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: E_FAIL"},
@@ -422,12 +411,12 @@ TEST_F(ScreenBufferTest, AnErrorInThePassLeavesNothingBehind) {
         {"SetRenderTarget", "KRN_Gfx: Can not set render target: E_FAIL"},
         {"GetDesc", "KRN_Gfx: GetDesc failed: E_FAIL"},
     };
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.method);
+    for (const auto& [method, error] : kRows) {
+        SCOPED_TRACE(method);
         KRN_ShaderEffect effect;
         LoadPasses(effect, {"string RenderTarget = \"ScreenBuffer1\";"});
-        gfx_.recording.Fail(row.method, E_FAIL);
-        EXPECT_EQ(ErrorOf([&] { DrawWith(effect); }), row.error);
+        gfx_.recording.Fail(method, E_FAIL);
+        EXPECT_EQ(ErrorOf([&] { DrawWith(effect); }), error);
         gfx_->SetShaderEffect(nullptr);
         EXPECT_TRUE(TargetIsBackBuffer());
         EXPECT_EQ(gfx_->EffectForDraw(), nullptr);

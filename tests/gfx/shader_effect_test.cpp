@@ -170,29 +170,27 @@ TEST_F(ShaderEffectTest, MatricesAreFilledBySemantic) {
     // Rows 0 to 2 inverted and transposed by hand: scale 2, and the axes y and z exchanged by 4 and -1.
     constexpr D3DXMATRIX kInverseTranspose = {{{0.5f, 0, 0, 0}, {0, 0, 0.25f, 0}, {0, -1, 0, 0}, {0, 0, 0, 1}}};
     constexpr D3DXMATRIX kViewInverse = {{{0, -1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {2, 3, -8, 1}}};
-    const struct {
-        const char* semantic;
-        D3DXMATRIX value;
-    } rows[] = {{"WorldViewProjection", product(product(kWorld, kView), kProjection)},
-                {"WORLDVIEW", product(kWorld, kView)},
-                {"world", kWorld},
-                {"WorldInverseTranspose", kInverseTranspose},
-                {"View", kView},
-                {"ViewInverse", kViewInverse},
-                {"Projection", kProjection},
-                {"ViewProjection", product(kView, kProjection)}};
+    const std::tuple<const char*, D3DXMATRIX> rows[] = {
+        {"WorldViewProjection", product(product(kWorld, kView), kProjection)},
+        {"WORLDVIEW", product(kWorld, kView)},
+        {"world", kWorld},
+        {"WorldInverseTranspose", kInverseTranspose},
+        {"View", kView},
+        {"ViewInverse", kViewInverse},
+        {"Projection", kProjection},
+        {"ViewProjection", product(kView, kProjection)}};
     gfx_->SetTransform(D3DTS_WORLD, kWorld);
     gfx_->SetTransform(D3DTS_VIEW, kView);
     gfx_->SetTransform(D3DTS_PROJECTION, kProjection);
-    for (const auto& row : rows) {
+    for (const auto& [semantic, value] : rows) {
         KRN_ShaderEffect effect;
-        ASSERT_TRUE(LoadText(effect, std::string("#define USE mul(p, M)\nfloat4x4 M : ") + row.semantic + ";\n" +
+        ASSERT_TRUE(LoadText(effect, std::string("#define USE mul(p, M)\nfloat4x4 M : ") + semantic + ";\n" +
                                          kVertexFunction + kOneTechnique));
         effect.ApplyFrameSemantics();
         const std::vector<float> sent = SentGlobals(effect);
         ASSERT_EQ(sent.size(), 16u);
         for (std::size_t i = 0; i < 16; ++i)
-            EXPECT_NEAR(sent[i], row.value.m[i / 4][i % 4], 1e-5f) << row.semantic << " element " << i;
+            EXPECT_NEAR(sent[i], value.m[i / 4][i % 4], 1e-5f) << semantic << " element " << i;
         std::filesystem::remove("t.fx");
         effect.Release();
     }

@@ -92,23 +92,19 @@ TEST(Depth, OffThatWasOffStaysOff) {
 }
 
 TEST(Filters, Presets) {
-    constexpr struct {
-        int preset;
-        D3DSAMPLERSTATETYPE type;
-        DWORD value;
-    } kRows[] = {
+    constexpr std::tuple<int, D3DSAMPLERSTATETYPE, DWORD> kRows[] = {
         {2, D3DSAMP_MAGFILTER, 1}, {1, D3DSAMP_MAGFILTER, 2}, {6, D3DSAMP_MAGFILTER, 3},
         {4, D3DSAMP_MINFILTER, 1}, {3, D3DSAMP_MINFILTER, 2}, {5, D3DSAMP_MINFILTER, 3},
         {8, D3DSAMP_ADDRESSU, 3},  {9, D3DSAMP_ADDRESSV, 2},  {7, D3DSAMP_ADDRESSU, 1},
     };
     RecordedGfx gfx;
-    for (const auto& row : kRows) {
-        EXPECT_EQ(gfx->SetTextureFilter(row.preset, 1), 1);
-        const std::vector<DWORD> sent = gfx.recording.Sent(1, row.type);
-        ASSERT_FALSE(sent.empty()) << row.preset;
-        EXPECT_EQ(sent.back(), row.value) << row.preset;
-        EXPECT_EQ(gfx->SetTextureFilter(row.preset, 1), 1);
-        EXPECT_EQ(gfx.recording.Sent(1, row.type).size(), sent.size()) << "sent once";
+    for (const auto& [preset, type, value] : kRows) {
+        EXPECT_EQ(gfx->SetTextureFilter(preset, 1), 1);
+        const std::vector<DWORD> sent = gfx.recording.Sent(1, type);
+        ASSERT_FALSE(sent.empty()) << preset;
+        EXPECT_EQ(sent.back(), value) << preset;
+        EXPECT_EQ(gfx->SetTextureFilter(preset, 1), 1);
+        EXPECT_EQ(gfx.recording.Sent(1, type).size(), sent.size()) << "sent once";
     }
     gfx.recording.ForgetCalls();
     EXPECT_EQ(gfx->SetTextureFilter(-1, 1), 1);
@@ -187,24 +183,21 @@ TEST(Points, WithoutScalingOnlyTheSizeCounts) {
 }
 
 TEST(Points, TheLargestSizeIsLimited) {
-    constexpr struct {
-        float device, wanted;
-        bool device_limit;
-        float sent;
-    } kRows[] = {{256, 100, false, 64}, {32, 50, false, 32}, {256, 100, true, 100}, {80, 100, true, 80}};
-    for (const auto& row : kRows) {
+    constexpr std::tuple<float, float, bool, float> kRows[] = {
+        {256, 100, false, 64}, {32, 50, false, 32}, {256, 100, true, 100}, {80, 100, true, 80}};
+    for (const auto& [device, wanted, device_limit, sent] : kRows) {
         RecordedGfx gfx(RecordedGfx::State::Constructed);
-        gfx.recording.caps.MaxPointSize = row.device;
+        gfx.recording.caps.MaxPointSize = device;
         gfx.Init();
         const Reports reports;
         PointSpriteSettings settings = ScaledPoints();
-        settings.max_size = row.wanted;
-        gfx->SetPointSprite(settings, row.device_limit);
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_POINTSIZE_MAX), ElementsAre(Bits(row.sent)));
+        settings.max_size = wanted;
+        gfx->SetPointSprite(settings, device_limit);
+        EXPECT_THAT(gfx.recording.Sent(D3DRS_POINTSIZE_MAX), ElementsAre(Bits(sent)));
         char warning[100];
         std::snprintf(warning, sizeof warning, "warning KRN_Gfx: Point size max adjusted from %f to %f",
-                      static_cast<double>(row.wanted), static_cast<double>(row.sent));
-        EXPECT_EQ(reports.Last(), row.sent < row.wanted ? warning : "");
+                      static_cast<double>(wanted), static_cast<double>(sent));
+        EXPECT_EQ(reports.Last(), sent < wanted ? warning : "");
     }
 }
 
@@ -285,18 +278,15 @@ TEST(Lighting, ALockedMaterialIsOnlyKept) {
 }
 
 TEST(AlphaTest, SendsItsPairOnce) {
-    constexpr struct {
-        int mode;
-        DWORD function;
-    } kRows[] = {{1, D3DCMP_GREATER}, {255, D3DCMP_EQUAL}};
-    for (const auto& row : kRows) {
+    constexpr std::tuple<int, DWORD> kRows[] = {{1, D3DCMP_GREATER}, {255, D3DCMP_EQUAL}};
+    for (const auto& [mode, function] : kRows) {
         RecordedGfx gfx;
-        gfx->SetAlphaTest(row.mode, 0x30);
-        gfx->SetAlphaTest(row.mode, 0x30);
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(static_cast<DWORD>(row.mode)));
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAFUNC), ElementsAre(row.function));
+        gfx->SetAlphaTest(mode, 0x30);
+        gfx->SetAlphaTest(mode, 0x30);
+        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(static_cast<DWORD>(mode)));
+        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAFUNC), ElementsAre(function));
         EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAREF), ElementsAre(0x30));
-        gfx->SetAlphaTest(row.mode, 0x31);
+        gfx->SetAlphaTest(mode, 0x31);
         EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAREF), ElementsAre(0x30, 0x31));
         gfx->SetAlphaTest(0, 0x31);
         EXPECT_EQ(gfx.recording.Sent(D3DRS_ALPHAREF).size(), 2u);

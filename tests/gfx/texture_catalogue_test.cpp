@@ -46,18 +46,16 @@ TEST_F(TextureCatalogue, ReadsNamesAndFiles) {
 }
 
 TEST_F(TextureCatalogue, BadLinesAddNothingAndCostNoOther) {
-    const struct {
-        const char* line;
-        int warnings;
-    } rows[] = {{"\"one\" \"a.png\"", 1}, {"\"one\" : \"a.png\"", 2},   {"\"one\"", 1},
-                {"\"one\" = ;", 0},       {"\"one\" ; = \"a.png\"", 1}, {"\"one\" \"a.png\" \"two\" \"b.png\"", 2}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, int> rows[] = {
+        {"\"one\" \"a.png\"", 1}, {"\"one\" : \"a.png\"", 2},   {"\"one\"", 1},
+        {"\"one\" = ;", 0},       {"\"one\" ; = \"a.png\"", 1}, {"\"one\" \"a.png\" \"two\" \"b.png\"", 2}};
+    for (const auto& [line, warnings] : rows) {
         catalogue_.Clear();
         Reports reports;
-        Load(std::string(row.line) + "\n\"good\" = \"b.png\"\n");
-        EXPECT_FALSE(catalogue_.GetTexture("one")) << row.line;
-        EXPECT_TRUE(catalogue_.GetTexture("good")) << row.line;
-        EXPECT_EQ(static_cast<int>(reports.All().size()), row.warnings) << row.line;
+        Load(std::string(line) + "\n\"good\" = \"b.png\"\n");
+        EXPECT_FALSE(catalogue_.GetTexture("one")) << line;
+        EXPECT_TRUE(catalogue_.GetTexture("good")) << line;
+        EXPECT_EQ(static_cast<int>(reports.All().size()), warnings) << line;
     }
 }
 

@@ -58,11 +58,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
     WriteFile("self.ifl", "self.ifl\n");
     WriteFile("missing.ifl", "a.png\nmore\\gone.png\n");
     WritePng("a.png", 2, 2);
-    const struct {
-        const char* name;
-        int parameter;
-        const char* error;
-    } rows[] = {
+    const std::tuple<const char*, int, const char*> rows[] = {
         {"", -1, "KRN_Gfx: Invalid file name in LoadTexture"},
         {nullptr, -1, "KRN_Gfx: Invalid file name in LoadTexture"},
         {"a.png", 4, "KRN_Gfx: Wrong texture parameter in LoadTexture!"},
@@ -77,7 +73,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
         {">>Video", -1, "KRN_Gfx: Invalid video source for texture: 0"},
         {">>Video16", -1, "KRN_Gfx: Invalid video source specifications for source 16"},
     };
-    for (const auto& row : rows) EXPECT_EQ(LoadError(row.name, row.parameter), row.error);
+    for (const auto& [name, parameter, error] : rows) EXPECT_EQ(LoadError(name, parameter), error);
     EXPECT_EQ(ErrorOf([&] { gfx_->LoadTexture(nullptr, "a.png", 0, -1); }),
               "KRN_Gfx: KRN_Texture pointer in LoadTexture is NULL pointer!");
     gfx_.recording.Fail("CreateTexture", D3DERR_OUTOFVIDEOMEMORY);
@@ -103,13 +99,11 @@ TEST_F(TextureLoading, LooksBelowTheTextureAndTheBasePath) {
     WritePng("base/low.png", 5, 1);
     gfx_->SetDefaultTexturePath("textures");
     gfx_->SetBasePath("base\\");
-    const struct {
-        const char* name;
-        float width;
-    } rows[] = {{"only.png", 2}, {"both.png", 3}, {"LOW.png", 5}, {"base\\Both.png", 4}};
-    for (const auto& row : rows) {
-        Load(row.name);
-        EXPECT_EQ(texture_.Width(), row.width) << row.name;
+    const std::tuple<const char*, float> rows[] = {
+        {"only.png", 2}, {"both.png", 3}, {"LOW.png", 5}, {"base\\Both.png", 4}};
+    for (const auto& [name, width] : rows) {
+        Load(name);
+        EXPECT_EQ(texture_.Width(), width) << name;
     }
 }
 
@@ -131,20 +125,16 @@ TEST_F(TextureLoading, ManyLookUpsFindWhatOneFinds) {
 TEST_F(TextureLoading, ParametersChooseThePool) {
     WritePng("a.png", 2, 2);
     Settings().sharing = false;
-    const struct {
-        int parameter;
-        D3DPOOL pool;
-        DWORD usage;
-    } rows[] = {{-1, D3DPOOL_MANAGED, 0},
-                {0, D3DPOOL_MANAGED, 0},
-                {1, D3DPOOL_DEFAULT, 0},
-                {2, D3DPOOL_MANAGED, 0},
-                {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET},
-                {1 | kLoadWithoutStretching, D3DPOOL_DEFAULT, 0}};
-    for (const auto& row : rows) {
-        Load("a.png", row.parameter);
-        EXPECT_EQ(Desc().Pool, row.pool) << row.parameter;
-        EXPECT_EQ(Desc().Usage, row.usage) << row.parameter;
+    const std::tuple<int, D3DPOOL, DWORD> rows[] = {{-1, D3DPOOL_MANAGED, 0},
+                                                    {0, D3DPOOL_MANAGED, 0},
+                                                    {1, D3DPOOL_DEFAULT, 0},
+                                                    {2, D3DPOOL_MANAGED, 0},
+                                                    {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET},
+                                                    {1 | kLoadWithoutStretching, D3DPOOL_DEFAULT, 0}};
+    for (const auto& [parameter, pool, usage] : rows) {
+        Load("a.png", parameter);
+        EXPECT_EQ(Desc().Pool, pool) << parameter;
+        EXPECT_EQ(Desc().Usage, usage) << parameter;
     }
 }
 
@@ -328,19 +318,16 @@ TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
 // ---- Empty textures
 
 TEST_F(TextureLoading, CreatesByMode) {
-    const struct {
-        int mode;
-        D3DPOOL pool;
-        DWORD usage;
-    } rows[] = {{-1, D3DPOOL_MANAGED, 0},  {4, D3DPOOL_MANAGED, 0},
-                {1, D3DPOOL_DEFAULT, 0},   {1 | kCreateDynamic, D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC},
-                {2, D3DPOOL_SYSTEMMEM, 0}, {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET}};
-    for (const auto& row : rows) {
-        gfx_->CreateTexture(&texture_, 12, 7, row.mode, -1, 1);
-        EXPECT_EQ(Desc().Pool, row.pool) << row.mode;
-        EXPECT_EQ(Desc().Usage, row.usage) << row.mode;
-        EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8) << row.mode;
-        EXPECT_EQ(texture_.Height(), 7.0f) << row.mode;
+    const std::tuple<int, D3DPOOL, DWORD> rows[] = {
+        {-1, D3DPOOL_MANAGED, 0},  {4, D3DPOOL_MANAGED, 0},
+        {1, D3DPOOL_DEFAULT, 0},   {1 | kCreateDynamic, D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC},
+        {2, D3DPOOL_SYSTEMMEM, 0}, {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET}};
+    for (const auto& [mode, pool, usage] : rows) {
+        gfx_->CreateTexture(&texture_, 12, 7, mode, -1, 1);
+        EXPECT_EQ(Desc().Pool, pool) << mode;
+        EXPECT_EQ(Desc().Usage, usage) << mode;
+        EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8) << mode;
+        EXPECT_EQ(texture_.Height(), 7.0f) << mode;
     }
     EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(nullptr, 4, 4, 4, -1, 1); }),
               "KRN_Gfx: KRN_Texture pointer in CreateTexture is NULL pointer!");

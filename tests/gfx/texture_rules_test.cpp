@@ -14,10 +14,9 @@ namespace {
 TEST(TextureFormat, PowersOfTwo) {
     for (const UINT v : {0u, 1u, 2u, 1024u, 0x80000000u}) EXPECT_TRUE(IsPowerOfTwo(v)) << v;
     for (const UINT v : {3u, 6u, 1023u, 0xFFFFFFFFu}) EXPECT_FALSE(IsPowerOfTwo(v)) << v;
-    const struct {
-        UINT value, rounded;
-    } rows[] = {{0, 0}, {1, 1}, {2, 2}, {3, 4}, {300, 512}, {0x80000000, 0x80000000}, {0x80000001, 0}};
-    for (const auto& row : rows) EXPECT_EQ(RoundUpToPowerOfTwo(row.value), row.rounded) << row.value;
+    const std::tuple<UINT, UINT> rows[] = {{0, 0},         {1, 1}, {2, 2}, {3, 4}, {300, 512}, {0x80000000, 0x80000000},
+                                           {0x80000001, 0}};
+    for (const auto& [value, rounded] : rows) EXPECT_EQ(RoundUpToPowerOfTwo(value), rounded) << value;
 }
 
 TEST(TextureFormat, IsChosenFromImageDisplayAndCompression) {
@@ -50,12 +49,7 @@ TEST(TextureFormat, IsChosenFromImageDisplayAndCompression) {
 
 TEST(TextureSequence, ShowsTheFrameOfTheTime) {
     constexpr float kStart = 2.0f, kDuration = 0.1f;
-    const struct {
-        PlaybackMode mode;
-        int frames;
-        float since;
-        int frame;
-    } rows[] = {
+    const std::tuple<PlaybackMode, int, float, int> rows[] = {
         {PlaybackMode::Loop, 4, 0.05f, 0},      {PlaybackMode::Loop, 4, 0.35f, 3},
         {PlaybackMode::Loop, 4, 0.45f, 0},      {PlaybackMode::Loop, 4, -0.05f, 3},
         {PlaybackMode::Loop, 4, -0.45f, 3},     {PlaybackMode::Once, 4, -0.05f, 0},
@@ -65,9 +59,9 @@ TEST(TextureSequence, ShowsTheFrameOfTheTime) {
         {PlaybackMode::PingPong, 4, 0.75f, 0},  {PlaybackMode::PingPong, 4, 0.85f, 0},
         {PlaybackMode::PingPong, 4, -0.05f, 0}, {PlaybackMode::PingPong, 4, -0.35f, 3},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(FrameAt({kStart, kDuration, row.mode}, row.frames, kStart + row.since), row.frame)
-            << static_cast<int>(row.mode) << " " << row.frames << " " << row.since;
+    for (const auto& [mode, frames, since, frame] : rows)
+        EXPECT_EQ(FrameAt({kStart, kDuration, mode}, frames, kStart + since), frame)
+            << static_cast<int>(mode) << " " << frames << " " << since;
 }
 
 TEST(TextureSequence, SurvivesEveryTiming) {
@@ -85,17 +79,15 @@ D3DXVECTOR2 Moved(const TextureMatrixValues& values, float u, float v) {
 }
 
 TEST(TextureMatrix, MovesTilesAndTurnsAboutTheMiddle) {
-    const struct {
-        const char* name;
-        TextureMatrixValues values;
-        float u, v, to_u, to_v;
-    } rows[] = {
+    // clang-format off
+    const struct { const char* name; TextureMatrixValues values; float u, v, to_u, to_v; } rows[] = {
         {"nothing", {}, 0.25f, 0.75f, 0.25f, 0.75f},
         {"offset", {0.1f, 0.2f, 1, 1, 0}, 0.25f, 0.75f, 0.15f, 0.95f},
         {"tiling", {0, 0, 2, 3, 0}, 0.75f, 0.75f, 1.0f, 1.25f},
         {"a quarter turn", {0, 0, 1, 1, 1.5707963f}, 0.75f, 0.5f, 0.5f, 0.25f},
         {"offset, turned, tiled", {0.1f, 0, 2, 1, 1.5707963f}, 0.75f, 0.5f, 0.5f, 0.35f},
     };
+    // clang-format on
     for (const auto& row : rows) {
         const D3DXVECTOR2 moved = Moved(row.values, row.u, row.v);
         EXPECT_NEAR(moved.x, row.to_u, 1e-6) << row.name;
@@ -107,12 +99,7 @@ TEST(TextureMatrix, MovesTilesAndTurnsAboutTheMiddle) {
 TEST(StageRecipes, KindsStandWhereTheyMay) {
     constexpr char kReflection[] = "Reflection map in stage other than zero!";
     constexpr char kDiffuse[] = "More than one diffuse map requires a diffuse map at stage 0";
-    const struct {
-        MapKind kind;
-        int stage;
-        MapKind first;
-        const char* error;
-    } rows[] = {
+    const std::tuple<MapKind, int, MapKind, const char*> rows[] = {
         {MapKind::Diffuse, 0, MapKind::Diffuse, nullptr},
         {MapKind::Diffuse, 1, MapKind::Diffuse, nullptr},
         {MapKind::Diffuse, 1, MapKind::Reflection, nullptr},
@@ -124,15 +111,11 @@ TEST(StageRecipes, KindsStandWhereTheyMay) {
         {MapKind::Bump, 2, MapKind::Diffuse, nullptr},
         {MapKind::None, 1, MapKind::None, nullptr},
     };
-    for (const auto& row : rows) EXPECT_STREQ(WhyNotAtStage(row.kind, row.stage, row.first), row.error);
+    for (const auto& [kind, stage, first, error] : rows) EXPECT_STREQ(WhyNotAtStage(kind, stage, first), error);
 }
 
 TEST(StageRecipes, MixByKindAndRenderSource) {
-    const struct {
-        MapKind kind;
-        int stage, source;
-        StageRecipe recipe;
-    } rows[] = {
+    const std::tuple<MapKind, int, int, StageRecipe> rows[] = {
         {MapKind::Diffuse, 0, 1, {D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE}},
         {MapKind::Diffuse, 0, 2, {D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_DIFFUSE}},
         {MapKind::Diffuse, 0, 3, {D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_TFACTOR}},
@@ -140,7 +123,7 @@ TEST(StageRecipes, MixByKindAndRenderSource) {
         {MapKind::Bump, 1, 1, {D3DTOP_BUMPENVMAP, D3DTA_TEXTURE, D3DTA_CURRENT}},
         {static_cast<MapKind>(77), 1, 1, {D3DTOP_DISABLE, D3DTA_TEXTURE, D3DTA_CURRENT}},
     };
-    for (const auto& row : rows) EXPECT_EQ(RecipeOf(row.kind, row.stage, row.source), row.recipe);
+    for (const auto& [kind, stage, source, recipe] : rows) EXPECT_EQ(RecipeOf(kind, stage, source), recipe);
 }
 
 }   // namespace

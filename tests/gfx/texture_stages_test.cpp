@@ -175,17 +175,16 @@ TEST_F(TextureStagesTest, ALayersMatrixFollowsItsTracks) {
     texture_.SetLayerAnimation(0, animation);
     texture_.SetLayerAnimation(1, animation);   // has no picture
     const D3DXMATRIX at_start = texture_.LayerMatrix(1);
-    const struct {
-        float t, offset_v, angle_w;
-    } rows[] = {{0, 0.125f, 0.25f}, {2, 0.125f, 1.25f}, {3, 0.390625f, 0.25f}, {9.5f, 0.625f, 0.5f}};
-    for (const auto& row : rows) {
-        texture_.Update(row.t);
-        const D3DXMATRIX expected = BuildTextureMatrix({0.25f, row.offset_v, 2, 3, row.angle_w});
-        EXPECT_EQ(texture_.LayerMatrix(0), expected) << row.t;
+    const std::tuple<float, float, float> rows[] = {
+        {0, 0.125f, 0.25f}, {2, 0.125f, 1.25f}, {3, 0.390625f, 0.25f}, {9.5f, 0.625f, 0.5f}};
+    for (const auto& [t, offset_v, angle_w] : rows) {
+        texture_.Update(t);
+        const D3DXMATRIX expected = BuildTextureMatrix({0.25f, offset_v, 2, 3, angle_w});
+        EXPECT_EQ(texture_.LayerMatrix(0), expected) << t;
         gfx_->SetTexture(&texture_, -1);
         D3DMATRIX sent;
         gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &sent);
-        EXPECT_EQ(sent, expected) << row.t;
+        EXPECT_EQ(sent, expected) << t;
     }
     EXPECT_EQ(texture_.LayerMatrix(1), at_start);
     texture_.SetLayerMatrix(0, {0.25f, 0.5f, 2, 3, 0.75f});

@@ -32,30 +32,27 @@ class TextureSurface : public testing::Test {
 };
 
 TEST_F(TextureSurface, ReadsAndWritesPixelsOfTheLockedRectangle) {
-    const struct {
-        D3DFORMAT format;
-        D3DCOLOR read;
-    } rows[] = {{D3DFMT_A8R8G8B8, 0xA1B2C3D4},
-                {D3DFMT_R5G6B5, 0xFFB0C0D0},
-                {D3DFMT_A4R4G4B4, 0xA0B0C0D0},
-                {D3DFMT_A8, 0xA1000000},
-                {D3DFMT_A8L8, 0xA1C3C3C3}};
-    for (const auto& row : rows) {
-        Create(8, 6, row.format);
+    const std::tuple<D3DFORMAT, D3DCOLOR> rows[] = {{D3DFMT_A8R8G8B8, 0xA1B2C3D4},
+                                                    {D3DFMT_R5G6B5, 0xFFB0C0D0},
+                                                    {D3DFMT_A4R4G4B4, 0xA0B0C0D0},
+                                                    {D3DFMT_A8, 0xA1000000},
+                                                    {D3DFMT_A8L8, 0xA1C3C3C3}};
+    for (const auto& [format, read] : rows) {
+        Create(8, 6, format);
         const RECT rectangle = {2, 1, 6, 5};
         texture_.Lock(&rectangle, 0);
         texture_.SetPixel(2, 1, 0xA1B2C3D4);
         texture_.SetPixel(5, 4, 0xA1B2C3D4);
         texture_.SetPixel(6, 4, 0xA1B2C3D4);   // outside
         texture_.SetPixel(1, 3, 0xA1B2C3D4);
-        EXPECT_EQ(texture_.GetPixel(2, 1), row.read) << row.format;
-        EXPECT_EQ(texture_.GetPixel(5, 4), row.read) << row.format;
-        EXPECT_EQ(texture_.GetPixel(6, 4), 0u) << row.format;
+        EXPECT_EQ(texture_.GetPixel(2, 1), read) << format;
+        EXPECT_EQ(texture_.GetPixel(5, 4), read) << format;
+        EXPECT_EQ(texture_.GetPixel(6, 4), 0u) << format;
         texture_.Unlock();
         EXPECT_EQ(texture_.GetPixel(2, 1), 0u) << "without a lock";
         texture_.Lock(nullptr, D3DLOCK_READONLY);
-        EXPECT_EQ(texture_.GetPixel(5, 4), row.read) << row.format;
-        EXPECT_NE(texture_.GetPixel(6, 4), row.read) << row.format;
+        EXPECT_EQ(texture_.GetPixel(5, 4), read) << format;
+        EXPECT_NE(texture_.GetPixel(6, 4), read) << format;
         texture_.Unlock();
     }
 }

@@ -61,17 +61,13 @@ TEST(VertexLayout, ReadsTheSizeOfEachTextureSet) {
 }
 
 TEST(VertexList, DerivesPrimitivesFromElements) {
-    constexpr struct {
-        const char* name;
-        int mode;
-        UINT elements, primitives;
-    } kRows[] = {{"point list", 1, 5, 5},      {"line list", 2, 5, 2},      {"line strip", 3, 5, 4},
-                 {"triangle list", 4, 30, 10}, {"triangle strip", 5, 4, 2}, {"triangle fan", 6, 7, 5},
-                 {"no line", 3, 0, 0},         {"no triangle", 5, 1, 0}};
+    constexpr std::tuple<const char*, int, UINT, UINT> kRows[] = {
+        {"point list", 1, 5, 5},     {"line list", 2, 5, 2},    {"line strip", 3, 5, 4}, {"triangle list", 4, 30, 10},
+        {"triangle strip", 5, 4, 2}, {"triangle fan", 6, 7, 5}, {"no line", 3, 0, 0},    {"no triangle", 5, 1, 0}};
     const RecordedGfx gfx;
     KRN_VertexList reporter(PrimitiveMode::PointList, 0x42);
-    for (const auto& row : kRows)
-        EXPECT_EQ(PrimitiveCount(reporter, row.mode, row.elements), row.primitives) << row.name;
+    for (const auto& [name, mode, elements, primitives] : kRows)
+        EXPECT_EQ(PrimitiveCount(reporter, mode, elements), primitives) << name;
     for (const int mode : {0, 7}) {
         EXPECT_EQ(ErrorOf([&] { PrimitiveCount(reporter, mode, 5); }),
                   "KRN_ListBase: *undefined*: Invalid PointList mode selected! (" + std::to_string(mode) + ")");

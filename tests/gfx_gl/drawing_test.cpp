@@ -117,21 +117,16 @@ TEST_F(Drawing, AMeshIsSeenFromItsFrontAlsoWhenMirrored) {
     gfx_->SetBlendingMode(1, 255, 0);
     gfx_->SetCullingMode(-1);
     gfx_->SetAmbient(0xFFFFFFFF);
-    constexpr struct {
-        const char* name;
-        float scale_x;
-        int culling;
-        bool seen;
-    } kRows[] = {
+    constexpr std::tuple<const char*, float, int, bool> kRows[] = {
         {"front", 1, -1, true}, {"mirrored", -1, -1, true}, {"back", 1, 1, false}, {"mirrored back", -1, 1, false}};
-    for (const auto& row : kRows) {
+    for (const auto& [name, scale_x, culling, seen] : kRows) {
         gfx_->Clear(kBack, 1, nullptr);
-        mesh.SetScale(row.scale_x, 1, 1, true);
-        gfx_->SetCullingMode(row.culling);
+        mesh.SetScale(scale_x, 1, 1, true);
+        gfx_->SetCullingMode(culling);
         gfx_->DrawMesh(&mesh, nullptr);
         gfx_->ReadBackBuffer(pixels_, width_, height_);
-        const Rgb expected = row.seen ? Rgb{51, 153, 102} : ToRgb(kBack);
-        EXPECT_TRUE(Near(At(width_ / 2, height_ / 2), expected, 2)) << row.name << " " << At(width_ / 2, height_ / 2);
+        const Rgb expected = seen ? Rgb{51, 153, 102} : ToRgb(kBack);
+        EXPECT_TRUE(Near(At(width_ / 2, height_ / 2), expected, 2)) << name << " " << At(width_ / 2, height_ / 2);
     }
     gfx_->SetAmbient(0);
     Finish();

@@ -187,14 +187,12 @@ constexpr D3DXVECTOR3 kCentre(-7.75f, 4.25f, 12);
 constexpr float kEdge = 22.5f, kAngle = 0.4f;
 
 std::vector<ParticleVertex> Particle(D3DCOLOR colour) {
-    const struct {
-        D3DXVECTOR3 corner;
-        D3DXVECTOR2 uv;
-    } corners[] = {{{-1, -1, 0}, {0, 0}}, {{1, 1, 0}, {1, 1}},  {{1, -1, 0}, {1, 0}},
-                   {{-1, -1, 0}, {0, 0}}, {{-1, 1, 0}, {0, 1}}, {{1, 1, 0}, {1, 1}}};
+    const std::tuple<D3DXVECTOR3, D3DXVECTOR2> corners[] = {{{-1, -1, 0}, {0, 0}}, {{1, 1, 0}, {1, 1}},
+                                                            {{1, -1, 0}, {1, 0}},  {{-1, -1, 0}, {0, 0}},
+                                                            {{-1, 1, 0}, {0, 1}},  {{1, 1, 0}, {1, 1}}};
     std::vector<ParticleVertex> vertices;
-    for (const auto& corner : corners)
-        vertices.push_back({kCentre, corner.corner, kEdge, colour, corner.uv, {std::cos(kAngle), std::sin(kAngle)}});
+    for (const auto& [corner, uv] : corners)
+        vertices.push_back({kCentre, corner, kEdge, colour, uv, {std::cos(kAngle), std::sin(kAngle)}});
     return vertices;
 }
 

@@ -86,25 +86,21 @@ std::unique_ptr<KRN_Gfx> TexturePicture::gfx_;
 
 TEST_F(TexturePicture, EveryKindOfFileIsDrawnAsItIs) {
     const TestPicture picture = TestPicture::Pattern(8, 8, false);
-    const struct {
-        const char* name;
-        std::string file;
-        int tolerance;
-    } rows[] = {{"png", PngFile(picture, 4), 0},
-                {"png 3", PngFile(picture, 3), 0},
-                {"bmp", BmpFile(picture, D3DFMT_R8G8B8), 0},
-                {"bmp 565", BmpFile(picture, D3DFMT_R5G6B5), 5},
-                {"tga", TgaFile(picture, D3DFMT_A8R8G8B8, true), 0},
-                {"tga 16", TgaFile(picture, D3DFMT_A1R5G5B5), 5},
-                {"dds", DdsFile(picture), 0}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, std::string, int> rows[] = {{"png", PngFile(picture, 4), 0},
+                                                              {"png 3", PngFile(picture, 3), 0},
+                                                              {"bmp", BmpFile(picture, D3DFMT_R8G8B8), 0},
+                                                              {"bmp 565", BmpFile(picture, D3DFMT_R5G6B5), 5},
+                                                              {"tga", TgaFile(picture, D3DFMT_A8R8G8B8, true), 0},
+                                                              {"tga 16", TgaFile(picture, D3DFMT_A1R5G5B5), 5},
+                                                              {"dds", DdsFile(picture), 0}};
+    for (const auto& [name, file, tolerance] : rows) {
         for (const int parameter : {0, 1}) {   // managed, and the default pool
-            SCOPED_TRACE(std::string(row.name) + std::to_string(parameter));
+            SCOPED_TRACE(std::string(name) + std::to_string(parameter));
             gfx_->Parts().texture_loader.Settings().sharing = false;
-            Load(row.file, parameter);
+            Load(file, parameter);
             gfx_->SetTexture(&texture_, -1);
             Draw(8);
-            for (UINT i = 0; i < 64; ++i) ExpectPixel(i % 8, i / 8, picture.pixels[i], row.tolerance);
+            for (UINT i = 0; i < 64; ++i) ExpectPixel(i % 8, i / 8, picture.pixels[i], tolerance);
             gfx_->SetTexture(nullptr, -1);
         }
     }

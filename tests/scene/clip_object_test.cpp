@@ -15,15 +15,13 @@ void MakePlanes(ViewPlane (&planes)[6]) {
 TEST(ViewPlanes, PointOutwards) {
     ViewPlane planes[6];
     MakePlanes(planes);
-    constexpr struct {
-        D3DXVECTOR3 point;
-        int outside;   // the plane it lies outside, -1 for none
-    } kRows[] = {{{0, 0, 50}, -1}, {{-60, 0, 50}, 0}, {{60, 0, 50}, 1}, {{0, -60, 50}, 2},
-                 {{0, 60, 50}, 3}, {{0, 0, 0.5f}, 4}, {{0, 0, 101}, 5}, {{49, -49, 50}, -1}};
-    for (const auto& row : kRows) {
+    constexpr std::tuple<D3DXVECTOR3, int> kRows[] = {{{0, 0, 50}, -1},  {{-60, 0, 50}, 0},  {{60, 0, 50}, 1},
+                                                      {{0, -60, 50}, 2}, {{0, 60, 50}, 3},   {{0, 0, 0.5f}, 4},
+                                                      {{0, 0, 101}, 5},  {{49, -49, 50}, -1}};
+    for (const auto& [point, outside] : kRows) {
         for (int p = 0; p < 6; ++p) {
-            const float distance = D3DXVec3Dot(planes[p].normal, row.point - planes[p].point);
-            EXPECT_EQ(distance > 0, p == row.outside) << p << " " << row.point.x << " " << row.point.y;
+            const float distance = D3DXVec3Dot(planes[p].normal, point - planes[p].point);
+            EXPECT_EQ(distance > 0, p == outside) << p << " " << point.x << " " << point.y;
         }
     }
 }
@@ -53,12 +51,8 @@ KRN_ClipObject Bounds(std::uint32_t mode) {
 TEST(Bounds, AreTestedByTheirMode) {
     ViewPlane planes[6];
     MakePlanes(planes);
-    constexpr struct {
-        const char* name;
-        std::uint32_t mode;
-        float x, z;
-        bool visible;
-    } kRows[] = {
+    // clang-format off
+    constexpr struct { const char* name; std::uint32_t mode; float x, z; bool visible; } kRows[] = {
         {"never culled", 0, 500, 50, true},
         {"inside", 3, 0, 50, true},
         {"sphere out", 1, 60, 50, false},
@@ -69,6 +63,7 @@ TEST(Bounds, AreTestedByTheirMode) {
         {"box over the side", 2, 49, 50, true},
         {"beyond", 2, 0, 200, false},
     };
+    // clang-format on
     for (const auto& row : kRows) {
         D3DXMATRIX world;
         D3DXMatrixTranslation(&world, row.x, 0, row.z);

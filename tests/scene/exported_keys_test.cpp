@@ -51,12 +51,7 @@ std::vector<Step> Steps(const KeyTrack<KRN_RotKeyData>& track) {
 }
 
 TEST(ExportedRotations, ALongStepIsSplit) {
-    const struct {
-        const char* name;
-        KeyInterpolation interpolation;
-        float angle;
-        std::vector<Step> steps;   // behind the first key
-    } rows[] = {
+    const std::tuple<const char*, KeyInterpolation, float, std::vector<Step>> rows[] = {
         {"short", kTcb, 3, {{900, 3, 0.5f}}},
         {"three quarters", kTcb, 4.5f, {{500, 2.25f, 0}, {900, 2.25f, 0.5f}}},
         {"backwards", kTcb, -7.5f, {{100 + 800.0f / 3, -2.5f, 0}, {100 + 1600.0f / 3, -2.5f, 0}, {900, -2.5f, 0.5f}}},
@@ -66,15 +61,15 @@ TEST(ExportedRotations, ALongStepIsSplit) {
          7,
          {{100 + 800.0f / 3, 7.0f / 3, 0}, {100 + 1600.0f / 3, 7.0f / 3, 0}, {900, 7.0f / 3, 0.5f}}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, interpolation, angle, steps] : rows) {
         KeyTrack<KRN_RotKeyData> track;
         ExportedRotations rotations(track);
         EXPECT_TRUE(rotations.Add(100, kTcb, Exported(9, 0.25f))) << "the first is taken as it is";
-        EXPECT_TRUE(rotations.Add(900, row.interpolation, Exported(row.angle, 0.5f)));
-        std::vector<Step> expected = row.steps;
+        EXPECT_TRUE(rotations.Add(900, interpolation, Exported(angle, 0.5f)));
+        std::vector<Step> expected = steps;
         expected.insert(expected.begin(), {100, 9, 0.25f});
-        EXPECT_EQ(Steps(track), expected) << row.name;
-        ExpectSameTurn(track.Tail()->data.rotation, TurnAboutZ(9 + row.angle), 1e-5f);
+        EXPECT_EQ(Steps(track), expected) << name;
+        ExpectSameTurn(track.Tail()->data.rotation, TurnAboutZ(9 + angle), 1e-5f);
     }
 }
 
@@ -120,14 +115,13 @@ TEST(FinishedKeys, HaveTangentsTimesTheirIntervalsAndSeconds) {
     tracks.position.Add(1100, kBezier, kData);
     AddExportedScale(tracks.scale, 200, kBezier, {{{-2, 3, -4}, {5, 6, 7}, {8, 9, 10}}});
     FinishExportedKeys(node, {.first_frame = 2, .ticks_per_frame = 50, .frames_per_second = 4});
-    const struct {
-        float seconds, in, out;
-    } rows[] = {{0, 5, 8 * 200}, {1, 5 * 200, 8 * 500}, {3.5f, 5 * 500, 8 * 200}, {4.5f, 5, 8}, {5, 5, 8}};
+    const std::tuple<float, float, float> rows[] = {
+        {0, 5, 8 * 200}, {1, 5 * 200, 8 * 500}, {3.5f, 5 * 500, 8 * 200}, {4.5f, 5, 8}, {5, 5, 8}};
     const auto* key = tracks.position.Head();
-    for (const auto& row : rows) {
-        EXPECT_FLOAT_EQ(key->time, row.seconds);
-        EXPECT_FLOAT_EQ(key->data.in_tangent.x, row.in) << row.seconds;
-        EXPECT_FLOAT_EQ(key->data.out_tangent.x, row.out) << row.seconds;
+    for (const auto& [seconds, in, out] : rows) {
+        EXPECT_FLOAT_EQ(key->time, seconds);
+        EXPECT_FLOAT_EQ(key->data.in_tangent.x, in) << seconds;
+        EXPECT_FLOAT_EQ(key->data.out_tangent.x, out) << seconds;
         key = key->next.get();
     }
     EXPECT_EQ(tracks.scale.Head()->data, (KRN_ScaleKeyData{{{2, 3, 4}, {5, 6, 7}, {8, 9, 10}}}));
@@ -138,16 +132,14 @@ TEST(FinishedKeys, HaveControlPointsByTheirTension) {
     // About one axis orientations are angles, and their interpolation is that of numbers.
     constexpr float kBefore = 0.25f, kHere = 0.75f, kBehind = 1.875f, kTension = 0.5f;
     constexpr float kReach = (kBehind - kBefore) / 6 * (1 - 0.8f * kTension);
-    const struct {
-        const char* name;
-        bool before, behind;
-        float in, out;
-    } rows[] = {
+    // clang-format off
+    const struct { const char* name; bool before, behind; float in, out; } rows[] = {
         {"alone", false, false, kHere, kHere},
         {"between", true, true, kHere - kReach, kHere + kReach},
         {"last", true, false, kBefore + (kHere - kBefore) * (1 + 0.63f * kTension) / 2, kHere},
         {"first", false, true, kHere, kHere + (kBehind - kHere) * (1 - 0.63f * kTension) / 2},
     };
+    // clang-format on
     for (const auto& row : rows) {
         const testing::ScopedTrace trace(__FILE__, __LINE__, row.name);
         Node node;

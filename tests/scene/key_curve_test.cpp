@@ -68,11 +68,9 @@ TEST(KeyCurve, ALoopRunsFromTheLastKeyToTheFirst) {
     curve.AddKey(0, {3});
     curve.AddKey(1, {7});
     curve.SetLoop(true, 2);
-    const struct {
-        double time;
-        float value;
-    } kRows[] = {{0.5, 5}, {1, 7}, {1.25, 6}, {1.75, 4}, {2, 3}, {6.5, 5}, {-0.25, 4}, {-1.5, 5}};
-    for (const auto& row : kRows) EXPECT_FLOAT_EQ(At(curve, row.time), row.value) << row.time;
+    const std::tuple<double, float> kRows[] = {{0.5, 5}, {1, 7},   {1.25, 6},  {1.75, 4},
+                                               {2, 3},   {6.5, 5}, {-0.25, 4}, {-1.5, 5}};
+    for (const auto& [time, value] : kRows) EXPECT_FLOAT_EQ(At(curve, time), value) << time;
 }
 
 TEST(KeyCurve, TangentsOfALoopReachAcrossTheSeam) {

@@ -18,12 +18,8 @@ std::vector<DWORD> ArgumentsOf(const RecordedGfx& gfx, const char* method) {
 }
 
 TEST(Mesh, OptionsChooseThePools) {
-    constexpr struct {
-        const char* name;
-        bool system_memory;
-        int bones;
-        DWORD extra, usage, pool;
-    } kRows[] = {
+    // clang-format off
+    constexpr struct { const char* name; bool system_memory; int bones; DWORD extra, usage, pool; } kRows[] = {
         {"managed", false, 0, 0, 0, D3DPOOL_MANAGED},
         {"no extra options", false, 0, static_cast<DWORD>(-1), 0, D3DPOOL_MANAGED},
         {"write only", false, 0, D3DXMESH_WRITEONLY, D3DUSAGE_WRITEONLY, D3DPOOL_MANAGED},
@@ -32,6 +28,7 @@ TEST(Mesh, OptionsChooseThePools) {
         {"bones that fit", false, 4, 0, 0, D3DPOOL_MANAGED},
         {"too many bones", false, 5, D3DXMESH_DYNAMIC, D3DUSAGE_SOFTWAREPROCESSING, D3DPOOL_SYSTEMMEM},
     };
+    // clang-format on
     for (const auto& row : kRows) {
         SCOPED_TRACE(row.name);
         RecordedGfx gfx(RecordedGfx::State::Constructed);

@@ -91,20 +91,17 @@ TEST(AnimatedNode, FollowsItsTracks) {
 }
 
 TEST(AnimatedNode, TakesItsTimeFromTheLoop) {
-    const struct {
-        double time;
-        bool loops;
-        float x;
-    } rows[] = {{-1, false, 20}, {99, false, 40}, {9, true, 35}, {-3, true, 35}, {5, true, 25}, {5.5, true, 17.5f}};
+    const std::tuple<double, bool, float> rows[] = {{-1, false, 20}, {99, false, 40}, {9, true, 35},
+                                                    {-3, true, 35},  {5, true, 25},   {5.5, true, 17.5f}};
     Node node;
     node.Tracks().position.Add(-2, KeyInterpolation::Linear, {{10, 2, 3}, {}, {}});
     node.Tracks().position.Add(4, KeyInterpolation::Linear, {{40, 5, 6}, {}, {}});
     node.RebuildLookupTables();
     node.SetAnimationLength(6);
-    for (const auto& row : rows) {
-        node.SetLooping(row.loops);
-        node.Animate(row.time, false, false);
-        EXPECT_NEAR(node.CurrentPosition().x, row.x, 1e-4f) << row.time;
+    for (const auto& [time, loops, x] : rows) {
+        node.SetLooping(loops);
+        node.Animate(time, false, false);
+        EXPECT_NEAR(node.CurrentPosition().x, x, 1e-4f) << time;
     }
 }
 
@@ -147,11 +144,7 @@ struct Family {
 };
 
 TEST(Hierarchy, ANodeTakesOverWhatItInherits) {
-    const struct {
-        const char* name;
-        InheritFlags inherits;
-        D3DXVECTOR3 at, one_x;   // where the child's origin and its (1, 0, 0) come to lie
-    } rows[] = {
+    const std::tuple<const char*, InheritFlags, D3DXVECTOR3, D3DXVECTOR3> rows[] = {
         {"all", {}, {10 - 18, 20 + 10, 30 + 28}, {10 - 18, 20 + 12, 30 + 28}},
         {"no position", {.position = false}, {-18, 10, 28}, {-18, 12, 28}},
         {"no scale", {.scale = false}, {10 - 6, 20 + 5, 30 + 7}, {10 - 6, 20 + 6, 30 + 7}},
@@ -160,12 +153,12 @@ TEST(Hierarchy, ANodeTakesOverWhatItInherits) {
         {"nothing", {false, false, false, false}, {5, 6, 7}, {6, 6, 7}},
     };
     Family family;
-    for (const auto& row : rows) {
-        const testing::ScopedTrace trace(__FILE__, __LINE__, row.name);
-        family.child.SetInheritance(row.inherits);
+    for (const auto& [name, inherits, at, one_x] : rows) {
+        const testing::ScopedTrace trace(__FILE__, __LINE__, name);
+        family.child.SetInheritance(inherits);
         family.child.Animate(0, false, false);
-        ExpectNear(Carried(family.child, {}), row.at);
-        ExpectNear(Carried(family.child, {1, 0, 0}), row.one_x);
+        ExpectNear(Carried(family.child, {}), at);
+        ExpectNear(Carried(family.child, {1, 0, 0}), one_x);
     }
 }
 
