@@ -36,7 +36,7 @@ struct Argument<Interface**> {
     Interface** place;
     Interface* made = nullptr;
     operator Interface**() { return &made; }
-    ~Argument() { *place = made ? new Forwarding<Interface>(recording, made) : nullptr; }
+    ~Argument() noexcept(false) { *place = made ? new Forwarding<Interface>(recording, made) : nullptr; }
 };
 
 template <class Interface>
