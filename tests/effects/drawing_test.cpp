@@ -170,6 +170,8 @@ TEST_F(Drawing, BatchesEndWhereStatesChange) {
     };
     for (const auto& [what, lines, draws] : kRows)
         EXPECT_EQ(DrawEffect(Particle("a", 1) + Particle("a", 2, lines)), draws) << what;
+    const std::string special = "SPECIAL {\ntype = \"none\"\npos = 0, 2, 0\n}\n";
+    EXPECT_EQ(DrawEffect(Particle("a", 1) + special + Particle("a", 3)), 2);
 }
 
 TEST_F(Drawing, DepthStatesAreThoseThatTheEffectAsksFor) {
@@ -185,11 +187,6 @@ TEST_F(Drawing, DepthStatesAreThoseThatTheEffectAsksFor) {
     EXPECT_EQ(state(1, D3DRS_CULLMODE), static_cast<DWORD>(D3DCULL_NONE));
     EXPECT_EQ(state(1, D3DRS_LIGHTING), 0u);
     EXPECT_EQ(state(1, D3DRS_FOGENABLE), 0u);
-}
-
-TEST_F(Drawing, SpecialInstancesSplitTheBatch) {
-    const std::string special = "SPECIAL {\ntype = \"none\"\npos = 0, 2, 0\n}\n";
-    EXPECT_EQ(DrawEffect(Particle("a", 1) + special + Particle("a", 3)), 2);
 }
 
 TEST_F(Drawing, SortClassesComeBeforeDistances) {

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "base/random.h"
-#include "base/report_listener.h"
 #include "tests/effects/definitions_builder.h"
+#include "tests/support/reports.h"
 
 namespace sparkrig {
 namespace {
@@ -25,13 +25,7 @@ struct TestReporter : ErrorClass {
 
 class Simulation : public testing::Test {
   protected:
-    Simulation() {
-        SeedRandom(77);
-        SetReportListener([](const Report& report,
-                             void* list) { static_cast<std::vector<std::string>*>(list)->push_back(report.message); },
-                          &reports);
-    }
-    ~Simulation() override { SetReportListener(nullptr, nullptr); }
+    Simulation() { SeedRandom(77); }
 
     void Start(const char* name, const D3DXVECTOR3& position = {}) {
         simulation.StartEffect(*definitions.effects.Find(name), position);
@@ -55,27 +49,41 @@ class Simulation : public testing::Test {
         return Of(sub, [](const VisualEffectObject& object) { return object.time; });
     }
 
-    std::vector<std::string> reports;
+    /// An effect "parent" of one particle, the emitter, which emits an effect "child" of one particle, the spark.
+    struct Emission {
+        ParticleEffect &spark, &emitter;
+    };
+    Emission MakeEmission(float per_time, bool random) {
+        VisualEffect& child = AddEffect(definitions, "child");
+        ParticleEffect& spark = AddParticle(child);
+        ParticleEffect& emitter = AddParticle(AddEffect(definitions, "parent"));
+        EmitInto(emitter, child, per_time, random);
+        return {spark, emitter};
+    }
+    /// Whether the generator, seeded with this, gives the next number after so many draws.
+    static bool HasDrawn(int draws, int seed) {
+        const std::uint32_t next = RandomUInt32();
+        SeedRandom(seed);
+        for (int i = 0; i < draws; ++i) Random01();
+        return RandomUInt32() == next;
+    }
+
+    Reports reports;
     TestReporter reporter;
     EffectDefinitions definitions;
     EffectSimulation simulation{reporter};
 };
 
 TEST_F(Simulation, SpreadsUniformCountValuesOverTheirInstances) {
-    const struct {
-        int count;
-        std::vector<float> values;
-    } kRows[] = {{3, {0, 0.5f, 1}}, {1, {0}}, {0, {}}, {-4, {}}, {5, {0, 0.25f, 0.5f, 0.75f, 1}}};
-    for (const auto& row : kRows) {
-        EffectDefinitions own;
-        EffectSimulation own_simulation(reporter);
-        ParticleEffect& sub = AddParticle(AddEffect(own, "spread"));
-        sub.count = row.count;
-        own_simulation.StartEffect(*sub.owner, {});
-        std::vector<float> values;
-        for (int i = 0; i < own_simulation.Live().GetCount(); ++i)
-            values.push_back(own_simulation.Live().Get(i)->count_value);
-        EXPECT_EQ(values, row.values);
+    VisualEffect& effect = AddEffect(definitions, "spread");
+    ParticleEffect& sub = AddParticle(effect);
+    const std::pair<int, std::vector<float>> kRows[] = {
+        {3, {0, 0.5f, 1}}, {1, {0}}, {0, {}}, {-4, {}}, {5, {0, 0.25f, 0.5f, 0.75f, 1}}};
+    for (const auto& [count, values] : kRows) {
+        sub.count = count;
+        simulation.Clear();
+        Start("spread");
+        EXPECT_EQ(Of(sub, [](const VisualEffectObject& object) { return object.count_value; }), values);
     }
 }
 
@@ -175,10 +183,7 @@ TEST_F(Simulation, LowestFreeIdsAreTakenAgain) {
 }
 
 TEST_F(Simulation, EmitsEvenlyWithTheTimeAlreadyLived) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    ParticleEffect& spark = AddParticle(child);
-    ParticleEffect& emitter = AddParticle(AddEffect(definitions, "parent"));
-    EmitInto(emitter, child, 10, false);
+    const auto [spark, emitter] = MakeEmission(10, false);
     Start("parent");
     Step(1, 0.25f);   // at 0.1 and 0.2
     EXPECT_THAT(Times(spark), Pointwise(FloatNear(1e-6f), std::vector<float>{0.15f, 0.05f}));
@@ -190,10 +195,7 @@ TEST_F(Simulation, EmitsEvenlyWithTheTimeAlreadyLived) {
 }
 
 TEST_F(Simulation, EmitsAtRandomWithJitterAroundEvenShares) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    ParticleEffect& spark = AddParticle(child);
-    ParticleEffect& emitter = AddParticle(AddEffect(definitions, "parent"));
-    EmitInto(emitter, child, 9, true);
+    const auto [spark, emitter] = MakeEmission(9, true);
     Start("parent");
     SeedRandom(5);
     Step(1, 0.25f);   // 2.25 on the average
@@ -206,25 +208,16 @@ TEST_F(Simulation, EmitsAtRandomWithJitterAroundEvenShares) {
 }
 
 TEST_F(Simulation, ARateOfNothingStillDrawsItsChance) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    AddParticle(child);
-    EmitInto(AddParticle(AddEffect(definitions, "parent")), child, 0, true);
+    MakeEmission(0, true);
     Start("parent");
     SeedRandom(5);
     Step(2, 0.25f);
-    const std::uint32_t next = RandomUInt32();
-    SeedRandom(5);
-    Random01();
-    Random01();
-    EXPECT_EQ(RandomUInt32(), next);
+    EXPECT_TRUE(HasDrawn(2, 5));
     EXPECT_EQ(Count(), 1);
 }
 
 TEST_F(Simulation, ChildrenStartInTheTurnedAndScaledVolume) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    ParticleEffect& spark = AddParticle(child);
-    ParticleEffect& emitter = AddParticle(AddEffect(definitions, "parent"));
-    EmitInto(emitter, child, 4, false);
+    const auto [spark, emitter] = MakeEmission(4, false);
     emitter.emit.volume = {8, 4, 2};
     emitter.scale = {2, 3, 5};
     const D3DXVECTOR3 axis(0, 0, 1);
@@ -233,21 +226,15 @@ TEST_F(Simulation, ChildrenStartInTheTurnedAndScaledVolume) {
     SeedRandom(9);
     Step(1, 0.25f);
     SeedRandom(9);
-    const auto x = static_cast<float>(RandomRange(-0.5, 0.5) * 16);
-    const auto y = static_cast<float>(RandomRange(-0.5, 0.5) * 12);
-    const auto z = static_cast<float>(RandomRange(-0.5, 0.5) * 10);
-    const VisualEffectObject& object = At(1);
-    ASSERT_EQ(object.sub_effect, &spark);
-    EXPECT_NEAR(object.base_position.x, 100 - y, 1e-4);
-    EXPECT_NEAR(object.base_position.y, 200 + x, 1e-4);
-    EXPECT_NEAR(object.base_position.z, 300 + z, 1e-4);
+    ASSERT_EQ(At(1).sub_effect, &spark);
+    EXPECT_NEAR(At(1).base_position.y, 200 + RandomRange(-0.5, 0.5) * 16, 1e-4);
+    EXPECT_NEAR(At(1).base_position.x, 100 - RandomRange(-0.5, 0.5) * 12, 1e-4);
+    EXPECT_NEAR(At(1).base_position.z, 300 + RandomRange(-0.5, 0.5) * 10, 1e-4);
 }
 
 TEST_F(Simulation, EmittedInstancesAgeFromTheNextUpdateOn) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    ParticleEffect& spark = AddParticle(child);
+    const auto [spark, emitter] = MakeEmission(2, false);
     spark.start_time = 0.5;
-    EmitInto(AddParticle(AddEffect(definitions, "parent")), child, 2, false);
     Start("parent");
     Step(1, 0.75f);
     EXPECT_THAT(Times(spark), ElementsAre(0.75f));
@@ -256,10 +243,7 @@ TEST_F(Simulation, EmittedInstancesAgeFromTheNextUpdateOn) {
 }
 
 TEST_F(Simulation, StartsWithTheChildrenOfItsPast) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    ParticleEffect& spark = AddParticle(child);
-    ParticleEffect& emitter = AddParticle(AddEffect(definitions, "parent"));
-    EmitInto(emitter, child, 4, false);
+    const auto [spark, emitter] = MakeEmission(4, false);
     emitter.start_time = 1;
     MoveLinearly(emitter, {8, 0, 0});
     Start("parent");
@@ -280,17 +264,11 @@ TEST_F(Simulation, DropsWhatGoesBeyondTheEmissionBuffer) {
     SeedRandom(3);
     Step(1, 0.25f);
     EXPECT_EQ(Times(spark).size(), 256u);
-    const std::uint32_t next = RandomUInt32();
-    SeedRandom(3);
-    for (int i = 0; i < 1 + 256 + 256 * (3 + 4); ++i) Random01();   // nothing for the dropped ones
-    EXPECT_EQ(RandomUInt32(), next);
+    EXPECT_TRUE(HasDrawn(1 + 256 + 256 * (3 + 4), 3)) << "nothing for the dropped ones";
 }
 
 TEST_F(Simulation, DetailFilterStopsMotionAndEmissionButNotAgeing) {
-    VisualEffect& child = AddEffect(definitions, "child");
-    ParticleEffect& spark = AddParticle(child);
-    ParticleEffect& emitter = AddParticle(AddEffect(definitions, "parent"));
-    EmitInto(emitter, child, 8, false);
+    const auto [spark, emitter] = MakeEmission(8, false);
     MoveLinearly(emitter, {8, 0, 0});
     emitter.detail_level = 60;
     emitter.life = 1;
@@ -338,10 +316,7 @@ TEST_F(Simulation, TraceEmissionsTakeTheirDrawsAndRecords) {
     Start("trail");
     SeedRandom(4);
     Step(1, 0.25f);
-    const std::uint32_t next = RandomUInt32();
-    SeedRandom(4);
-    for (int i = 0; i < 3; ++i) Random01();   // the chance, two jitters
-    EXPECT_EQ(RandomUInt32(), next);
+    EXPECT_TRUE(HasDrawn(3, 4)) << "the chance, two jitters";
 }
 
 TEST_F(Simulation, StopsAtTheInstanceLimitWithOneWarning) {
@@ -352,7 +327,8 @@ TEST_F(Simulation, StopsAtTheInstanceLimitWithOneWarning) {
     Start("billion");
     Step(3, 0.1f);
     EXPECT_EQ(Count(), 1500);
-    EXPECT_THAT(reports, ElementsAre("Too many instances: effect 'billion' is not started any more"));
+    EXPECT_THAT(reports.All(),
+                ElementsAre("warning TestReporter: Too many instances: effect 'billion' is not started any more"));
 }
 
 /// Instances of an effect that starts itself with its children of the last `age` seconds, `levels` deep.
@@ -376,10 +352,10 @@ TEST_F(Simulation, AnEffectThatEmitsItselfEnds) {
         ParticleEffect& sub = AddParticle(AddEffect(own, what));
         sub.start_time = 1;
         EmitInto(sub, *sub.owner, per_time, false);
-        reports.clear();
+        reports.Clear();
         own_simulation.StartEffect(*sub.owner, {});
         EXPECT_EQ(own_simulation.Live().GetCount(), instances) << what;
-        EXPECT_EQ(reports.size(), 1u) << what;
+        EXPECT_EQ(reports.All().size(), 1u) << what;
     }
 }
 
@@ -391,7 +367,7 @@ TEST_F(Simulation, EndlessStartsOfNothingEnd) {
     simulation.SetLimits({.starts = 2000});
     Start("emitter");
     EXPECT_EQ(Count(), 1);
-    EXPECT_EQ(reports.size(), 1u);
+    EXPECT_EQ(reports.All().size(), 1u);
 }
 
 TEST_F(Simulation, ClearStartsTheClockAndTheKeysAgain) {

@@ -1,5 +1,5 @@
 // What was reported while it lived: "warning CLASS: message" or "error CLASS: message", with " @file:line" behind it
-// while a text file is being read.
+// while a text file is being read; or what a writer of its own makes of a report.
 #pragma once
 #include <string>
 #include <vector>
@@ -11,22 +11,29 @@ namespace sparkrig {
 
 class Reports {
   public:
-    Reports() { SetReportListener(Hear, this); }
+    using Writer = std::string (*)(const Report&);
+    explicit Reports(Writer write = Whole) : write_(write) { SetReportListener(Hear, this); }
     ~Reports() { SetReportListener(nullptr, nullptr); }
     Reports(const Reports&) = delete;
     Reports& operator=(const Reports&) = delete;
 
     const std::vector<std::string>& All() const { return all_; }
     std::string Last() const { return all_.empty() ? "" : all_.back(); }
+    void Clear() { all_.clear(); }
 
   private:
-    static void Hear(const Report& report, void* context) {
+    static std::string Whole(const Report& report) {
         std::string text = report.kind == ReportKind::Error ? "error " : "warning ";
         text += std::string(report.class_name) + ": " + report.message;
         if (*report.file) text += std::string(" @") + report.file + ":" + std::to_string(report.line);
-        static_cast<Reports*>(context)->all_.push_back(text);
+        return text;
+    }
+    static void Hear(const Report& report, void* context) {
+        auto& reports = *static_cast<Reports*>(context);
+        reports.all_.push_back(reports.write_(report));
     }
 
+    Writer write_;
     std::vector<std::string> all_;
 };
 
