@@ -25,19 +25,6 @@ TEST(DisplayModes, AreFoundBySizeFormatAndRate) {
     }
 }
 
-TEST(DisplayModes, FailuresAreErrors) {
-    RecordedGfx gfx(RecordedGfx::State::Constructed);
-    D3DDISPLAYMODE mode = {1024, 768, 0, D3DFMT_X8R8G8B8};
-    gfx.recording.Fail("EnumAdapterModes", D3DERR_NOTAVAILABLE, 2);
-    EXPECT_EQ(ErrorOf([&] { gfx->FindDisplayMode(mode); }),
-              "KRN_Gfx:  GetAdapterDisplayMode failed: D3DERR_NOTAVAILABLE");
-    gfx.recording.Fail("GetAdapterDisplayMode", D3DERR_INVALIDCALL);
-    EXPECT_EQ(ErrorOf([&] { gfx->GetAdapterDisplayMode(mode); }),
-              "KRN_Gfx: GetAdapterDisplayMode() failed: D3DERR_INVALIDCALL");
-    gfx->GetAdapterDisplayMode(mode);
-    EXPECT_EQ(mode.Width, 1920u);
-}
-
 TEST(DisplayModes, TextureFormatsAreAskedForWithTheirUsage) {
     constexpr std::tuple<int, DWORD> kRows[] = {
         {3, D3DUSAGE_RENDERTARGET}, {5, D3DUSAGE_DEPTHSTENCIL}, {4, 0}, {-1, 0}};

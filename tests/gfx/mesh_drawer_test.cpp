@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 
 #include "gfx/gfx_parts.h"
 #include "scene/mesh.h"
@@ -18,13 +18,11 @@ using ::testing::IsEmpty;
 /// One triangle for each group, in the plane z = 10 before the camera.
 void BuildMesh(RecordedGfx& gfx, KRN_Mesh& mesh, DWORD groups) {
     mesh.CreateGeometry(*gfx, {.faces = groups, .vertices = 3 * groups, .groups = groups, .format = 0x112});
-    struct Vertex {
-        float x, y, z, nx, ny, nz, u, v;
-    };
     void* data = nullptr;
     mesh.Geometry()->LockVertexBuffer(0, &data);
     for (DWORD i = 0; i < 3 * groups; ++i) {
-        static_cast<Vertex*>(data)[i] = {i % 3 == 1 ? 2.0f : 0.0f, i % 3 == 2 ? 2.0f : 0.0f, 10, 0, 0, -1, 0, 0};
+        const float vertex[8] = {i % 3 == 1 ? 2.0f : 0.0f, i % 3 == 2 ? 2.0f : 0.0f, 10, 0, 0, -1, 0, 0};
+        std::copy_n(vertex, 8, static_cast<float*>(data) + 8 * i);
     }
     mesh.Geometry()->UnlockVertexBuffer();
     mesh.Geometry()->LockIndexBuffer(0, &data);
@@ -133,18 +131,17 @@ TEST(DrawMesh, AMeshOutOfViewIsNotDrawn) {
 TEST(DrawMesh, AColourOverrideReplacesTheMaterials) {
     DrawnMesh t(1);
     const D3DCOLOR colour = 0x80FF3300;
+    const std::tuple<const D3DCOLOR*, D3DCOLORVALUE, DWORD> kRows[] = {
+        {&colour, {1, 0.2f, 0, 128 / 255.0f}, D3DTA_TFACTOR}, {nullptr, {0.9f, 0.9f, 0.9f, 1}, D3DTA_DIFFUSE}};
     t.gfx->SetLighting(false, nullptr);
-    t.gfx->SetColourOverride(&colour);
-    t.gfx->DrawMesh(&t.mesh, nullptr);
-    D3DMATERIAL9 material = {};
-    t.gfx->Device()->GetMaterial(&material);
-    EXPECT_EQ(material.Diffuse, (D3DCOLORVALUE{1, 0.2f, 0, 128 / 255.0f}));
-    EXPECT_EQ(t.gfx.recording.Sent(0, D3DTSS_COLORARG2).back(), D3DTA_TFACTOR) << "unlit: the texture factor";
-    t.gfx->SetColourOverride(nullptr);
-    t.gfx->DrawMesh(&t.mesh, nullptr);
-    t.gfx->Device()->GetMaterial(&material);
-    EXPECT_EQ(material.Diffuse, (D3DCOLORVALUE{0.9f, 0.9f, 0.9f, 1}));
-    EXPECT_EQ(t.gfx.recording.Sent(0, D3DTSS_COLORARG2).back(), D3DTA_DIFFUSE);
+    for (const auto& [override, diffuse, argument] : kRows) {
+        t.gfx->SetColourOverride(override);
+        t.gfx->DrawMesh(&t.mesh, nullptr);
+        D3DMATERIAL9 material = {};
+        t.gfx->Device()->GetMaterial(&material);
+        EXPECT_EQ(material.Diffuse, diffuse);
+        EXPECT_EQ(t.gfx.recording.Sent(0, D3DTSS_COLORARG2).back(), argument) << "unlit: the texture factor";
+    }
 }
 
 TEST(DrawMesh, IsCountedOnlyWhileDrawsAreSuppressed) {

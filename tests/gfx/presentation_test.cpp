@@ -1,11 +1,14 @@
 #include "gfx/presentation.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
 namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
 
 struct Reporter : KRN_Base {
     Reporter() { SetName("Reporter"); }
@@ -21,27 +24,18 @@ PresentationSettings Settings(bool windowed, int bits, int vsync) {
     return settings;
 }
 
-TEST(Presentation, AWindowTakesItsSizeFromTheClientArea) {
+TEST(Presentation, AWindowTakesItsSizeFromTheClientAreaAndFullScreenTheMode) {
     const D3DPRESENT_PARAMETERS p = BuildPresentParameters(Reporter(), Settings(true, 16, 9));
-    EXPECT_EQ(p.Windowed, 1);
-    EXPECT_EQ(p.BackBufferWidth, 0u);
-    EXPECT_EQ(p.BackBufferHeight, 0u);
-    EXPECT_EQ(p.BackBufferFormat, D3DFMT_X8R8G8B8);
-    EXPECT_EQ(p.BackBufferCount, 1u);
-    EXPECT_EQ(p.SwapEffect, D3DSWAPEFFECT_FLIP);
+    EXPECT_THAT((std::vector<DWORD>{p.BackBufferWidth, p.BackBufferHeight, p.FullScreen_RefreshRateInHz}), Each(0));
+    EXPECT_THAT((std::vector<DWORD>{p.BackBufferFormat, p.BackBufferCount, p.SwapEffect}),
+                ElementsAre(D3DFMT_X8R8G8B8, 1, D3DSWAPEFFECT_FLIP));
     EXPECT_EQ(p.hDeviceWindow, FakeWindow());
-    EXPECT_EQ(p.FullScreen_RefreshRateInHz, 0u);
     EXPECT_EQ(p.PresentationInterval, 0u) << "vsync is not looked at in a window";
-    EXPECT_EQ(p.EnableAutoDepthStencil, 1);
-}
-
-TEST(Presentation, FullScreenTakesTheMode) {
-    const D3DPRESENT_PARAMETERS p = BuildPresentParameters(Reporter(), Settings(false, 0, 3));
-    EXPECT_EQ(p.Windowed, 0);
-    EXPECT_EQ(p.BackBufferWidth, 1024u);
-    EXPECT_EQ(p.BackBufferHeight, 768u);
-    EXPECT_EQ(p.FullScreen_RefreshRateInHz, 75u);
-    EXPECT_EQ(p.EnableAutoDepthStencil, 0);
+    EXPECT_TRUE(p.Windowed && p.EnableAutoDepthStencil);
+    const D3DPRESENT_PARAMETERS full = BuildPresentParameters(Reporter(), Settings(false, 0, 3));
+    EXPECT_THAT((std::vector<DWORD>{full.BackBufferWidth, full.BackBufferHeight, full.FullScreen_RefreshRateInHz}),
+                ElementsAre(1024, 768, 75));
+    EXPECT_FALSE(full.Windowed || full.EnableAutoDepthStencil);
 }
 
 TEST(Presentation, DepthFormats) {

@@ -73,35 +73,20 @@ TEST(ScreenTexture, IsDrawnAgainWhereItWas) {
     ASSERT_EQ(gfx.recording.Draws().size(), 3u);
     EXPECT_EQ(gfx.recording.Draws()[2].vertices, gfx.recording.Draws()[0].vertices);
     const std::vector<KRN_TLVertex> whole = VerticesOf(gfx.recording.Draws()[1]);
-    EXPECT_EQ(whole[0].x, 39.75f);
-    EXPECT_EQ(whole[0].y, 259.75f);
-    EXPECT_EQ(whole[3].x, 139.75f);
-    EXPECT_EQ(whole[3].y, 59.75f);
-    EXPECT_EQ(whole[3].z, 0.75f);
+    EXPECT_THAT((std::vector<float>{whole[0].x, whole[0].y, whole[3].x, whole[3].y, whole[3].z}),
+                ElementsAre(39.75f, 259.75f, 139.75f, 59.75f, 0.75f));
 }
 
-TEST(ScreenTexture, APartIsGivenInPixels) {
-    RecordedGfx gfx;
-    KRN_Texture texture;
-    gfx->CreateTexture(&texture, 16, 8, 4, -1, 1);
-    gfx->SetTexture2D(&texture);
-    gfx->BeginScene();
-    gfx->DrawTexture2D({10, 20, 30, 50}, {4, 1, 12, 7}, 0xFFFFFFFF, {0, 0, 0, 0});
-    const std::vector<KRN_TLVertex> v = VerticesOf(gfx.recording.Draws()[0]);
-    EXPECT_EQ(v[1].u, 0.25f);
-    EXPECT_EQ(v[1].v, 0.125f);
-    EXPECT_EQ(v[2].u, 0.75f);
-    EXPECT_EQ(v[2].v, 0.875f);
-}
-
-TEST(ScreenTexture, CanBeTestedAgainstDepth) {
+TEST(ScreenTexture, APartIsGivenInPixelsAndMayBeTestedAgainstDepth) {
     RecordedGfx gfx;
     KRN_Texture texture;
     gfx->CreateTexture(&texture, 16, 8, 4, -1, 1);
     gfx->SetTexture2D(&texture);
     gfx->Parts().screen.SetDepthTest(true);
     gfx->BeginScene();
-    gfx->DrawFullScreenTexture(0xFFFFFFFF, 0.5f);
+    gfx->DrawTexture2D({10, 20, 30, 50}, {4, 1, 12, 7}, 0xFFFFFFFF, {0, 0, 0, 0});
+    const std::vector<KRN_TLVertex> v = VerticesOf(gfx.recording.Draws()[0]);
+    EXPECT_THAT((std::vector<float>{v[1].u, v[1].v, v[2].u, v[2].v}), ElementsAre(0.25f, 0.125f, 0.75f, 0.875f));
     EXPECT_EQ(gfx.recording.Draws()[0].render_states.at(D3DRS_ZENABLE), 1u);
 }
 

@@ -4,12 +4,11 @@
 
 #include <bit>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "gfx/gfx_parts.h"
 #include "gfx/shader_effect_search_list.h"
+#include "tests/base/temporary_folder.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"
 
@@ -25,23 +24,10 @@ using ::testing::StartsWith;
 constexpr const char* kVertexFunction = "float4 V(float4 p : POSITION) : POSITION { return USE; }\n";
 constexpr const char* kOneTechnique = "technique { pass { VertexShader = compile vs_1_1 V(); } }\n";
 
-/// Works in a folder of its own, so that files have relative names.
-class ShaderEffectTest : public ::testing::Test {
+class ShaderEffectTest : public TemporaryFolder {
   protected:
-    ShaderEffectTest() : before_(std::filesystem::current_path()) {
-        std::string pattern = (std::filesystem::temp_directory_path() / "shader-effect-XXXXXX").string();
-        if (mkdtemp(pattern.data())) folder_ = pattern;
-        std::filesystem::current_path(folder_);
-    }
-    ~ShaderEffectTest() override {
-        std::filesystem::current_path(before_);
-        std::filesystem::remove_all(folder_);
-    }
-
-    static void Write(const char* name, const std::string& text) { std::ofstream(name, std::ios::binary) << text; }
-
     bool LoadText(KRN_ShaderEffect& effect, const std::string& text) {
-        Write("t.fx", text);
+        WriteFile("t.fx", text);
         return gfx_->LoadShaderEffect(effect, "t.fx", true, 0, true);
     }
 
@@ -70,15 +56,18 @@ class ShaderEffectTest : public ::testing::Test {
         return values;
     }
 
-    RecordedGfx gfx_;
+    /// What the device holds for a sampler.
+    IDirect3DTexture9* Bound(DWORD sampler) {
+        DevicePtr<IDirect3DTexture9> bound;
+        gfx_->Device()->GetTexture(sampler, bound.Receive());
+        return bound.Get();
+    }
 
-  private:
-    std::filesystem::path before_;
-    std::string folder_;
+    RecordedGfx gfx_;
 };
 
 TEST_F(ShaderEffectTest, ASecondLoadSharesWithoutCompiling) {
-    Write("a.fx", std::string("#define USE p\n") + kVertexFunction + kOneTechnique);
+    WriteFile("a.fx", std::string("#define USE p\n") + kVertexFunction + kOneTechnique);
     KRN_ShaderEffect first, second, third;
     ASSERT_TRUE(gfx_->LoadShaderEffect(first, "a.fx", true, 0, true));
     ASSERT_TRUE(gfx_->LoadShaderEffect(second, "a.fx", true, 0, true));
@@ -112,7 +101,7 @@ TEST_F(ShaderEffectTest, MissingFilesAreReportedAsAsked) {
 
 TEST_F(ShaderEffectTest, CompileFailuresCarryTheCompilersText) {
     KRN_ShaderEffect effect;
-    Write("bad.fx", "\nfloat4 a = ;");
+    WriteFile("bad.fx", "\nfloat4 a = ;");
     EXPECT_THAT(
         ErrorOf([&] { gfx_->LoadShaderEffect(effect, "bad.fx", true, 0, true); }),
         StartsWith(
@@ -339,9 +328,7 @@ TEST_F(ShaderEffectTest, MapsAreThoseBoundToTheStages) {
         effect.BeginPass(0);
         IDirect3DTexture9* const expected[] = {row.diffuse, nullptr, row.reflection};
         for (DWORD i = 0; i < 3; ++i) {
-            DevicePtr<IDirect3DTexture9> bound;
-            gfx_->Device()->GetTexture(4 + i, bound.Receive());
-            EXPECT_EQ(bound.Get(), expected[i]) << i;
+            EXPECT_EQ(Bound(4 + i), expected[i]) << i;
         }
         D3DXMATRIX matrix;
         gfx_->Device()->GetTransform(D3DTS_TEXTUREn(4), &matrix);
@@ -391,23 +378,23 @@ TEST_F(ShaderEffectTest, DrawersFillLightsOnDemandAndTheMaterialAlways) {
 }
 
 TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
-    KRN_ShaderEffect effects[5], invalid;
-    for (KRN_ShaderEffect& effect : effects) ASSERT_TRUE(LoadText(effect, "technique { pass { } }"));
-    enum { kForced, kOverride, kCurrent, kOwn, kSkinning };
+    KRN_ShaderEffect forced, override, current, own, skinning, invalid;
+    for (KRN_ShaderEffect* effect : {&forced, &override, &current, &own, &skinning})
+        ASSERT_TRUE(LoadText(*effect, "technique { pass { } }"));
     constexpr auto kSkinned = EffectChoice::Processing::ShaderSkinning;
     EffectChoice choice;
-    choice.Force(&effects[kForced]);
-    choice.SetOverride(&effects[kOverride]);
-    choice.SetCurrent(&effects[kCurrent]);
-    choice.SetSkinning(&effects[kSkinning]);
-    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kForced]);
-    EXPECT_EQ(choice.Force(nullptr), &effects[kForced]);
-    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kOverride]);
+    choice.Force(&forced);
+    choice.SetOverride(&override);
+    choice.SetCurrent(&current);
+    choice.SetSkinning(&skinning);
+    EXPECT_EQ(choice.ForDraw(&own, kSkinned), &forced);
+    EXPECT_EQ(choice.Force(nullptr), &forced);
+    EXPECT_EQ(choice.ForDraw(&own, kSkinned), &override);
     choice.SetOverride(&invalid);
-    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kCurrent]);
+    EXPECT_EQ(choice.ForDraw(&own, kSkinned), &current);
     choice.SetCurrent(&invalid);
-    EXPECT_EQ(choice.ForDraw(&effects[kOwn], kSkinned), &effects[kOwn]);
-    EXPECT_EQ(choice.ForDraw(nullptr, kSkinned), &effects[kSkinning]);
+    EXPECT_EQ(choice.ForDraw(&own, kSkinned), &own);
+    EXPECT_EQ(choice.ForDraw(nullptr, kSkinned), &skinning);
     EXPECT_EQ(choice.ForDraw(), nullptr);
 }
 
@@ -436,9 +423,7 @@ TEST_F(ShaderEffectTest, ResourceTexturesComeFromTheCatalogue) {
     ASSERT_NE(texture, nullptr);   // a grey picture: there is no such file
     effect.Begin();
     effect.BeginPass(0);
-    DevicePtr<IDirect3DTexture9> bound;
-    gfx_->Device()->GetTexture(3, bound.Receive());
-    EXPECT_EQ(bound.Get(), texture->DeviceTexture());
+    EXPECT_EQ(Bound(3), texture->DeviceTexture());
     effect.End();
 }
 
@@ -458,15 +443,6 @@ TEST_F(ShaderEffectTest, WhatTheEffectDoesNotTakeIsAnError) {
     effect.End();
 }
 
-TEST_F(ShaderEffectTest, EffectsSurviveAReset) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect, "float a : fParam1 = 4; technique { pass { } }"));
-    effect.SetParameter(effect.ParameterBySemantic("fParam1"), 6.0f);
-    gfx_->ResetDevice(nullptr, -1);
-    EXPECT_TRUE(effect.IsValid());
-    EXPECT_EQ(FloatOf(effect, "fParam1"), 6.0f);
-}
-
 TEST(ShaderSearchList, TriesTheCompiledEffectFirst) {
     ShaderSearchList list;
     EXPECT_THAT(list.Files(), IsEmpty());
@@ -480,7 +456,7 @@ TEST(ShaderSearchList, TriesTheCompiledEffectFirst) {
 
 TEST_F(ShaderEffectTest, ASearchListLoadsTheFirstThatExists) {
     std::filesystem::create_directory("shader");
-    Write("shader/glow.fx", "technique { pass { } }");
+    WriteFile("shader/glow.fx", "technique { pass { } }");
     ShaderSearchList list;
     list.SetBaseName("Glow");
     list.SetShaderDirectory("SHADER");

@@ -11,6 +11,7 @@
 namespace sparkrig {
 namespace {
 
+using ::testing::_;
 using ::testing::ElementsAre;
 
 constexpr D3DCOLOR kA = 0xFF96DCFF, kB = 0xFF006473;
@@ -110,19 +111,15 @@ TEST(Printf, GoesOnBehindTheTextBefore) {
     overlay.gfx->Printf(10, 20, "AB");
     overlay.gfx->SetFont(&overlay.font, 2, 0xFF112233);
     overlay.gfx->Printf("C");
-    ASSERT_EQ(overlay.Text().Lines().size(), 1u);
+    overlay.gfx->PrintfCentred(100, 60, "ABC");
+    overlay.gfx->Printf(100, 90, "ABC");
+    ASSERT_EQ(overlay.Text().Lines().size(), 3u);
+    EXPECT_EQ(overlay.Text().Entity(2).x, 100 - 3 * 12 / 2) << "centred: around its x, half as large";
+    EXPECT_EQ(overlay.Text().Entity(3).x, 100) << "the options came back";
     EXPECT_EQ(overlay.Text().Entity(1).x, 10 + 48);
     EXPECT_EQ(overlay.Text().Entity(1).colour, 0xFF112233);
     EXPECT_EQ(overlay.Text().Entity(1).size_x, 2);
     EXPECT_EQ(overlay.Text().Lines()[0].height, 24);
-}
-
-TEST(Printf, CentredTextLiesAroundItsX) {
-    Overlay overlay;
-    overlay.gfx->PrintfCentred(100, 20, "ABC");
-    EXPECT_EQ(overlay.Text().Entity(0).x, 100 - 36);
-    overlay.gfx->Printf(100, 60, "ABC");
-    EXPECT_EQ(overlay.Text().Entity(1).x, 100) << "the options came back";
 }
 
 TEST(Printf, TooLongTextIsDropped) {
@@ -234,22 +231,8 @@ TEST(DrawText, LinesOutsideTheRectangleAreLeftOut) {
     EXPECT_EQ(v[1].x, 3.5f) << "scrolled by 3";
     EXPECT_EQ(v[1].y, 105.5f);
     EXPECT_EQ(v[7].y, 205.5f);
-    std::vector<DWORD> first_viewport;
-    for (const RecordedCall& call : overlay.gfx.recording.Calls()) {
-        if (call.method == "SetViewport" && first_viewport.empty()) first_viewport = call.arguments;
-    }
-    first_viewport.resize(4);
-    EXPECT_THAT(first_viewport, ElementsAre(0, 110, 640, 100));
+    EXPECT_THAT(overlay.gfx.recording.ArgumentsOf("SetViewport")[0], ElementsAre(0, 110, 640, 100, _, _));
     EXPECT_EQ(overlay.gfx->Viewport().Height, 480u);
-}
-
-TEST(DrawText, AnEmptyRectangleDrawsNothing) {
-    Overlay overlay;
-    overlay.gfx->Printf(10, 20, "A");
-    for (const RECT& rectangle : {RECT{10, 10, 10, 400}, RECT{10, 400, 300, 10}}) {
-        overlay.gfx->Parts().text_drawer.Draw(overlay.Text(), rectangle, 0, 0);
-    }
-    EXPECT_EQ(overlay.gfx.recording.Draws().size(), 0u);
 }
 
 TEST(DrawText, LimitsCutTheRectangle) {
@@ -257,18 +240,15 @@ TEST(DrawText, LimitsCutTheRectangle) {
     overlay.gfx->Printf(10, 20, "AB");
     const RECT limits = {0, 0, 40, 400}, elsewhere = {300, 0, 400, 400}, whole = {0, 0, 640, 480};
     TextDrawer& drawer = overlay.gfx->Parts().text_drawer;
+    for (const RECT& empty : {RECT{10, 10, 10, 400}, RECT{10, 400, 300, 10}}) drawer.Draw(overlay.Text(), empty, 0, 0);
     drawer.SetLimits(&elsewhere);
     drawer.Draw(overlay.Text(), whole, 0, 0);
     EXPECT_EQ(overlay.gfx.recording.Draws().size(), 0u) << "no text lies there";
     drawer.SetLimits(&limits);
     drawer.Draw(overlay.Text(), whole, 0, 0);
     EXPECT_EQ(overlay.gfx.recording.Draws().size(), 1u);
-    std::vector<DWORD> viewport;
-    for (const RecordedCall& call : overlay.gfx.recording.Calls()) {
-        if (call.method == "SetViewport" && viewport.empty()) viewport = call.arguments;
-    }
-    viewport.resize(4);
-    EXPECT_THAT(viewport, ElementsAre(10, 20, 30, 24)) << "the limits and the text's own extent";
+    EXPECT_THAT(overlay.gfx.recording.ArgumentsOf("SetViewport")[0], ElementsAre(10, 20, 30, 24, _, _))
+        << "the limits and the text's own extent";
 }
 
 }   // namespace

@@ -15,40 +15,32 @@ namespace {
 using ::testing::ElementsAre;
 
 TEST(VertexLayout, PlacesTheComponents) {
-    constexpr struct {
-        DWORD format;
-        int stride, weights, normal, point_size, diffuse, specular, texture_sets, first_texture;
-    } kRows[] = {
-        // clang-format off
-        {0x042,   16, 0, 12, 12, 12, 16, 0, 0 },
-        {0x102,   20, 0, 12, 12, 12, 12, 1, 12},
-        {0x012,   24, 0, 12, 24, 24, 24, 0, 0 },
-        {0x1C2,   28, 0, 12, 12, 12, 16, 1, 20},
-        {0x112,   32, 0, 12, 24, 24, 24, 1, 24},
-        {0x1C4,   32, 0, 16, 16, 16, 20, 1, 24},
-        {0x212,   40, 0, 12, 24, 24, 24, 2, 24},
-        {0x40212, 44, 0, 12, 24, 24, 24, 2, 24},
-        {0x272,   48, 0, 12, 24, 28, 32, 2, 32},
-        {0x1018,  32, 2, 20, 32, 32, 32, 0, 0 },
-        {0x101A,  36, 3, 24, 36, 36, 36, 0, 0 },
-        {0x111C,  48, 4, 28, 40, 40, 40, 1, 40},
-        {0x006,   12, 1, 12, 12, 12, 12, 0, 0 },
-        {0x00E,   0,  0, 0,  0,  0,  0,  0, 0 },
-        // clang-format on
+    // clang-format off
+    const std::pair<DWORD, std::vector<int>> kRows[] = {
+        // format, stride, weights, normal, point size, diffuse, specular, texture sets and the first one's place
+        {0x042,   {16, 0, 12, 12, 12, 16, 0, 0 }},
+        {0x102,   {20, 0, 12, 12, 12, 12, 1, 12}},
+        {0x012,   {24, 0, 12, 24, 24, 24, 0, 0 }},
+        {0x1C2,   {28, 0, 12, 12, 12, 16, 1, 20}},
+        {0x112,   {32, 0, 12, 24, 24, 24, 1, 24}},
+        {0x1C4,   {32, 0, 16, 16, 16, 20, 1, 24}},
+        {0x212,   {40, 0, 12, 24, 24, 24, 2, 24}},
+        {0x40212, {44, 0, 12, 24, 24, 24, 2, 24}},
+        {0x272,   {48, 0, 12, 24, 28, 32, 2, 32}},
+        {0x1018,  {32, 2, 20, 32, 32, 32, 0, 0 }},
+        {0x101A,  {36, 3, 24, 36, 36, 36, 0, 0 }},
+        {0x111C,  {48, 4, 28, 40, 40, 40, 1, 40}},
+        {0x006,   {12, 1, 12, 12, 12, 12, 0, 0 }},
+        {0x00E,   {0,  0, 0,  0,  0,  0,  0, 0 }},
     };
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.format);
-        const VertexLayout layout = ComputeVertexLayout(row.format);
-        EXPECT_EQ(layout.format, row.format);
-        EXPECT_EQ(layout.stride, row.stride);
-        EXPECT_EQ(layout.weights, row.weights);
-        EXPECT_EQ(layout.position, 0);
-        EXPECT_EQ(layout.normal, row.normal);
-        EXPECT_EQ(layout.point_size, row.point_size);
-        EXPECT_EQ(layout.diffuse, row.diffuse);
-        EXPECT_EQ(layout.specular, row.specular);
-        EXPECT_EQ(layout.texture_sets, row.texture_sets);
-        EXPECT_EQ(layout.texture_offset[0], row.first_texture);
+    // clang-format on
+    for (const auto& [format, places] : kRows) {
+        const VertexLayout l = ComputeVertexLayout(format);
+        EXPECT_EQ((std::vector<int>{l.stride, l.weights, l.normal, l.point_size, l.diffuse, l.specular, l.texture_sets,
+                                    l.texture_offset[0]}),
+                  places)
+            << format;
+        EXPECT_EQ(l.format, format);
     }
     EXPECT_EQ(ComputeVertexLayout(0x1018).rhw_or_weights, 12);
 }
@@ -106,9 +98,7 @@ TEST(VertexList, PoolAndUsageFollowTheRequest) {
 }
 
 TEST(VertexList, MoreWeightsThanTheHardwareBlendsAreProcessedInSoftware) {
-    RecordedGfx gfx(RecordedGfx::State::Constructed);
-    gfx.recording.caps.MaxVertexBlendMatrices = 2;
-    gfx.Init();
+    RecordedGfx gfx([](Recording& recording) { recording.caps.MaxVertexBlendMatrices = 2; });
     KRN_VertexList list(PrimitiveMode::PointList, 0x101A);
     gfx->CreateVertexList(&list, 2, 0, false);
     EXPECT_TRUE(list.SoftwareProcessing());
@@ -157,11 +147,8 @@ TEST(VertexList, IsDrawnWithItsWorldAndPoints) {
     gfx->DrawTriangleList(list, 1, 3);
     ASSERT_EQ(gfx.recording.Draws().size(), 1u);
     const RecordedDraw& draw = gfx.recording.Draws()[0];
-    EXPECT_EQ(draw.type, D3DPT_POINTLIST);
-    EXPECT_EQ(draw.first, 1u);
-    EXPECT_EQ(draw.count, 3u);
-    EXPECT_EQ(draw.fvf, 0x42u);
-    EXPECT_EQ(draw.stride, 16u);
+    EXPECT_THAT((std::vector<DWORD>{draw.type, draw.first, draw.count, draw.fvf, draw.stride}),
+                ElementsAre(D3DPT_POINTLIST, 1, 3, 0x42, 16));
     EXPECT_EQ(draw.world.m[3][2], 7);
     EXPECT_EQ(draw.render_states.at(D3DRS_POINTSPRITEENABLE), 1u);
     EXPECT_EQ(draw.vertices.size(), 3 * sizeof(KRN_PointVertex));

@@ -36,6 +36,11 @@ RecordedGfx::RecordedGfx(State state) {
     if (state == State::Ready) Init();
 }
 
+RecordedGfx::RecordedGfx(const std::function<void(Recording&)>& change) : RecordedGfx(State::Constructed) {
+    change(recording);
+    Init();
+}
+
 void RecordedGfx::Init() {
     gfx_->InitDevice(FakeWindow(), 1, nullptr, 16, 0, 1, 0, 0);
     recording.ForgetCalls();

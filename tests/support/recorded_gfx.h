@@ -4,6 +4,7 @@
 //     gfx->SetCullingMode(1);
 //     EXPECT_THAT(gfx.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW));
 #pragma once
+#include <functional>
 #include <memory>
 
 #include "gfx/gfx.h"
@@ -32,6 +33,8 @@ class RecordedGfx {
   public:
     enum class State { Constructed, Ready };
     explicit RecordedGfx(State state = State::Ready);
+    /// Initialised on an adapter that `change` has changed.
+    explicit RecordedGfx(const std::function<void(Recording&)>& change);
 
     /// Windowed, 16 bits of depth, mixed vertex processing. What was recorded before is forgotten afterwards.
     void Init();

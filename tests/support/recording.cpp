@@ -58,10 +58,14 @@ IDirect3D9* Recording::Create(UINT sdk_version) {
     return MakeRecordingDirect3D(*current);
 }
 
-int Recording::Count(const std::string& method) const {
-    int count = 0;
-    for (const RecordedCall& call : calls_) count += call.method == method;
-    return count;
+int Recording::Count(const std::string& method) const { return static_cast<int>(ArgumentsOf(method).size()); }
+
+std::vector<std::vector<DWORD>> Recording::ArgumentsOf(const std::string& method) const {
+    std::vector<std::vector<DWORD>> all;
+    for (const RecordedCall& call : calls_) {
+        if (call.method == method) all.push_back(call.arguments);
+    }
+    return all;
 }
 
 std::vector<std::string> Recording::Methods(const std::set<std::string>& of) const {

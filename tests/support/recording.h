@@ -64,6 +64,8 @@ class Recording {
     int Count(const std::string& method) const;
     /// The methods in order; an empty list means every method.
     std::vector<std::string> Methods(const std::set<std::string>& of = {}) const;
+    /// The arguments of every call of a method.
+    std::vector<std::vector<DWORD>> ArgumentsOf(const std::string& method) const;
     /// The values sent, in order.
     std::vector<DWORD> Sent(D3DRENDERSTATETYPE state) const;
     std::vector<DWORD> Sent(DWORD stage, D3DTEXTURESTAGESTATETYPE type) const;
