@@ -43,7 +43,7 @@ std::ostream& operator<<(std::ostream& out, BackEnd back_end) {
 }
 
 WholeProgram::WholeProgram(BackEnd back_end, State state) : back_end_(back_end) {
-    if (back_end != BackEnd::Recording) KeepDriverLoaded();
+    KeepDriverLoaded();   // the window asks for it, too
     if (back_end == BackEnd::OpenGl) recording.behind = Direct3DCreate9;
     recording.client_width = kWidth;
     recording.client_height = kHeight;
