@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "bench/bare_sets.h"
 #include "platform/d3d9_gl/buffers.h"
 #include "platform/d3d9_gl/device_hooks.h"
 
@@ -148,44 +149,18 @@ void DeviceDrawsChanging(benchmark::State& state) {
     }
 }
 
-struct BareSet {
-    GLint program, texture, uniform_buffer, source, destination, source_alpha, destination_alpha;
-    GLint64 uniform_offset, uniform_size;
-};
-
-// What OpenGL holds after the device has drawn with a set.
-BareSet Observe(Scene& scene, DWORD set) {
-    constexpr GLuint kStatesBinding = 2;
-    BareSet bare = {};
-    scene.UseSet(set);
-    scene.DrawList();
-    glGetIntegerv(GL_CURRENT_PROGRAM, &bare.program);
-    glActiveTexture(GL_TEXTURE0);
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bare.texture);
-    glGetIntegerv(GL_BLEND_SRC_RGB, &bare.source);
-    glGetIntegerv(GL_BLEND_DST_RGB, &bare.destination);
-    glGetIntegerv(GL_BLEND_SRC_ALPHA, &bare.source_alpha);
-    glGetIntegerv(GL_BLEND_DST_ALPHA, &bare.destination_alpha);
-    glGetIntegeri_v(GL_UNIFORM_BUFFER_BINDING, kStatesBinding, &bare.uniform_buffer);
-    glGetInteger64i_v(GL_UNIFORM_BUFFER_START, kStatesBinding, &bare.uniform_offset);
-    glGetInteger64i_v(GL_UNIFORM_BUFFER_SIZE, kStatesBinding, &bare.uniform_size);
-    return bare;
-}
-
 void BareDrawsChanging(benchmark::State& state) {   // the limit: the calls that such changes need at least
     Scene& scene = TheScene();
     std::vector<BareSet> sets;
-    for (DWORD set = 0; set < kSets; ++set) sets.push_back(Observe(scene, set));
+    for (DWORD set = 0; set < kSets; ++set) {
+        scene.UseSet(set);
+        scene.DrawList();
+        sets.push_back(ObserveSet());
+    }
     constexpr DWORD kShift = kSets - kDraws % kSets;   // ends with the last set, which the device knows to be there
     for (auto _ : state) {
         for (DWORD i = 0; i < kDraws; ++i) {
-            const BareSet& set = sets[(i + kShift) % kSets];
-            glUseProgram(static_cast<GLuint>(set.program));
-            glBindTextureUnit(0, static_cast<GLuint>(set.texture));
-            glBlendFuncSeparate(static_cast<GLenum>(set.source), static_cast<GLenum>(set.destination),
-                                static_cast<GLenum>(set.source_alpha), static_cast<GLenum>(set.destination_alpha));
-            glBindBufferRange(GL_UNIFORM_BUFFER, 2, static_cast<GLuint>(set.uniform_buffer), set.uniform_offset,
-                              set.uniform_size);
+            UseBareSet(sets[(i + kShift) % kSets]);
             glDrawArrays(GL_TRIANGLES, 0, kVertices);
         }
         glFinish();
