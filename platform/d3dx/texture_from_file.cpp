@@ -52,20 +52,20 @@ D3DFORMAT WishedFormat(D3DFORMAT asked, const Source& source) {
 
 void ApplyColourKey(D3DCOLOR key, const Image& image) { std::ranges::replace(image.Pixels(), key, D3DCOLOR{0}); }
 
-/// Levels that a dds file holds in the texture's own format and size go into it as they are.
+/// The levels of a dds file whose largest one has the texture's size go into it as they are.
 bool TakesStoredLevels(const Source& source, const D3DSURFACE_DESC& desc, D3DCOLOR colour_key) {
-    return source.info.ImageFileFormat == D3DXIFF_DDS && source.info.Format == desc.Format &&
-           source.info.Width == desc.Width && source.info.Height == desc.Height && colour_key == 0;
+    return source.info.ImageFileFormat == D3DXIFF_DDS && source.info.Width == desc.Width &&
+           source.info.Height == desc.Height && colour_key == 0;
 }
 
-HRESULT CopyStoredLevels(const Source& source, UINT levels, IDirect3DTexture9& texture) {
-    for (UINT level = 0; level < levels; ++level) {
+HRESULT TakeStoredLevel(const Source& source, UINT level, bool same_format, IDirect3DTexture9& texture) {
+    if (same_format) {
         const DdsLevel stored = FindDdsLevel(source.info, level);
-        const BYTE* data = source.bytes.data() + stored.offset;
-        const HRESULT result = CopyRowsToLevel(texture, level, data, stored.row_bytes, stored.rows);
-        if (FAILED(result)) return result;
+        return CopyRowsToLevel(texture, level, source.bytes.data() + stored.offset, stored.row_bytes, stored.rows);
     }
-    return D3D_OK;
+    Image image;
+    const HRESULT decoded = DecodeDds(source.bytes, source.info, level, image);
+    return FAILED(decoded) ? decoded : StoreLevel(texture, level, image);
 }
 
 HRESULT NextLevel(Image& image, DWORD mip_filter) {
@@ -87,10 +87,13 @@ HRESULT FillLevels(Image& image, UINT first, DWORD mip_filter, IDirect3DTexture9
     return D3D_OK;
 }
 
-HRESULT FillFromStoredLevels(const Source& source, DWORD mip_filter, IDirect3DTexture9& texture) {
+HRESULT FillFromStoredLevels(const Source& source, bool same_format, DWORD mip_filter, IDirect3DTexture9& texture) {
     const UINT stored = std::min<UINT>(source.info.MipLevels, texture.GetLevelCount());
-    const HRESULT result = CopyStoredLevels(source, stored, texture);
-    if (FAILED(result) || stored == texture.GetLevelCount()) return result;
+    for (UINT level = 0; level < stored; ++level) {
+        const HRESULT result = TakeStoredLevel(source, level, same_format, texture);
+        if (FAILED(result)) return result;
+    }
+    if (stored == texture.GetLevelCount()) return D3D_OK;
     Image image;
     const HRESULT decoded = DecodeDds(source.bytes, source.info, stored - 1, image);
     return FAILED(decoded) ? decoded : FillLevels(image, stored, mip_filter, texture);
@@ -119,7 +122,7 @@ HRESULT Fill(Source& source, DWORD filter, DWORD mip_filter, D3DCOLOR colour_key
     const HRESULT result = texture.GetLevelDesc(0, &desc);
     if (FAILED(result)) return result;
     return TakesStoredLevels(source, desc, colour_key)
-               ? FillFromStoredLevels(source, mip_filter, texture)
+               ? FillFromStoredLevels(source, source.info.Format == desc.Format, mip_filter, texture)
                : FillFromPixels(source, filter, mip_filter, colour_key, texture);
 }
 

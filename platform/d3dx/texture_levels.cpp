@@ -31,6 +31,9 @@ constexpr Substitutes kSubstitutes[] = {
     {D3DFMT_DXT5,     D3DFMT_A8R8G8B8, D3DFMT_UNKNOWN }};
 // clang-format on
 
+/// Whether another format may be taken: devices refuse one with either code.
+bool MayBeTheFormat(HRESULT result) { return result == D3DERR_NOTAVAILABLE || result == D3DERR_INVALIDCALL; }
+
 HRESULT TryCreate(IDirect3DDevice9& device, const TextureShape& shape, D3DFORMAT format, IDirect3DTexture9** texture) {
     return device.CreateTexture(shape.width, shape.height, shape.levels, shape.usage, format, shape.pool, texture);
 }
@@ -68,11 +71,11 @@ HRESULT CreateSupportedTexture(IDirect3DDevice9& device, const TextureShape& sha
                                IDirect3DTexture9** texture) {
     // A format of 24 bits is never a texture's own; devices that took it would be the first.
     HRESULT result = format == D3DFMT_R8G8B8 ? D3DERR_NOTAVAILABLE : TryCreate(device, shape, format, texture);
-    if (result != D3DERR_NOTAVAILABLE) return result;
+    if (!MayBeTheFormat(result)) return result;
     for (const Substitutes& row : kSubstitutes) {
         if (row.format != format) continue;
         result = TryCreate(device, shape, row.second, texture);
-        if (result == D3DERR_NOTAVAILABLE && row.third != D3DFMT_UNKNOWN)
+        if (MayBeTheFormat(result) && row.third != D3DFMT_UNKNOWN)
             result = TryCreate(device, shape, row.third, texture);
     }
     return result;

@@ -106,6 +106,27 @@ TEST_F(TexturePicture, EveryKindOfFileIsDrawnAsItIs) {
     }
 }
 
+TEST_F(TexturePicture, FormatsThatTheDeviceLacksBecomeTheNearest) {
+    const TestPicture grey = {2, 1, {0xFF404040, 0xFF909090}};
+    const std::string swapped =
+        DdsHead({1, 1, 1, 0x41, 0, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000}) + "\x30\x20\x10\xFF";
+    const std::tuple<std::string, int, D3DFORMAT, D3DCOLOR> rows[] = {
+        // 3 is a render target
+        {swapped, 0, D3DFMT_A8R8G8B8, 0xFF302010},
+        {swapped, 3, D3DFMT_A8R8G8B8, 0xFF302010},
+        {PngFile(grey, 1), 3, D3DFMT_X8R8G8B8, 0xFF404040},
+        {PngFile(grey, 2), 3, D3DFMT_A8R8G8B8, 0xFF404040},
+        {TgaFile(grey, D3DFMT_L8), 3, D3DFMT_X8R8G8B8, 0xFF404040}};
+    for (const auto& [file, parameter, format, pixel] : rows) {
+        Load(file, parameter);
+        EXPECT_EQ(texture_.Format(), format);
+        gfx_->SetTexture(&texture_, -1);
+        Draw(8);
+        ExpectPixel(1, 4, pixel, 1);
+        gfx_->SetTexture(nullptr, -1);
+    }
+}
+
 TEST_F(TexturePicture, CompressedBlocksAreDrawnAsTheyDecode) {
     const BYTE block[16] = {0xC8, 0x30, 0x88, 0xC6, 0xFA, 0x11, 0x52, 0x93,
                             0x1F, 0x84, 0x10, 0xF8, 0xE4, 0x1B, 0xB1, 0x4E};

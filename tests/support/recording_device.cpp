@@ -56,7 +56,9 @@ class RecordingDevice : public RecordedStateCalls {
             const bool target = (usage & (D3DUSAGE_RENDERTARGET | D3DUSAGE_DEPTHSTENCIL)) != 0;
             if (!fits || (target && pool != D3DPOOL_DEFAULT)) return D3DERR_INVALIDCALL;
             if ((usage & D3DUSAGE_DYNAMIC) && pool == D3DPOOL_MANAGED) return D3DERR_INVALIDCALL;
-            if (recording_.refused_texture_formats.count(format) > 0) return D3DERR_NOTAVAILABLE;
+            const bool drawable = format >= D3DFMT_A8R8G8B8 && format <= D3DFMT_R5G6B5;
+            if ((target && !drawable) || recording_.refused_texture_formats.count(format) > 0)
+                return D3DERR_INVALIDCALL;
             *texture = new RecordedTexture(recording_, {format, D3DRTYPE_SURFACE, usage, pool, 0, 0, width, height},
                                            levels ? levels : FullChain(width, height));
             return D3D_OK;

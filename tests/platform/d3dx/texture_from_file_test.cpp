@@ -187,6 +187,19 @@ TEST_F(TextureFromFile, TakesTheStoredLevelsOfADdsFileAndMakesTheOthers) {
     EXPECT_THAT(Pixels(2), ElementsAre(0x140C0804u));
 }
 
+TEST_F(TextureFromFile, TakesStoredLevelsAlsoInAnotherFormat) {
+    std::string file = DdsHead({2, 1, 2, 0x40, 0, 24, 0xFF0000, 0xFF00, 0xFF, 0});
+    file +=
+        "\x10\x20\x30\x40\x50\x60"
+        "\x70\x80\x90";
+    Options options;
+    options.levels = 2;
+    ASSERT_EQ(Load(file, options), D3D_OK);
+    EXPECT_EQ(Level(0).desc.Format, D3DFMT_X8R8G8B8);
+    EXPECT_THAT(Pixels(0), ElementsAre(0xFF302010u, 0xFF605040u));
+    EXPECT_THAT(Pixels(1), ElementsAre(0xFF908070u));
+}
+
 TEST_F(TextureFromFile, CopiesCompressedBlocksAsTheyAre) {
     std::string file = DdsHead({4, 4, 1, 4, D3DFMT_DXT5, 0, 0, 0, 0, 0});
     const std::string block = "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10";
