@@ -17,6 +17,9 @@ constexpr D3DCOLOR kClearColour = 0xFF000014, kWhite = 0xFFFFFFFF;
 
 void DrawBackground(Engine& engine) {
     KRN_Gfx& gfx = *engine.gfx;
+    if (!engine.background.IsValid()) {   // it shared a texture that a reset has taken
+        LoadBackgroundPicture(gfx, engine.background, engine.background.Name().c_str());
+    }
     if (!engine.background.HasSurface()) {
         gfx.Clear(kClearColour, 1.0f, nullptr);
         return;

@@ -10,14 +10,15 @@ class AlphaTest {
     explicit AlphaTest(StateSender& sender) : sender_(sender) {}
 
     void Set(int mode, int reference);
-    int Mode() const { return mode_; }
-    int Reference() const { return reference_; }
+    /// Off, or on as it last was (mode 1 at first), with the kept reference.
+    void Switch(bool on) { Set(on ? mode_when_on_ : 0, reference_); }
     /// After a reset.
     void Reapply() { Set(mode_, reference_); }
 
   private:
     StateSender& sender_;
     int mode_ = 0, reference_ = 0;
+    int mode_when_on_ = 1;   // the last one but 0
 };
 
 }   // namespace sparkrig

@@ -83,7 +83,7 @@ int BlendingState::Set(int mode, int alpha, int stage) {
     if (mode == -1) mode = 1;
     if (mode == 1) {
         mode_ = mode;
-        alpha_ = alpha;
+        alpha_ = given_alpha_ = alpha;
         sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{FALSE});
         return 1;
     }
@@ -94,10 +94,11 @@ int BlendingState::Set(int mode, int alpha, int stage) {
 
     alpha_ = KeptAlpha(row->kept, alpha_, alpha);
     mode_ = row->kept == Kept::Scaled ? 7 : mode;
+    given_alpha_ = row->kept == Kept::Scaled ? alpha_ : alpha;
     sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{TRUE});
     SendStage(*row, static_cast<DWORD>(stage));
-    if (row->factor == Factor::Alpha) factor_.SetAlpha(row->kept == Kept::Scaled ? alpha_ : alpha);
-    if (row->factor == Factor::Whole) factor_.Set(static_cast<D3DCOLOR>(alpha & 0xFF));
+    if (row->factor == Factor::Alpha) factor_.SetAlpha(given_alpha_);
+    if (row->factor == Factor::Whole) factor_.Set(static_cast<D3DCOLOR>(given_alpha_ & 0xFF));
     sender_.SetRenderState(D3DRS_SRCBLEND, row->source);
     sender_.SetRenderState(D3DRS_DESTBLEND, row->destination);
     sender_.SetStageState(static_cast<DWORD>(stage) + 1, D3DTSS_ALPHAOP, D3DTOP_DISABLE);

@@ -10,6 +10,8 @@ class BlendingState {
 
     /// mode 1 to 17 but not 8, -1 counts as 1; alpha 0 to 255; stage 0 to 6. Another mode is an error.
     int Set(int mode, int alpha, int stage);
+    /// Once more as it was given, at this stage.
+    void Reapply(int stage) { Set(mode_, given_alpha_, stage); }
     int Mode() const { return mode_; }
     int Alpha() const { return alpha_; }
 
@@ -19,7 +21,7 @@ class BlendingState {
     StateSender& sender_;
     TextureFactor& factor_;
     int mode_ = 1;
-    int alpha_ = 255;
+    int alpha_ = 255, given_alpha_ = 255;   // what the mode keeps, and what it was set with
 };
 
 }   // namespace sparkrig

@@ -126,7 +126,7 @@ void ReapplyStates(GfxParts& parts, UINT old_width, UINT old_height) {
     parts.transforms.Set(D3DTS_VIEW, parts.transforms.View());
     parts.lighting.Reapply();
     parts.render_sources.Reapply();   // before the blending mode, which may set the same stage
-    parts.blending.Set(parts.blending.Mode(), parts.blending.Alpha(), 0);
+    parts.blending.Reapply(0);
     parts.texture_factor.Set(texture_factor);   // the two before may have left their own
     parts.culling.Set(parts.culling.Mode());
     parts.fog.Set(parts.fog.Settings());

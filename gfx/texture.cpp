@@ -22,7 +22,6 @@ void KRN_Texture::Release() {
         layer.name = "";
         layer.time_stamp = 0;
     }
-    video_source_ = -1;
     screen_quad_.Reset();
 }
 
@@ -34,9 +33,9 @@ IDirect3DTexture9* KRN_Texture::TextureOf(const Picture& picture) const {
 
 IDirect3DTexture9* KRN_Texture::DeviceTexture() const { return TextureOf(InUse()); }
 
-IDirect3DTexture9* KRN_Texture::LayerTexture(int layer) const {
-    return layer == 0 && !frames_.empty() ? DeviceTexture() : TextureOf(layers_[layer].picture);
-}
+IDirect3DTexture9* KRN_Texture::LayerTexture(int layer) const { return TextureOf(PictureOf(layer)); }
+
+int KRN_Texture::VideoSourceOf(int layer) const { return PictureOf(layer).video_source; }
 
 bool KRN_Texture::IsValid() const { return InUse().entry < 0 || DeviceTexture(); }
 
@@ -197,6 +196,12 @@ void KRN_Texture::Attach(KRN_Gfx& gfx, TextureRegistry& registry) {
 void KRN_Texture::ReleasePicture(Picture& picture) {
     if (registry_) registry_->Release(picture.entry);
     picture = {};
+}
+
+void KRN_Texture::ReleaseCurrent() {
+    ReleasePicture(InUse());
+    layers_[current_layer_].name = "";
+    layers_[current_layer_].time_stamp = 0;
 }
 
 void KRN_Texture::ReleaseFrames() {

@@ -90,8 +90,10 @@ class KRN_Texture final : public KRN_SurfaceBase {
     std::uint32_t TimeStamp() const { return layers_[current_layer_].time_stamp; }
     /// The registry index of what is in use, plus 1; 0 without a picture. Textures that share have the same.
     int Identifier() const { return InUse().entry + 1; }
-    /// 0 to 15, or -1.
-    int VideoSourceIndex() const { return video_source_; }
+    /// The video source of what is in use: 0 to 15, or -1.
+    int VideoSourceIndex() const { return InUse().video_source; }
+    /// That of a layer; layer 0 of a sequence is the current frame.
+    int VideoSourceOf(int layer) const;
     /// The picture's own size, which may be less than the device texture's.
     float Width() const { return InUse().width; }
     float Height() const { return InUse().height; }
@@ -121,6 +123,7 @@ class KRN_Texture final : public KRN_SurfaceBase {
         UINT texture_width = 0, texture_height = 0;   // level 0
         float width = 0, height = 0;
         Rectangle rectangle;
+        int video_source = -1;   // 0 to 15 where one shows in it
     };
     struct Layer {
         Picture picture;
@@ -134,12 +137,17 @@ class KRN_Texture final : public KRN_SurfaceBase {
     };
 
     const Picture& InUse() const { return frames_.empty() ? layers_[current_layer_].picture : frames_[current_frame_]; }
+    const Picture& PictureOf(int layer) const {
+        return layer == 0 && !frames_.empty() ? frames_[current_frame_] : layers_[layer].picture;
+    }
     Picture& InUse() { return frames_.empty() ? layers_[current_layer_].picture : frames_[current_frame_]; }
     IDirect3DTexture9* TextureOf(const Picture& picture) const;
 
     // For the loader.
     void Attach(KRN_Gfx& gfx, TextureRegistry& registry);
     void ReleasePicture(Picture& picture);
+    /// The picture in use, and what is known of its file.
+    void ReleaseCurrent();
     void ReleaseFrames();
     void StartSequence(int frames);
     /// Puts an entry, one user of which it takes over, into use. The picture's size is the device texture's.
@@ -154,7 +162,6 @@ class KRN_Texture final : public KRN_SurfaceBase {
     std::vector<Picture> frames_;   // of the sequence; empty for none
     int current_frame_ = 0;
     SequenceTiming timing_;
-    int video_source_ = -1;
     UINT mip_level_ = 0;
     bool alpha_test_ = false;
     bool repeats_ = false;

@@ -1,6 +1,7 @@
 #include "gfx/texture_loader.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 
 #include "gfx/frame_list.h"
@@ -74,35 +75,39 @@ TextureLoader::Request TextureLoader::TakeApart(D3DCOLOR colour_key, int paramet
             .pool = row->pool};
 }
 
-void TextureLoader::LoadTexture(KRN_Texture* texture, const char* name, D3DCOLOR colour_key, int parameter, int format,
+void TextureLoader::LoadTexture(KRN_Texture* texture, const char* file, D3DCOLOR colour_key, int parameter, int format,
                                 int mip_levels) {
     if (!texture) gfx_.Error("KRN_Texture pointer in LoadTexture is NULL pointer!");
-    if (!name) name = "";
-    validator_.CheckPath(name);
-    if (*name == '\0') gfx_.Error("Invalid file name in LoadTexture");
+    const std::string name = file ? file : "";   // a copy: it may be the texture's own name, which is let go of
+    validator_.CheckPath(name.c_str());
+    if (name.empty()) gfx_.Error("Invalid file name in LoadTexture");
     texture->Attach(gfx_, registry_);
-    if (IsVideoName(name)) {
+    if (IsVideoName(name.c_str())) {
         texture->ReleaseFrames();
-        LoadVideoSource(*texture, name);
+        LoadVideoSource(*texture, name.c_str());
     } else {
         const Request request = TakeApart(colour_key, parameter, format, mip_levels);
         texture->ReleaseFrames();
-        if (!request.keeps_texture) texture->ReleasePicture(texture->InUse());
-        std::string file;
-        if (!paths_.Find(name, file)) gfx_.Error("Can not open file %s", name);
-        if (IsFrameListName(name))
-            LoadFrameList(*texture, file, request);
-        else
-            LoadPicture(*texture, file, request);
+        if (!request.keeps_texture) texture->ReleaseCurrent();
+        LoadFile(*texture, name.c_str(), request);
     }
-    texture->layers_[texture->current_layer_].name = name;
+    texture->layers_[texture->current_layer_].name = name.c_str();
+}
+
+void TextureLoader::LoadFile(KRN_Texture& texture, const char* name, const Request& request) {
+    std::string found;
+    if (!paths_.Find(name, found)) gfx_.Error("Can not open file %s", name);
+    if (IsFrameListName(name))
+        LoadFrameList(texture, found, request);
+    else
+        LoadPicture(texture, found, request);
 }
 
 // ---- Video sources
 
 void TextureLoader::LoadVideoSource(KRN_Texture& texture, const char* name) {
     const long number = std::strtol(name + sizeof kVideoPrefix - 1, nullptr, 10);
-    const int slot = static_cast<int>(std::clamp(number, -1L, 99999L)) - 1;
+    const int slot = static_cast<int>(std::clamp<long>(number, INT_MIN + 1, INT_MAX)) - 1;
     if (!VideoSources::IsSlot(slot)) gfx_.Error("Invalid video source for texture: %i", slot + 1);
     VideoSource& source = videos_[slot];
     int entry = settings_.sharing ? registry_.Share(name) : -1;
@@ -119,7 +124,8 @@ void TextureLoader::LoadVideoSource(KRN_Texture& texture, const char* name) {
     }
     texture.Adopt(entry);
     texture.SetPictureSize(static_cast<float>(source.width), static_cast<float>(source.height));
-    texture.video_source_ = slot;
+    texture.InUse().video_source = slot;
+    texture.layers_[texture.current_layer_].time_stamp = 0;
 }
 
 // ---- Image-file lists
@@ -160,6 +166,7 @@ void TextureLoader::LoadPlaceholder(KRN_Texture& texture) {
     const int entry = placeholder_->InUse().entry;
     registry_.AddUser(entry);
     texture.Adopt(entry);
+    texture.layers_[texture.current_layer_].time_stamp = 0;
 }
 
 /// Width and height 0: the file's own.
@@ -215,7 +222,6 @@ int TextureLoader::LoadImageFile(const std::string& file, const std::string& key
 }
 
 void TextureLoader::LoadPicture(KRN_Texture& texture, const std::string& file, const Request& request) {
-    texture.video_source_ = -1;
     if (settings_.placeholders) return LoadPlaceholder(texture);
     // A file that changed on disk is not shared with its older copy.
     const std::int32_t time = FileModificationTime(file.c_str());
@@ -237,7 +243,7 @@ void TextureLoader::CreateTexture(KRN_Texture* texture, UINT width, UINT height,
     if (!texture) gfx_.Error("KRN_Texture pointer in CreateTexture is NULL pointer!");
     texture->Attach(gfx_, registry_);
     texture->ReleaseFrames();
-    texture->ReleasePicture(texture->InUse());
+    texture->ReleaseCurrent();
     const bool dynamic = mode != -1 && (mode & kCreateDynamic) != 0;
     const PoolRow* row = FindPool(kCreatePools, dynamic ? mode & ~kCreateDynamic : mode);
     if (!row) gfx_.Error("Wrong texture parameter in CreateTexture!");
@@ -250,10 +256,6 @@ void TextureLoader::CreateTexture(KRN_Texture* texture, UINT width, UINT height,
     if (FAILED(result)) gfx_.Error("CreateTexture failed: %s", DXGetErrorString9(result));
     texture->Adopt(registry_.Add(std::move(made), ""));
     texture->SetPictureSize(static_cast<float>(width), static_cast<float>(height));
-    KRN_Texture::Layer& layer = texture->layers_[texture->current_layer_];
-    layer.name = "";
-    layer.time_stamp = 0;
-    texture->video_source_ = -1;
 }
 
 }   // namespace sparkrig

@@ -67,6 +67,7 @@ class TextureLoader {
     struct Plan;
 
     Request TakeApart(D3DCOLOR colour_key, int parameter, int format, int mip_levels) const;
+    void LoadFile(KRN_Texture& texture, const char* name, const Request& request);
     void LoadVideoSource(KRN_Texture& texture, const char* name);
     void LoadFrameList(KRN_Texture& texture, const std::string& list, const Request& request);
     void LoadPicture(KRN_Texture& texture, const std::string& file, const Request& request);

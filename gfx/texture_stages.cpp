@@ -15,8 +15,9 @@ void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
     if (stage < -1 || stage >= int{kTextureStages}) gfx_.Error("Invalid stage: %i", stage);
     if (!texture || !texture->HasSurface()) return Unbind(stage);
     GfxParts& parts = gfx_.Parts();
-    if (texture->VideoSourceIndex() >= 0) parts.videos.Update(gfx_, texture->VideoSourceIndex());
-    parts.alpha_test.Set(texture->AlphaTest() ? std::max(1, parts.alpha_test.Mode()) : 0, parts.alpha_test.Reference());
+    for (int layer = 0; layer < KRN_Texture::kLayers; ++layer)
+        if (const int video = texture->VideoSourceOf(layer); video >= 0) parts.videos.Update(gfx_, video);
+    parts.alpha_test.Switch(texture->AlphaTest());
     if (stage <= 0) return SetLayers(*texture);
     const bool has_layer = stage < KRN_Texture::kLayers && texture->LayerTexture(stage);
     SetLayer(*texture, has_layer ? stage : texture->CurrentLayer(), stage);
@@ -55,7 +56,7 @@ void TextureStages::SetLayers(const KRN_Texture& texture) {
     }
     BlendingState& blending = gfx_.Parts().blending;
     if (blending.Mode() == 1) SendAlpha(alpha_stage, D3DTOP_SELECTARG1, D3DTA_TEXTURE);
-    blending.Set(blending.Mode(), blending.Alpha(), alpha_stage);
+    blending.Reapply(alpha_stage);
 }
 
 void TextureStages::SetLayer(const KRN_Texture& texture, int layer, int stage) {

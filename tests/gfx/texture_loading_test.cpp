@@ -69,6 +69,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
         {"self.ifl", -1, "KRN_Gfx: Texture file list in texture file list 'self.ifl': self.ifl"},
         {"missing.ifl", -1, "KRN_Gfx: Can not open file more\\gone.png"},
         {">>Video0", -1, "KRN_Gfx: Invalid video source for texture: 0"},
+        {">>Video-200000", -1, "KRN_Gfx: Invalid video source for texture: -200000"},
         {">>Video17", -1, "KRN_Gfx: Invalid video source for texture: 17"},
         {">>Video", -1, "KRN_Gfx: Invalid video source for texture: 0"},
         {">>Video16", -1, "KRN_Gfx: Invalid video source specifications for source 16"},
@@ -112,8 +113,12 @@ TEST_F(TextureLoading, ManyLookUpsFindWhatOneFinds) {
     paths.SetDefaultTexturePath("textures");
     paths.SetBasePath(Folder().c_str());
     TextureLookup lookup(paths);
-    for (const char* name : {"here.png", "HERE.png", "there.PNG", "textures\\there.png", "TEXTURES/There.png",
-                             "sub.png", "gone.png", "no/here.png", "", ".", "textures/"}) {
+    std::filesystem::create_symlink("here.png", Folder() / "link.png");
+    std::filesystem::create_symlink("nowhere.png", Folder() / "dangling.png");
+    std::filesystem::create_directory_symlink("Textures", Folder() / "folder.png");
+    for (const char* name :
+         {"here.png", "HERE.png", "link.png", "dangling.png", "folder.png", "there.PNG", "textures\\there.png",
+          "TEXTURES/There.png", "sub.png", "gone.png", "no/here.png", "", ".", "textures/"}) {
         std::string found;
         EXPECT_EQ(lookup.Contains(name), paths.Find(name, found)) << name;
     }
@@ -305,6 +310,37 @@ TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
     texture_.Lock(nullptr, D3DLOCK_READONLY);
     EXPECT_EQ(texture_.GetPixel(2, 0), 0x11223344u);
     texture_.Unlock();
+
+    // It goes on showing its pictures, whatever the other layers get.
+    texture_.SelectLayer(1, false);
+    WritePng("a.png", 2, 2);
+    Load("a.png");
+    texture_.SetStageMap(1, MapKind::Diffuse, 1);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(updates, 2);
+    EXPECT_EQ(texture_.VideoSourceIndex(), -1) << "of the layer in use";
+}
+
+TEST_F(TextureLoading, KnowsTheFileOfWhatItShows) {
+    WritePng("a.png", 2, 2);
+    VideoSource& source = gfx_->Parts().videos[0];
+    source = {.format = D3DFMT_A8R8G8B8, .width = 2, .height = 2, .update = {}, .texture = {}};
+    const auto expect_file = [this](const char* name, bool has_time) {
+        EXPECT_STREQ(texture_.Name().c_str(), name);
+        EXPECT_EQ(texture_.TimeStamp() != 0, has_time) << name;
+    };
+    Load("a.png");
+    expect_file("a.png", true);
+    Load(texture_.Name().c_str());
+    expect_file("a.png", true);
+    Load(">>Video1");
+    expect_file(">>Video1", false);
+    Load("a.png");
+    EXPECT_EQ(LoadError("gone.png"), "KRN_Gfx: Can not open file gone.png");
+    expect_file("", false);
+    Settings().placeholders = true;
+    Load("a.png");
+    expect_file("a.png", false);
 }
 
 // ---- Empty textures

@@ -202,6 +202,22 @@ TEST_F(TextureStagesTest, TheTexturesFlagSwitchesTheAlphaTest) {
     texture_.SetAlphaTest(false);
     gfx_->SetTexture(&texture_, -1);
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u, 0u));
+    gfx_->SetAlphaTest(255, 78);
+    gfx_->SetTexture(&texture_, -1);
+    texture_.SetAlphaTest(true);
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u, 0u, 255u, 0u, 255u)) << "as it was";
+}
+
+TEST_F(TextureStagesTest, TheBlendingModeIsSetAgainWithTheAlphaThatItWasGiven) {
+    constexpr std::tuple<int, int, D3DCOLOR> kRows[] = {{16, 64, 64}, {13, 90, 90u << 24}, {10, 128, 45u << 24}};
+    gfx_->SetTextureFactor(0);
+    for (const auto& [mode, alpha, factor] : kRows) {
+        gfx_->SetBlendingMode(mode, alpha, 0);
+        gfx_->SetTexture(&texture_, -1);
+        EXPECT_EQ(gfx_.recording.Sent(D3DRS_TEXTUREFACTOR).back(), factor) << mode;
+        gfx_->SetTextureFactor(0);
+    }
 }
 
 TEST_F(TextureStagesTest, AStageByItsNumberGetsItsLayerOrTheTextureInUse) {
