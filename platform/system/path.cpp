@@ -77,9 +77,14 @@ bool FileExists(const char* name) {
 
 std::vector<std::string> ListFiles(const char* folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(ResolvePath(folder).c_str()), closedir);
+    const auto is_file = [&](const dirent& entry) {
+        if (entry.d_type == DT_REG || entry.d_type == DT_DIR) return entry.d_type == DT_REG;
+        struct stat status {};   // a link, or a file system that does not say
+        return fstatat(dirfd(directory.get()), entry.d_name, &status, 0) == 0 && !S_ISDIR(status.st_mode);
+    };
     std::vector<std::string> names;
     while (const dirent* entry = directory ? readdir(directory.get()) : nullptr)
-        if (entry->d_type != DT_DIR) names.emplace_back(entry->d_name);
+        if (is_file(*entry)) names.emplace_back(entry->d_name);
     return names;
 }
 

@@ -35,7 +35,8 @@ TEST_F(TextureTool, DescribesPictures) {
         {"c.tga", TgaFile(cut_out, D3DFMT_A1R5G5B5), "c.tga: 2 x 1, tga, A1R5G5B5, 1 level, on-off alpha\n"},
         {"d.jpg", JpgFile(opaque, 3), "d.jpg: 6 x 3, jpg, X8R8G8B8, 1 level, no alpha\n"},
         {"e.dds", levels, "e.dds: 4 x 4, dds, DXT1, 3 levels, no alpha\n"},
-        {"f.ifl", "a.png\n\nb.bmp\n", "f.ifl: 2 frames; the first: 6 x 3, png, A8R8G8B8, 1 level, partial alpha\n"},
+        {"f.ifl", "a.png\n\n>>Video1\nb.bmp\n",
+         "f.ifl: 3 frames; the first: 6 x 3, png, A8R8G8B8, 1 level, partial alpha\n"},
     };
     std::string all_names, all_lines;
     for (const auto& row : rows) {
@@ -59,6 +60,7 @@ TEST_F(TextureTool, NamesWhatCannotBeLoadedAndGoesOn) {
           "blank.ifl: Empty texture file list\n", "lost.ifl: frame gone.png: can not open file\n", "good.png: 2 x 1"})
         EXPECT_THAT(text, HasSubstr(line));
     EXPECT_EQ(code, 1);
+    EXPECT_EQ(Run("info good.png >/dev/full").second, 1) << "nothing was printed";
     EXPECT_FALSE(std::filesystem::exists("logfile.txt"));
 }
 

@@ -29,7 +29,9 @@ int PrintInfo(const std::vector<std::string>& files) {
         std::fprintf(good ? stdout : stderr, "%s: %s\n", file.c_str(), line.c_str());
         if (!good) result = kFindings;
     }
-    return result;
+    if (std::fflush(stdout) == 0) return result;
+    std::perror("texture: the output can not be written");
+    return kFindings;
 }
 
 int Run(const std::string& command, const std::vector<std::string>& files, const std::vector<std::string>& extras) {

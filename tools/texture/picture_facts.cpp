@@ -5,6 +5,7 @@
 #include "base/string.h"
 #include "gfx/frame_list.h"
 #include "gfx/texture_paths.h"
+#include "gfx/video_sources.h"
 #include "platform/d3dx/image_file.h"
 #include "platform/system/system.h"
 
@@ -70,6 +71,7 @@ bool DescribeList(const std::string& file, std::string& line) try {
     GetDirectory(file.c_str(), directory, sizeof directory);
     std::string first;
     for (const std::string& frame : frames) {
+        if (IsVideoName(frame.c_str())) continue;   // no file
         const bool as_written = *directory == '\0' || FileExists(frame.c_str());
         std::string facts;
         if (!DescribeImage(as_written ? frame : JoinPath(directory, frame.c_str()), facts)) {
