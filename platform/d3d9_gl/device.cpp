@@ -41,6 +41,8 @@ Device::~Device() {
 // Everything for complete parameters: screen, swap chain, states.
 HRESULT Device::ApplyParameters(D3DPRESENT_PARAMETERS parameters) {
     if (!context_->Activate()) return D3DERR_DEVICELOST;
+    const UINT largest = static_cast<UINT>(context_->Limits().max_texture_size);
+    if (parameters.BackBufferWidth > largest || parameters.BackBufferHeight > largest) return D3DERR_INVALIDCALL;
     parameters_ = parameters;
     presenter_.SetScreen(parameters);
     presenter_.SetInterval(parameters.PresentationInterval);

@@ -130,6 +130,7 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     // Targets (device_targets.cpp)
     void UseTarget(Surface* target);
     GLuint DepthFor(Surface& target);
+    void FillAlpha(Surface& surface, const RECT& area);
     void ClearArea(const GlRect& area, DWORD flags, D3DCOLOR colour, float z, DWORD stencil);
 
     // Drawing (device_draw.cpp)

@@ -179,8 +179,8 @@ D3DMATRIX* FindTransform(DeviceState& state, D3DTRANSFORMSTATETYPE type) {
 }
 
 unsigned TransformGroups(D3DTRANSFORMSTATETYPE type) {
-    if (type == D3DTS_VIEW) return kDirtyTransforms | kDirtyLighting;   // lights are kept in camera space
-    if (type == D3DTS_PROJECTION) return kDirtyTransforms;
+    if (type == D3DTS_VIEW) return kDirtyTransforms | kDirtyLighting;       // lights are kept in camera space
+    if (type == D3DTS_PROJECTION) return kDirtyTransforms | kDirtyStates;   // it decides what fog goes by
     if (type == D3DTS_WORLD) return kDirtyTransforms | kDirtyPalette;
     return type > D3DTS_WORLD ? kDirtyPalette : kDirtyLighting;
 }

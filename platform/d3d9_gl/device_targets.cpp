@@ -31,6 +31,12 @@ bool SameShape(const D3DSURFACE_DESC& a, const D3DSURFACE_DESC& b) {
     return a.Width == b.Width && a.Height == b.Height && a.Format == b.Format;
 }
 
+bool Overlap(const RECT& a, const RECT& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+GlRect ToGlRect(const RECT& rect) { return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}; }
+
 GlRect Intersect(const D3DRECT& rect, const D3DVIEWPORT9& viewport) {
     const LONG left = std::max(rect.x1, static_cast<LONG>(viewport.X));
     const LONG top = std::max(rect.y1, static_cast<LONG>(viewport.Y));
@@ -51,6 +57,7 @@ bool Fillable(const Surface& surface) {
 // ---- Targets
 
 void Device::UseTarget(Surface* target) {
+    if (bound_.target) bound_.target->DrawnInto();
     bound_.target = DevicePtr<Surface>::Share(target);
     bindings_.target = target;
     bindings_.depth = DepthFor(*target);
@@ -161,8 +168,9 @@ HRESULT Device::StretchRect(IDirect3DSurface9* source, const RECT* from, IDirect
     const auto copyable = [](const Surface& surface) {
         return surface.Desc().Pool == D3DPOOL_DEFAULT && (surface.Format().roles & kRoleTarget) != 0;
     };
-    if (!copyable(read) || !copyable(written) || !Fillable(written)) return D3DERR_INVALIDCALL;
-    if (&read == &written || written.Desc().MultiSampleType > 1) return D3DERR_INVALIDCALL;
+    if (!copyable(read) || !copyable(written) || !Drawable(written)) return D3DERR_INVALIDCALL;
+    if (&read == &written && (stretches || Overlap(area, target))) return D3DERR_INVALIDCALL;
+    if (written.Desc().MultiSampleType > 1) return D3DERR_INVALIDCALL;
     if (stretches && read.Desc().MultiSampleType > 1) return D3DERR_INVALIDCALL;
     if (!Alive()) return D3D_OK;
     read.GlImage();   // sends what was written through locks
@@ -172,8 +180,18 @@ HRESULT Device::StretchRect(IDirect3DSurface9* source, const RECT* from, IDirect
                            target.left, target.top, target.right, target.bottom, GL_COLOR_BUFFER_BIT,
                            filter == D3DTEXF_LINEAR && stretches ? GL_LINEAR : GL_NEAREST);
     glEnable(GL_SCISSOR_TEST);
+    if (written.Format().alpha && !read.Format().alpha) FillAlpha(written, target);
     written.DrawnInto();
     return D3D_OK;
+}
+
+// An alpha that the source of a copy lacks is one.
+void Device::FillAlpha(Surface& surface, const RECT& area) {
+    constexpr float kOne[] = {1.0f, 1.0f, 1.0f, 1.0f};
+    pipeline_.PrepareFill(surface, ToGlRect(area));
+    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    glClearNamedFramebufferfv(surface.Framebuffer(), GL_COLOR, 0, kOne);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);   // as PrepareFill left it
 }
 
 HRESULT Device::ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR colour) {
@@ -184,7 +202,7 @@ HRESULT Device::ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR
     if (!Alive()) return D3D_OK;
     Surface& filled = *AsSurface(surface);
     filled.GlImage();
-    pipeline_.PrepareFill(filled, {area.left, area.top, area.right - area.left, area.bottom - area.top});
+    pipeline_.PrepareFill(filled, ToGlRect(area));
     const Rgba rgba = ToRgba(colour);
     glClearNamedFramebufferfv(filled.Framebuffer(), GL_COLOR, 0, &rgba.r);
     filled.DrawnInto();

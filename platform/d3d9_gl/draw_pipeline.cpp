@@ -158,6 +158,7 @@ void DrawPipeline::PrepareTextures(const DeviceState& state, const Bindings& bin
         if ((left & 1) == 0) continue;
         Texture* texture = bindings.textures[unit];
         gl_.BindTexture(unit, texture != nullptr ? texture->Name() : 0);
+        if (texture != nullptr) texture->SampleFrom(state.samplers[unit][D3DSAMP_MAXMIPLEVEL]);
         if ((dirty_samplers_ >> unit & 1) == 0) continue;
         gl_.BindSampler(unit, samplers_.For(state.samplers[unit], context_->Limits().max_anisotropy));
         dirty_samplers_ &= ~(1u << unit);

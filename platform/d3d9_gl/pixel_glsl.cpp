@@ -75,13 +75,16 @@ std::string AlphaTestCode(BYTE function) {
     if (function == D3DCMP_ALWAYS) return {};
     if (function == D3DCMP_NEVER) return "    discard;\n";
     return fmt::format(
-        "    if (!(floor(clamp(pixel_color.a, 0.0, 1.0) * 255.0 + 0.5) {} d3d_states.alpha_reference.x)) discard;\n",
+        "    if (!(floor(clamp(pixel_color.a, 0.0, 1.0) * 255.0 + 0.5) {} d3d_states.pixel.x)) discard;\n",
         Comparison(function));
 }
 
 std::string FogCode(FogSource fog, const std::string& varying) {
     if (fog == FogSource::None) return {};
-    const std::string factor = fog == FogSource::Varying ? varying + ".x" : FogFormula(fog, "(1.0 / gl_FragCoord.w)");
+    const std::string factor =
+        fog == FogSource::Varying
+            ? varying + ".x"
+            : FogFormula(fog, "(d3d_states.pixel.y != 0.0 ? gl_FragCoord.z : 1.0 / gl_FragCoord.w)");
     return fmt::format(
         "    pixel_color.rgb = mix(d3d_states.fog_colour.rgb, clamp(pixel_color.rgb, 0.0, 1.0), clamp({}, 0.0, "
         "1.0));\n",

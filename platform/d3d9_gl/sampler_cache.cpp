@@ -18,19 +18,6 @@ constexpr GLint kMinification[2][3] = {{GL_NEAREST, GL_NEAREST_MIPMAP_NEAREST, G
 
 bool IsLinear(DWORD filter) { return filter >= D3DTEXF_LINEAR; }
 
-void SetLevels(GLuint sampler, const SamplerCache::States& states) {
-    const DWORD first = std::min<DWORD>(states[D3DSAMP_MAXMIPLEVEL], 31);
-    DWORD mip_filter = states[D3DSAMP_MIPFILTER];
-    if (mip_filter == D3DTEXF_NONE && first > 0) {   // this level alone, though it is not the largest
-        mip_filter = D3DTEXF_POINT;
-        glSamplerParameterf(sampler, GL_TEXTURE_MAX_LOD, static_cast<float>(first));
-    }
-    glSamplerParameterf(sampler, GL_TEXTURE_MIN_LOD, static_cast<float>(first));
-    const GLint minification = kMinification[IsLinear(states[D3DSAMP_MINFILTER])][mip_filter];
-    glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, minification);
-    glSamplerParameterf(sampler, GL_TEXTURE_LOD_BIAS, std::bit_cast<float>(states[D3DSAMP_MIPMAPLODBIAS]));
-}
-
 }   // namespace
 
 GLuint SamplerCache::For(const States& states, float max_anisotropy) {
@@ -43,7 +30,9 @@ GLuint SamplerCache::For(const States& states, float max_anisotropy) {
     const Rgba border = ToRgba(states[D3DSAMP_BORDERCOLOR]);
     glSamplerParameterfv(sampler, GL_TEXTURE_BORDER_COLOR, &border.r);
     glSamplerParameteri(sampler, GL_TEXTURE_MAG_FILTER, IsLinear(states[D3DSAMP_MAGFILTER]) ? GL_LINEAR : GL_NEAREST);
-    SetLevels(sampler, states);
+    const GLint minification = kMinification[IsLinear(states[D3DSAMP_MINFILTER])][states[D3DSAMP_MIPFILTER]];
+    glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, minification);
+    glSamplerParameterf(sampler, GL_TEXTURE_LOD_BIAS, std::bit_cast<float>(states[D3DSAMP_MIPMAPLODBIAS]));
     const float anisotropy = std::min(static_cast<float>(states[D3DSAMP_MAXANISOTROPY]), max_anisotropy);
     if (states[D3DSAMP_MINFILTER] == D3DTEXF_ANISOTROPIC && anisotropy > 1.0f) {
         glSamplerParameterf(sampler, GL_TEXTURE_MAX_ANISOTROPY_EXT, anisotropy);

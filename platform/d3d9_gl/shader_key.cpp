@@ -46,11 +46,13 @@ StageKey CollectStage(const KeyInputs& inputs, DWORD number) {
     return key;
 }
 
-// The component of a stage's coordinates that divides the others, 0: none. Only the fixed vertex pipeline projects.
+// The component of a stage's coordinates that divides the others, 0: none. Only the fixed vertex pipeline projects,
+// and not the corners of sprites.
 BYTE Divisor(const KeyInputs& inputs, DWORD stage) {
     const DWORD flags = inputs.state.stages[stage][D3DTSS_TEXTURETRANSFORMFLAGS];
     const DWORD count = flags & ~D3DTTFF_PROJECTED;
-    const bool fixed = inputs.vertex_shader.number == 0 && !inputs.state.format.Transformed();
+    const bool sprite = inputs.points && inputs.state.On(D3DRS_POINTSPRITEENABLE);
+    const bool fixed = inputs.vertex_shader.number == 0 && !inputs.state.format.Transformed() && !sprite;
     if (!fixed || (flags & D3DTTFF_PROJECTED) == 0 || count < 2 || count > 4) return 0;
     return static_cast<BYTE>(count - 1);
 }

@@ -96,8 +96,16 @@ Texture::~Texture() {
 
 void Texture::Update() {
     for (const auto& level : levels_) level->Upload(name_);
-    if (GeneratesLevels()) glGenerateTextureMipmap(name_);
+    if (GeneratesLevels()) {
+        SetBaseLevel(0);   // which the others are made from
+        glGenerateTextureMipmap(name_);
+    }
     stale_ = false;
+}
+
+void Texture::SetBaseLevel(DWORD level) {
+    glTextureParameteri(name_, GL_TEXTURE_BASE_LEVEL, static_cast<GLint>(std::min<DWORD>(level, shape_.levels - 1)));
+    base_level_ = level;
 }
 
 HRESULT Texture::GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) {

@@ -63,6 +63,10 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
         if (stale_) Update();
         return name_;
     }
+    /// The largest level that samplers read; the last one for a number beyond it.
+    void SampleFrom(DWORD level) {
+        if (level != base_level_) SetBaseLevel(level);
+    }
     void MarkStale() { stale_ = true; }
     /// The largest level was drawn or copied into: smaller ones that are made from it are old.
     void MarkDrawnInto() { stale_ = stale_ || GeneratesLevels(); }
@@ -72,6 +76,7 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
     ~Texture() override;
 
     void Update();
+    void SetBaseLevel(DWORD level);
     bool GeneratesLevels() const { return (shape_.usage & D3DUSAGE_AUTOGENMIPMAP) != 0; }
 
     std::shared_ptr<GlContext> context_;
@@ -79,6 +84,7 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
     std::vector<std::unique_ptr<TextureLevel>> levels_;
     GLuint name_ = 0;
     bool stale_ = false;
+    DWORD base_level_ = 0;
 };
 
 /// The number of levels from this size down to 1 x 1.

@@ -40,6 +40,10 @@ D3DVECTOR TransformDirection(const D3DVECTOR& v, const D3DMATRIX& matrix) {
     return {component(0), component(1), component(2)};
 }
 
+bool IsAffine(const D3DMATRIX& matrix) {
+    return matrix.m[0][3] == 0.0f && matrix.m[1][3] == 0.0f && matrix.m[2][3] == 0.0f && matrix.m[3][3] == 1.0f;
+}
+
 LightRow ToRow(const D3DLIGHT9& light, const D3DMATRIX& view) {
     const D3DVECTOR turned = TransformDirection(light.Position, view);
     const D3DVECTOR direction = TransformDirection(light.Direction, view);
@@ -72,7 +76,8 @@ void FillStates(const DeviceState& state, UINT target_width, UINT target_height,
     block.fog = {start, end, state.Float(D3DRS_FOGDENSITY), end != start ? 1.0f / (end - start) : kStep};
     block.fog_colour = ToRgba(state.render[D3DRS_FOGCOLOR]);
     block.texture_factor = ToRgba(state.render[D3DRS_TEXTUREFACTOR]);
-    block.alpha_reference = {static_cast<float>(state.render[D3DRS_ALPHAREF] & 255), 0.0f, 0.0f, 0.0f};
+    block.pixel = {static_cast<float>(state.render[D3DRS_ALPHAREF] & 255), IsAffine(state.projection) ? 1.0f : 0.0f,
+                   0.0f, 0.0f};
     for (DWORD stage = 0; stage < kTextureStages; ++stage) {
         const auto& row = state.stages[stage];
         const auto number = [&row](D3DTEXTURESTAGESTATETYPE type) { return std::bit_cast<float>(row[type]); };

@@ -22,7 +22,7 @@ struct StatesBlock {
     Vec4 fog;           // start, end, density, 1 / (end - start)
     Rgba fog_colour;
     Rgba texture_factor;
-    Vec4 alpha_reference;   // x: 0..255
+    Vec4 pixel;   // alpha reference 0..255; 1 where the projection is affine, so that fog goes by depth and not by w
     std::array<Rgba, kTextureStages> constants;
     std::array<Vec4, kTextureStages> bump;   // M00, M01, M10, M11
 };
@@ -33,7 +33,7 @@ inline constexpr const char* kStatesGlsl = R"(layout(std140, binding = 2) unifor
     vec4 fog;
     vec4 fog_colour;
     vec4 texture_factor;
-    vec4 alpha_reference;
+    vec4 pixel;
     vec4 constants[8];
     vec4 bump[8];
 } d3d_states;

@@ -176,7 +176,9 @@ std::string CoordinateInput(const StageCoordinate& coordinate) {
         case kCoordinateNormal: return "vec4(n, 1.0)";
         case kCoordinatePosition: return "vec4(eye, 1.0)";
         case kCoordinateReflection: return "vec4(Reflection(eye, n), 1.0)";
-        case kCoordinateSphere: return "SphereCoordinate(eye, n)";
+        case kCoordinateSphere:
+            return fmt::format("vec4(SphereCoordinate(eye, n), {})",
+                               coordinate.matrix_count > 0 ? "1.0, 0.0" : "0.0, 1.0");
         default: return SetCoordinate(coordinate.source, coordinate.set_size, coordinate.matrix_count > 0);
     }
 }
@@ -186,10 +188,10 @@ vec3 Reflection(vec3 eye, vec3 n) {
     vec3 to_viewer = -normalize(eye);
     return 2.0 * dot(n, to_viewer) * n - to_viewer;
 }
-vec4 SphereCoordinate(vec3 eye, vec3 n) {
+vec2 SphereCoordinate(vec3 eye, vec3 n) {
     vec3 r = Reflection(eye, n);
     float m = 2.0 * sqrt(r.x * r.x + r.y * r.y + (r.z + 1.0) * (r.z + 1.0));
-    return vec4(r.xy / m + 0.5, 0.0, 1.0);
+    return m > 0.0 ? r.xy / m + 0.5 : vec2(0.5);
 }
 )";
 
@@ -202,8 +204,10 @@ std::string CoordinateCode(const VertexKey& key) {
         if (key.point != 0 && key.point_sprite != 0) {
             text += fmt::format("    varying_{} = vec4(PointCorner(), 0.0, 1.0);\n", varying);
         } else if (coordinate.matrix_count > 0) {
-            text += fmt::format("    varying_{} = d3d_lighting.texture_matrix[{}] * {};\n", varying, stage,
-                                CoordinateInput(coordinate));
+            constexpr const char* kPassedOn[] = {"", "vec4(t.x, 0.0, 0.0, 1.0)", "vec4(t.xy, 0.0, 1.0)",
+                                                 "vec4(t.xyz, 1.0)", "t"};
+            text += fmt::format("    {{ vec4 t = d3d_lighting.texture_matrix[{}] * {}; varying_{} = {}; }}\n", stage,
+                                CoordinateInput(coordinate), varying, kPassedOn[coordinate.matrix_count]);
         } else {
             text += fmt::format("    varying_{} = {};\n", varying, CoordinateInput(coordinate));
         }
@@ -247,7 +251,8 @@ std::string FixedVertexGlsl(const VertexKey& key) {
     }
     text += "void main() {\n" + PositionCode(key) + NormalCode(key) + ColourCode(key);
     if (Writes(key, kVaryingColor0)) text += "    varying_0 = diffuse;\n";
-    if (Writes(key, kVaryingColor1)) text += "    varying_1 = vec4(specular, 0.0);\n";
+    if (Writes(key, kVaryingColor1))
+        text += fmt::format("    varying_1 = vec4(specular, {});\n", key.specular != 0 ? "color1.a" : "0.0");
     return text + CoordinateCode(key) + FogCode(key) + PointCode(key) + "}\n";
 }
 

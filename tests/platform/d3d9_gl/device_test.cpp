@@ -185,6 +185,8 @@ TEST(Device, RefusesWrongParameters) {
         {"a texture format", [](D3DPRESENT_PARAMETERS& p) { p.BackBufferFormat = D3DFMT_L8; }, D3DERR_NOTAVAILABLE},
         {"a colour format for depth", [](D3DPRESENT_PARAMETERS& p) { p.AutoDepthStencilFormat = D3DFMT_R5G6B5; },
          D3DERR_NOTAVAILABLE},
+        {"a size beyond the driver's", [](D3DPRESENT_PARAMETERS& p) { p.BackBufferWidth = 100000; },
+         D3DERR_INVALIDCALL},
         {"a size that is no mode", [](D3DPRESENT_PARAMETERS& p) { p.Windowed = FALSE; }, D3DERR_INVALIDCALL},
     };
     for (const auto& row : kRows) {

@@ -100,6 +100,17 @@ TEST_F(Fog, LeavesAVertexWithoutSpecularColourAlone) {
     EXPECT_TRUE(Near(canvas_.DrawPoint(Vertex{{0, 0, 3}, kColour}, D3DFVF_XYZ | D3DFVF_DIFFUSE), ToRgb(kColour), 0));
 }
 
+TEST_F(Fog, OfPixelsGoesByDepthWhereTheProjectionDoesNotDivide) {
+    canvas_.Set(D3DTS_PROJECTION, Scaling(0.5f, 0.5f, 0.1f));
+    canvas_.Set(D3DRS_FOGSTART, 0.1f);
+    canvas_.Set(D3DRS_FOGEND, 0.9f);
+    SetModes(D3DFOG_NONE, D3DFOG_LINEAR, false);
+    for (const float depth : {2.0f, 6.5f}) {
+        const Rgb found = canvas_.DrawPoint(FogVertex{{0, 0, depth}, kColour, 0});
+        EXPECT_TRUE(Near(found, Fogged((0.9 - 0.1 * depth) / 0.8), 1)) << depth << found;
+    }
+}
+
 TEST_F(Fog, ThatStartsWhereItEndsIsAStep) {
     SetModes(D3DFOG_LINEAR, D3DFOG_NONE, false);
     canvas_.Set(D3DRS_FOGSTART, 3.0f);

@@ -142,11 +142,21 @@ TEST_F(Points, AreTexturedWholeAsSprites) {
     constexpr DWORD kFvf = D3DFVF_XYZRHW | D3DFVF_PSIZE | D3DFVF_TEX1;
     const std::vector<Vertex> point = {{30.3f, 20.3f, 0.5f, 1, 10, 0.75f, 0.25f}};
     canvas_->SetRenderState(D3DRS_POINTSPRITEENABLE, TRUE);
+    const auto expect_whole = [this](const char* what) {
+        EXPECT_EQ(canvas_.Pixel(27, 17).r, 10) << what;
+        EXPECT_EQ(canvas_.Pixel(33, 17).r, 20) << what;
+        EXPECT_EQ(canvas_.Pixel(27, 23).r, 30) << what;
+        EXPECT_EQ(canvas_.Pixel(33, 23).r, 40) << what;
+    };
     canvas_.Draw<Vertex>(kFvf, D3DPT_POINTLIST, 1, point);
-    EXPECT_EQ(canvas_.Pixel(27, 17).r, 10);
-    EXPECT_EQ(canvas_.Pixel(33, 17).r, 20);
-    EXPECT_EQ(canvas_.Pixel(27, 23).r, 30);
-    EXPECT_EQ(canvas_.Pixel(33, 23).r, 40);
+    expect_whole("final position");
+    struct Plain {
+        float x, y, z, size, u, v;
+    };   // at the same place; a projection of coordinates has no part in the corners
+    canvas_->SetTextureStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_COUNT2 | D3DTTFF_PROJECTED);
+    canvas_.Draw<Plain>(D3DFVF_XYZ | D3DFVF_PSIZE | D3DFVF_TEX1, D3DPT_POINTLIST, 1,
+                        {{30.3f / 32 - 1, 1 - 20.3f / 32, 0.5f, 10, 0.75f, 0.25f}});
+    expect_whole("projected");
     canvas_->SetRenderState(D3DRS_POINTSPRITEENABLE, FALSE);
     canvas_.Draw<Vertex>(kFvf, D3DPT_POINTLIST, 1, point);
     for (const UINT x : {27u, 33u}) {

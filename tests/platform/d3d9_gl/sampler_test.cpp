@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstring>
+#include <tuple>
 
 #include "tests/support/canvas.h"
 
@@ -94,6 +95,24 @@ TEST_F(Samplers, ChooseLevelsByFilterBiasAndLimit) {
                                     {7.5f, 7.5f, 0.5f, 1, 0, 0, end, end}});
         EXPECT_NEAR(canvas_.Pixel(3, 4).r, row.wanted, row.tolerance)
             << "filter " << row.filter << " bias " << row.bias << " from " << row.largest << " x " << row.repeats;
+    }
+}
+
+TEST_F(Samplers, EnlargeTheLargestLevelThatTheyReadByTheirOwnFilter) {
+    DevicePtr<IDirect3DTexture9> texture;
+    canvas_->CreateTexture(4, 4, 2, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
+    D3DLOCKED_RECT locked;
+    texture->LockRect(1, &locked, nullptr, 0);
+    for (int i = 0; i < 4; ++i) static_cast<D3DCOLOR*>(locked.pBits)[i] = i % 2 == 0 ? 0xFF000000 : 0xFFC80000;
+    texture->UnlockRect(1);
+    canvas_->SetTexture(0, texture.Get());
+    canvas_->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, 1);
+    constexpr std::tuple<DWORD, DWORD, int> kRows[] = {{D3DTEXF_LINEAR, D3DTEXF_POINT, 50},
+                                                       {D3DTEXF_POINT, D3DTEXF_LINEAR, 0}};
+    for (const auto& [enlarging, reducing, wanted] : kRows) {
+        canvas_->SetSamplerState(0, D3DSAMP_MAGFILTER, enlarging);
+        canvas_->SetSamplerState(0, D3DSAMP_MINFILTER, reducing);
+        EXPECT_NEAR(At(0.375f, 0.5f), wanted, 1);
     }
 }
 

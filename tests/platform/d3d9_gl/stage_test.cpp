@@ -139,8 +139,9 @@ TEST_F(Stages, ReadEveryArgumentAndModifier) {
     const struct {
         DWORD argument;
         D3DCOLOR value;
-    } kRows[] = {{D3DTA_DIFFUSE, kDiffuse}, {D3DTA_CURRENT, kDiffuse},   {D3DTA_TEXTURE, kTexture},
-                 {D3DTA_TFACTOR, kFactor},  {D3DTA_CONSTANT, kConstant}, {D3DTA_TEMP, 0}};
+    } kRows[] = {{D3DTA_DIFFUSE, kDiffuse},  {D3DTA_CURRENT, kDiffuse},   {D3DTA_TEXTURE, kTexture},
+                 {D3DTA_TFACTOR, kFactor},   {D3DTA_CONSTANT, kConstant}, {D3DTA_TEMP, 0},
+                 {D3DTA_SPECULAR, kSpecular}};
     for (const auto& row : kRows) {
         for (const DWORD modifier :
              {DWORD{0}, D3DTA_COMPLEMENT, D3DTA_ALPHAREPLICATE, D3DTA_COMPLEMENT | D3DTA_ALPHAREPLICATE}) {

@@ -97,6 +97,32 @@ TEST(Targets, StretchRectCopiesScalesAndConverts) {
     small->UnlockRect();
 }
 
+TEST(Targets, StretchRectGivesAnAlphaThatTheSourceLacks) {
+    Canvas canvas(8, 8);
+    const auto target = MakeTarget(canvas, 4, 4);
+    canvas->ColorFill(target.Get(), nullptr, kBack & 0x00FFFFFF);
+    canvas.Clear(kFront & 0x40FFFFFF);   // the back buffer has no alpha
+    DevicePtr<IDirect3DSurface9> back_buffer;
+    canvas->GetBackBuffer(0, 0, 0, back_buffer.Receive());
+    const RECT from = {0, 0, 2, 2}, to = {1, 1, 3, 3};
+    ASSERT_EQ(canvas->StretchRect(back_buffer.Get(), &from, target.Get(), &to, D3DTEXF_NONE), D3D_OK);
+    const auto pixels = ReadTarget(canvas.Device(), *target);
+    EXPECT_EQ(pixels[4 * 1 + 1], kFront);
+    EXPECT_EQ(pixels[4 * 2 + 2], kFront);
+    EXPECT_EQ(pixels[4 * 3 + 3], kBack & 0x00FFFFFF);
+}
+
+TEST(Targets, StretchRectCopiesWithinASurfaceWhatLiesApart) {
+    Canvas canvas(8, 8);
+    const auto target = MakeTarget(canvas, 4, 4);
+    const RECT left = {0, 0, 2, 4}, right = {2, 0, 4, 4}, middle = {1, 0, 3, 4};
+    canvas->ColorFill(target.Get(), &left, kFront);
+    canvas->ColorFill(target.Get(), &right, kBack);
+    EXPECT_EQ(canvas->StretchRect(target.Get(), &left, target.Get(), &middle, D3DTEXF_NONE), D3DERR_INVALIDCALL);
+    ASSERT_EQ(canvas->StretchRect(target.Get(), &left, target.Get(), &right, D3DTEXF_NONE), D3D_OK);
+    EXPECT_EQ(ReadTarget(canvas.Device(), *target), std::vector<D3DCOLOR>(16, kFront));
+}
+
 TEST(Targets, ColorFillReachesItsRectangleOnly) {
     Canvas canvas(8, 8);
     const auto texture = MakeTargetTexture(canvas, 4, 4);
@@ -154,6 +180,20 @@ TEST(Targets, MakeTheSmallerLevelsOfATextureThatAsksForThem) {
     canvas->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, 1);
     canvas.FillAll(0xFFFFFFFF);
     EXPECT_TRUE(Near(canvas.Pixel(1, 1), Rgb{50, 100, 160}, 1)) << canvas.Pixel(1, 1);
+
+    canvas->CreateTexture(4, 4, 0, D3DUSAGE_AUTOGENMIPMAP | D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT,
+                          texture.Receive());
+    DevicePtr<IDirect3DSurface9> back_buffer;
+    canvas->GetBackBuffer(0, 0, 0, back_buffer.Receive());
+    for (const D3DCOLOR colour : {kFront, kBack}) {   // drawn into for the first time, and again
+        canvas->SetTexture(0, nullptr);
+        canvas->SetRenderTarget(0, Level0(*texture).Get());
+        canvas.Clear(colour);
+        canvas->SetRenderTarget(0, back_buffer.Get());
+        canvas->SetTexture(0, texture.Get());
+        canvas.FillAll(0xFFFFFFFF);
+        EXPECT_TRUE(Near(canvas.Pixel(1, 1), ToRgb(colour), 0)) << canvas.Pixel(1, 1);
+    }
 }
 
 TEST(Targets, RefuseWhatTheRulesForbid) {
@@ -179,6 +219,7 @@ TEST(Targets, RefuseWhatTheRulesForbid) {
          device.CreateOffscreenPlainSurface(4, 4, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, made.Receive())},
         {"copy from system memory", device.StretchRect(system.Get(), nullptr, target.Get(), nullptr, D3DTEXF_NONE)},
         {"copy onto itself", device.StretchRect(target.Get(), nullptr, target.Get(), &half, D3DTEXF_NONE)},
+        {"copy into a plain surface", device.StretchRect(target.Get(), nullptr, plain.Get(), nullptr, D3DTEXF_NONE)},
         {"copy from outside", device.StretchRect(target.Get(), &outside, other.Get(), nullptr, D3DTEXF_NONE)},
         {"copy with a filter for nothing", device.StretchRect(target.Get(), nullptr, other.Get(), nullptr, 3)},
         {"copy into samples", device.StretchRect(target.Get(), nullptr, samples.Get(), nullptr, D3DTEXF_NONE)},

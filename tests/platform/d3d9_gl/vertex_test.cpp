@@ -73,6 +73,14 @@ TEST_F(Coordinates, GoThroughTheirMatrix) {
     canvas_->SetTextureStageState(0, D3DTSS_TEXCOORDINDEX, D3DTSS_TCI_CAMERASPACEPOSITION);
     const Vec position = row(0) * v_.x + row(1) * v_.y + row(2) * v_.z + row(3);
     Expect("three generated", position.x, position.y, position.z);
+    canvas_->SetTextureStageState(0, D3DTSS_TEXCOORDINDEX, D3DTSS_TCI_SPHEREMAP);   // two, like a set's
+    const double m = 2 * std::sqrt(r_.x * r_.x + r_.y * r_.y + (r_.z + 1) * (r_.z + 1));
+    const Vec sphere = row(0) * (r_.x / m + 0.5) + row(1) * (r_.y / m + 0.5) + row(2);
+    Expect("two generated", sphere.x, sphere.y, sphere.z);
+    canvas_->SetTextureStageState(0, D3DTSS_TEXCOORDINDEX, 0);
+    canvas_->SetTextureStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_COUNT1);
+    Expect("the first alone", set.x, 0, 0);
+    canvas_->SetTextureStageState(0, D3DTSS_TEXCOORDINDEX, D3DTSS_TCI_CAMERASPACEPOSITION);
     canvas_->SetTextureStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_DISABLE);
     Expect("without", v_.x, v_.y, v_.z);
 }
