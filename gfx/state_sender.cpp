@@ -1,6 +1,7 @@
 #include "gfx/state_sender.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace sparkrig {
 
@@ -49,13 +50,7 @@ HRESULT StateSender::TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DW
 namespace {
 
 /// Without a branch for each element; not-a-number equals itself.
-bool SameBits(const D3DMATRIX& a, const D3DMATRIX& b) {
-    using Words = std::array<std::uint64_t, sizeof(D3DMATRIX) / sizeof(std::uint64_t)>;
-    const Words x = std::bit_cast<Words>(a), y = std::bit_cast<Words>(b);
-    std::uint64_t difference = 0;
-    for (std::size_t i = 0; i < x.size(); ++i) difference |= x[i] ^ y[i];
-    return difference == 0;
-}
+bool SameBits(const D3DMATRIX& a, const D3DMATRIX& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 }   // namespace
 
