@@ -1,11 +1,11 @@
-#include <stb_image.h>
-
 #include <cstdio>
 
+#include "platform/d3dx/bmp_file.h"
 #include "platform/d3dx/dds_file.h"
 #include "platform/d3dx/image_file.h"
 #include "platform/d3dx/pixel_formats.h"
-#include "platform/d3dx/tga_alpha.h"
+#include "platform/d3dx/stb_image_library.h"
+#include "platform/d3dx/tga_file.h"
 #include "platform/system/system.h"
 
 namespace sparkrig {
@@ -33,8 +33,18 @@ bool ReadWholeFile(const char* name, std::vector<BYTE>& bytes) {
     return std::fread(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
 }
 
-HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
-    if (info.ImageFileFormat == D3DXIFF_DDS) return DecodeDds(file, info, 0, image);
+namespace {
+
+/// More than a picture of that size ever needs in one piece: its own bytes, those that the file packs, and the reader's
+/// tables.
+std::size_t MemoryFor(FileBytes file, const D3DXIMAGE_INFO& info) {
+    constexpr std::size_t kTables = 65536, kBytesPerPixel = 32, kEdge = 16;
+    return kTables + 2 * file.size() + kBytesPerPixel * (info.Width + kEdge) * (info.Height + kEdge);
+}
+
+/// jpg and png, by the image library.
+HRESULT DecodeByLibrary(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
+    LimitImageMemory(MemoryFor(file, info));
     int width = 0, height = 0, channels = 0;
     stbi_uc* const pixels =
         stbi_load_from_memory(file.data(), static_cast<int>(file.size()), &width, &height, &channels, STBI_rgb_alpha);
@@ -45,8 +55,18 @@ HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
     if (image.width != info.Width || image.height != info.Height) return D3DXERR_INVALIDDATA;
     const bool opaque = !HasAlpha(info.Format) && info.Format != D3DFMT_P8;
     ToArgb(image.Pixels(), opaque ? 0xFF000000 : 0);
-    if (info.ImageFileFormat == D3DXIFF_TGA && info.Format == D3DFMT_A1R5G5B5) ReadTgaAlphaBits(file, image);
     return D3D_OK;
+}
+
+}   // namespace
+
+HRESULT DecodeImage(FileBytes file, const D3DXIMAGE_INFO& info, Image& image) {
+    switch (info.ImageFileFormat) {
+        case D3DXIFF_DDS: return DecodeDds(file, info, 0, image);
+        case D3DXIFF_BMP: return DecodeBmp(file, image);
+        case D3DXIFF_TGA: return DecodeTga(file, image);
+        default: return DecodeByLibrary(file, info, image);
+    }
 }
 
 }   // namespace sparkrig

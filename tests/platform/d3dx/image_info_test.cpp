@@ -8,6 +8,8 @@
 namespace sparkrig {
 namespace {
 
+using std::string_literals::operator""s;
+
 FileBytes BytesOf(const std::string& file) { return {reinterpret_cast<const BYTE*>(file.data()), file.size()}; }
 
 std::string Put16(std::string file, std::size_t at, UINT value) {
@@ -145,19 +147,33 @@ TEST(ImageFile, GivesThePixelsThatWereWritten) {
     }
 }
 
-TEST(ImageFile, KeepsTheAlphaBitsOfATga) {
-    TestPicture picture = {3, 2, {0xFF0000FF, 0x00FF0000, 0xFF00FF00, 0x000000FF, 0xFFFF0000, 0x00FFFFFF}};
-    for (const bool packed : {false, true}) {
-        std::string file = TgaFile(picture, D3DFMT_A1R5G5B5, packed);
-        for (const bool from_top : {true, false}) {
-            if (!from_top) file[17] = 1;
-            D3DXIMAGE_INFO info = {};
-            Image image;
-            ASSERT_EQ(ReadImageInfo(BytesOf(file), info), D3D_OK);
-            ASSERT_EQ(DecodeImage(BytesOf(file), info, image), D3D_OK);
-            for (UINT i = 0; i < 6; ++i) EXPECT_EQ(image.pixels[i], picture.pixels[from_top ? i : (i + 3) % 6]) << i;
-        }
-    }
+TEST(ImageFile, SmallFilesTakeNeitherTimeNorMemory) {
+    const std::string jpg = JpgFile(TestPicture::Pattern(6, 5), 3);
+    const std::size_t scan = jpg.find("\xFF\xDA"), end = jpg.size() - 2;
+    std::string scans;   // each goes over the whole picture
+    for (int i = 0; i < 64; ++i) scans += jpg.substr(scan, 14);
+    D3DXIMAGE_INFO info = {};
+    EXPECT_EQ(ReadImageInfo(BytesOf(jpg.substr(0, end) + scans.substr(14) + jpg.substr(end)), info), D3D_OK);
+    EXPECT_EQ(ReadImageInfo(BytesOf(jpg.substr(0, end) + scans + jpg.substr(end)), info), D3DXERR_INVALIDDATA);
+
+    // Four megabytes of pixels in a picture of one.
+    const std::string png = PngFile({2048, 2048, std::vector<D3DCOLOR>(2048 * 2048)}, 1);
+    Image image;
+    ASSERT_EQ(ReadImageInfo(BytesOf(Put32(Put32(png, 16, 1 << 24), 20, 1 << 24)), info), D3D_OK);
+    EXPECT_EQ(info.Width, 1u);
+    EXPECT_EQ(DecodeImage(BytesOf(Put32(Put32(png, 16, 1 << 24), 20, 1 << 24)), info, image), D3DXERR_INVALIDDATA);
+}
+
+TEST(ImageFile, ColoursThatAPngsPaletteLacksAreBlack) {
+    std::string file = PalettePngFile(TestPicture::Pattern(9, 6), 0xFF102030, 0xFF405060);
+    const std::size_t palette = file.find("PLTE");
+    file.replace(palette - 4, 4, "\0\0\0\3"s);   // the second colour and the check are cut out
+    file.erase(palette + 7, 3);
+    D3DXIMAGE_INFO info = {};
+    Image image;
+    ASSERT_EQ(ReadImageInfo(BytesOf(file), info), D3D_OK);
+    ASSERT_EQ(DecodeImage(BytesOf(file), info, image), D3D_OK);
+    for (const D3DCOLOR p : image.Pixels()) EXPECT_TRUE(p == 0xFF102030 || (p & 0xFFFFFF) == 0) << std::hex << p;
 }
 
 TEST(ImageFile, CutShortAtEveryLengthItLoadsOrIsRefused) {
