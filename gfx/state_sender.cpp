@@ -49,8 +49,10 @@ HRESULT StateSender::TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DW
 
 namespace {
 
-/// Without a branch for each element; not-a-number equals itself.
-bool SameBits(const D3DMATRIX& a, const D3DMATRIX& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+/// Without a branch for each element; not-a-number equals itself, and 0 not -0.
+bool SameBits(const D3DMATRIX& a, const D3DMATRIX& b) {
+    return std::memcmp(&a.m[0][0], &b.m[0][0], sizeof a.m) == 0;   // NOLINT(bugprone-suspicious-memory-comparison)
+}
 
 }   // namespace
 

@@ -13,7 +13,6 @@ namespace sparkrig {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class TextureLoading : public TemporaryFolder {
   protected:

@@ -10,7 +10,6 @@ namespace sparkrig {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class TextureStagesTest : public testing::Test {
   protected:

@@ -75,7 +75,7 @@ bool DescribeList(const std::string& file, std::string& line) try {
         const bool as_written = *directory == '\0' || FileExists(frame.c_str());
         std::string facts;
         if (!DescribeImage(as_written ? frame : JoinPath(directory, frame.c_str()), facts)) {
-            line = "frame " + frame + ": " + facts;
+            line.assign("frame ").append(frame).append(": ").append(facts);
             return false;
         }
         if (first.empty()) first = facts;

@@ -202,6 +202,7 @@ TEST_F(Points, LeaveOutIndicesOutsideTheGivenRange) {
 
 TEST_F(Points, AreDrawnInAnyNumber) {
     std::vector<FinalPoint> many;
+    many.reserve(40000);
     for (int i = 0; i < 40000; ++i) {
         many.push_back({static_cast<float>(i % 64) + 0.3f, static_cast<float>(i / 64 % 64) + 0.3f, 0.5f, 1, 1});
     }

@@ -6,7 +6,7 @@
 namespace sparkrig {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 std::string Little(UINT value, int bytes) {
     std::string text;

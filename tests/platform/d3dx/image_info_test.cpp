@@ -8,7 +8,7 @@
 namespace sparkrig {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 FileBytes BytesOf(const std::string& file) { return {reinterpret_cast<const BYTE*>(file.data()), file.size()}; }
 
