@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/d3dx/file_bytes.h"
+#include "platform/d3dx/pixel_formats.h"
 
 namespace sparkrig {
 namespace {
@@ -18,8 +19,22 @@ struct Masks {
     UINT r, g, b, a;
     bool operator==(const Masks&) const = default;
 };
-constexpr Masks k555 = {0x7C00, 0x3E0, 0x1F, 0}, k565 = {0xF800, 0x7E0, 0x1F, 0}, k1555 = {0x7C00, 0x3E0, 0x1F, 0x8000};
-constexpr Masks k888 = {0xFF0000, 0xFF00, 0xFF, 0};
+
+struct MaskRow {
+    UINT bits;
+    Masks masks;
+    D3DFORMAT format;
+};
+// clang-format off
+/// The masks under which pixels are stored as those of a texture format are.
+constexpr MaskRow kMaskRows[] = {
+    {16, {0x7C00,   0x3E0,  0x1F, 0         }, D3DFMT_X1R5G5B5},
+    {16, {0x7C00,   0x3E0,  0x1F, 0x8000    }, D3DFMT_A1R5G5B5},
+    {16, {0xF800,   0x7E0,  0x1F, 0         }, D3DFMT_R5G6B5  },
+    {32, {0xFF0000, 0xFF00, 0xFF, 0         }, D3DFMT_X8R8G8B8},
+    {32, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, D3DFMT_A8R8G8B8}};
+// clang-format on
+constexpr Masks k555 = kMaskRows[0].masks, k888 = kMaskRows[3].masks;   // where the head names none
 
 struct BmpHead {
     UINT header, width, height, bits, compression;
@@ -88,12 +103,18 @@ bool ReadHead(const Bytes& file, BmpHead& head) {
     return true;
 }
 
+/// The format that stores pixels as the file does; UNKNOWN for palettes and other masks.
+D3DFORMAT StoredFormat(const BmpHead& head) {
+    if (head.bits == 24) return D3DFMT_R8G8B8;
+    for (const MaskRow& row : kMaskRows)
+        if (row.bits == head.bits && row.masks == head.masks) return row.format;
+    return D3DFMT_UNKNOWN;
+}
+
 D3DFORMAT FormatOf(const BmpHead& head) {
     if (head.bits <= 8) return D3DFMT_P8;
-    if (head.bits == 24) return D3DFMT_R8G8B8;
-    if (head.bits == 16 && head.masks == k555) return D3DFMT_X1R5G5B5;
-    if (head.bits == 16 && head.masks == k1555) return D3DFMT_A1R5G5B5;
-    if (head.bits == 16 && head.masks == k565) return D3DFMT_R5G6B5;
+    const D3DFORMAT stored = StoredFormat(head);
+    if (stored != D3DFMT_UNKNOWN) return stored;
     return head.masks.a != 0 ? D3DFMT_A8R8G8B8 : D3DFMT_X8R8G8B8;
 }
 
@@ -122,11 +143,6 @@ struct Channels {
     Channel r, g, b, a;
 };
 
-UINT Index(const BYTE* row, UINT x, UINT bits) {   // the leftmost pixel has the highest bits
-    const UINT in_byte = 8 / bits, shift = (in_byte - 1 - x % in_byte) * bits;
-    return row[x / in_byte] >> shift & ((1u << bits) - 1);
-}
-
 std::vector<D3DCOLOR> ReadPalette(const Bytes& file, const BmpHead& head) {
     std::vector<D3DCOLOR> palette(256, kBlack);
     for (std::size_t i = 0; i < head.palette_entries; ++i) {
@@ -140,20 +156,36 @@ D3DCOLOR* RowOf(Image& image, const BmpHead& head, UINT stored) {
     return image.Row(head.from_top ? stored : head.height - 1 - stored);
 }
 
-void DecodeRow(const BmpHead& head, const BYTE* row, const std::vector<D3DCOLOR>& palette, D3DCOLOR* pixels) {
-    const Channels channels(head.masks);
-    for (UINT x = 0; x < head.width; ++x) {
-        if (head.bits <= 8) {
-            pixels[x] = palette[Index(row, x, head.bits)];
-        } else if (head.bits == 24) {
-            pixels[x] = kBlack | UINT{row[3 * x + 2]} << 16 | UINT{row[3 * x + 1]} << 8 | row[3 * x];
-        } else if (head.bits == 16) {
-            pixels[x] = channels.Of(row[2 * x] | UINT{row[2 * x + 1]} << 8);
-        } else {
-            UINT pixel;
-            std::memcpy(&pixel, row + 4 * std::size_t{x}, sizeof pixel);
-            pixels[x] = channels.Of(pixel);
-        }
+/// Indices of 1, 4 or 8 bits; the leftmost pixel of a byte has its highest bits.
+template <UINT bits>
+void DecodeIndices(const BYTE* row, const std::vector<D3DCOLOR>& palette, std::span<D3DCOLOR> pixels) {
+    constexpr UINT kInByte = 8 / bits;
+    for (UINT x = 0; x < pixels.size(); ++x) {
+        const UINT shift = (kInByte - 1 - x % kInByte) * bits;
+        pixels[x] = palette[row[x / kInByte] >> shift & ((1u << bits) - 1)];
+    }
+}
+
+template <class Stored>
+void DecodeMasked(const BYTE* row, const Masks& masks, std::span<D3DCOLOR> pixels) {
+    const Channels channels(masks);
+    for (D3DCOLOR& pixel : pixels) {
+        Stored stored;
+        std::memcpy(&stored, row, sizeof stored);
+        pixel = channels.Of(stored);
+        row += sizeof stored;
+    }
+}
+
+void DecodeRow(const BmpHead& head, const BYTE* row, const std::vector<D3DCOLOR>& palette, std::span<D3DCOLOR> pixels) {
+    const D3DFORMAT stored = StoredFormat(head);
+    if (stored != D3DFMT_UNKNOWN) return UnpackPixels(stored, row, pixels.size(), pixels.data());
+    switch (head.bits) {
+        case 1: return DecodeIndices<1>(row, palette, pixels);
+        case 4: return DecodeIndices<4>(row, palette, pixels);
+        case 8: return DecodeIndices<8>(row, palette, pixels);
+        case 16: return DecodeMasked<std::uint16_t>(row, head.masks, pixels);
+        default: return DecodeMasked<std::uint32_t>(row, head.masks, pixels);
     }
 }
 
@@ -238,7 +270,8 @@ HRESULT DecodeBmp(FileBytes file, Image& image) {
     const std::vector<D3DCOLOR> palette = head.bits <= 8 ? ReadPalette(Bytes(file), head) : std::vector<D3DCOLOR>();
     if (head.Runs()) return Runs(file, head, palette, image).Decode() ? D3D_OK : D3DXERR_INVALIDDATA;
     for (UINT y = 0; y < head.height; ++y)
-        DecodeRow(head, file.data() + head.data + y * head.PaddedRowBytes(), palette, RowOf(image, head, y));
+        DecodeRow(head, file.data() + head.data + y * head.PaddedRowBytes(), palette,
+                  {RowOf(image, head, y), head.width});
     return D3D_OK;
 }
 

@@ -56,8 +56,8 @@ void PackAll(const D3DCOLOR* pixels, std::size_t count, BYTE* stored) {
 template <UINT bytes, UINT (*unpack)(UINT)>
 void UnpackAll(const BYTE* stored, std::size_t count, D3DCOLOR* pixels) {
     for (std::size_t i = 0; i < count; ++i, stored += bytes) {
-        UINT value = 0;
-        std::memcpy(&value, stored, bytes);
+        UINT value = 0;   // byte by byte: copying three of them into it waits for the store
+        for (UINT b = 0; b < bytes; ++b) value |= UINT{stored[b]} << 8 * b;
         pixels[i] = unpack(value);
     }
 }

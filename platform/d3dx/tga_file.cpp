@@ -9,142 +9,160 @@
 namespace sparkrig {
 namespace {
 
-constexpr std::size_t kHeader = 18;
-constexpr UINT kMapped = 1, kTrueColour = 2, kGrey = 3, kPacked = 8;        // image types, and a bit beside them
-constexpr UINT kAlphaBits = 15, kFromTheRight = 0x10, kFromTheTop = 0x20;   // of the descriptor
+constexpr std::size_t kHeaderBytes = 18;
+constexpr UINT kMapped = 1, kPacked = 8;                                                     // of the image type
+constexpr UINT kAlphaBits = 15, kRightToLeft = 0x10, kTopDown = 0x20, kInterleaved = 0xC0;   // of the descriptor
+constexpr UINT kRun = 0x80, kMostOfAPacket = 128;
 constexpr D3DCOLOR kBlack = 0xFF000000;
 
-struct TgaHead {
-    UINT type, width, height, bits, descriptor;
-    UINT map_first, map_length, map_bits;
-    std::size_t map, data;   // offsets
-    bool packed;
-    UINT PixelBytes() const { return (bits + 7) / 8; }
-    UINT EntryBytes() const { return (map_bits + 7) / 8; }
+struct KindRow {
+    UINT type, bits;
+    D3DFORMAT format;
 };
+// clang-format off
+constexpr KindRow kKindRows[] = {
+    {kMapped,  8, D3DFMT_P8      },
+    {kMapped, 16, D3DFMT_P8      },
+    {2,       15, D3DFMT_X1R5G5B5},
+    {2,       16, D3DFMT_A1R5G5B5},   // X1R5G5B5 when the descriptor names no alpha bits
+    {2,       24, D3DFMT_R8G8B8  },
+    {2,       32, D3DFMT_A8R8G8B8},
+    {3,        8, D3DFMT_L8      },
+    {3,       16, D3DFMT_A8L8    }};
 
-// ---- The head
+struct EntryRow {
+    UINT bits;
+    D3DFORMAT format;
+};
+/// The entries of a colour map.
+constexpr EntryRow kEntryRows[] = {
+    {15, D3DFMT_X1R5G5B5},
+    {16, D3DFMT_X1R5G5B5},
+    {24, D3DFMT_R8G8B8  },
+    {32, D3DFMT_A8R8G8B8}};
+// clang-format on
 
-/// How a pixel, or an entry of the map, is stored; UNKNOWN for a width that there is not.
-D3DFORMAT ColourFormat(UINT bits, bool alpha_bit) {
-    switch (bits) {
-        case 15: return D3DFMT_X1R5G5B5;
-        case 16: return alpha_bit ? D3DFMT_A1R5G5B5 : D3DFMT_X1R5G5B5;
-        case 24: return D3DFMT_R8G8B8;
-        case 32: return D3DFMT_A8R8G8B8;
-        default: return D3DFMT_UNKNOWN;
-    }
+D3DFORMAT FindEntryFormat(UINT bits) {
+    const auto* row = std::ranges::find(kEntryRows, bits, &EntryRow::bits);
+    return row != std::end(kEntryRows) ? row->format : D3DFMT_UNKNOWN;
 }
 
-D3DFORMAT FormatOf(const TgaHead& head) {
-    if (head.type == kTrueColour) return ColourFormat(head.bits, (head.descriptor & kAlphaBits) != 0);
-    if (head.type == kGrey) return head.bits == 8 ? D3DFMT_L8 : head.bits == 16 ? D3DFMT_A8L8 : D3DFMT_UNKNOWN;
-    const bool indices = head.type == kMapped && (head.bits == 8 || head.bits == 16);
-    return indices && ColourFormat(head.map_bits, false) != D3DFMT_UNKNOWN ? D3DFMT_P8 : D3DFMT_UNKNOWN;
+struct TgaHead {
+    UINT type, width, height, descriptor;
+    bool packed;
+    D3DFORMAT format;   // of the pixels, P8 for indices
+    UINT pixel_bytes;
+    D3DFORMAT entry_format;      // of the colour map, as those below
+    UINT first_index, entries;   // entry 0 has the index `first_index`
+    std::size_t map, data;
+};
+
+D3DFORMAT FindFormat(UINT type, UINT bits, UINT alpha_bits) {
+    for (const KindRow& row : kKindRows) {
+        if (row.type != type || row.bits != bits) continue;
+        return row.format == D3DFMT_A1R5G5B5 && alpha_bits == 0 ? D3DFMT_X1R5G5B5 : row.format;
+    }
+    return D3DFMT_UNKNOWN;
 }
 
 bool ReadHead(const Bytes& file, TgaHead& head) {
-    const UINT map_type = file.At(1);
+    const UINT has_map = file.At(1), entry_bits = file.At(7), bits = file.At(16);
     head.type = file.At(2) & ~kPacked;
     head.packed = (file.At(2) & kPacked) != 0;
-    head.map_first = file.Little16(3);
-    head.map_length = map_type == 1 ? file.Little16(5) : 0;
-    head.map_bits = file.At(7);
+    head.first_index = file.Little16(3);
+    head.entries = has_map == 1 ? file.Little16(5) : 0;
+    head.entry_format = FindEntryFormat(entry_bits);
     head.width = file.Little16(12);
     head.height = file.Little16(14);
-    head.bits = file.At(16);
+    head.pixel_bytes = (bits + 7) / 8;
     head.descriptor = file.At(17);
-    head.map = kHeader + file.At(0);
-    head.data = head.map + std::size_t{head.map_length} * head.EntryBytes();
-    if (file.Size() < kHeader || map_type > 1 || (head.type == kMapped && map_type == 0)) return false;
-    if (!IsAllowedImageSize(head.width, head.height) || FormatOf(head) == D3DFMT_UNKNOWN) return false;
-    const std::uint64_t pixels = std::uint64_t{head.width} * head.height;
-    // A packet of run-length coding is a count of up to 128 and one pixel.
-    const std::uint64_t least =
-        head.packed ? (pixels + 127) / 128 * (1 + head.PixelBytes()) : pixels * head.PixelBytes();
-    return head.data + least <= file.Size();
+    head.format = FindFormat(head.type, bits, head.descriptor & kAlphaBits);
+    head.map = kHeaderBytes + file.At(0);   // behind the words of the picture's name
+    // True colour may come with a map that it does not use.
+    head.data = head.map + std::size_t{head.entries} * ((entry_bits + 7) / 8);
+    if (has_map > 1 || head.format == D3DFMT_UNKNOWN || (head.descriptor & kInterleaved) != 0) return false;
+    if (head.type == kMapped && (head.entries == 0 || head.entry_format == D3DFMT_UNKNOWN)) return false;
+    return IsAllowedImageSize(head.width, head.height);
 }
 
-// ---- Pixels
+/// The fewest bytes that the pixels take. A packet is a byte with the count and one pixel or more.
+std::uint64_t LeastBytes(const TgaHead& head) {
+    const std::uint64_t pixels = std::uint64_t{head.width} * head.height;
+    if (!head.packed) return pixels * head.pixel_bytes;
+    return (pixels + kMostOfAPacket - 1) / kMostOfAPacket * (1 + head.pixel_bytes);
+}
 
-/// The stored pixels one after the other, packets of run-length coding opened.
-class StoredPixels {
+/// Turns stored pixels into colours.
+class TgaColours {
   public:
-    StoredPixels(FileBytes file, const TgaHead& head)
-        : file_(file), at_(head.data), bytes_(head.PixelBytes()), packed_(head.packed) {}
+    TgaColours(FileBytes file, const TgaHead& head)
+        : format_(head.format), pixel_bytes_(head.pixel_bytes), first_index_(head.first_index), map_(head.entries) {
+        if (head.type == kMapped) UnpackPixels(head.entry_format, file.data() + head.map, map_.size(), map_.data());
+    }
 
-    /// The next row, without padding; false at the end of the file. Packets go on from row to row.
-    bool Read(std::vector<BYTE>& row) {
-        for (std::size_t done = 0; done < row.size(); done += bytes_) {
-            if (packed_ && left_ == 0 && !StartPacket()) return false;
-            if (at_ + bytes_ > file_.size()) return false;
-            std::memcpy(row.data() + done, file_.data() + at_, bytes_);
-            --left_;
-            if (!run_ || left_ == 0) at_ += bytes_;
-        }
-        return true;
+    void Unpack(const BYTE* stored, std::size_t count, D3DCOLOR* pixels) const {
+        if (format_ != D3DFMT_P8) return UnpackPixels(format_, stored, count, pixels);
+        for (std::size_t i = 0; i < count; ++i, stored += pixel_bytes_)
+            pixels[i] = Find(pixel_bytes_ == 1 ? stored[0] : stored[0] | UINT{stored[1]} << 8);
     }
 
   private:
-    bool StartPacket() {
-        constexpr UINT kRun = 0x80;
-        if (at_ >= file_.size()) return false;
-        const UINT head = file_[at_++];
-        run_ = (head & kRun) != 0;
-        left_ = (head & ~kRun) + 1;
-        return true;
+    D3DCOLOR Find(UINT index) const {
+        const UINT entry = index - first_index_;   // far too large for an index below the first
+        return entry < map_.size() ? map_[entry] : kBlack;
     }
 
-    FileBytes file_;
-    std::size_t at_;
-    UINT bytes_;
-    bool packed_, run_ = false;
-    std::uint64_t left_ = 0;   // pixels of the packet
+    D3DFORMAT format_;
+    UINT pixel_bytes_, first_index_;
+    std::vector<D3DCOLOR> map_;
 };
 
-/// Colours by index, from the map's first one on.
-std::vector<D3DCOLOR> ReadMap(FileBytes file, const TgaHead& head) {
-    std::vector<D3DCOLOR> colours(head.type == kMapped ? head.map_length : 0);
-    if (!colours.empty())
-        UnpackPixels(ColourFormat(head.map_bits, false), file.data() + head.map, colours.size(), colours.data());
-    return colours;
+/// Opens packets, which may run on from row to row; false when the file ends first.
+bool UnpackPackets(FileBytes data, std::size_t pixel_bytes, const TgaColours& colours, std::span<D3DCOLOR> pixels) {
+    while (!pixels.empty()) {
+        if (data.empty()) return false;
+        const bool run = (data[0] & kRun) != 0;
+        const std::size_t count = std::min<std::size_t>((data[0] & ~kRun) + 1, pixels.size()), stored = run ? 1 : count;
+        data = data.subspan(1);
+        if (stored > data.size() / pixel_bytes) return false;
+        colours.Unpack(data.data(), stored, pixels.data());
+        if (run) std::fill_n(pixels.data() + 1, count - 1, pixels[0]);
+        data = data.subspan(stored * pixel_bytes);
+        pixels = pixels.subspan(count);
+    }
+    return true;
 }
 
-void DecodeIndices(const std::vector<D3DCOLOR>& map, const TgaHead& head, const BYTE* stored, D3DCOLOR* pixels) {
-    for (UINT x = 0; x < head.width; ++x, stored += head.PixelBytes()) {
-        const std::size_t index = stored[0] | (head.bits == 16 ? UINT{stored[1]} << 8 : 0);
-        const bool known = index >= head.map_first && index - head.map_first < map.size();
-        pixels[x] = known ? map[index - head.map_first] : kBlack;
-    }
+/// From the order in the file to rows from the top, each from the left.
+void Turn(UINT descriptor, Image& image) {
+    if (!(descriptor & kTopDown))
+        for (UINT y = 0; y < image.height / 2; ++y)
+            std::swap_ranges(image.Row(y), image.Row(y) + image.width, image.Row(image.height - 1 - y));
+    if (descriptor & kRightToLeft)
+        for (UINT y = 0; y < image.height; ++y) std::reverse(image.Row(y), image.Row(y) + image.width);
 }
 
 }   // namespace
 
 bool ReadTgaInfo(FileBytes file, D3DXIMAGE_INFO& info) {
     TgaHead head;
-    if (!ReadHead(Bytes(file), head)) return false;
-    info = {head.width, head.height, 1, 1, FormatOf(head), D3DRTYPE_TEXTURE, D3DXIFF_TGA};
+    if (!ReadHead(Bytes(file), head) || head.data + LeastBytes(head) > file.size()) return false;
+    info = {head.width, head.height, 1, 1, head.format, D3DRTYPE_TEXTURE, D3DXIFF_TGA};
     return true;
 }
 
 HRESULT DecodeTga(FileBytes file, Image& image) {
     TgaHead head;
-    if (!ReadHead(Bytes(file), head)) return D3DXERR_INVALIDDATA;
+    if (!ReadHead(Bytes(file), head) || head.data > file.size()) return D3DXERR_INVALIDDATA;
     image = Image(head.width, head.height);
     if (!image.pixels) return E_OUTOFMEMORY;
-    const std::vector<D3DCOLOR> map = ReadMap(file, head);
-    const D3DFORMAT format = FormatOf(head);
-    StoredPixels pixels(file, head);
-    std::vector<BYTE> stored(std::size_t{head.width} * head.PixelBytes());
-    for (UINT y = 0; y < head.height; ++y) {
-        if (!pixels.Read(stored)) return D3DXERR_INVALIDDATA;
-        D3DCOLOR* const row = image.Row(head.descriptor & kFromTheTop ? y : head.height - 1 - y);
-        if (head.type == kMapped)
-            DecodeIndices(map, head, stored.data(), row);
-        else
-            UnpackPixels(format, stored.data(), head.width, row);
-        if (head.descriptor & kFromTheRight) std::reverse(row, row + head.width);
-    }
+    const TgaColours colours(file, head);
+    const FileBytes data = file.subspan(head.data);
+    if (!head.packed)
+        colours.Unpack(data.data(), image.Count(), image.pixels.get());
+    else if (!UnpackPackets(data, head.pixel_bytes, colours, image.Pixels()))
+        return D3DXERR_INVALIDDATA;
+    Turn(head.descriptor, image);
     return D3D_OK;
 }
 
