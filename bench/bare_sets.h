@@ -1,6 +1,9 @@
 // What OpenGL holds after a draw, and the calls that bring another draw there: what draws are compared with.
 #pragma once
+#include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
+
+#include <vector>
 
 namespace sparkrig {
 
@@ -33,6 +36,24 @@ inline void UseBareSet(const BareSet& set) {
                         static_cast<GLenum>(set.source_alpha), static_cast<GLenum>(set.destination_alpha));
     glBindBufferRange(GL_UNIFORM_BUFFER, 2, static_cast<GLuint>(set.uniform_buffer), set.uniform_offset,
                       set.uniform_size);
+}
+
+/// Times `count` draws and their end; `draw` gets the number of each.
+template <class Draw>
+void TimeDraws(benchmark::State& state, int count, Draw draw) {
+    for (auto _ : state) {
+        for (int i = 0; i < count; ++i) draw(i);
+        glFinish();
+    }
+}
+
+/// The same of bare draws in sets of states by turns. It ends with the last set, which was observed last.
+inline void TimeBareSets(benchmark::State& state, const std::vector<BareSet>& sets, int count, GLsizei vertices) {
+    const int size = static_cast<int>(sets.size()), shift = size - count % size;
+    TimeDraws(state, count, [&](int i) {
+        UseBareSet(sets[static_cast<std::size_t>((i + shift) % size)]);
+        glDrawArrays(GL_TRIANGLES, 0, vertices);
+    });
 }
 
 }   // namespace sparkrig

@@ -115,56 +115,35 @@ Scene& TheScene() {
 // ---- Equal states
 
 void DeviceDrawsEqual(benchmark::State& state) {
-    Scene& scene = TheScene();
-    scene.UseSet(0);
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) {
-            scene.UseSet(0);
-            scene.DrawList();
-        }
-        glFinish();
-    }
+    TimeDraws(state, kDraws, [&scene = TheScene()](int) {
+        scene.UseSet(0);
+        scene.DrawList();
+    });
 }
 
 void BareDrawsEqual(benchmark::State& state) {   // the limit: the draws alone, in the states that the device left
-    Scene& scene = TheScene();
-    scene.UseSet(0);
-    scene.DrawList();
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) glDrawArrays(GL_TRIANGLES, 0, kVertices);
-        glFinish();
-    }
+    TheScene().UseSet(0);
+    TheScene().DrawList();
+    TimeDraws(state, kDraws, [](int) { glDrawArrays(GL_TRIANGLES, 0, kVertices); });
 }
 
 // ---- Sixteen sets of states in turn
 
 void DeviceDrawsChanging(benchmark::State& state) {
-    Scene& scene = TheScene();
-    for (auto _ : state) {
-        for (DWORD i = 0; i < kDraws; ++i) {
-            scene.UseSet(i % kSets);
-            scene.DrawList();
-        }
-        glFinish();
-    }
+    TimeDraws(state, kDraws, [&scene = TheScene()](int i) {
+        scene.UseSet(static_cast<DWORD>(i) % kSets);
+        scene.DrawList();
+    });
 }
 
 void BareDrawsChanging(benchmark::State& state) {   // the limit: the calls that such changes need at least
-    Scene& scene = TheScene();
     std::vector<BareSet> sets;
     for (DWORD set = 0; set < kSets; ++set) {
-        scene.UseSet(set);
-        scene.DrawList();
+        TheScene().UseSet(set);
+        TheScene().DrawList();
         sets.push_back(ObserveSet());
     }
-    constexpr DWORD kShift = kSets - kDraws % kSets;   // ends with the last set, which the device knows to be there
-    for (auto _ : state) {
-        for (DWORD i = 0; i < kDraws; ++i) {
-            UseBareSet(sets[(i + kShift) % kSets]);
-            glDrawArrays(GL_TRIANGLES, 0, kVertices);
-        }
-        glFinish();
-    }
+    TimeBareSets(state, sets, kDraws, kVertices);
 }
 
 // ---- Streaming: 100,000 particles of six vertices in batches of 1024

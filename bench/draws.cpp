@@ -62,51 +62,29 @@ Scene& TheScene() {
 void DrawList(benchmark::State& state) {
     Scene& scene = TheScene();
     scene.Draw(0);
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) scene.gfx.DrawTriangleList(scene.list, 0, -1);
-        glFinish();
-    }
+    TimeDraws(state, kDraws, [&](int) { scene.gfx.DrawTriangleList(scene.list, 0, -1); });
 }
 
 void DrawListStatesSetAgain(benchmark::State& state) {   // blending and texture before each draw, always the same
-    Scene& scene = TheScene();
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) scene.Draw(0);
-        glFinish();
-    }
+    TimeDraws(state, kDraws, [&scene = TheScene()](int) { scene.Draw(0); });
 }
 
 void BareDraws(benchmark::State& state) {   // the limit of both: the draws alone, in the states that the facade left
     TheScene().Draw(0);
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) glDrawArrays(GL_TRIANGLES, 0, kVertices);
-        glFinish();
-    }
+    TimeDraws(state, kDraws, [](int) { glDrawArrays(GL_TRIANGLES, 0, kVertices); });
 }
 
 void DrawListSixteenSets(benchmark::State& state) {
-    Scene& scene = TheScene();
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) scene.Draw(i % kSets);
-        glFinish();
-    }
+    TimeDraws(state, kDraws, [&scene = TheScene()](int i) { scene.Draw(i % kSets); });
 }
 
 void BareDrawsSixteenSets(benchmark::State& state) {   // its limit: the calls that such changes need at least
-    Scene& scene = TheScene();
     std::vector<BareSet> sets;
     for (int set = 0; set < kSets; ++set) {
-        scene.Draw(set);
+        TheScene().Draw(set);
         sets.push_back(ObserveSet());
     }
-    constexpr int kShift = kSets - kDraws % kSets;   // ends with the last set, which the facade knows to be there
-    for (auto _ : state) {
-        for (int i = 0; i < kDraws; ++i) {
-            UseBareSet(sets[static_cast<std::size_t>((i + kShift) % kSets)]);
-            glDrawArrays(GL_TRIANGLES, 0, kVertices);
-        }
-        glFinish();
-    }
+    TimeBareSets(state, sets, kDraws, kVertices);
 }
 
 BENCHMARK(DrawList)->MeasureProcessCPUTime()->Unit(benchmark::kMicrosecond);
