@@ -106,15 +106,19 @@ int EffectSimulation::NextTraceKeyBase() {
 }
 
 bool EffectSimulation::HasRoom(const VisualEffect& effect) {
-    return instances_.GetCount() < limits_.live_instances || Refuse(effect);
+    return instances_.GetCount() < limits_.live_instances || Refuse(effect, limits_.live_instances, "live instances");
 }
 
 bool EffectSimulation::MayStart(const VisualEffect& effect) {
-    return (starts_left_ > 0 && depth_ <= limits_.nesting && HasRoom(effect)) || Refuse(effect);
+    if (starts_left_ <= 0) return Refuse(effect, limits_.starts, "starts at once");
+    if (depth_ > limits_.nesting) return Refuse(effect, limits_.nesting, "effects that start in one another");
+    return HasRoom(effect);
 }
 
-bool EffectSimulation::Refuse(const VisualEffect& effect) {
-    if (!warned_) reporter_.Warning("Too many instances: effect '%s' is not started any more", effect.name.c_str());
+bool EffectSimulation::Refuse(const VisualEffect& effect, int limit, const char* of_what) {
+    if (!warned_)
+        reporter_.Warning("Too many instances: effect '%s' is not started any more, the limit is %i %s",
+                          effect.name.c_str(), limit, of_what);
     warned_ = true;
     return false;
 }

@@ -64,10 +64,10 @@ class EffectSimulation {
     void Emit(const VisualEffectObject& emitter, double offset);
     int NextTraceKeyBase();
     void RefreshRecords();
-    // What the limits allow. The first time that they do not, a warning names the effect.
-    bool HasRoom(const VisualEffect& effect);    // for one more instance
-    bool MayStart(const VisualEffect& effect);   // one more effect
-    bool Refuse(const VisualEffect& effect);     // false
+    // What the limits allow. The first time that they do not, a warning names the effect and the limit.
+    bool HasRoom(const VisualEffect& effect);                                  // for one more instance
+    bool MayStart(const VisualEffect& effect);                                 // one more effect
+    bool Refuse(const VisualEffect& effect, int limit, const char* of_what);   // false
 
     void RecordEmissions(VisualEffectObject& object, float step);
     void RecordEven(VisualEffectObject& object, float step);
