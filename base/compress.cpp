@@ -135,7 +135,7 @@ void CCompress::DecodeRecords(InputBytes& in, std::size_t n, ByteBuffer& out) co
     CheckRecordSize(record_size);
     OutputBytes bytes(*this, out, n, 2 * in.Left());
     DecodeRuns(in, static_cast<std::size_t>(record_size), bytes);
-    if (bytes.Size() != n) Error("Buffer end validation failed");
+    if (in.Left() > 0 || bytes.Size() != n) Error("Buffer end validation failed");
     bytes.Finish();
 }
 

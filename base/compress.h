@@ -20,7 +20,8 @@ class CCompress : public ErrorClass {
     void SetMode(int algorithm, int record_size);
     /// Length of the stream, -1 for an unknown algorithm.
     int Compress(const std::uint8_t* data, int n, ByteBuffer& out);
-    /// Length of the data. The stream, not the mode, says how it is decoded; bytes behind its end are ignored.
+    /// Length of the data. The stream, not the mode, says how it is decoded. Bytes are ignored behind the end marker of
+    /// LZMA data and behind the kinds that say how many they copy (0 and 8); any other stream must end with its data.
     int Decompress(const std::uint8_t* stream, int length, ByteBuffer& out);
 
   protected:

@@ -65,23 +65,26 @@ void OfferRoom(lzma_stream& stream, ByteBuffer& out, std::size_t used, std::size
     stream.avail_out = out.size() - used;
 }
 
-/// One attempt with a dictionary of the given size; LZMA_OK when all n bytes came out.
+/// One attempt with a dictionary of the given size, until the coded data ends or is found wrong.
 lzma_ret DecodeWith(lzma_options_lzma options, std::size_t dictionary, const std::uint8_t* coded, std::size_t size,
                     std::size_t n, ByteBuffer& out, std::size_t& decoded) {
     options.dict_size = static_cast<std::uint32_t>(std::max<std::size_t>(dictionary, LZMA_DICT_SIZE_MIN));
-    const lzma_filter filters[] = {{LZMA_FILTER_LZMA1, &options}, {LZMA_VLI_UNKNOWN, nullptr}};
+    // Behind n bytes the library takes an end mark or the coder's last state, and nothing that would give one byte
+    // more.
+    options.ext_flags = LZMA_LZMA1EXT_ALLOW_EOPM;
+    lzma_set_ext_size(options, n);
+    const lzma_filter filters[] = {{LZMA_FILTER_LZMA1EXT, &options}, {LZMA_VLI_UNKNOWN, nullptr}};
     Stream stream;
     decoded = 0;
     lzma_ret result = lzma_raw_decoder(&stream.lzma, filters);
     stream.lzma.next_in = coded;
     stream.lzma.avail_in = size;
     out.resize(std::min(n, std::max(kFirstOutput, 4 * size)));
-    while (result == LZMA_OK && decoded < n) {
+    while (result == LZMA_OK) {
         OfferRoom(stream.lzma, out, decoded, n);
         result = lzma_code(&stream.lzma, LZMA_RUN);
         decoded = out.size() - stream.lzma.avail_out;
     }
-    if (decoded == n && result == LZMA_STREAM_END) return LZMA_OK;
     return result;
 }
 
@@ -124,12 +127,13 @@ const char* DecodeLzma(const std::uint8_t* properties, const std::uint8_t* coded
     std::size_t dictionary = std::min(needed, kFirstDictionary), decoded = 0;
     lzma_ret result = DecodeWith(options, dictionary, coded, size, n, out, decoded);
     // Data that filled the dictionary and then pointed behind it has earned a larger one.
-    while (result == LZMA_DATA_ERROR && decoded >= dictionary && dictionary < needed) {
+    while (result == LZMA_DATA_ERROR && decoded >= dictionary && decoded < n && dictionary < needed) {
         dictionary = std::min(needed, 4 * dictionary);
         result = DecodeWith(options, dictionary, coded, size, n, out, decoded);
     }
-    if (result == LZMA_STREAM_END) return "it ends too early";
-    return result == LZMA_OK ? nullptr : FaultText(result);
+    // Data that is cut within its end mark, or was written without one, is still whole.
+    if (decoded == n && (result == LZMA_STREAM_END || result == LZMA_BUF_ERROR)) return nullptr;
+    return decoded == n && result == LZMA_DATA_ERROR ? "it goes on behind its end" : FaultText(result);
 }
 
 }   // namespace sparkrig

@@ -17,9 +17,9 @@ const char* EncodeLzma(LzmaSetting setting, const std::uint8_t* data, std::size_
 /// Appends the property bytes of a setting.
 void AppendLzmaProperties(LzmaSetting setting, ByteBuffer& out);
 
-/// Decodes exactly n bytes into `out`. Null, or what is wrong with the coded data. An end marker behind the n bytes may
-/// be missing. The dictionary is at most as large as the data, and until the data has filled it at most 16 MiB; the
-/// output grows with what is decoded.
+/// Decodes exactly n bytes into `out`. Null, or what is wrong with the coded data: also when it would give more than n
+/// bytes. The end marker may be missing; what stands behind it is left alone. The dictionary is at most as large as the
+/// data, and until the data has filled it at most 16 MiB; the output grows with what is decoded.
 const char* DecodeLzma(const std::uint8_t* properties, const std::uint8_t* coded, std::size_t size, std::size_t n,
                        ByteBuffer& out);
 

@@ -87,10 +87,10 @@ template <class Size>
 void DecodeRecords(InputBytes& in, Size size, OutputBytes& out) {
     const Marker marker;
     for (;;) {
-        const std::size_t most = std::min(in.Left(), out.Left()) / size;
-        const std::size_t plain = RecordsBeforeMarker(in.Peek(), most, size, marker);
+        const std::size_t plain = RecordsBeforeMarker(in.Peek(), in.Left() / size, size, marker);
+        if (plain * size > out.Left()) return;
         out.Write(in.Take(plain * size), plain * size);
-        if (plain == most) break;   // no marker, or no room for what it stands for
+        if (in.Left() < size) break;
         in.Take(size);
         const std::size_t run = in.TakeByte();
         const std::uint8_t* record = in.Take(size);
@@ -115,8 +115,8 @@ std::size_t EncodeRuns(const std::uint8_t* data, std::size_t size, std::size_t r
 
 void DecodeRuns(InputBytes& in, std::size_t record_size, OutputBytes& out) {
     WithSize(record_size, [&](auto width) { DecodeRecords(in, width, out); });
-    const std::size_t tail = std::min({in.Left(), out.Left(), record_size - 1});
-    out.Write(in.Take(tail), tail);
+    const std::size_t tail = in.Left();
+    if (tail <= out.Left()) out.Write(in.Take(tail), tail);
 }
 
 }   // namespace sparkrig

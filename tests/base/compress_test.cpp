@@ -117,7 +117,9 @@ TEST(Compress, DecodesRunsWithinBounds) {
         Bytes coded;
         std::string result;
     } kRows[] = {{"a run of none gives nothing", 4, 4, Join({kMarker, {0}, kB, kA}), "no error"},
-                 {"what follows the end is ignored", 4, 4, Join({kA, kB, kMarker}), "no error"},
+                 {"records behind the end", 4, 4, Join({kA, kB}), "CCompress: Buffer end validation failed"},
+                 {"a run behind the end", 4, 4, Join({kA, kMarker, {3}, kB}), "CCompress: Write buffer full"},
+                 {"bytes behind the end", 4, 4, Join({kA, {9}}), "CCompress: Buffer end validation failed"},
                  {"a run over the end", 8, 4, Join({kMarker, {3}, kA}), "CCompress: Write buffer full"},
                  {"a run without its record", 12, 4, Join({kMarker, {3}, {1, 2, 3}}), "CCompress: End of read buffer"},
                  {"a run without its count", 12, 4, kMarker, "CCompress: End of read buffer"},
@@ -191,9 +193,9 @@ TEST(Compress, EveryCutStreamIsReported) {
     }
 }
 
-TEST(Compress, SomeBytesMoreAreIgnored) {
+TEST(Compress, SomeBytesMoreAreIgnoredBehindAnEndThatTheStreamTells) {
     const Bytes data = Mixed(3000, 31);
-    for (const int algorithm : {0, 1, 2, 3, 4, 8})
+    for (const int algorithm : {0, 2, 3, 4, 8})
         EXPECT_EQ(Unpacked(Join({Packed(algorithm, data), kMarker, kA})), data) << algorithm;
 }
 
@@ -350,10 +352,28 @@ TEST(LzmaStream, ThatDoesNotHoldWhatItClaimsIsReported) {
     Bytes coded = EncodeElsewhere(data, Preset(6, 1u << 16), true);
     StoreLittleEndian(0xFFFFFFFFu, coded.data() + 1);   // the largest dictionary there is
     StoreLittleEndian(0x7FFFFFFF, coded.data() + 5);
-    EXPECT_EQ(UnpackError(Join({{2}, Int32(0x7FFFFFFF), coded})), "CCompress: Invalid LZMA data: it ends too early");
+    EXPECT_EQ(UnpackError(Join({{2}, Int32(0x7FFFFFFF), coded})), "CCompress: Invalid LZMA data: it is corrupt");
     Bytes corrupt = Packed(2, data);
     corrupt[14] = 0xFF;   // the first coded byte is always 0
     EXPECT_EQ(UnpackError(corrupt), "CCompress: Invalid LZMA data: it is corrupt");
+}
+
+TEST(LzmaStream, GivesExactlyWhatItClaims) {
+    const Bytes data = Mixed(5000, 61);
+    for (const bool end_marker : {true, false}) {
+        const Bytes coded = EncodeElsewhere(data, Preset(6, 1u << 16), end_marker);
+        const auto error_for = [&](std::uint32_t n) {
+            Bytes stream = Join({{2}, Int32(n), coded});
+            StoreLittleEndian(n, &stream[10]);
+            return UnpackError(stream);
+        };
+        for (const std::uint32_t n : {0u, 1u, 4000u, 4999u})
+            EXPECT_EQ(error_for(n), "CCompress: Invalid LZMA data: it goes on behind its end") << n << end_marker;
+        EXPECT_EQ(error_for(5000), "no error") << end_marker;
+        EXPECT_THAT(error_for(5001), HasSubstr(end_marker ? "it is corrupt" : "it is cut short"));
+    }
+    const Bytes stream = Packed(2, data);
+    EXPECT_EQ(Unpacked(Bytes(stream.begin(), stream.end() - 5)), data);   // without its end mark
 }
 
 }   // namespace

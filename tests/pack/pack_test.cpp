@@ -78,6 +78,20 @@ TEST_F(Pack, LeavesEmptyFilesEmpty) {
     EXPECT_EQ(ReadFile("a.bin"), "");
 }
 
+TEST_F(Pack, LeavesAFileWithDamagedDataAsItIs) {
+    for (const int mode : {1, 2}) {
+        WriteFile("a.bin", Content());
+        Run("a.bin --mode " + std::to_string(mode));
+        std::string damaged = ReadFile("a.bin");
+        for (const std::size_t length : mode == 1 ? std::vector<std::size_t>{7} : std::vector<std::size_t>{7, 16})
+            --damaged[length];   // of the data, once or twice in the stream
+        WriteFile("a.bin", damaged);
+        for (const char* task : {"--unpack a.bin", "--list a.bin", "a.bin --mode 3"})
+            EXPECT_EQ(Run(task).exit_code, 1) << task << mode;
+        EXPECT_EQ(ReadFile("a.bin"), damaged);
+    }
+}
+
 TEST_F(Pack, SaysWhatItFinds) {
     WriteFile("plain.bin", "plain");
     WriteFile("broken.bin", "\xA7VT\xA7\1\2\x2\5");
