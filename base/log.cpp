@@ -19,8 +19,15 @@ bool silent = false;
 
 }   // namespace
 
+/// False where the current directory has no name (it was deleted) or none that fits.
+bool LogFile::RememberDirectory() {
+    const std::string current = GetCurrentDirectoryA();
+    if (current.size() < sizeof directory_) std::memcpy(directory_, current.c_str(), current.size() + 1);
+    return *directory_ != '\0';
+}
+
 void LogFile::Write(const char* format, std::va_list arguments) {
-    if (!*directory_) std::snprintf(directory_, sizeof directory_, "%s", GetCurrentDirectoryA().c_str());
+    if (!*directory_ && !RememberDirectory()) return;
     if (entry_count_ >= max_entries_) return;
     if (entry_count_ == 0) start_seconds_ = GetSeconds();
 

@@ -2,8 +2,8 @@
 
 namespace sparkrig {
 
-/// Appends one line to logfile.txt in the directory that was current at the first call. The first entry of a run
-/// empties the file; the 500000th is the last.
+/// Appends one line to logfile.txt in the directory that was current at the first call; in a deleted one nothing is
+/// logged. The first entry of a run empties the file; the 500000th is the last.
 void WriteLog(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 /// From now on nothing is logged: for tools that print what is reported, and leave the program's log alone.

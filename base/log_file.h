@@ -18,6 +18,8 @@ class LogFile {
   private:
     static constexpr int kDirectoryBytes = 4096;
 
+    bool RememberDirectory();
+
     char directory_[kDirectoryBytes] = "";   // the one that was current at the first call
     std::int32_t entry_count_ = 0;
     const std::int32_t max_entries_;

@@ -226,6 +226,13 @@ TEST_F(LogFileTest, EntriesThatCannotBeWrittenDoNotCount) {
     LogFile log;
     Write(log, "lost");
     EXPECT_EQ(log.EntryCount(), 0);
+    LogFile homeless;
+    std::filesystem::create_directory("gone");
+    std::filesystem::current_path("gone");
+    std::filesystem::remove(Folder() / "gone");
+    Write(homeless, "lost");
+    EXPECT_EQ(homeless.EntryCount(), 0) << "it went to the root of the file system";
+    std::filesystem::current_path(Folder());
     std::filesystem::remove("logfile.txt");
     WriteFile("logfile.txt", "old\n");
     Write(log, "kept");
