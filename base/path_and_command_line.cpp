@@ -44,13 +44,13 @@ bool BeginsWith(const char* word, const char* prefix) {
 }
 
 /// Each character counts as a digit at its place; places beyond the table count nothing.
-int DigitsValue(const char* digits, int count) {
+std::int64_t DigitsValue(const char* digits, int count) {
     std::int64_t value = 0;
     for (int i = 0; i < count; ++i) {
         const int exponent = count - 1 - i;
         if (exponent < static_cast<int>(std::size(kPowersOfTen))) value += (digits[i] - '0') * kPowersOfTen[exponent];
     }
-    return static_cast<int>(std::clamp<std::int64_t>(value, -INT_MAX, INT_MAX));   // so that "-" can turn it
+    return value;
 }
 
 }   // namespace
@@ -102,8 +102,8 @@ bool GetOptionValue(const char* command_line, const char* name, int* value) {
     ++digits;
     const bool negative = *digits == '-';
     if (negative) ++digits;
-    const int magnitude = DigitsValue(digits, static_cast<int>(end - digits));
-    *value = negative ? -magnitude : magnitude;
+    const std::int64_t magnitude = DigitsValue(digits, static_cast<int>(end - digits));
+    *value = static_cast<int>(std::clamp<std::int64_t>(negative ? -magnitude : magnitude, INT_MIN, INT_MAX));
     return true;
 }
 

@@ -205,6 +205,8 @@ TEST(CommandLine, ReadsTheValueBehindAnOption) {
     } kRows[] = {{"app.exe /resx:1024 /full", true, 1024},
                  {"/RESX=768", true, 768},
                  {"/resx=-5", true, -5},
+                 {"/resx=-2147483648", true, INT_MIN},
+                 {"/resx=-2147483649", true, INT_MIN},
                  {"/resx:", true, 0},
                  {"/resx 1024", false, 77},
                  {"/resxx:3 /resx:4", false, 77},
