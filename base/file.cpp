@@ -54,12 +54,13 @@ bool File::Open(const String& name, bool read_only, bool in_memory, bool report_
     ++m_OpenHandlesCount;
     readable_ = true;
     writable_ = !read_only;
-    DetermineSize();
     try {
+        if (writable_) path_ = RealPath(name_.c_str());
+        DetermineSize();
         if (in_memory) LoadIntoMemory();
         pack_mode_ = ReadPackMode(report_errors);
         if (pack_mode_ != 0) Unpack();
-    } catch (const ErrorMsg&) {   // what cannot be unpacked is not open
+    } catch (const ErrorMsg&) {   // what is too large or cannot be unpacked is not open
         Close(false);
         throw;
     }
@@ -95,6 +96,12 @@ void File::SetPackMode(int mode) {
     if (!in_memory_) LoadIntoMemory();
     modified_ = true;
     pack_mode_ = mode;
+    if (size_ == 0) CutOnDisk(0);
+}
+
+void File::CutOnDisk(int new_size) {
+    if (!TruncateStream(handle_, new_size))
+        Error("DeleteData() failed: %s, file:'%s'", std::strerror(errno), name_.c_str());
 }
 
 void File::DetermineSize() {
@@ -156,7 +163,7 @@ void File::WriteBack() {
     if (pack_mode_ != 0) Pack(packed);
     const ByteBuffer& content = pack_mode_ != 0 ? packed : buffer_;
     const std::size_t size = pack_mode_ != 0 ? packed.size() : static_cast<std::size_t>(size_);
-    if (!ReplaceFileContent(name_.c_str(), content.data(), size))
+    if (!ReplaceFileContent(path_.c_str(), content.data(), size))
         Error("Error writing to file (%s)", std::strerror(errno));
 }
 
@@ -253,9 +260,7 @@ void File::SetSize(int new_size) {
     if (new_size >= size_) return;
     if (!writable_) Error("Can not delete data without write permission");
     // The disk holds the packed form of a packed file, which stays until Close; only what is empty is empty at once.
-    const bool cut_now = pack_mode_ == 0 || new_size <= 0;
-    if (cut_now && !TruncateStream(handle_, new_size))
-        Error("DeleteData() failed: %s, file:'%s'", std::strerror(errno), name_.c_str());
+    if (pack_mode_ == 0 || new_size <= 0) CutOnDisk(new_size);
     modified_ = true;
     size_ = new_size;
     if (in_memory_) buffer_.resize(static_cast<std::size_t>(new_size) + kHeadroom);

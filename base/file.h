@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "base/byte_buffer.h"
 #include "base/error.h"
@@ -47,7 +48,7 @@ class File final : public ErrorClass {
     /// 0 for a plain file, else the algorithm that it is packed with.
     int PackMode() const { return pack_mode_; }
     /// Close will pack the file with this algorithm, or write it plain for 0. The content is held in memory from now
-    /// on.
+    /// on; while it is empty the file is too, since Close writes no empty content.
     void SetPackMode(int mode);
     /// The content in in-memory mode; null otherwise.
     const std::uint8_t* GetBuffer() const { return buffer_.data(); }
@@ -64,6 +65,7 @@ class File final : public ErrorClass {
     enum class Direction { None, Reading, Writing };
 
     void DetermineSize();
+    void CutOnDisk(int new_size);
     void LoadIntoMemory();
     int ReadPackMode(bool report_errors);
     void Unpack();
@@ -80,6 +82,7 @@ class File final : public ErrorClass {
     bool writable_ = false;
     bool modified_ = false;
     String name_;
+    std::string path_;   // of a writable file: where it was when it was opened, whatever directory is current later
     std::int32_t size_ = 0;
     std::int32_t position_ = 0;
     bool in_memory_ = false;

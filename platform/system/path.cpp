@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 
@@ -57,6 +59,12 @@ std::string ResolvePath(const char* name) {
         begin = end + 1;
     }
     return resolved;
+}
+
+std::string RealPath(const char* name) {
+    const std::string path = ResolvePath(name);
+    char real[PATH_MAX];
+    return realpath(path.c_str(), real) ? real : path;
 }
 
 std::FILE* OpenFileStream(const char* name, const char* mode) {

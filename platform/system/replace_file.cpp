@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <string>
 
@@ -13,11 +12,9 @@
 namespace sparkrig {
 namespace {
 
-/// Where a link points, so that the link survives the renaming; the name itself for a file that is new.
-std::string FollowLinks(const std::string& path) {
-    char real[PATH_MAX];
-    return realpath(path.c_str(), real) ? real : path;
-}
+/// A name for the file that is written beside `path`, for mkstemp: short, as that of `path` may be as long as names can
+/// be.
+std::string NameBeside(const std::string& path) { return path.substr(0, path.rfind('/') + 1) + ".sparkrig-XXXXXX"; }
 
 bool WriteAll(int descriptor, const char* data, std::size_t size) {
     while (size > 0) {
@@ -51,8 +48,8 @@ bool CopyOwnerAndMode(int descriptor, const std::string& path) {
 }   // namespace
 
 bool ReplaceFileContent(const char* name, const void* data, std::size_t size) {
-    const std::string path = FollowLinks(ResolvePath(name));
-    std::string beside = path + ".XXXXXX";
+    const std::string path = RealPath(name);   // so that a link survives the renaming
+    std::string beside = NameBeside(path);
     const int descriptor = mkstemp(beside.data());
     if (descriptor < 0) return false;
 

@@ -16,6 +16,9 @@ namespace sparkrig {
 /// made.
 std::string ResolvePath(const char* name);
 
+/// The absolute path of a file that exists, links followed; for any other name ResolvePath.
+std::string RealPath(const char* name);
+
 /// fopen on the resolved path; null with errno set on failure. Folders, pipes and devices are no files.
 std::FILE* OpenFileStream(const char* name, const char* mode);
 

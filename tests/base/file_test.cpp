@@ -181,6 +181,30 @@ TEST_F(FileOnDisk, MemoryReachesTheDiskAtClose) {
     EXPECT_EQ(status.st_mode & 07777, 0640u);
 }
 
+TEST_F(FileOnDisk, MemoryReachesTheFileThatWasOpened) {
+    const std::string longest(255, 'n');
+    WriteFile(longest, "0123");
+    File file;
+    ASSERT_TRUE(file.Open(longest.c_str(), false, true, true));
+    file.Write("x", 1);
+    std::filesystem::create_directory("elsewhere");
+    std::filesystem::current_path("elsewhere");
+    file.Close();
+    EXPECT_EQ(ReadFile("../" + longest), "x123");
+    EXPECT_TRUE(std::filesystem::is_empty("."));
+}
+
+TEST_F(FileOnDisk, OfTwoGibibytesIsRefusedAndClosed) {
+    WriteFile("a.bin", "");
+    std::filesystem::resize_file("a.bin", std::uintmax_t{1} << 31);   // without a byte on the disk
+    const int before = File::m_OpenHandlesCount;
+    File file;
+    EXPECT_EQ(ErrorOf([&] { file.Open("a.bin", true, false, true); }),
+              "File: a.bin: Error reading from file (File too large)");
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_EQ(File::m_OpenHandlesCount, before);
+}
+
 TEST_F(FileOnDisk, FailedWriteBackKeepsTheOldContent) {
     const std::string content(20000, 'n');
     WriteFile("a.bin", "0123456789");

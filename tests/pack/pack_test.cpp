@@ -38,9 +38,10 @@ TEST_F(Pack, PacksAndUnpacksInEveryMode) {
         WriteFile("a.bin", content);
         ASSERT_EQ(chmod("a.bin", 0640), 0);
         const std::string number = std::to_string(mode);
-        const Outcome packed = Run("a.bin --mode " + number);
+        const Outcome packed = Run("A.BIN --mode " + number);
         EXPECT_EQ(packed.exit_code, 0) << packed.text;
-        EXPECT_THAT(packed.text, HasSubstr("a.bin: mode " + number + " ("));
+        EXPECT_THAT(packed.text, HasSubstr("A.BIN: mode " + number + " ("));
+        EXPECT_THAT(packed.text, HasSubstr(" 9000 bytes packed into " + std::to_string(ReadFile("a.bin").size())));
         EXPECT_EQ(ReadFile("a.bin").substr(0, 6), std::string("\xA7VT\xA7\1") + static_cast<char>(mode));
         const Outcome listed = Run("--list a.bin");
         EXPECT_EQ(listed.exit_code, 0);
@@ -72,10 +73,21 @@ TEST_F(Pack, ScramblesDifferentlyEachTime) {
     EXPECT_NE(ReadFile("a.bin"), ReadFile("b.bin"));
 }
 
-TEST_F(Pack, LeavesEmptyFilesEmpty) {
-    WriteFile("a.bin", "");
-    EXPECT_EQ(Run("a.bin --mode 2").exit_code, 0);
-    EXPECT_EQ(ReadFile("a.bin"), "");
+TEST_F(Pack, LeavesEmptyContentEmptyAndPlain) {
+    const std::string packed("\xA7VT\xA7\1\1\0\0\0\0\0", 11);
+    const struct {
+        std::string before;
+        const char *arguments, *text;
+    } kRows[] = {{"", "a.bin --mode 2", "a.bin: mode 0 (plain), empty\n"},
+                 {packed, "a.bin --mode 2", "a.bin: mode 0 (plain), empty\n"},
+                 {packed, "--unpack a.bin", "a.bin: plain, 0 bytes\n"}};
+    for (const auto& row : kRows) {
+        WriteFile("a.bin", row.before);
+        const Outcome outcome = Run(row.arguments);
+        EXPECT_EQ(outcome.exit_code, 0);
+        EXPECT_EQ(outcome.text, row.text);
+        EXPECT_EQ(ReadFile("a.bin"), "");
+    }
 }
 
 TEST_F(Pack, LeavesAFileWithDamagedDataAsItIs) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "base/file.h"
+#include "platform/system/system.h"
 
 namespace sparkrig {
 namespace {
@@ -37,7 +38,7 @@ bool WithFile(const std::string& name, bool read_only, Action action) try {
 
 std::uintmax_t SizeOnDisk(const std::string& name) {
     std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(name, error);
+    const std::uintmax_t size = std::filesystem::file_size(ResolvePath(name.c_str()), error);
     return error ? 0 : size;
 }
 
@@ -46,10 +47,13 @@ std::uintmax_t SizeOnDisk(const std::string& name) {
 bool PackFile(const std::string& name, int mode) {
     return WithFile(name, false, [&](File& file) {
         const int size = file.GetSize();
-        if (size > 0) file.SetPackMode(mode);
+        file.SetPackMode(mode);
         file.Close();
-        std::printf("%s: mode %i (%s), %i bytes packed into %ju\n", name.c_str(), size > 0 ? mode : 0,
-                    ModeName(size > 0 ? mode : 0), size, SizeOnDisk(name));
+        if (size > 0)
+            std::printf("%s: mode %i (%s), %i bytes packed into %ju\n", name.c_str(), mode, ModeName(mode), size,
+                        SizeOnDisk(name));
+        else
+            std::printf("%s: mode 0 (plain), empty\n", name.c_str());
         return true;
     });
 }

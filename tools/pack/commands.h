@@ -6,7 +6,7 @@ namespace sparkrig {
 
 inline constexpr int kFirstPackMode = 1, kLastPackMode = 8;
 
-/// Packs in place, a packed file anew; an empty file stays empty.
+/// Packs in place, a packed file anew; what is empty becomes an empty plain file.
 bool PackFile(const std::string& name, int mode);
 /// Not well for a file that is plain already.
 bool UnpackFile(const std::string& name);
