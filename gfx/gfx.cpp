@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "gfx/device_life.h"
+#include "gfx/device_mesh.h"
 #include "gfx/display_modes.h"
 #include "gfx/gfx_parts.h"
 #include "gfx/scene_frame.h"
@@ -241,6 +242,7 @@ void KRN_Gfx::DrawFullScreenTexture(D3DCOLOR colour, float z) {
     parts_->screen.Draw(whole, nullptr, colour, {z, z, z, z});
 }
 void KRN_Gfx::DrawLastTexture() { parts_->screen.DrawLast(); }
+void KRN_Gfx::CreateMesh(KRN_Mesh& mesh) { MakeDeviceMesh(parts_->graphics, mesh); }
 bool KRN_Gfx::DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world) { return parts_->meshes.Draw(mesh, world); }
 
 // ---- Text

@@ -195,6 +195,8 @@ class KRN_Gfx final : public KRN_Base {
     void DrawFullScreenTexture(D3DCOLOR colour, float z);
     /// The 2D texture where it was drawn last.
     void DrawLastTexture();
+    /// Makes the buffers of a mesh, which drawing it for the first time does too. What fails is an error of the mesh.
+    void CreateMesh(KRN_Mesh& mesh);
     /// False for a mesh that is null, empty or out of view. A null world is the identity.
     bool DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world);
 

@@ -14,7 +14,4 @@ struct FogSettings {
     bool operator==(const FogSettings&) const = default;
 };
 
-/// Of materials that say nothing else.
-inline constexpr float kDefaultSpecularPower = 16.0f;
-
 }   // namespace sparkrig

@@ -1,5 +1,6 @@
 #include "gfx/mesh_drawer.h"
 
+#include "gfx/device_mesh.h"
 #include "gfx/effect_passes.h"
 #include "gfx/with_restore.h"
 #include "scene/mesh.h"
@@ -20,7 +21,7 @@ void MeshDrawer::SetColourOverride(const D3DCOLOR* colour) {
     if (colour) colour_override_ = *colour;
 }
 
-bool MeshDrawer::Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world) {
+bool MeshDrawer::Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world) {
     if (!mesh) {
         sender_.Reporter().Warning("Pointer to mesh is zero");
         return false;
@@ -31,57 +32,59 @@ bool MeshDrawer::Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world) {
     if (world) D3DXMatrixMultiply(&placed, &placed, world);
     if (!BoundsVisible(transforms_.Planes(), *mesh, placed)) return false;
 
+    const DeviceMesh& buffers = MakeDeviceMesh(sender_.Graphics(), *mesh);
     ++statistics_.meshes;
-    PrepareStates(*mesh, world != nullptr);
+    PrepareStates(buffers, world != nullptr);
     transforms_.Set(D3DTS_WORLD, placed);
     const int culling = culling_.Mode();
     const auto draw = [&] {
         if (D3DXMatrixDeterminant(&placed) < 0) culling_.Set(-culling);   // a mirrored mesh shows its backs
-        DrawGroupsInColour(*mesh);
+        DrawGroupsInColour(*mesh, *buffers.buffers);
     };
     WithRestore(draw, [&] { culling_.Set(culling); });
     return true;
 }
 
-void MeshDrawer::PrepareStates(const KRN_MeshBase& mesh, bool world_given) {
+void MeshDrawer::PrepareStates(const DeviceMesh& buffers, bool world_given) {
     sender_.SetRenderState(D3DRS_POINTSPRITEENABLE, DWORD{FALSE});
     sender_.SetStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_DISABLE);
-    bindings_.SetSoftwareProcessing(mesh.SoftwareProcessing());
+    bindings_.SetSoftwareProcessing(buffers.software_processing);
     if (!world_given && points_.FillMode() == static_cast<int>(D3DFILL_POINT)) points_.Apply(points_.Settings(), false);
     lighting_.SetNormalizeNormals(true);
 }
 
-void MeshDrawer::DrawGroupsInColour(const KRN_MeshBase& mesh) {
-    if (!colour_override_ || lighting_.On()) return DrawGroups(mesh);
+void MeshDrawer::DrawGroupsInColour(const KRN_MeshBase& mesh, ID3DXMesh& buffers) {
+    if (!colour_override_ || lighting_.On()) return DrawGroups(mesh, buffers);
     std::optional<D3DCOLOR> before;   // what stood in for the unlit vertices' colour until now
     if (lighting_.Colour()) before = *lighting_.Colour();
     lighting_.Set(false, &*colour_override_);
-    WithRestore([&] { DrawGroups(mesh); }, [&] { lighting_.Set(false, before ? &*before : nullptr); });
+    WithRestore([&] { DrawGroups(mesh, buffers); }, [&] { lighting_.Set(false, before ? &*before : nullptr); });
 }
 
-void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh) {
+void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh, ID3DXMesh& buffers) {
     DWORD entries = 0;
-    sender_.Graphics().Require(mesh.Geometry()->GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
+    sender_.Graphics().Require(buffers.GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
     if (entries == 0) {   // not sorted by group: drawn as one
         SetMaterial(mesh.Material(0));
-        DrawSubset(mesh, 0);
+        DrawSubset(buffers, 0);
         return;
     }
     for (const bool blending : {false, true}) {
         for (int group = 0; group < mesh.MaterialCount(); ++group) {
             const MeshMaterial& material = mesh.Material(group);
             const bool drawn = !material.hidden && material.transparency != 1.0f;
-            if (drawn && material.blending == blending) DrawMaterial(mesh, group);
+            if (drawn && material.blending == blending) {
+                DrawMaterial(material, buffers, static_cast<DWORD>(group));
+            }
         }
     }
 }
 
-void MeshDrawer::DrawMaterial(const KRN_MeshBase& mesh, int group) {
-    const MeshMaterial& material = mesh.Material(group);
+void MeshDrawer::DrawMaterial(const MeshMaterial& material, ID3DXMesh& buffers, DWORD group) {
     const int culling = culling_.Mode();
     if (material.two_sided) culling_.Set(0);
     SetMaterial(material);
-    DrawSubset(mesh, static_cast<DWORD>(group));
+    DrawSubset(buffers, group);
     culling_.Set(culling);
 }
 
@@ -94,11 +97,11 @@ void MeshDrawer::SetMaterial(const MeshMaterial& material) {
     textures_.SetTexture(nullptr, -1);
 }
 
-void MeshDrawer::DrawSubset(const KRN_MeshBase& mesh, DWORD subset) {
+void MeshDrawer::DrawSubset(ID3DXMesh& buffers, DWORD subset) {
     DrawWithEffect(effects_.ForDraw(), [&] {
         ++statistics_.draw_calls;
         if (statistics_.suppress_draws) return;
-        sender_.Graphics().Require(mesh.Geometry()->DrawSubset(subset), " DrawSubset failed: ");
+        sender_.Graphics().Require(buffers.DrawSubset(subset), " DrawSubset failed: ");
     });
 }
 

@@ -13,7 +13,9 @@
 
 namespace sparkrig {
 
+class ID3DXMesh;
 class KRN_MeshBase;
+struct DeviceMesh;
 struct MeshMaterial;
 
 class MeshDrawer {
@@ -31,18 +33,19 @@ class MeshDrawer {
           effects_(effects),
           statistics_(statistics) {}
 
-    /// False for a mesh that is null (a warning), without geometry, or out of view. A null world is the identity.
-    bool Draw(const KRN_MeshBase* mesh, const D3DXMATRIX* world);
+    /// Makes its buffers first if there are none. False for a mesh that is null (a warning), without geometry, or out
+    /// of view. A null world is the identity.
+    bool Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world);
     /// Takes the place of the materials' diffuse and ambient colours, and with lighting off of the vertices' colour.
     void SetColourOverride(const D3DCOLOR* colour);
 
   private:
-    void PrepareStates(const KRN_MeshBase& mesh, bool world_given);
-    void DrawGroupsInColour(const KRN_MeshBase& mesh);
-    void DrawGroups(const KRN_MeshBase& mesh);
-    void DrawMaterial(const KRN_MeshBase& mesh, int group);
+    void PrepareStates(const DeviceMesh& buffers, bool world_given);
+    void DrawGroupsInColour(const KRN_MeshBase& mesh, ID3DXMesh& buffers);
+    void DrawGroups(const KRN_MeshBase& mesh, ID3DXMesh& buffers);
+    void DrawMaterial(const MeshMaterial& material, ID3DXMesh& buffers, DWORD group);
     void SetMaterial(const MeshMaterial& material);
-    void DrawSubset(const KRN_MeshBase& mesh, DWORD subset);
+    void DrawSubset(ID3DXMesh& buffers, DWORD subset);
 
     StateSender& sender_;
     GeometryBindings& bindings_;

@@ -4,7 +4,8 @@
 
 #include "gfx/point_sprite_settings.h"
 #include "platform/d3d9/d3d9.h"
-#include "scene/object_3d.h"
+#include "scene/vertex_layout.h"
+#include "scene/vertex_list_base.h"
 
 namespace sparkrig {
 
@@ -36,18 +37,6 @@ struct KRN_PointVertex {
     D3DCOLOR diffuse;
 };
 
-/// Where the components of a vertex format lie, in bytes. A component that the format lacks has the place where it
-/// would stand.
-struct VertexLayout {
-    DWORD format = 0;
-    int stride = 0;
-    int position = 0, rhw_or_weights = 0, normal = 0, point_size = 0, diffuse = 0, specular = 0;
-    int weights = 0;   // blend weights, packed indices counted as one
-    int texture_sets = 0;
-    int texture_offset[8] = {}, texture_floats[8] = {};
-};
-VertexLayout ComputeVertexLayout(DWORD format);
-
 enum class PrimitiveMode : std::int32_t {
     PointList = 1,
     LineList = 2,
@@ -59,15 +48,6 @@ enum class PrimitiveMode : std::int32_t {
 
 /// The number of primitives that `elements` vertices make; an unknown mode is an error of `reporter`.
 UINT PrimitiveCount(const KRN_Base& reporter, int mode, UINT elements);
-
-/// A mesh is a vertex list too and has one node all the same: hence the virtual base.
-class KRN_VertexListBase : public virtual KRN_3dObject {
-  public:
-    KRN_VertexListBase() { SetName("KRN_ListBase"); }
-
-  protected:
-    ~KRN_VertexListBase() = default;
-};
 
 /// Empty until KRN_Gfx::CreateVertexList. A list in the default pool must let go of its buffer before a device reset
 /// and be created again afterwards, by its owner.

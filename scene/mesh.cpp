@@ -1,15 +1,12 @@
 #include "scene/mesh.h"
 
 #include <algorithm>
-
-#include "gfx/gfx.h"
+#include <cstring>
 
 namespace sparkrig {
 
 namespace {
 
-constexpr DWORD kMostVertices = 65535;
-constexpr DWORD kSoftwareOptions = D3DXMESH_SYSTEMMEM | D3DXMESH_SOFTWAREPROCESSING;
 constexpr D3DCOLORVALUE kLightGrey = {0.9f, 0.9f, 0.9f, 1.0f}, kBlack = {0, 0, 0, 1};
 
 MeshMaterial DefaultMaterial() {
@@ -18,69 +15,61 @@ MeshMaterial DefaultMaterial() {
     return material;
 }
 
-DWORD MeshOptions(bool system_memory, DWORD extra) {
-    DWORD options = system_memory ? D3DXMESH_SYSTEMMEM : D3DXMESH_MANAGED;
-    if (extra == 0 || extra == static_cast<DWORD>(-1)) return options;
-    if (!system_memory && (extra & D3DXMESH_DYNAMIC)) options = 0;
-    return options | extra;
+D3DXVECTOR3 PositionOf(const MeshGeometry& geometry, std::uint32_t vertex) {
+    float position[3];
+    std::memcpy(position, geometry.Vertex(vertex) + geometry.layout.position, sizeof position);
+    return {position[0], position[1], position[2]};
 }
 
 }   // namespace
 
-void KRN_MeshBase::CreateGeometry(KRN_Gfx& gfx, const GeometryRequest& request) {
+MeshGeometry& KRN_MeshBase::CreateGeometry(const GeometryRequest& request) {
     if (request.make_records && geometry_) Clear();
-    if (request.vertices > kMostVertices) {
+    if (request.vertices > MeshGeometry::kMostVertices) {
         Error("Number of vertices too high: %i - only 65535 allowed", static_cast<int>(request.vertices));
     }
-    software_processing_ =
-        request.bones > 0 && static_cast<DWORD>(request.bones) > gfx.Caps().MaxVertexBlendMatrixIndex;
-    const DWORD options =
-        software_processing_ ? kSoftwareOptions : MeshOptions(request.system_memory, request.extra_options);
-    const HRESULT result =
-        D3DXCreateMeshFVF(request.faces, request.vertices, options, request.format, gfx.Device(), geometry_.Receive());
-    if (FAILED(result)) Error(" D3DXCreateMeshFVF failed: %s ", DXGetErrorString9(result));
+    geometry_ = std::make_shared<MeshGeometry>(request.format, request.vertices, request.faces);
+    geometry_->system_memory = request.system_memory;
     if (request.make_records) {
-        materials_.assign(request.groups, DefaultMaterial());
+        SetGroupCount(request.groups);
+        std::ranges::fill(materials_, DefaultMaterial());
     } else if (materials_.size() != request.groups) {
         Error("nrMat does not match!");
     }
+    return *geometry_;
+}
+
+void KRN_MeshBase::SetGroupCount(std::uint32_t groups) {
+    materials_.resize(groups);
+    textures_.resize(groups);
 }
 
 void KRN_MeshBase::SortByGroup() {
-    const HRESULT result = geometry_ ? geometry_->OptimizeInplace(D3DXMESHOPT_ATTRSORT) : D3DERR_INVALIDCALL;
-    if (FAILED(result)) Error("OptimizeInplace failed: %s", DXGetErrorString9(result));
+    if (!geometry_ || !geometry_->SortByGroup()) Error("OptimizeInplace failed: %s", "D3DERR_INVALIDCALL");
 }
 
 void KRN_MeshBase::ComputeBounds() {
-    void* data = nullptr;
-    const HRESULT result = geometry_ ? geometry_->LockVertexBuffer(D3DLOCK_READONLY, &data) : D3DERR_INVALIDCALL;
-    if (FAILED(result)) Error("LockVertexBuffer failed: %s", DXGetErrorString9(result));
-    const DWORD count = geometry_->GetNumVertices(), stride = geometry_->GetNumBytesPerVertex();
-    const auto position = [&](DWORD i) {
-        return *reinterpret_cast<const D3DVECTOR*>(static_cast<const BYTE*>(data) +
-                                                   static_cast<std::size_t>(i) * stride);
-    };
-    box_minimum = box_maximum = position(0);
-    for (DWORD i = 1; i < count; ++i) {
-        const D3DVECTOR p = position(i);
+    clip_mode = 3;
+    const std::uint32_t count = geometry_ ? geometry_->VertexCount() : 0;
+    box_minimum = box_maximum = count > 0 ? PositionOf(*geometry_, 0) : D3DXVECTOR3();
+    for (std::uint32_t i = 1; i < count; ++i) {
+        const D3DXVECTOR3 p = PositionOf(*geometry_, i);
         box_minimum = {std::min(box_minimum.x, p.x), std::min(box_minimum.y, p.y), std::min(box_minimum.z, p.z)};
         box_maximum = {std::max(box_maximum.x, p.x), std::max(box_maximum.y, p.y), std::max(box_maximum.z, p.z)};
     }
     sphere_centre = (box_minimum + box_maximum) * 0.5f;
     sphere_radius = 0;
-    for (DWORD i = 0; i < count; ++i) {
-        const D3DXVECTOR3 offset = D3DXVECTOR3(position(i)) - sphere_centre;
-        sphere_radius = std::max(sphere_radius, D3DXVec3Length(offset));
+    for (std::uint32_t i = 0; i < count; ++i) {
+        sphere_radius = std::max(sphere_radius, D3DXVec3Length(PositionOf(*geometry_, i) - sphere_centre));
     }
-    const HRESULT unlocked = geometry_->UnlockVertexBuffer();
-    if (FAILED(unlocked)) Error("UnlockVertexBuffer failed: %s", DXGetErrorString9(unlocked));
-    clip_mode = 3;
 }
 
 void KRN_MeshBase::Clear() {
-    geometry_.Reset();
-    materials_.clear();
-    software_processing_ = false;
+    geometry_.reset();
+    SetGroupCount(0);
+    influences = 0;
+    bones.clear();
+    bone_nodes.clear();
 }
 
 }   // namespace sparkrig

@@ -1,31 +1,24 @@
-// A node with geometry: an indexed triangle list whose faces are grouped by material.
+// A node with geometry: an indexed triangle list whose faces are grouped by material. Plain data; drawing it makes what
+// a device needs.
 //
 //     KRN_Mesh mesh;
-//     mesh.CreateGeometry(gfx, {.faces = 4, .vertices = 6, .groups = 2, .format = 0x112});
-//     ... lock Geometry()'s buffers, write vertices, indices and one group number per face ...
+//     MeshGeometry& geometry = mesh.CreateGeometry({.faces = 4, .vertices = 6, .groups = 2, .format = 0x112});
+//     ... write its vertices, indices and one group number per face ...
 //     mesh.SortByGroup();
+//     mesh.ComputeBounds();
 //     mesh.Material(0).colours = ...;
 //     gfx.DrawMesh(&mesh, nullptr);
 #pragma once
+#include <memory>
 #include <vector>
 
-#include "gfx/vertex_list.h"
-#include "platform/d3dx/d3dx_mesh.h"
 #include "scene/clip_object.h"
+#include "scene/mesh_geometry.h"
+#include "scene/mesh_material.h"
 #include "scene/object_3d.h"
+#include "scene/vertex_list_base.h"
 
 namespace sparkrig {
-
-class KRN_Gfx;
-
-/// How one attribute group of a mesh looks.
-struct MeshMaterial {
-    D3DMATERIAL9 colours = {};
-    float transparency = 0;   // 0 opaque to 1, which is not drawn
-    bool hidden = false;      // not drawn
-    bool two_sided = false;   // drawn without culling
-    bool blending = false;    // drawn after every group without
-};
 
 class KRN_3dClipObject : public virtual KRN_3dObject, public KRN_ClipObject {
   protected:
@@ -33,46 +26,67 @@ class KRN_3dClipObject : public virtual KRN_3dObject, public KRN_ClipObject {
     ~KRN_3dClipObject() = default;
 };
 
+/// A bone that moves a mesh. Vertices name it by its place in the mesh's list.
+struct KRN_BoneInfo {
+    String name;
+    D3DXMATRIX initial = kIdentityMatrix;        // of the bone
+    D3DXMATRIX mesh_initial = kIdentityMatrix;   // of the mesh
+    D3DXMATRIX offset = kIdentityMatrix;         // mesh_initial x initial
+};
+
 class KRN_MeshBase : public KRN_3dClipObject, public KRN_VertexListBase {
   public:
     struct GeometryRequest {
-        DWORD faces = 0, vertices = 0;   // at most 65535 vertices
-        DWORD groups = 1;                // attribute groups, one material each
-        DWORD format = 0;                // vertex format
+        std::uint32_t faces = 0, vertices = 0;   // at most 65535 vertices
+        std::uint32_t groups = 1;                // attribute groups, one material each
+        DWORD format = 0;                        // vertex format
         bool system_memory = false;
-        int bones = 0;
         bool make_records = true;   // grey materials; otherwise the present ones must fit
-        DWORD extra_options = 0;    // D3DXMESH_ flags; 0 or -1 for none
     };
-    /// What does not fit or fails is an error of the mesh.
-    void CreateGeometry(KRN_Gfx& gfx, const GeometryRequest& request);
-    /// Orders faces and vertices by group. Before it the mesh has no attribute table.
+    /// Geometry of zeros, to be filled. What does not fit is an error of the mesh.
+    MeshGeometry& CreateGeometry(const GeometryRequest& request);
+    /// Orders faces and vertices by group. Before it the mesh has no ranges.
     void SortByGroup();
     /// The smallest box around the vertices and the sphere around its centre; both are tested from now on.
     void ComputeBounds();
-    /// Lets go of geometry and materials.
+    /// Lets go of geometry, materials and skin.
     void Clear();
 
-    ID3DXMesh* Geometry() const { return geometry_.Get(); }
-    /// Whether the hardware cannot blend its bones.
-    bool SoftwareProcessing() const { return software_processing_; }
+    /// Null for none.
+    MeshGeometry* Geometry() const { return geometry_.get(); }
+    /// Draws another mesh's from now on.
+    void ShareGeometry(const KRN_MeshBase& source) { geometry_ = source.geometry_; }
+    void SetGroupCount(std::uint32_t groups);
     int MaterialCount() const { return static_cast<int>(materials_.size()); }
     MeshMaterial& Material(int group) { return materials_[static_cast<std::size_t>(group)]; }
     const MeshMaterial& Material(int group) const { return materials_[static_cast<std::size_t>(group)]; }
+    TextureRecord& Textures(int group) { return textures_[static_cast<std::size_t>(group)]; }
+    const TextureRecord& Textures(int group) const { return textures_[static_cast<std::size_t>(group)]; }
+
+    bool visible = true;
+    bool textured = false;       // it has texture coordinates
+    int uses_blending = -1;      // 0 or 1 once it is known
+    String clone_source;         // the mesh whose geometry it shares; empty for none
+    int reflection_stage = -1;   // of its reflection map; -1 for none
+    int influences = 0;          // bones a vertex; 0 for a rigid mesh
+    std::vector<KRN_BoneInfo> bones;
+    std::vector<KRN_3dObject*> bone_nodes;   // one for each bone, borrowed; null where there is none
 
   protected:
     KRN_MeshBase() = default;
     ~KRN_MeshBase() = default;
 
   private:
-    DevicePtr<ID3DXMesh> geometry_;
-    std::vector<MeshMaterial> materials_;   // one for each attribute group
-    bool software_processing_ = false;
+    std::shared_ptr<MeshGeometry> geometry_;
+    // One each for each attribute group
+    std::vector<MeshMaterial> materials_;
+    std::vector<TextureRecord> textures_;
 };
 
 class KRN_Mesh : public KRN_MeshBase {
   public:
     KRN_Mesh() { SetName("KRN_Mesh"); }
+    ~KRN_Mesh() = default;
 };
 
 }   // namespace sparkrig

@@ -1,8 +1,8 @@
 // How a map is moved, tiled and turned over time.
 #pragma once
 #include "base/error.h"
-#include "gfx/texture_matrix.h"
 #include "scene/key_curve.h"
+#include "scene/texture_matrix.h"
 
 namespace sparkrig {
 

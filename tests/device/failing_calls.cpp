@@ -188,9 +188,9 @@ void DrawMesh(WholeProgram& program) {
 }
 void MakeMesh(WholeProgram& program) {
     KRN_Mesh mesh;
-    mesh.CreateGeometry(program.Gfx(), {.faces = 4, .vertices = 6, .format = 0x112});
+    mesh.CreateGeometry({.faces = 4, .vertices = 6, .format = 0x112});
     mesh.SortByGroup();
-    mesh.ComputeBounds();
+    program.Gfx().CreateMesh(mesh);
 }
 
 void LoadEffect(WholeProgram& program) {

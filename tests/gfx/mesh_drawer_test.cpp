@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
+#include <numeric>
 
 #include "gfx/gfx_parts.h"
 #include "scene/mesh.h"
@@ -16,22 +18,15 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// One triangle for each group, in the plane z = 10 before the camera.
-void BuildMesh(RecordedGfx& gfx, KRN_Mesh& mesh, DWORD groups) {
-    mesh.CreateGeometry(*gfx, {.faces = groups, .vertices = 3 * groups, .groups = groups, .format = 0x112});
-    void* data = nullptr;
-    mesh.Geometry()->LockVertexBuffer(0, &data);
-    for (DWORD i = 0; i < 3 * groups; ++i) {
+void BuildMesh(KRN_Mesh& mesh, std::uint32_t groups) {
+    MeshGeometry& geometry =
+        mesh.CreateGeometry({.faces = groups, .vertices = 3 * groups, .groups = groups, .format = 0x112});
+    for (std::uint32_t i = 0; i < 3 * groups; ++i) {
         const float vertex[8] = {i % 3 == 1 ? 2.0f : 0.0f, i % 3 == 2 ? 2.0f : 0.0f, 10, 0, 0, -1, 0, 0};
-        std::copy_n(vertex, 8, static_cast<float*>(data) + 8 * i);
+        std::memcpy(geometry.Vertex(i), vertex, sizeof vertex);
     }
-    mesh.Geometry()->UnlockVertexBuffer();
-    mesh.Geometry()->LockIndexBuffer(0, &data);
-    for (DWORD i = 0; i < 3 * groups; ++i) static_cast<WORD*>(data)[i] = static_cast<WORD>(i);
-    mesh.Geometry()->UnlockIndexBuffer();
-    DWORD* attributes = nullptr;
-    mesh.Geometry()->LockAttributeBuffer(0, &attributes);
-    for (DWORD face = 0; face < groups; ++face) attributes[face] = face;
-    mesh.Geometry()->UnlockAttributeBuffer();
+    std::iota(geometry.indices.begin(), geometry.indices.end(), std::uint16_t{0});
+    std::iota(geometry.groups.begin(), geometry.groups.end(), std::uint16_t{0});
 }
 
 std::vector<UINT> DrawnFaces(const RecordedGfx& gfx) {
@@ -41,8 +36,8 @@ std::vector<UINT> DrawnFaces(const RecordedGfx& gfx) {
 }
 
 struct DrawnMesh {
-    explicit DrawnMesh(DWORD groups) {
-        BuildMesh(gfx, mesh, groups);
+    explicit DrawnMesh(std::uint32_t groups) {
+        BuildMesh(mesh, groups);
         mesh.SortByGroup();
         gfx->BeginScene();
         gfx.recording.ForgetCalls();
@@ -101,7 +96,7 @@ TEST(DrawMesh, AMirroredMeshTurnsCullingOverForItself) {
 TEST(DrawMesh, WithoutAnAttributeTableItIsDrawnAsOne) {
     RecordedGfx gfx;
     KRN_Mesh mesh;
-    BuildMesh(gfx, mesh, 1);
+    BuildMesh(mesh, 1);
     gfx->BeginScene();
     EXPECT_TRUE(gfx->DrawMesh(&mesh, nullptr));
     EXPECT_EQ(gfx.recording.Draws().size(), 1u);

@@ -5,7 +5,7 @@
 
 #include "gfx/stage_recipes.h"
 #include "gfx/texture_format.h"
-#include "gfx/texture_matrix.h"
+#include "scene/texture_matrix.h"
 #include "gfx/texture_sequence.h"
 
 namespace sparkrig {

@@ -1,6 +1,8 @@
 // Text, screen rectangles and meshes on the real device: pixels against what was asked for.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -94,17 +96,11 @@ TEST_F(Drawing, AScreenRectangleFillsItsPixels) {
 }
 
 /// One triangle over the middle of the view, lit by ambient light alone.
-void BuildTriangle(KRN_Gfx& gfx, KRN_Mesh& mesh) {
-    mesh.CreateGeometry(gfx, {.faces = 1, .vertices = 3, .format = 0x12});
+void BuildTriangle(KRN_Mesh& mesh) {
+    MeshGeometry& geometry = mesh.CreateGeometry({.faces = 1, .vertices = 3, .format = 0x12});
     constexpr float kVertices[3][6] = {{-9, -9, 20, 0, 0, -1}, {0, 9, 20, 0, 0, -1}, {9, -9, 20, 0, 0, -1}};
-    constexpr WORD kIndices[3] = {0, 1, 2};
-    void* data = nullptr;
-    mesh.Geometry()->LockVertexBuffer(0, &data);
-    std::copy_n(&kVertices[0][0], 18, static_cast<float*>(data));
-    mesh.Geometry()->UnlockVertexBuffer();
-    mesh.Geometry()->LockIndexBuffer(0, &data);
-    std::copy_n(kIndices, 3, static_cast<WORD*>(data));
-    mesh.Geometry()->UnlockIndexBuffer();
+    std::memcpy(geometry.vertices.data(), kVertices, sizeof kVertices);
+    geometry.indices = {0, 1, 2};
     mesh.SortByGroup();
     mesh.ComputeBounds();
     mesh.Material(0).colours.Ambient = {0.2f, 0.6f, 0.4f, 1};
@@ -113,7 +109,7 @@ void BuildTriangle(KRN_Gfx& gfx, KRN_Mesh& mesh) {
 
 TEST_F(Drawing, AMeshIsSeenFromItsFrontAlsoWhenMirrored) {
     KRN_Mesh mesh;
-    BuildTriangle(*gfx_, mesh);
+    BuildTriangle(mesh);
     gfx_->SetBlendingMode(1, 255, 0);
     gfx_->SetCullingMode(-1);
     gfx_->SetAmbient(0xFFFFFFFF);

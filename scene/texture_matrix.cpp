@@ -1,4 +1,4 @@
-#include "gfx/texture_matrix.h"
+#include "scene/texture_matrix.h"
 
 #include <cmath>
 

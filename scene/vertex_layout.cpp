@@ -1,4 +1,4 @@
-#include "gfx/vertex_list.h"
+#include "scene/vertex_layout.h"
 
 namespace sparkrig {
 

@@ -1,0 +1,76 @@
+// How one group of a mesh's faces looks: colours and maps, each with the tracks that move them. Plain data; a device's
+// textures hang on the maps.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "base/string.h"
+#include "platform/d3d9/d3d9_types.h"
+#include "scene/device_resource.h"
+#include "scene/key_curve.h"
+#include "scene/text_matrix_ani.h"
+
+namespace sparkrig {
+
+/// Of materials that say nothing else.
+inline constexpr float kDefaultSpecularPower = 16.0f;
+
+enum class MaterialBlend : std::uint32_t { Normal = 0, Additive = 1, Subtractive = 2 };
+
+/// Which way textures go on outside 0 to 1.
+struct TextureAddressing {
+    bool mirror_u = false, mirror_v = false, tile_u = true, tile_v = true;
+};
+
+/// A shader effect by name, and its parameters where they are given.
+struct ShaderSettings {
+    struct Parameter {
+        std::optional<float> number;
+        std::optional<std::array<float, 3>> vector;
+    };
+    String effect;   // empty for none
+    Parameter parameters[8];
+};
+
+struct MeshMaterial {
+    /// Sets the colours and the transparency that have a track to their values at t seconds.
+    void Animate(double t);
+
+    D3DMATERIAL9 colours = {};
+    float transparency = 0;        // 0 opaque to 1, which is not drawn
+    float reflection_amount = 0;   // of its reflection map
+    bool hidden = false;           // not drawn
+    MaterialBlend blend = MaterialBlend::Normal;
+    TextureAddressing addressing;
+    bool two_sided = false;                 // drawn without culling
+    bool blending = false;                  // drawn after every group without
+    bool reflection_with_diffuse = false;   // it has a reflection map and names a diffuse one
+    ColourCurve diffuse_track, ambient_track, specular_track, emissive_track;
+    ScalarCurve transparency_track;
+    ShaderSettings shader;
+};
+
+enum class MapRole : std::uint32_t { None = 0, Diffuse = 1, Bump = 2, Reflection = 3, OldReflection = 6 };
+
+/// One map of a material. Without a file the slot is free.
+struct MapSlot {
+    String file;
+    MapRole role = MapRole::None;
+    float factor = 1;
+    KRN_TextMatrixAni animation;
+    std::shared_ptr<DeviceResource> texture;   // copies of the slot share it
+};
+
+/// The maps of one group. A reflection map stands first.
+struct TextureRecord {
+    static constexpr int kSlots = 4;
+    // Of an image sequence
+    std::uint32_t playback = 0;   // 0 in a loop, 1 back and forth, 2 once
+    float start = 0, frame_seconds = 0;
+    std::uint32_t unknown[3] = {};   // kept as read
+    MapSlot slots[kSlots];
+};
+
+}   // namespace sparkrig
