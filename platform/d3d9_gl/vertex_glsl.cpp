@@ -10,6 +10,11 @@ namespace {
 
 bool Writes(const VertexKey& key, int varying) { return (key.outputs >> varying & 1) != 0; }
 
+// Pixel centres are whole numbers here, halves in OpenGL, which leaves open who gets a pixel whose centre lies on an
+// edge. A shift that falls short by the 1/256 of a pixel that rasterisers resolve gives it to the left and the top
+// edge.
+constexpr const char* kShiftGlsl = "const float kShift = 1.0 - 2.0 / 256.0;   // in halves of a pixel\n";
+
 constexpr const char* kInputsGlsl = R"(
 layout(location = 0) in vec4 position;
 layout(location = 1) in vec4 blend_weight;
@@ -75,7 +80,7 @@ std::string OutputDeclarations(const VertexKey& key) {
 std::string PositionCode(const VertexKey& key) {
     if (key.transformed != 0) {
         return R"(    float w = position.w != 0.0 ? 1.0 / position.w : 1.0;
-    vec2 place = (position.xy + 0.5) * d3d_states.half_pixel.zw - 1.0;
+    vec2 place = (position.xy + 0.5 * kShift) * d3d_states.half_pixel.zw - 1.0;
     gl_Position = vec4(place.x * w, -place.y * w, position.z * w, w);
     vec3 eye = vec3(0.0);
 )";
@@ -94,7 +99,7 @@ std::string PositionCode(const VertexKey& key) {
     }
     return text + R"(    vec3 eye = eye4.xyz;
     gl_Position = d3d_transforms.projection * eye4;
-    gl_Position.xy += d3d_states.half_pixel.xy * gl_Position.w;
+    gl_Position.xy += kShift * d3d_states.half_pixel.xy * gl_Position.w;
 )";
 }
 
@@ -236,7 +241,7 @@ std::string PointCode(const VertexKey& key) {
 }
 
 std::string FixedVertexGlsl(const VertexKey& key) {
-    std::string text = std::string("#version 450\n") + kStatesGlsl + kTransformsGlsl + kLightingGlsl;
+    std::string text = std::string("#version 450\n") + kShiftGlsl + kStatesGlsl + kTransformsGlsl + kLightingGlsl;
     if (key.matrices > 0) text += kPaletteGlsl;
     text += kInputsGlsl;
     for (int set = 0; set < 8; ++set) {
@@ -286,9 +291,10 @@ std::string FunctionOutputs(const VertexKey& key, const ShaderCode& code) {
 }
 
 std::string WrappedVertexGlsl(const VertexKey& key, const ShaderCode& code) {
-    std::string text = WithRenamedMain(code.glsl) + kStatesGlsl + MissingDeclarations(key, code);
+    std::string text = WithRenamedMain(code.glsl) + kShiftGlsl + kStatesGlsl + MissingDeclarations(key, code);
     if (key.point != 0) text += kCornerGlsl;
-    text += "void main() {\n    ShaderMain();\n    gl_Position.xy += d3d_states.half_pixel.xy * gl_Position.w;\n";
+    text +=
+        "void main() {\n    ShaderMain();\n    gl_Position.xy += kShift * d3d_states.half_pixel.xy * gl_Position.w;\n";
     text += FunctionOutputs(key, code);
     if (key.point != 0) {
         text += fmt::format(

@@ -106,7 +106,7 @@ TEST_F(Points, ScaleWithDistance) {
     canvas_->SetRenderState(D3DRS_POINTSCALEENABLE, TRUE);
     constexpr struct {
         float a, b, c, depth;
-    } kRows[] = {{1, 0, 0, 0.7f}, {0, 1, 0, 1.9f}, {0, 0, 1, 0.4f}, {0.3f, 0.2f, 0.1f, 2.6f}};
+    } kRows[] = {{1, 0, 0, 0.8f}, {0, 1, 0, 1.9f}, {0, 0, 1, 0.4f}, {0.3f, 0.2f, 0.1f, 2.6f}};
     for (const auto& row : kRows) {
         Set(D3DRS_POINTSCALE_A, row.a);
         Set(D3DRS_POINTSCALE_B, row.b);

@@ -27,33 +27,45 @@ int Covered(Canvas& canvas) {
     return covered;
 }
 
-TEST(Raster, FillsPixelsWhoseCentresAreWholeNumbers) {
-    Canvas canvas(8, 8);
-    canvas.Clear(kBack);
-    canvas.Fill({2, 3, 5, 7}, kFront);
+// Pixel centres are whole numbers. An edge that runs through them gives its pixels to the rectangle only if it is the
+// left or the top one: rectangles that share an edge neither leave a gap nor draw a pixel twice.
+void ExpectPixels(Canvas& canvas, const RECT& filled, const char* pipeline) {
     const auto pixels = canvas.Pixels();
     for (LONG y = 0; y < 8; ++y) {
         for (LONG x = 0; x < 8; ++x) {
-            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 7;
-            EXPECT_EQ(pixels[static_cast<std::size_t>(8 * y + x)], inside ? kFront : kBack) << x << ", " << y;
+            const bool inside = x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
+            EXPECT_EQ(pixels[static_cast<std::size_t>(8 * y + x)], inside ? kFront : kBack)
+                << pipeline << " " << x << ", " << y;
         }
     }
 }
 
-// Clip coordinates from -1 to 1 run from the upper left corner (-0.5, -0.5) on, half a pixel right and down of OpenGL.
-TEST(Raster, MovesUntransformedVerticesByHalfAPixel) {
+TEST(Raster, GivesPixelsOnAnEdgeToTheLeftAndTheTop) {
     Canvas canvas(8, 8);
-    canvas.Clear(kBack);
-    constexpr float kPixel = 2.0f / 8.0f;
-    // x from 2 to 5, y from 3 to 7 on the screen, off the ties by a quarter.
-    canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-                Quad(-1 + kPixel * 1.75f, 1 - kPixel * 6.75f, -1 + kPixel * 4.75f, 1 - kPixel * 2.75f, 0.5f));
-    const auto pixels = canvas.Pixels();
-    for (LONG y = 0; y < 8; ++y) {
-        for (LONG x = 0; x < 8; ++x) {
-            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 7;
-            EXPECT_EQ(pixels[static_cast<std::size_t>(8 * y + x)], inside ? kFront : kBack) << x << ", " << y;
+    ShaderCode code;
+    code.glsl =
+        "#version 450\nlayout(location = 0) in vec4 place;\nlayout(location = 5) in vec4 colour;\n"
+        "layout(location = 0) out vec4 passed;\nvoid main() { gl_Position = vec4(place.xyz, 1.0); passed = colour; }\n";
+    code.varyings = 1u << kVaryingColor0;
+    DevicePtr<IDirect3DVertexShader9> function;
+    ASSERT_EQ(canvas->CreateVertexShader(code, function.Receive()), D3D_OK);
+    for (const RECT& edges : {RECT{0, 0, 8, 8}, RECT{2, 3, 5, 7}, RECT{1, 2, 2, 6}}) {
+        const auto left = static_cast<float>(edges.left), top = static_cast<float>(edges.top),
+                   right = static_cast<float>(edges.right), bottom = static_cast<float>(edges.bottom);
+        const auto corner = [](float x, float y) { return ScreenVertex{x, y, 0.5f, 1, kFront, 0xFF000000, 0, 0}; };
+        canvas.Clear(kBack);
+        canvas.Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+                                  {corner(left, top), corner(right, top), corner(left, bottom), corner(right, bottom)});
+        ExpectPixels(canvas, edges, "final positions");
+        const auto quad = Quad(left / 4 - 1, 1 - bottom / 4, right / 4 - 1, 1 - top / 4, 0.5f);
+        for (IDirect3DVertexShader9* vertex_function :
+             {static_cast<IDirect3DVertexShader9*>(nullptr), function.Get()}) {
+            canvas.Clear(kBack);
+            canvas->SetVertexShader(vertex_function);
+            canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, quad);
+            ExpectPixels(canvas, edges, vertex_function ? "vertex function" : "fixed pipeline");
         }
+        canvas->SetVertexShader(nullptr);
     }
 }
 
@@ -114,12 +126,8 @@ TEST(Raster, MapsClipSpaceToTheViewport) {
     canvas.Clear(kBack);
     const D3DVIEWPORT9 viewport = {1, 2, 6, 4, 0.0f, 1.0f};
     canvas->SetViewport(&viewport);
-    constexpr float kInset = 0.02f;   // off the ties
-    canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-                Quad(-1 - kInset, -1 + kInset, 1 - kInset, 1 + kInset, 0.5f));
-    EXPECT_EQ(Covered(canvas), 6 * 4);
-    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
-    EXPECT_EQ(canvas.PixelArgb(6, 5), kFront);
+    canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Quad(-1, -1, 1, 1, 0.5f));
+    ExpectPixels(canvas, {1, 2, 7, 6}, "viewport");
 }
 
 TEST(Raster, TestsAndWritesDepth) {
