@@ -160,10 +160,7 @@ int KRN_Gfx::SetViewPort(int x1, int y1, int x2, int y2, float min_z, float max_
 const D3DVIEWPORT9& KRN_Gfx::Viewport() const { return parts_->transforms.Viewport(); }
 
 void KRN_Gfx::SetView(const KRN_Camera& camera) {
-    const D3DXVECTOR3 at = camera.Eye() + camera.ViewDirection();
-    D3DXMATRIX view;
-    D3DXMatrixLookAtLH(&view, &camera.Eye(), &at, &camera.Up());
-    parts_->transforms.Set(D3DTS_VIEW, view);
+    parts_->transforms.SetView(camera.Eye(), camera.ViewDirection(), camera.Up());
 }
 
 D3DXVECTOR3 KRN_Gfx::CameraPosition() const { return parts_->transforms.CameraPosition(); }

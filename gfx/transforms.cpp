@@ -24,6 +24,14 @@ void Transforms::Set(D3DTRANSFORMSTATETYPE kind, const D3DXMATRIX& matrix) {
     sender_.SetTransform(kind, value);
 }
 
+void Transforms::SetView(const D3DXVECTOR3& eye, const D3DXVECTOR3& direction, const D3DXVECTOR3& up) {
+    const D3DXVECTOR3 at = eye + direction;
+    D3DXMATRIX view;
+    D3DXMatrixLookAtLH(&view, &eye, &at, &up);
+    for (auto& row : view.m) row[0] = -row[0];   // its x axis is up x direction: the left of a right-handed world
+    Set(D3DTS_VIEW, view);
+}
+
 void Transforms::SetNearFar(float z_near, float z_far) {
     near_ = z_near;
     far_ = z_far;

@@ -20,6 +20,8 @@ class Transforms {
     const D3DXMATRIX& View() const { return view_; }
     const D3DXMATRIX& Projection() const { return projection_; }
 
+    /// The view of a camera: direction x up is the screen's right, so that the right-handed world is not mirrored.
+    void SetView(const D3DXVECTOR3& eye, const D3DXVECTOR3& direction, const D3DXVECTOR3& up);
     /// fov in radians from bottom to top; kDerivedAspect takes the viewport's.
     void SetProjection(float z_near, float z_far, float fov, float aspect);
     void SetNearFar(float z_near, float z_far);   // kept without sending

@@ -11,6 +11,7 @@
 #include "input/input.h"
 #include "platform/system/system.h"
 #include "tests/input/fake_direct_input.h"
+#include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
 namespace {
@@ -142,6 +143,29 @@ TEST_F(TesterCommandsTest, MovesTheCameraByTheModifier) {
             EXPECT_NEAR(direction.*axis, row.view.*axis, 2e-5) << row.name;
         }
         Frame({});
+    }
+}
+
+// The origin, in the middle of the picture at first, goes the other way.
+TEST_F(TesterCommandsTest, ThePictureFollowsTheCamera) {
+    const struct {
+        const char* name;
+        std::initializer_list<int> keys;
+        int x, y;   // where the origin is seen then: 1 right or up, -1 left or down
+    } kRows[] = {{"turned left", {DIK_LEFT}, 1, 0},           {"turned right", {DIK_RIGHT}, -1, 0},
+                 {"looked up", {DIK_PRIOR}, 0, -1},           {"looked down", {DIK_NEXT}, 0, 1},
+                 {"slid left", {DIK_LSHIFT, DIK_LEFT}, 1, 0}, {"slid right", {DIK_LSHIFT, DIK_RIGHT}, -1, 0},
+                 {"rose", {DIK_LSHIFT, DIK_PRIOR}, 0, -1},    {"circled", {DIK_LCONTROL, DIK_LEFT}, 0, 0}};
+    RecordedGfx gfx;
+    for (const auto& row : kRows) {
+        PlaceCameraAtHome(loop_.camera);
+        Press(row.keys);
+        gfx->SetView(loop_.camera);
+        D3DXVECTOR3 origin;
+        D3DXVec3TransformCoord(&origin, &origin, &gfx->ViewMatrix());
+        const auto side = [](float place) { return (place > 1) - (place < -1); };
+        EXPECT_EQ(side(origin.x), row.x) << row.name;
+        EXPECT_EQ(side(origin.y), row.y) << row.name;
     }
 }
 

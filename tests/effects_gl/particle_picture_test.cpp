@@ -21,7 +21,7 @@ LRESULT Ignore(HWND window, UINT message, WPARAM wide, LPARAM lng) {
     return DefWindowProcA(window, message, wide, lng);
 }
 
-/// The camera stands at (0, 100, 0) and looks along -y: x points to the right, z upwards.
+/// The camera stands at (0, 100, 0) and looks along -y: x points to the left, z upwards.
 class ParticlePicture : public testing::Test {
   protected:
     static void SetUpTestSuite() {

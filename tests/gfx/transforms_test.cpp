@@ -40,6 +40,27 @@ TEST(Transforms, TheViewComesFromTheCamera) {
     EXPECT_EQ(DeviceMatrix(gfx, D3DTS_VIEW), gfx->ViewMatrix());
 }
 
+// What a modelling package calls right is right on the screen, and its counter-clockwise fronts stay so: culling mode
+// 1, which effects are drawn with, keeps them.
+TEST(Transforms, TheWorldIsSeenUnmirrored) {
+    RecordedGfx gfx;
+    KRN_Camera camera;
+    camera.SetEye(3, 50, 2, false);
+    camera.SetViewDirection(0, -1, 0, false);
+    gfx->SetView(camera);
+    const auto seen = [&](D3DXVECTOR3 point) {
+        D3DXVec3TransformCoord(&point, &point, &gfx->ViewMatrix());
+        return point;
+    };
+    EXPECT_EQ(seen({3 - 5, 50 - 11, 2 + 7}), D3DXVECTOR3(5, 7, 11));
+
+    const D3DXVECTOR3 corner = seen({0, 0, 0}), first = seen({0, 0, 1}) - corner, second = seen({4, 0, 0}) - corner;
+    EXPECT_GT(D3DXVec3Cross(first, second).z, 0)
+        << "normal (0, 4, 0), towards the camera: counter-clockwise, y upwards";
+    gfx->SetCullingMode(1);
+    EXPECT_EQ(gfx.recording.Sent(D3DRS_CULLMODE).back(), DWORD{D3DCULL_CW});
+}
+
 TEST(Transforms, TheProjectionTakesTheViewportsAspect) {
     RecordedGfx gfx;
     gfx->SetProjection(2, 500, 0.9f, -1);
