@@ -85,11 +85,17 @@ bool WaitForDevice(GfxParts& parts) {
     return was_lost;
 }
 
+void ForgetDeviceStates(GfxParts& parts) {
+    parts.sender.Forget();
+    parts.bindings.Forget();
+}
+
 void ReleaseDefaultPool(GfxParts& parts) {
     parts.surfaces.ReleaseDefaultPool();
     parts.textures.ReleaseDefaultPool();
     parts.texture_stages.Forget();
     parts.shader_effects.OnLostDevice();
+    ForgetDeviceStates(parts);
     parts.pass_switch.Forget();
     parts.screen_buffers.Release();
     parts.targets.Release();
@@ -152,11 +158,6 @@ void ReapplyRest(GfxParts& parts) {
     parts.bindings.SetSoftwareProcessing(false);
 }
 
-void ForgetDeviceStates(GfxParts& parts) {
-    parts.sender.Cache().Forget();
-    parts.bindings.Forget();
-}
-
 }   // namespace
 
 void InitDevice(GfxParts& parts, const DeviceRequest& request) {
@@ -185,7 +186,6 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
 
     parts.shader_effects.OnResetDevice();
     parts.targets.Fetch(parts.presentation.z_buffer_bits);
-    ForgetDeviceStates(parts);
     ReapplyStates(parts, old_width, old_height);
     ReapplyRest(parts);
     if (post_render) parts.post_render.Init();

@@ -6,7 +6,7 @@ namespace sparkrig {
 /// The eight lights of the device.
 class LightSlots {
   public:
-    static constexpr int kCount = 8;
+    static constexpr int kCount = kLights;
 
     explicit LightSlots(StateSender& sender) : sender_(sender) {}
 
@@ -24,12 +24,9 @@ class LightSlots {
 
   private:
     void CheckIndex(int index) const;
-    void Send(int index, const D3DLIGHT9& light);
-    void SendEnable(int index, bool on);
 
     struct Slot {
-        bool on = false;      // as asked for
-        int device_on = -1;   // as the device holds it; -1 unknown
+        bool on = false;
         bool set = false;
         D3DLIGHT9 light = {};
     };

@@ -128,6 +128,7 @@ PassTarget KRN_ShaderEffect::TargetOf(int pass) const {
 int KRN_ShaderEffect::Begin() {
     UINT passes = 0;
     Require(Effect()->Begin(&passes, 0), "Begin");
+    gfx_->Parts().sender.EffectBegun();
     Data()->begun_by = this;
     return static_cast<int>(passes);
 }
@@ -159,7 +160,7 @@ void KRN_ShaderEffect::EndPass() {
 void KRN_ShaderEffect::End() {
     if (InPass()) EndPass();
     Data()->begun_by = nullptr;
-    Require(Effect()->End(), "End");
+    Require(gfx_->Parts().sender.EffectEnded(Effect()->End()), "End");
     Data()->initialised = true;
     if (reapply_defaults_) ReapplyDefaults();
 }
@@ -171,7 +172,7 @@ void KRN_ShaderEffect::Abandon() {
         data.effect->EndPass();
         gfx_->Parts().pass_switch.UnwindTo(data.passes_around);
     }
-    data.effect->End();
+    gfx_->Parts().sender.EffectEnded(data.effect->End());
     data.EndDrawing();
 }
 

@@ -70,10 +70,7 @@ void TextureStages::SetLayer(const KRN_Texture& texture, int layer, int stage) {
 }
 
 void TextureStages::Bind(int stage, const Map& map) {
-    if (bound_[stage].texture != map.texture) {
-        const HRESULT result = gfx_.Device()->SetTexture(static_cast<DWORD>(stage), map.texture);
-        if (FAILED(result)) gfx_.Error("SetTexture failed: %s", DXGetErrorString9(result));
-    }
+    gfx_.Parts().sender.SetTexture(static_cast<DWORD>(stage), map.texture);
     bound_[stage] = map;
 }
 

@@ -1,0 +1,204 @@
+// What is set while shader effects are begun stands when they have ended, whatever they changed and however they ended.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <random>
+
+#include "gfx/effect_passes.h"
+#include "gfx/gfx.h"
+#include "gfx/texture.h"
+#include "platform/d3dx/d3dx_math.h"
+#include "scene/light.h"
+#include "tests/base/temporary_folder.h"
+#include "tests/support/recorded_gfx.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr const char* kStates =
+    "CullMode = %; AlphaBlendEnable = TRUE; SrcBlend = ONE; DestBlend = %; ZEnable = FALSE; ZWriteEnable = FALSE;"
+    "Lighting = FALSE; SpecularEnable = TRUE; FogEnable = TRUE; FogColor = 0x00112233; TextureFactor = 0x01020304;"
+    "AlphaTestEnable = TRUE; AlphaRef = 9; Ambient = 0x00445566; PointSize = 5; MaterialPower = 3;"
+    "MaterialDiffuse = {1, 0.5, 0.25, 1}; ColorOp[0] = ADD; AlphaOp[0] = ADD; ColorOp[1] = MODULATE;"
+    "MinFilter[0] = POINT; AddressU[0] = CLAMP; Texture[0] = NULL; LightType[2] = POINT; LightEnable[2] = TRUE;"
+    "LightEnable[1] = FALSE; WorldTransform[0] = <World>;";
+
+constexpr const char* kMatrix = "float4x4 World = {2,0,0,0, 0,2,0,0, 0,0,2,0, 0,0,0,1};";
+
+/// Two devices that are told the same; one of them also draws with effects.
+class EffectStates : public TemporaryFolder {
+  protected:
+    struct Side {
+        RecordedGfx gfx;
+        KRN_Texture textures[2];
+        KRN_Light light;
+        KRN_VertexListTemp<KRN_LVertex> list;
+        Side() {
+            for (KRN_Texture& texture : textures) gfx->CreateTexture(&texture, 4, 4, 4, -1, 1);
+            gfx->CreateVertexList(&list, 3, 0, false);
+            gfx->BeginScene();
+        }
+        ~Side() { gfx->EndScene(); }
+    };
+
+    EffectStates() {
+        const char* const targets[] = {"", "< string RenderTarget = \"ScreenBuffer1\"; >"};
+        const char* const values[] = {"CW", "SRCALPHA", "NONE", "INVSRCALPHA"};
+        for (int i = 0; i < 2; ++i) {
+            std::string states = kStates;
+            for (int value = 0; value < 2; ++value) states.replace(states.find('%'), 1, values[2 * i + value]);
+            const std::string name = std::to_string(i) + ".fx";
+            WriteFile(name, std::string(kMatrix) + "technique { pass " + targets[i] + " { " + states + " } pass { } }");
+            with_.gfx->LoadShaderEffect(effects_[i], name.c_str(), true, 0, false);
+        }
+    }
+
+    /// Tells both devices one thing, chosen by `what`, with the value `n`.
+    void Set(unsigned what, unsigned n) {
+        for (Side* side : {&with_, &without_}) SetOn(*side, what, n);
+    }
+    static void SetOn(Side& side, unsigned what, unsigned n) {
+        KRN_Gfx& gfx = *side.gfx;
+        const int small = static_cast<int>(n % 3);
+        const bool on = n % 2 != 0;
+        const D3DCOLOR colour = n * 0x010305u;
+        D3DMATERIAL9 material = {};
+        material.Power = static_cast<float>(small);
+        D3DXMATRIX matrix;
+        D3DXMatrixScaling(&matrix, static_cast<float>(1 + small), 1, 1);
+        const float z = static_cast<float>(small);
+        switch (what) {
+            case 0: gfx.SetCullingMode(small - 1); break;
+            case 1: gfx.SetBlendingMode(small == 0 ? 1 : small == 1 ? 7 : 3, 100 + small, 0); break;
+            case 2: gfx.SetZBufferMode(on); break;
+            case 3: gfx.SetZWrite(on); break;
+            case 4: gfx.SetLighting(on, nullptr); break;
+            case 5: gfx.SetSpecular(on); break;
+            case 6: gfx.SetFogEnable(on); break;
+            case 7: gfx.SetFog({.colour = colour, .mode = 1 + n % 3, .vertex_fog = on}); break;
+            case 8: gfx.SetAlphaTest(small, 8 + small); break;
+            case 9: gfx.SetAmbient(colour); break;
+            case 10: gfx.SetMaterial(material); break;
+            case 11: gfx.SetTransform(on ? D3DTS_WORLD : D3DTS_VIEW, matrix); break;
+            case 12: gfx.SetTexture(small == 2 ? nullptr : &side.textures[small], -1); break;
+            case 13: gfx.SetTextureFilter(1 + static_cast<int>(n % 9), 0); break;
+            case 14: gfx.SetRenderSource(1 + small, 0, colour); break;
+            case 15: gfx.SetLightEnable(small, on); break;
+            case 16:
+                side.light.off = false;
+                side.light.record.Range = z;
+                gfx.SetLight(small, side.light, 0, false);
+                break;
+            case 17: gfx.SetFillMode(2 + static_cast<int>(n % 2), nullptr); break;
+            default: gfx.DrawTriangleList(side.list, 0, 1); break;
+        }
+    }
+    static constexpr unsigned kSettings = 19;
+
+    /// Begins, goes on with, ends or interrupts an effect of the one device.
+    void Draw(unsigned what) {
+        KRN_ShaderEffect& effect = effects_[open_.empty() ? what / 8 % 2 : open_.back()];
+        switch (what % 8) {
+            case 0:
+            case 1: {   // one inside of the other, if one is begun
+                const std::size_t next = open_.empty() ? what / 8 % 2 : 1 - open_.back();
+                if (open_.size() == 2) break;
+                effects_[next].Begin();
+                open_.push_back(next);
+                break;
+            }
+            case 2:
+            case 3:
+                if (!open_.empty() && !effect.InPass()) effect.BeginPass(static_cast<int>(what / 16 % 2));
+                break;
+            case 4:
+                if (!open_.empty() && effect.InPass()) effect.EndPass();
+                break;
+            case 5:
+                if (open_.empty()) break;
+                effect.End();
+                open_.pop_back();
+                break;
+            case 6:
+                if (open_.empty()) break;
+                effect.Abandon();
+                open_.pop_back();
+                break;
+            default:
+                if (!open_.empty()) break;
+                with_.gfx->SetShaderEffect(&effect);
+                if (what / 16 % 2) with_.gfx.recording.Fail("DrawPrimitive", E_FAIL, 1 + what / 32 % 2);
+                ErrorOf([&] { with_.gfx->DrawTriangleList(with_.list, 0, 1); });
+                with_.gfx->SetShaderEffect(nullptr);
+                without_.gfx->DrawTriangleList(without_.list, 0, 1);
+        }
+    }
+
+    /// What a device holds, each value under its name.
+    static std::map<std::string, std::vector<DWORD>> HeldBy(Side& side) {
+        IDirect3DDevice9& device = *side.gfx->Device();
+        std::map<std::string, std::vector<DWORD>> held;
+        const auto take = [&](const char* name, DWORD unit, DWORD state, const auto& value) {
+            std::vector<DWORD>& words = held[name + std::to_string(unit) + "." + std::to_string(state)];
+            words.resize(sizeof value / sizeof(DWORD));
+            std::memcpy(words.data(), &value, sizeof value);
+        };
+        DWORD value = 0;
+        for (DWORD i = 0; i < kRenderStateCount; ++i)
+            if (SUCCEEDED(device.GetRenderState(D3DRENDERSTATETYPE(i), &value))) take("render", 0, i, value);
+        for (DWORD unit = 0; unit < 3; ++unit) {
+            for (DWORD i = 0; i < kStageStateCount; ++i)
+                if (SUCCEEDED(device.GetTextureStageState(unit, D3DTEXTURESTAGESTATETYPE(i), &value)))
+                    take("stage", unit, i, value);
+            for (DWORD i = 0; i < kSamplerStateCount; ++i)
+                if (SUCCEEDED(device.GetSamplerState(unit, D3DSAMPLERSTATETYPE(i), &value)))
+                    take("sampler", unit, i, value);
+            BOOL on = FALSE;
+            D3DLIGHT9 light = {};
+            DevicePtr<IDirect3DTexture9> bound;
+            device.GetLightEnable(unit, &on);
+            device.GetLight(unit, &light);
+            device.GetTexture(unit, bound.Receive());
+            take("light on", unit, 0, on);
+            take("light", unit, 0, light);
+            take("texture", unit, 0, !bound ? 0 : bound.Get() == side.textures[0].DeviceTexture() ? 1 : 2);
+        }
+        D3DMATRIX matrix = {};
+        for (const D3DTRANSFORMSTATETYPE kind : {D3DTS_WORLD, D3DTS_VIEW, D3DTS_PROJECTION}) {
+            device.GetTransform(kind, &matrix);
+            take("transform", 0, kind, matrix);
+        }
+        D3DMATERIAL9 material = {};
+        device.GetMaterial(&material);
+        take("material", 0, 0, material);
+        D3DVIEWPORT9 viewport = {};
+        device.GetViewport(&viewport);
+        EXPECT_EQ(viewport, side.gfx->Viewport());
+        side.gfx.recording.ForgetCalls();
+        return held;
+    }
+
+    Side with_, without_;
+    KRN_ShaderEffect effects_[2];
+    std::vector<std::size_t> open_;   // begun effects, the innermost last
+};
+
+TEST_F(EffectStates, WhatWasSetInBetweenStands) {
+    std::mt19937 random(11);
+    std::string story;
+    for (int step = 0; step < 6000 && !HasFailure(); ++step) {
+        const unsigned what = random() % (kSettings + 9), number = random() % 1000;
+        story += " " + std::to_string(what) + ":" + std::to_string(number);
+        if (what < kSettings)
+            Set(what, number);
+        else
+            Draw(number);
+        if (!open_.empty()) continue;
+        EXPECT_EQ(HeldBy(with_), HeldBy(without_)) << "step " << step << ":" << story;
+        story.clear();
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
