@@ -12,6 +12,9 @@ class AlphaTest {
     void Set(int mode, int reference);
     /// Off, or on as it last was (mode 1 at first), with the kept reference.
     void Switch(bool on) { Set(on ? mode_when_on_ : 0, reference_); }
+    /// The test off, and as it was set again.
+    void Suspend() { sender_.SetRenderState(D3DRS_ALPHATESTENABLE, DWORD{FALSE}); }
+    void Resume() { Reapply(); }
     /// After a reset.
     void Reapply() { Set(mode_, reference_); }
 

@@ -12,6 +12,9 @@ class BlendingState {
     int Set(int mode, int alpha, int stage);
     /// Once more as it was given, at this stage.
     void Reapply(int stage) { Set(mode_, given_alpha_, stage); }
+    /// Blending off, and as the mode has it again.
+    void Suspend() { sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{FALSE}); }
+    void Resume() { sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{mode_ != 1}); }
     int Mode() const { return mode_; }
     int Alpha() const { return alpha_; }
 

@@ -173,7 +173,7 @@ class KRN_Gfx final : public KRN_Base {
     IDirect3DTexture9* SceneTexture();
     /// After EndScene: takes the scene to the screen. Every pass of the effect draws a square that covers the viewport,
     /// in clip coordinates, which its vertex function passes on, and finds the scene as SCREENCOPY. False with
-    /// post-render effects off.
+    /// post-render effects off, and for an effect that was not found.
     bool DrawScene(KRN_ShaderEffect& effect);
     /// What the render target shows now, or only the viewport of it.
     IDirect3DTexture9* GetScreenCopy(bool viewport_only);

@@ -1,6 +1,7 @@
 #include "gfx/scene_frame.h"
 
 #include "gfx/device_life.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 
@@ -36,6 +37,45 @@ class SceneDrawing {
     KRN_ShaderEffect* before_;
 };
 
+/// A scene of the device's own, which an error ends too.
+class OpenScene {
+  public:
+    explicit OpenScene(const GraphicsDevice& graphics) : graphics_(graphics) {
+        graphics_.Require(graphics_.Device()->BeginScene(), "BeginScene failed: ");
+    }
+    ~OpenScene() {
+        if (open_) graphics_.Device()->EndScene();
+    }
+    void End() {
+        open_ = false;
+        graphics_.Require(graphics_.Device()->EndScene(), "EndScene failed: ");
+    }
+    OpenScene(const OpenScene&) = delete;
+    OpenScene& operator=(const OpenScene&) = delete;
+
+  private:
+    const GraphicsDevice& graphics_;
+    bool open_ = true;
+};
+
+/// Covers the screen: whatever states the program left, nothing of what is there stays.
+void DrawScreenSquare(GfxParts& parts) {
+    const int culling = parts.culling.Mode();
+    const auto draw = [&] {
+        parts.blending.Suspend();
+        parts.alpha_test.Suspend();
+        parts.culling.Set(0);
+        parts.depth.PushOff();
+        parts.lists.Draw(parts.immediate.quad, 0, -1);
+    };
+    WithRestore(draw, [&] {
+        parts.depth.PopOff();
+        parts.culling.Set(culling);
+        parts.alpha_test.Resume();
+        parts.blending.Resume();
+    });
+}
+
 }   // namespace
 
 int BeginScene(GfxParts& parts) {
@@ -60,18 +100,13 @@ void ReleasePostRenderEffects(GfxParts& parts) {
 }
 
 bool DrawScene(GfxParts& parts, KRN_ShaderEffect& effect) {
-    if (!parts.post_render.On()) return false;
-    const int culling = parts.culling.Mode();
+    if (!parts.post_render.On() || !effect.Effect()) return false;
     const SceneDrawing drawing(parts, effect);
     if (const D3DXHANDLE scene = effect.ParameterBySemantic("SCREENCOPY"))
         effect.SetParameter(scene, parts.post_render.SceneTexture());
-    parts.graphics.Require(parts.graphics.Device()->BeginScene(), "BeginScene failed: ");
-    parts.culling.Set(0);
-    parts.depth.PushOff();
-    parts.lists.Draw(parts.immediate.quad, 0, -1);
-    parts.depth.PopOff();
-    parts.culling.Set(culling);
-    parts.graphics.Require(parts.graphics.Device()->EndScene(), "EndScene failed: ");
+    OpenScene scene(parts.graphics);
+    DrawScreenSquare(parts);
+    scene.End();
     return true;
 }
 

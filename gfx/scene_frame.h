@@ -9,7 +9,8 @@ int EndScene(GfxParts& parts);
 void ReleasePostRenderEffects(GfxParts& parts);
 
 /// Draws the screen square with every pass of the effect, which finds the scene as SCREENCOPY, in a scene of the
-/// device's own. False with post-render effects off.
+/// device's own. False with post-render effects off, and for an effect
+/// without file.
 bool DrawScene(GfxParts& parts, KRN_ShaderEffect& effect);
 
 }   // namespace sparkrig

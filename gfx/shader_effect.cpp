@@ -54,29 +54,35 @@ void KRN_ShaderEffect::Check(HRESULT result) const {
     if (FAILED(result)) Error("Can not SetParameter :%s", DXGetErrorString9(result));
 }
 
-void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, float value) { Check(Effect()->SetFloat(handle, value)); }
-void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, bool value) { Check(Effect()->SetBool(handle, value)); }
+void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, float value) {
+    Check(registry_ ? Effect()->SetFloat(handle, value) : D3DERR_INVALIDCALL);
+}
+void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, bool value) {
+    Check(registry_ ? Effect()->SetBool(handle, value) : D3DERR_INVALIDCALL);
+}
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, const D3DXVECTOR4& value) {
-    Check(Effect()->SetVector(handle, &value));
+    Check(registry_ ? Effect()->SetVector(handle, &value) : D3DERR_INVALIDCALL);
 }
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, const INT (&value)[4]) {
     SetParameter(handle, D3DXVECTOR4{static_cast<float>(value[0]), static_cast<float>(value[1]),
                                      static_cast<float>(value[2]), static_cast<float>(value[3])});
 }
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, const D3DXVECTOR4* values, std::size_t count) {
-    Check(Effect()->SetVectorArray(handle, values, static_cast<UINT>(count)));
+    Check(registry_ ? Effect()->SetVectorArray(handle, values, static_cast<UINT>(count)) : D3DERR_INVALIDCALL);
 }
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, const D3DXMATRIX& value) {
-    Check(Effect()->SetMatrix(handle, &value));
+    Check(registry_ ? Effect()->SetMatrix(handle, &value) : D3DERR_INVALIDCALL);
 }
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, std::span<const D3DXMATRIX> values) {
-    Check(Effect()->SetMatrixArray(handle, values.data(), static_cast<UINT>(values.size())));
+    const UINT count = static_cast<UINT>(values.size());
+    Check(registry_ ? Effect()->SetMatrixArray(handle, values.data(), count) : D3DERR_INVALIDCALL);
 }
 void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, IDirect3DTexture9* value) {
-    Check(Effect()->SetTexture(handle, value));
+    Check(registry_ ? Effect()->SetTexture(handle, value) : D3DERR_INVALIDCALL);
 }
 
 void KRN_ShaderEffect::ApplyFrameSemantics() {
+    if (!registry_) return;
     ShaderEffectSettings& settings = registry_->settings;
     const FrameCache& frames = gfx_->Parts().frame_cache;
     if (frames.Serves(Data()->filled_in)) return;
@@ -87,14 +93,19 @@ void KRN_ShaderEffect::ApplyFrameSemantics() {
 }
 
 void KRN_ShaderEffect::ApplyObjectSemantics(int blend_weights, std::span<const D3DXMATRIX> palette) {
+    if (!registry_) return;
     const FrameCache& frames = gfx_->Parts().frame_cache;
     if (frames.Serves(Data()->object_filled_in)) return;
     Data()->object_filled_in = frames.frame;
     FillObjectSemantics(*gfx_, *this, *Data(), blend_weights, palette);
 }
 
-void KRN_ShaderEffect::ApplyLightSemantics() { FillLightSemantics(*gfx_, *this, *Data()); }
-void KRN_ShaderEffect::ApplyMaterialSemantics() { FillMaterialSemantics(*gfx_, *this, *Data()); }
+void KRN_ShaderEffect::ApplyLightSemantics() {
+    if (registry_) FillLightSemantics(*gfx_, *this, *Data());
+}
+void KRN_ShaderEffect::ApplyMaterialSemantics() {
+    if (registry_) FillMaterialSemantics(*gfx_, *this, *Data());
+}
 
 void KRN_ShaderEffect::ReapplyDefaults() {
     const ShaderEffectData& data = *Data();
@@ -126,6 +137,7 @@ PassTarget KRN_ShaderEffect::TargetOf(int pass) const {
 }
 
 int KRN_ShaderEffect::Begin() {
+    if (!registry_) return 0;
     UINT passes = 0;
     Require(Effect()->Begin(&passes, 0), "Begin");
     gfx_->Parts().sender.EffectBegun();
@@ -134,6 +146,7 @@ int KRN_ShaderEffect::Begin() {
 }
 
 bool KRN_ShaderEffect::BeginPass(int pass) {
+    if (!registry_) return false;
     const PassTarget target = TargetOf(pass);
     ShaderEffectData& data = *Data();
     if (target.init_pass && data.initialised) return false;
@@ -144,20 +157,23 @@ bool KRN_ShaderEffect::BeginPass(int pass) {
     return true;
 }
 
-bool KRN_ShaderEffect::InPass() const { return Data()->open_pass >= 0; }
+bool KRN_ShaderEffect::InPass() const { return registry_ && Data()->open_pass >= 0; }
 
 void KRN_ShaderEffect::RepeatPass() {
+    if (!InPass()) return;
     Require(Effect()->EndPass(), "EndPass");
     Require(Effect()->BeginPass(static_cast<UINT>(Data()->open_pass)), "BeginPass");
 }
 
 void KRN_ShaderEffect::EndPass() {
+    if (!registry_) return;
     const HRESULT result = Effect()->EndPass();
     if (std::exchange(Data()->open_pass, -1) >= 0) gfx_->Parts().pass_switch.End();
     Require(result, "EndPass");
 }
 
 void KRN_ShaderEffect::End() {
+    if (!registry_) return;
     if (InPass()) EndPass();
     Data()->begun_by = nullptr;
     Require(gfx_->Parts().sender.EffectEnded(Effect()->End()), "End");

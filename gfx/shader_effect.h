@@ -1,7 +1,8 @@
 // A compiled effect file whose parameters the engine fills by their semantics.
 //
 // Loaded by KRN_Gfx::LoadShaderEffect. To draw: fill the semantics, Begin, for each pass BeginPass, draw, EndPass, then
-// End. The drawers of KRN_Gfx do so by themselves (effect_passes.h).
+// End. The drawers of KRN_Gfx do so by themselves (effect_passes.h). An effect without file, because none was loaded or
+// none was found, fills nothing, has no passes and takes no parameters.
 #pragma once
 #include <memory>
 #include <span>

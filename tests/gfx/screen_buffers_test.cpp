@@ -137,20 +137,32 @@ TEST_F(ScreenBufferTest, TheSceneStandsForTheScreenCopyOnItsWayToTheScreen) {
     gfx_->InitPostRenderEffects();
     gfx_->SetShaderEffect(&other);
     gfx_->SetCullingMode(1);
+    gfx_->SetBlendingMode(3, 255, 0);
+    gfx_->SetAlphaTest(7, 99);
     gfx_.recording.ForgetCalls();
     EXPECT_TRUE(gfx_->DrawScene(effect));
     EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
-    EXPECT_EQ(gfx_.recording.Draws().size(), 1u);
+    ASSERT_EQ(gfx_.recording.Draws().size(), 1u);
+    for (const D3DRENDERSTATETYPE state : {D3DRS_ALPHABLENDENABLE, D3DRS_ALPHATESTENABLE, D3DRS_ZENABLE})
+        EXPECT_EQ(gfx_.recording.Draws()[0].render_states.at(state), 0u) << state;
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHABLENDENABLE), ElementsAre(0u, 1u));
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(0u, 7u));
     EXPECT_THAT(gfx_.recording.Methods({"BeginScene", "DrawPrimitive", "EndScene"}),
                 ElementsAre("BeginScene", "DrawPrimitive", "EndScene"));
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_NONE, D3DCULL_CW));
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_ZENABLE), ElementsAre(0u, 1u));
     EXPECT_EQ(gfx_->EffectForDraw(), &other);
 
+    gfx_.recording.ForgetCalls();
     gfx_.recording.Fail("DrawPrimitive", E_FAIL);
     EXPECT_EQ(ErrorOf([&] { gfx_->DrawScene(effect); }), "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL");
+    EXPECT_THAT(gfx_.recording.Methods({"BeginScene", "EndScene"}), ElementsAre("BeginScene", "EndScene"));
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_NONE, D3DCULL_CW));
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ZENABLE), ElementsAre(0u, 1u));
     EXPECT_EQ(gfx_->EffectForDraw(), &other);
     EXPECT_FALSE(gfx_->Parts().post_render.Drawing());
+    KRN_ShaderEffect none;
+    EXPECT_FALSE(gfx_->DrawScene(none));
 }
 
 // ---- The copy of the screen, and buffers

@@ -99,6 +99,36 @@ TEST_F(ShaderEffectTest, MissingFilesAreReportedAsAsked) {
     EXPECT_FALSE(effect.IsValid());
 }
 
+TEST_F(ShaderEffectTest, WithoutAFileNothingIsFilledOrDrawn) {
+    KRN_ShaderEffect effect;
+    gfx_->LoadShaderEffect(effect, "none.fx", false, 0, true);
+    gfx_.recording.ForgetCalls();
+    effect.ApplyFrameSemantics();
+    effect.ApplyObjectSemantics(1, {});
+    effect.ApplyLightSemantics();
+    effect.ApplyMaterialSemantics();
+    EXPECT_EQ(effect.Begin(), 0);
+    EXPECT_FALSE(effect.BeginPass(0));
+    EXPECT_FALSE(effect.InPass());
+    effect.RepeatPass();
+    effect.EndPass();
+    effect.End();
+    effect.Abandon();
+    EXPECT_THAT(gfx_.recording.Calls(), IsEmpty());
+    const D3DXMATRIX matrix = kIdentityMatrix;
+    const D3DXVECTOR4 vector;
+    const std::function<void()> setters[] = {
+        [&] { effect.SetParameter(nullptr, 1.0f); },
+        [&] { effect.SetParameter(nullptr, true); },
+        [&] { effect.SetParameter(nullptr, vector); },
+        [&] { effect.SetParameter(nullptr, &vector, 1); },
+        [&] { effect.SetParameter(nullptr, matrix); },
+        [&] { effect.SetParameter(nullptr, std::span(&matrix, 1)); },
+        [&] { effect.SetParameter(nullptr, static_cast<IDirect3DTexture9*>(nullptr)); }};
+    for (const auto& set : setters)
+        EXPECT_EQ(ErrorOf(set), "KRN_ShaderEffect: Can not SetParameter :D3DERR_INVALIDCALL");
+}
+
 TEST_F(ShaderEffectTest, CompileFailuresCarryTheCompilersText) {
     KRN_ShaderEffect effect;
     WriteFile("bad.fx", "\nfloat4 a = ;");
