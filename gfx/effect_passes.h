@@ -1,4 +1,6 @@
 #pragma once
+#include <span>
+
 #include "gfx/shader_effect.h"
 
 namespace sparkrig {
@@ -19,15 +21,22 @@ class BegunEffect {
     int passes_;
 };
 
+/// What an effect gets to know of the object that is drawn.
+struct DrawnObject {
+    int blend_weights = 0;                      // of a vertex
+    std::span<const D3DXMATRIX> palette = {};   // its bones; none for an object without
+};
+
 /// Draws once without an effect; with one, fills its parameters and draws every pass. While a pass of the effect is
 /// open already, draws once more through that one.
 template <class DrawOnce>
-void DrawWithEffect(KRN_ShaderEffect* effect, DrawOnce draw) {
+void DrawWithEffect(KRN_ShaderEffect* effect, const DrawnObject& object, DrawOnce draw) {
     if (!effect) {
         draw();
         return;
     }
     effect->ApplyFrameSemantics();
+    effect->ApplyObjectSemantics(object.blend_weights, object.palette);
     if (effect->LightSemantics()) effect->ApplyLightSemantics();
     effect->ApplyMaterialSemantics();
     if (effect->InPass()) {

@@ -197,6 +197,7 @@ bool KRN_Gfx::LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool 
     return parts_->shader_effects.Load(effect, file, required, flags, use_pool);
 }
 void KRN_Gfx::SetShaderEffect(KRN_ShaderEffect* effect) { parts_->effects.SetCurrent(effect); }
+void KRN_Gfx::SetShaderEffect2D(KRN_ShaderEffect* effect) { parts_->effects.SetFor2D(effect); }
 KRN_ShaderEffect* KRN_Gfx::EffectForDraw() const { return parts_->effects.ForDraw(); }
 
 void KRN_Gfx::SetFrameCache(bool on) { parts_->frame_cache.on = on; }
@@ -226,6 +227,7 @@ void KRN_Gfx::SetTexture2D(KRN_Texture* texture) {
     parts_->texture_stages.SetTexture(texture, -1);
     parts_->screen.SetTexture(texture);
 }
+void KRN_Gfx::SetDepthTest2D(bool on) { parts_->screen.SetDepthTest(on); }
 void KRN_Gfx::DrawTexture2D(const Quad2D& rectangle, D3DCOLOR colour, const float (&z)[4]) {
     parts_->screen.Draw(rectangle, nullptr, colour, z);
 }

@@ -149,6 +149,8 @@ class KRN_Gfx final : public KRN_Base {
     void SetTexture(KRN_Texture* texture, int stage);
     /// The texture of the screen drawing below; bound to all stages. Borrowed.
     void SetTexture2D(KRN_Texture* texture);
+    /// Whether screen drawing is tested against the depth buffer. Initially off.
+    void SetDepthTest2D(bool on);
     void UpdateVideoSource(int index);
     KRN_TextureCatalogue& Catalogue();
 
@@ -156,6 +158,9 @@ class KRN_Gfx final : public KRN_Base {
     bool LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool);
     /// The effect of the draws that follow; null or an invalid one for fixed-function drawing. Borrowed.
     void SetShaderEffect(KRN_ShaderEffect* effect);
+    /// The effect of the screen drawing below (DrawTexture2D and its like), as long as it is valid; null for none.
+    /// Borrowed.
+    void SetShaderEffect2D(KRN_ShaderEffect* effect);
     /// The effect that a draw uses now, or null.
     KRN_ShaderEffect* EffectForDraw() const;
 

@@ -98,7 +98,8 @@ void MeshDrawer::SetMaterial(const MeshMaterial& material) {
 }
 
 void MeshDrawer::DrawSubset(ID3DXMesh& buffers, DWORD subset) {
-    DrawWithEffect(effects_.ForDraw(), [&] {
+    const DrawnObject object = {.blend_weights = ComputeVertexLayout(buffers.GetFVF()).weights};
+    DrawWithEffect(effects_.ForDraw(), object, [&] {
         ++statistics_.draw_calls;
         if (statistics_.suppress_draws) return;
         sender_.Graphics().Require(buffers.DrawSubset(subset), " DrawSubset failed: ");

@@ -75,7 +75,7 @@ void ScreenDrawer::DrawLast() {
         samplers_.SetAddressU(address, 0);
         samplers_.SetAddressV(address, 0);
         bindings_.SetVertexFormat(KRN_TLVertex::kFormat);
-        DrawWithEffect(effects_.For2D(), [this] { DrawStrip(); });
+        DrawWithEffect(effects_.For2D(), {}, [this] { DrawStrip(); });
     };
     WithRestore(draw, [&] {
         samplers_.SetAddressU(address_u, 0);

@@ -23,6 +23,8 @@ ShaderEffectData* KRN_ShaderEffect::Data() const { return registry_ ? &registry_
 ID3DXEffect* KRN_ShaderEffect::Effect() const { return registry_ ? Data()->effect.Get() : nullptr; }
 bool KRN_ShaderEffect::IsValid() const { return registry_ && !Data()->not_valid; }
 
+bool KRN_ShaderEffect::LightSemantics() const { return registry_ && Data()->light_semantics; }
+
 // ---- Technique
 
 bool KRN_ShaderEffect::SelectTechnique() {
@@ -105,6 +107,25 @@ void KRN_ShaderEffect::ApplyLightSemantics() {
 }
 void KRN_ShaderEffect::ApplyMaterialSemantics() {
     if (registry_) FillMaterialSemantics(*gfx_, *this, *Data());
+}
+
+template <class Value>
+bool KRN_ShaderEffect::SetNumbered(int number, const Value& value, Semantic first,
+                                   Value (ShaderEffectData::*stored)[8]) {
+    if (number < 1 || number > static_cast<int>(kNumberedParameters)) Error("Invalid parameter number: %i", number);
+    const auto index = static_cast<std::size_t>(number - 1);
+    const D3DXHANDLE handle = registry_ ? Data()->handles[static_cast<std::size_t>(first) + index] : nullptr;
+    if (!handle) return false;
+    SetParameter(handle, value);
+    (Data()->*stored)[index] = value;
+    return true;
+}
+
+bool KRN_ShaderEffect::SetNumberedParameter(int number, float value) {
+    return SetNumbered(number, value, Semantic::FloatParameter1, &ShaderEffectData::float_parameters);
+}
+bool KRN_ShaderEffect::SetNumberedParameter(int number, const D3DXVECTOR4& value) {
+    return SetNumbered(number, value, Semantic::VectorParameter1, &ShaderEffectData::vector_parameters);
 }
 
 void KRN_ShaderEffect::ReapplyDefaults() {

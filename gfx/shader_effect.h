@@ -15,6 +15,7 @@ namespace sparkrig {
 
 class KRN_Gfx;
 class ShaderEffectRegistry;
+enum class Semantic;
 struct ShaderEffectData;
 struct TechniqueTargets;
 struct PassTarget;
@@ -76,10 +77,13 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
 
     /// SelectTechnique gives stages 0 to 5 the texture coordinates of their own number.
     void SetOwnTextureCoordinates(bool on) { own_texture_coordinates_ = on; }
-    /// Whether drawers are to call ApplyLightSemantics.
-    void SetLightSemantics(bool on) { light_semantics_ = on; }
-    bool LightSemantics() const { return light_semantics_; }
-    /// End gives fParam1 to vParam8 their stored values again.
+    /// Whether the effect has a parameter that ApplyLightSemantics fills: drawers call it then.
+    bool LightSemantics() const;
+    /// Overrides the effect's own value of fParam1 to fParam8 or vParam1 to vParam8, for all that share its file. False
+    /// when it has no such parameter; a number outside 1 to 8 is an error.
+    bool SetNumberedParameter(int number, float value);
+    bool SetNumberedParameter(int number, const D3DXVECTOR4& value);
+    /// End gives fParam1 to vParam8 their stored values, the overrides or the effect's own, again.
     void SetReapplyDefaults(bool on) { reapply_defaults_ = on; }
 
     ID3DXEffect* Effect() const;   // borrowed; null while nothing is loaded
@@ -93,13 +97,14 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
     const TechniqueTargets* Targets() const;   // null before a technique was chosen
     PassTarget TargetOf(int pass) const;       // plain for what is not known
     void ReapplyDefaults();
+    template <class Value>
+    bool SetNumbered(int number, const Value& value, Semantic first, Value (ShaderEffectData::*stored)[8]);
 
     KRN_Gfx* gfx_ = nullptr;                           // borrowed
     std::shared_ptr<ShaderEffectRegistry> registry_;   // of KRN_Gfx; null while nothing is loaded
     int registry_index_ = -1;
     int technique_ = -1;
     bool own_texture_coordinates_ = false;
-    bool light_semantics_ = false;
     bool reapply_defaults_ = false;
 
     ShaderEffectData* Data() const;

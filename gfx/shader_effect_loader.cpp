@@ -10,12 +10,6 @@ namespace sparkrig {
 
 namespace {
 
-/// A file that was changed on disk is not shared with its older self.
-std::string KeyOf(const char* file) {
-    const std::int32_t time = FileModificationTime(file);
-    return time < 0 ? file : std::string(file) + "_" + std::to_string(time);
-}
-
 void ReportFailure(const KRN_Gfx& gfx, const char* file, HRESULT result, ID3DXBuffer* errors) {
     const char* const name = DXGetErrorString9(result);
     if (!errors || errors->GetBufferSize() <= 1) gfx.Error("Could not compile effect from file '%s': '%s'", file, name);
@@ -60,6 +54,7 @@ std::unique_ptr<ShaderEffectData> Describe(const KRN_Gfx& gfx, DevicePtr<ID3DXEf
     data->parameters = desc.Parameters;
     data->techniques = desc.Techniques;
     data->handles = FindSemantics(*data->effect);
+    for (std::size_t i = 0; i < kSemantics; ++i) data->light_semantics |= data->handles[i] && IsLightSemantic(i);
     FindResourceTextures(*data);
     ReadNumberedParameters(*data);
     data->targets = ReadPassTargets(gfx, *data->effect);
@@ -83,7 +78,7 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
     CFileValidator().CheckPath(name);   // such a file is loaded nevertheless
     const std::string found = Find(name);
     const char* const file = found.c_str();
-    const std::string key = KeyOf(file);
+    const std::string key = FileKey(file);
     const int shared = registry_->settings.sharing ? registry_->Share(key) : -1;
     if (shared >= 0) {
         effect.registry_ = registry_;

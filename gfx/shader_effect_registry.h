@@ -29,6 +29,7 @@ struct ShaderEffectData {
     float float_parameters[kNumberedParameters] = {};     // of fParam1 to fParam8: the effect's own, or overrides
     D3DXVECTOR4 vector_parameters[kNumberedParameters];   // of vParam1 to vParam8
     UINT parameters = 0, techniques = 0;
+    bool light_semantics = false;            // one of the handles is of lights or of ambient light
     std::vector<TechniqueTargets> targets;   // one entry a technique
     int technique = -1;                      // that the first object chose
     bool not_valid = false;                  // no technique validated on this device

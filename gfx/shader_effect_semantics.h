@@ -22,6 +22,12 @@ enum class Semantic {
 };
 // clang-format on
 
+/// The semantics of lights and of ambient light stand together.
+constexpr bool IsLightSemantic(std::size_t semantic) {
+    return semantic >= static_cast<std::size_t>(Semantic::NumDirectionalLights) &&
+           semantic <= static_cast<std::size_t>(Semantic::AmbientColor);
+}
+
 inline constexpr std::size_t kSemantics = static_cast<std::size_t>(Semantic::Count);
 inline constexpr int kNumberedParameters = 8;   // fParam1 to fParam8, vParam1 to vParam8
 

@@ -10,6 +10,12 @@ std::string JoinPath(const std::string& directory, const char* name) {
     return last == '/' || last == '\\' ? directory + name : directory + "\\" + name;
 }
 
+std::string FileKey(const char* file) {
+    const std::int32_t time = FileModificationTime(file);
+    const std::string path = RealPath(file);
+    return time == -1 ? path : path + "_" + std::to_string(time);
+}
+
 std::vector<std::string> TexturePaths::Candidates(const char* name) const {
     std::vector<std::string> candidates;
     if (*name == '\0') return candidates;

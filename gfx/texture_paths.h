@@ -10,6 +10,9 @@ namespace sparkrig {
 /// directory + "\" + name; no separator is added behind one.
 std::string JoinPath(const std::string& directory, const char* name);
 
+/// Under which a loaded file is shared: one key for every spelling, and another one when the file changes on disk.
+std::string FileKey(const char* file);
+
 class TexturePaths {
   public:
     void SetBasePath(const char* path) { base_ = path ? path : ""; }

@@ -46,7 +46,7 @@ void VertexListDrawer::Draw(KRN_VertexList& list, UINT first, int count) {
     bindings_.SetStreamSource(list.Buffer(), static_cast<UINT>(list.Layout().stride),
                               "SetStreamSource in DrawVertexList failed: ");
     bindings_.SetVertexFormat(list.Layout().format);
-    DrawWithEffect(effects_.ForDraw(list.Effect()), [&] {
+    DrawWithEffect(effects_.ForDraw(list.Effect()), {.blend_weights = list.Layout().weights}, [&] {
         statistics_.Count(primitives);
         if (statistics_.suppress_draws) return;
         const HRESULT result =

@@ -15,7 +15,6 @@ namespace sparkrig {
 /// looked up ignoring ASCII letter case. Components that are not found stay as they are, so that a new file can be
 /// made.
 std::string ResolvePath(const char* name);
-
 /// The absolute path of a file that exists, links followed; for any other name ResolvePath.
 std::string RealPath(const char* name);
 

@@ -82,7 +82,7 @@ TEST(ScreenTexture, APartIsGivenInPixelsAndMayBeTestedAgainstDepth) {
     KRN_Texture texture;
     gfx->CreateTexture(&texture, 16, 8, 4, -1, 1);
     gfx->SetTexture2D(&texture);
-    gfx->Parts().screen.SetDepthTest(true);
+    gfx->SetDepthTest2D(true);
     gfx->BeginScene();
     gfx->DrawTexture2D({10, 20, 30, 50}, {4, 1, 12, 7}, 0xFFFFFFFF, {0, 0, 0, 0});
     const std::vector<KRN_TLVertex> v = VerticesOf(gfx.recording.Draws()[0]);

@@ -70,7 +70,7 @@ TEST_F(ShaderEffectTest, ASecondLoadSharesWithoutCompiling) {
     WriteFile("a.fx", std::string("#define USE p\n") + kVertexFunction + kOneTechnique);
     KRN_ShaderEffect first, second, third;
     ASSERT_TRUE(gfx_->LoadShaderEffect(first, "a.fx", true, 0, true));
-    ASSERT_TRUE(gfx_->LoadShaderEffect(second, "a.fx", true, 0, true));
+    ASSERT_TRUE(gfx_->LoadShaderEffect(second, ".\\A.FX", true, 0, true));   // the same file
     EXPECT_EQ(gfx_.recording.Count("CreateVertexShader"), 1);
     EXPECT_EQ(first.Effect(), second.Effect());
     EXPECT_TRUE(second.IsValid());
@@ -390,20 +390,37 @@ TEST_F(ShaderEffectTest, BonesAreCutToTheRoomOfTheDevice) {
     EXPECT_EQ(FloatOf(effect, "NUMBLENDWEIGHTS"), 3.0f);
 }
 
-TEST_F(ShaderEffectTest, DrawersFillLightsOnDemandAndTheMaterialAlways) {
+TEST_F(ShaderEffectTest, DrawersFillLightsObjectAndMaterial) {
     KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect, "float4 a : AmbientColor; float b : SpecularPower; technique { pass { } }"));
+    ASSERT_TRUE(LoadText(effect,
+                         "float4 a : AmbientColor; float b : SpecularPower; float c : NUMBLENDWEIGHTS;"
+                         "technique { pass { } }"));
     D3DMATERIAL9 material = {};
+    material.Power = 3;
     gfx_->SetAmbient(0x00FF0000);
+    gfx_->SetMaterial(material);
+    KRN_VertexList list(PrimitiveMode::PointList, D3DFVF_XYZB2);
+    gfx_->CreateVertexList(&list, 1, 0, false);
+    list.SetEffect(&effect);
     gfx_->BeginScene();
-    gfx_->Parts().immediate.quad.SetEffect(&effect);
-    for (const bool lights : {false, true}) {
-        material.Power += 3;
-        gfx_->SetMaterial(material);
-        effect.SetLightSemantics(lights);
-        gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);
-        EXPECT_EQ(FloatOf(effect, "SpecularPower"), material.Power);
-        EXPECT_EQ(VectorOf(effect, "AmbientColor").x, lights ? 1.0f : 0.0f);
+    gfx_->DrawTriangleList(list, 0, -1);
+    EXPECT_EQ(FloatOf(effect, "SpecularPower"), 3.0f);
+    EXPECT_EQ(VectorOf(effect, "AmbientColor").x, 1.0f);
+    EXPECT_EQ(FloatOf(effect, "NUMBLENDWEIGHTS"), 2.0f);
+}
+
+TEST_F(ShaderEffectTest, ScreenDrawingHasAnEffectOfItsOwn) {
+    KRN_ShaderEffect effect;
+    KRN_Texture texture;
+    ASSERT_TRUE(LoadText(effect, "technique { pass { } pass { } }"));
+    gfx_->CreateTexture(&texture, 4, 4, 4, -1, 1);
+    gfx_->SetTexture2D(&texture);
+    gfx_->BeginScene();
+    for (KRN_ShaderEffect* chosen : {&effect, static_cast<KRN_ShaderEffect*>(nullptr)}) {
+        gfx_.recording.ForgetCalls();
+        gfx_->SetShaderEffect2D(chosen);
+        gfx_->DrawTexture2D({0, 0, 2, 2}, 0xFFFFFFFF, {0, 0, 0, 0});
+        EXPECT_EQ(gfx_.recording.Draws().size(), chosen ? 2u : 1u);
     }
 }
 
@@ -431,6 +448,12 @@ TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
 TEST_F(ShaderEffectTest, NumberedParametersComeBackAfterDrawing) {
     KRN_ShaderEffect effect;
     ASSERT_TRUE(LoadText(effect, "float a : fParam3 = 1.5; float4 b : vParam8 = {2, 3, 4, 5}; technique { pass { } }"));
+    KRN_ShaderEffect shared;
+    ASSERT_TRUE(gfx_->LoadShaderEffect(shared, "t.fx", true, 0, true));
+    EXPECT_FALSE(shared.SetNumberedParameter(2, 0.5f)) << "it has no fParam2";
+    for (const int number : {0, 9})
+        EXPECT_EQ(ErrorOf([&] { shared.SetNumberedParameter(number, D3DXVECTOR4()); }),
+                  "KRN_ShaderEffect: Invalid parameter number: " + std::to_string(number));
     for (const bool reapply : {false, true}) {
         effect.SetReapplyDefaults(reapply);
         effect.SetParameter(effect.ParameterBySemantic("fParam3"), 9.0f);
@@ -440,6 +463,14 @@ TEST_F(ShaderEffectTest, NumberedParametersComeBackAfterDrawing) {
         EXPECT_EQ(FloatOf(effect, "fParam3"), reapply ? 1.5f : 9.0f);
         EXPECT_EQ(VectorOf(effect, "vParam8"), reapply ? (D3DXVECTOR4{2, 3, 4, 5}) : (D3DXVECTOR4{6, 7, 8, 9}));
     }
+    EXPECT_TRUE(shared.SetNumberedParameter(3, 0.25f));
+    EXPECT_TRUE(shared.SetNumberedParameter(8, D3DXVECTOR4{5, 4, 3, 2}));
+    EXPECT_EQ(FloatOf(effect, "fParam3"), 0.25f);
+    effect.SetParameter(effect.ParameterBySemantic("fParam3"), 9.0f);
+    effect.Begin();
+    effect.End();
+    EXPECT_EQ(FloatOf(effect, "fParam3"), 0.25f) << "the override, not the effect's own";
+    EXPECT_EQ(VectorOf(effect, "vParam8"), (D3DXVECTOR4{5, 4, 3, 2}));
 }
 
 TEST_F(ShaderEffectTest, ResourceTexturesComeFromTheCatalogue) {
