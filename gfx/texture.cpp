@@ -6,6 +6,7 @@
 #include "gfx/gfx.h"
 #include "gfx/surface.h"
 #include "gfx/texture_registry.h"
+#include "platform/d3dx/d3dx_texture.h"
 
 namespace sparkrig {
 
@@ -18,9 +19,7 @@ void KRN_Texture::Release() {
     ReleaseFrames();
     for (Layer& layer : layers_) {
         ReleasePicture(layer.picture);
-        layer.default_pool = false;
         layer.name = "";
-        layer.time_stamp = 0;
     }
     screen_quad_.Reset();
 }
@@ -117,13 +116,32 @@ SampleAxis SamplesAlong(int size) {
 
 }   // namespace
 
+DevicePtr<IDirect3DTexture9> KRN_Texture::Lockable(IDirect3DTexture9& texture, const D3DSURFACE_DESC& desc) const {
+    const std::string& file = registry_->OriginOf(InUse().entry).file;
+    const bool lockable = desc.Pool != D3DPOOL_DEFAULT || (desc.Usage & D3DUSAGE_DYNAMIC) != 0;
+    if (lockable || file.empty()) return DevicePtr<IDirect3DTexture9>::Share(&texture);
+    DevicePtr<IDirect3DTexture9> copy;
+    const UINT width = InUse().texture_width, height = InUse().texture_height, levels = mip_level_ + 1;
+    const HRESULT result = D3DXCreateTextureFromFileExA(gfx_->Device(), file.c_str(), width, height, levels, 0,
+                                                        desc.Format, D3DPOOL_SYSTEMMEM, D3DX_FILTER_LINEAR,
+                                                        D3DX_FILTER_BOX, 0, nullptr, copy.Receive());
+    if (FAILED(result))
+        Error(" D3DXCreateTextureFromFileA failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
+    return copy;
+}
+
 void KRN_Texture::AnalyseAlpha() {
     partial_alpha_ = false;
     IDirect3DTexture9* const texture = DeviceTexture();
     D3DSURFACE_DESC desc;
     if (!texture || FAILED(texture->GetLevelDesc(mip_level_, &desc))) return;
     if (desc.Format != D3DFMT_A8R8G8B8 && desc.Format != D3DFMT_A4R4G4B4 && desc.Format != D3DFMT_DXT5) return;
-    Lock(nullptr, D3DLOCK_READONLY);
+    const DevicePtr<IDirect3DTexture9> lockable = Lockable(*texture, desc);
+    D3DLOCKED_RECT data = {};
+    const HRESULT result = lockable->LockRect(mip_level_, &data, nullptr, D3DLOCK_READONLY);
+    if (FAILED(result)) Error("LockRect failed: %s", DXGetErrorString9(result));
+    SetFormat(desc.Format);
+    BeginLock(nullptr, desc.Width, desc.Height, data);
     const SampleAxis across = SamplesAlong(static_cast<int>(desc.Width)),
                      down = SamplesAlong(static_cast<int>(desc.Height));
     for (int i = 0; i < across.count * down.count && !partial_alpha_; ++i) {
@@ -132,7 +150,9 @@ void KRN_Texture::AnalyseAlpha() {
         GetCompressedPix(x, y, colour);
         partial_alpha_ = colour >> 24 > 0 && colour >> 24 < 255;
     }
-    Unlock();
+    EndLock();
+    const HRESULT unlocked = lockable->UnlockRect(mip_level_);
+    if (FAILED(unlocked)) Error("UnlockRect failed: %s", DXGetErrorString9(unlocked));
 }
 
 // ---- Layers
@@ -201,7 +221,6 @@ void KRN_Texture::ReleasePicture(Picture& picture) {
 void KRN_Texture::ReleaseCurrent() {
     ReleasePicture(InUse());
     layers_[current_layer_].name = "";
-    layers_[current_layer_].time_stamp = 0;
 }
 
 void KRN_Texture::ReleaseFrames() {
@@ -210,32 +229,42 @@ void KRN_Texture::ReleaseFrames() {
     current_frame_ = 0;
 }
 
-void KRN_Texture::StartSequence(int frames) {
-    ReleaseFrames();
-    frames_.resize(static_cast<std::size_t>(frames));
-}
-
-void KRN_Texture::Adopt(int entry) {
-    Picture& picture = InUse();
-    ReleasePicture(picture);
-    picture.entry = entry;
+KRN_Texture::Picture KRN_Texture::PictureOfEntry(int entry) const {
     D3DSURFACE_DESC desc;
-    const HRESULT result = DeviceTexture()->GetLevelDesc(0, &desc);
-    if (FAILED(result)) Error("GetDesc failed: %s", DXGetErrorString9(result));
-    SetFormat(desc.Format);
-    layers_[current_layer_].default_pool = desc.Pool == D3DPOOL_DEFAULT;
+    const HRESULT result = registry_->Get(entry)->GetLevelDesc(0, &desc);
+    if (FAILED(result)) {
+        registry_->Release(entry);
+        Error("GetDesc failed: %s", DXGetErrorString9(result));
+    }
+    Picture picture;
+    picture.entry = entry;
+    picture.format = desc.Format;
+    picture.default_pool = desc.Pool == D3DPOOL_DEFAULT;
     picture.texture_width = desc.Width;
     picture.texture_height = desc.Height;
     picture.width = static_cast<float>(desc.Width);
     picture.height = static_cast<float>(desc.Height);
+    return picture;
 }
 
-void KRN_Texture::SetPictureSize(float width, float height) {
-    Picture& picture = InUse();
-    picture.width = width;
-    picture.height = height;
-    picture.rectangle.size_u = width / static_cast<float>(picture.texture_width);
-    picture.rectangle.size_v = height / static_cast<float>(picture.texture_height);
+void KRN_Texture::Picture::SetSize(float picture_width, float picture_height) {
+    width = picture_width;
+    height = picture_height;
+    rectangle.size_u = width / static_cast<float>(texture_width);
+    rectangle.size_v = height / static_cast<float>(texture_height);
+}
+
+void KRN_Texture::Show(const Picture& picture) {
+    ReleaseFrames();
+    ReleasePicture(InUse());
+    InUse() = picture;
+    SetFormat(picture.format);
+}
+
+void KRN_Texture::ShowFrames(std::vector<Picture> frames) {
+    ReleaseFrames();
+    frames_ = std::move(frames);
+    SetFormat(InUse().format);
 }
 
 }   // namespace sparkrig

@@ -55,7 +55,8 @@ class KRN_Texture final : public KRN_SurfaceBase {
     DevicePtr<IDirect3DSurface9> GetSurfaceLevel(UINT level);
     /// A rectangle only for textures of the default pool; others are filled whole.
     void Clear(D3DCOLOR colour, const RECT* rectangle);
-    /// Looks for alpha strictly between none and full in at most 64 x 64 samples.
+    /// Looks for alpha strictly between none and full in at most 64 x 64 samples. A picture of the default pool cannot
+    /// be locked: its file is read once more.
     void AnalyseAlpha();
 
     // ---- Layers. The current layer, 0 at first, is the one that loading and locking act on.
@@ -86,8 +87,8 @@ class KRN_Texture final : public KRN_SurfaceBase {
     IDirect3DTexture9* DeviceTexture() const;
     /// The name that the current layer, or the sequence, was loaded by; empty for created ones.
     const String& Name() const { return layers_[current_layer_].name; }
-    /// Seconds since 1970 of the current layer's file, 0 without one.
-    std::uint32_t TimeStamp() const { return layers_[current_layer_].time_stamp; }
+    /// Seconds since 1970 of the file of what is in use, 0 without one.
+    std::uint32_t TimeStamp() const { return InUse().time_stamp; }
     /// The registry index of what is in use, plus 1; 0 without a picture. Textures that share have the same.
     int Identifier() const { return InUse().entry + 1; }
     /// The video source of what is in use: 0 to 15, or -1.
@@ -120,16 +121,20 @@ class KRN_Texture final : public KRN_SurfaceBase {
     /// One device texture, by its registry entry, and the picture in it.
     struct Picture {
         int entry = -1;
+        D3DFORMAT format = D3DFMT_UNKNOWN;
+        bool default_pool = false;
         UINT texture_width = 0, texture_height = 0;   // level 0
+        std::uint32_t time_stamp = 0;                 // of its file
         float width = 0, height = 0;
         Rectangle rectangle;
         int video_source = -1;   // 0 to 15 where one shows in it
+
+        /// It covers only the upper left width x height pixels of its device texture.
+        void SetSize(float picture_width, float picture_height);
     };
     struct Layer {
         Picture picture;
-        bool default_pool = false;
         String name;
-        std::uint32_t time_stamp = 0;
         MapKind kind = MapKind::None;
         float amount = 1;
         KRN_TextMatrixAni animation;
@@ -142,6 +147,8 @@ class KRN_Texture final : public KRN_SurfaceBase {
     }
     Picture& InUse() { return frames_.empty() ? layers_[current_layer_].picture : frames_[current_frame_]; }
     IDirect3DTexture9* TextureOf(const Picture& picture) const;
+    /// A texture with the same pixels that can be locked.
+    DevicePtr<IDirect3DTexture9> Lockable(IDirect3DTexture9& texture, const D3DSURFACE_DESC& desc) const;
 
     // For the loader.
     void Attach(KRN_Gfx& gfx, TextureRegistry& registry);
@@ -149,11 +156,12 @@ class KRN_Texture final : public KRN_SurfaceBase {
     /// The picture in use, and what is known of its file.
     void ReleaseCurrent();
     void ReleaseFrames();
-    void StartSequence(int frames);
-    /// Puts an entry, one user of which it takes over, into use. The picture's size is the device texture's.
-    void Adopt(int entry);
-    /// The picture covers only the upper left width x height pixels of its device texture.
-    void SetPictureSize(float width, float height);
+    /// Of an entry, one user of which it takes over. The picture's size is the device texture's.
+    Picture PictureOfEntry(int entry) const;
+    /// In place of the picture in use, and of any sequence.
+    void Show(const Picture& picture);
+    /// In place of the sequence that was.
+    void ShowFrames(std::vector<Picture> frames);
 
     KRN_Gfx* gfx_ = nullptr;                // borrowed, since the first load
     TextureRegistry* registry_ = nullptr;   // borrowed, of gfx_

@@ -6,6 +6,7 @@
 #include "gfx/gfx_parts.h"
 #include "gfx/texture.h"
 #include "gfx/video_sources.h"
+#include "gfx/with_restore.h"
 
 namespace sparkrig {
 namespace {
@@ -82,10 +83,25 @@ void KRN_TextureCatalogue::LoadInto(KRN_Texture& texture, const TextureData& ent
     texture.Clear(kMissingFileColour, nullptr);
 }
 
+/// As it was loaded at first, whichever layer or frame is chosen now.
+void KRN_TextureCatalogue::LoadAgain(KRN_Texture& texture, const TextureData& entry) {
+    if (const int frame = texture.CurrentFrame(); texture.SequenceFrames() > 0) {
+        LoadInto(texture, entry);
+        if (frame < texture.SequenceFrames()) texture.SelectSequenceFrame(frame);
+        return;
+    }
+    const int layer = texture.CurrentLayer();
+    const auto load = [&] {
+        texture.SelectLayer(0, false);
+        LoadInto(texture, entry);
+    };
+    WithRestore(load, [&] { texture.SelectLayer(layer, false); });
+}
+
 void KRN_TextureCatalogue::Restore() {
     entries_.ResetIteration();
     while (TextureData* entry = entries_.GetNext())
-        if (entry->texture && !entry->texture->HasSurface()) LoadInto(*entry->texture, *entry);
+        if (entry->texture && !entry->texture->LayerTexture(0)) LoadAgain(*entry->texture, *entry);
 }
 
 }   // namespace sparkrig

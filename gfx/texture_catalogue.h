@@ -42,6 +42,7 @@ class KRN_TextureCatalogue : public KRN_Base {
     bool Insert(const char* name, const char* file, int load_parameter, bool flag);
     void WarnOfMissingFile(const char* file) const;
     void LoadInto(KRN_Texture& texture, const TextureData& entry);
+    void LoadAgain(KRN_Texture& texture, const TextureData& entry);
 
     KRN_Gfx& gfx_;
     SearchTree<TextureData> entries_;

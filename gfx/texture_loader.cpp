@@ -7,6 +7,7 @@
 #include "gfx/frame_list.h"
 #include "gfx/gfx.h"
 #include "gfx/texture.h"
+#include "platform/d3dx/image_file.h"
 #include "platform/d3dx/pixel_formats.h"
 #include "platform/system/system.h"
 
@@ -83,12 +84,13 @@ void TextureLoader::LoadTexture(KRN_Texture* texture, const char* file, D3DCOLOR
     if (name.empty()) gfx_.Error("Invalid file name in LoadTexture");
     texture->Attach(gfx_, registry_);
     if (IsVideoName(name.c_str())) {
-        texture->ReleaseFrames();
-        LoadVideoSource(*texture, name.c_str());
+        texture->Show(LoadVideoSource(*texture, name.c_str()));
     } else {
         const Request request = TakeApart(colour_key, parameter, format, mip_levels);
-        texture->ReleaseFrames();
-        if (!request.keeps_texture) texture->ReleaseCurrent();
+        if (!request.keeps_texture) {
+            texture->ReleaseFrames();
+            texture->ReleaseCurrent();
+        }
         LoadFile(*texture, name.c_str(), request);
     }
     texture->layers_[texture->current_layer_].name = name.c_str();
@@ -98,14 +100,14 @@ void TextureLoader::LoadFile(KRN_Texture& texture, const char* name, const Reque
     std::string found;
     if (!paths_.Find(name, found)) gfx_.Error("Can not open file %s", name);
     if (IsFrameListName(name))
-        LoadFrameList(texture, found, request);
+        texture.ShowFrames(LoadFrameList(texture, found, request));
     else
-        LoadPicture(texture, found, request);
+        texture.Show(LoadPicture(texture, found, request));
 }
 
 // ---- Video sources
 
-void TextureLoader::LoadVideoSource(KRN_Texture& texture, const char* name) {
+TextureLoader::Picture TextureLoader::LoadVideoSource(const KRN_Texture& texture, const char* name) {
     const long number = std::strtol(name + sizeof kVideoPrefix - 1, nullptr, 10);
     const int slot = static_cast<int>(std::clamp<long>(number, INT_MIN + 1, INT_MAX)) - 1;
     if (!VideoSources::IsSlot(slot)) gfx_.Error("Invalid video source for texture: %i", slot + 1);
@@ -122,41 +124,45 @@ void TextureLoader::LoadVideoSource(KRN_Texture& texture, const char* name) {
         source.texture = made;
         entry = registry_.Add(std::move(made), name);
     }
-    texture.Adopt(entry);
-    texture.SetPictureSize(static_cast<float>(source.width), static_cast<float>(source.height));
-    texture.InUse().video_source = slot;
-    texture.layers_[texture.current_layer_].time_stamp = 0;
+    Picture picture = texture.PictureOfEntry(entry);
+    picture.SetSize(static_cast<float>(source.width), static_cast<float>(source.height));
+    picture.video_source = slot;
+    return picture;
 }
 
 // ---- Image-file lists
 
-void TextureLoader::LoadFrameList(KRN_Texture& texture, const std::string& list, const Request& request) {
-    const std::vector<std::string> frames = ReadFrameList(gfx_, list.c_str());
+std::vector<TextureLoader::Picture> TextureLoader::LoadFrameList(const KRN_Texture& texture, const std::string& list,
+                                                                 const Request& request) {
+    const std::vector<std::string> names = ReadFrameList(gfx_, list.c_str());
     char directory[1024];
     GetDirectory(list.c_str(), directory, sizeof directory);
-    texture.StartSequence(static_cast<int>(frames.size()));
-    for (int i = 0; i < static_cast<int>(frames.size()); ++i) {
-        texture.SelectSequenceFrame(i);
-        const char* name = frames[i].c_str();
-        if (IsVideoName(name)) {
-            LoadVideoSource(texture, name);
-            continue;
-        }
-        validator_.CheckPath(name);
-        const std::string beside = *directory ? JoinPath(directory, name) : name;
-        std::string file = name;
-        if (!FileExists(name) && FileExists(beside.c_str()))
-            file = beside;
-        else if (!paths_.Find(name, file))
-            gfx_.Error("Can not open file %s", name);
-        LoadPicture(texture, file, request);
+    std::vector<Picture> frames;
+    try {
+        for (const std::string& name : names) frames.push_back(LoadFrame(texture, directory, name.c_str(), request));
+    } catch (const ErrorRecord&) {   // all frames or none
+        for (const Picture& frame : frames) registry_.Release(frame.entry);
+        throw;
     }
-    texture.SelectSequenceFrame(0);
+    return frames;
+}
+
+TextureLoader::Picture TextureLoader::LoadFrame(const KRN_Texture& texture, const char* directory, const char* name,
+                                                const Request& request) {
+    if (IsVideoName(name)) return LoadVideoSource(texture, name);
+    validator_.CheckPath(name);
+    const std::string beside = *directory ? JoinPath(directory, name) : name;
+    std::string file = name;
+    if (!FileExists(name) && FileExists(beside.c_str()))
+        file = beside;
+    else if (!paths_.Find(name, file))
+        gfx_.Error("Can not open file %s", name);
+    return LoadPicture(texture, file, request);
 }
 
 // ---- Image files
 
-void TextureLoader::LoadPlaceholder(KRN_Texture& texture) {
+TextureLoader::Picture TextureLoader::LoadPlaceholder(const KRN_Texture& texture) {
     if (!placeholder_) {
         auto made = std::make_unique<KRN_Texture>();
         CreateTexture(made.get(), kPlaceholderSize, kPlaceholderSize, -1, -1, 1);
@@ -165,8 +171,7 @@ void TextureLoader::LoadPlaceholder(KRN_Texture& texture) {
     }
     const int entry = placeholder_->InUse().entry;
     registry_.AddUser(entry);
-    texture.Adopt(entry);
-    texture.layers_[texture.current_layer_].time_stamp = 0;
+    return texture.PictureOfEntry(entry);
 }
 
 /// Width and height 0: the file's own.
@@ -176,14 +181,6 @@ struct TextureLoader::Plan {
     UINT levels;
     DWORD filter, mip_filter;
 };
-
-D3DXIMAGE_INFO TextureLoader::ReadInfo(const std::string& file) const {
-    D3DXIMAGE_INFO info;
-    const HRESULT result = D3DXGetImageInfoFromFileA(file.c_str(), &info);
-    if (FAILED(result))
-        gfx_.Error(" D3DXGetImageInfoFromFile failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
-    return info;
-}
 
 TextureLoader::Plan TextureLoader::MakePlan(const std::string& file, const D3DXIMAGE_INFO& info,
                                             const Request& request) const {
@@ -211,30 +208,43 @@ TextureLoader::Plan TextureLoader::MakePlan(const std::string& file, const D3DXI
 }
 
 int TextureLoader::LoadImageFile(const std::string& file, const std::string& key, const Request& request) {
-    const Plan plan = MakePlan(file, ReadInfo(file), request);
+    std::vector<BYTE> bytes;
+    D3DXIMAGE_INFO info = {};
+    HRESULT result = ReadWholeFile(file.c_str(), bytes) ? D3D_OK : D3DXERR_INVALIDDATA;
+    const UINT size = static_cast<UINT>(bytes.size());
+    if (SUCCEEDED(result)) result = D3DXGetImageInfoFromFileInMemory(bytes.data(), size, &info);
+    if (FAILED(result))
+        gfx_.Error(" D3DXGetImageInfoFromFile failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
+    const Plan plan = MakePlan(file, info, request);
     DevicePtr<IDirect3DTexture9> made;
-    const HRESULT result = D3DXCreateTextureFromFileExA(
-        gfx_.Device(), file.c_str(), plan.width, plan.height, plan.levels, request.usage, plan.format, request.pool,
-        plan.filter, plan.mip_filter, request.colour_key, nullptr, made.Receive());
+    result = D3DXCreateTextureFromFileInMemoryEx(gfx_.Device(), bytes.data(), size, plan.width, plan.height,
+                                                 plan.levels, request.usage, plan.format, request.pool, plan.filter,
+                                                 plan.mip_filter, request.colour_key, nullptr, made.Receive());
     if (FAILED(result))
         gfx_.Error(" D3DXCreateTextureFromFileA failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
-    return registry_.Add(std::move(made), key);
+    return registry_.Add(std::move(made), key, {file, info.Width, info.Height});
 }
 
-void TextureLoader::LoadPicture(KRN_Texture& texture, const std::string& file, const Request& request) {
+namespace {
+
+/// Shared is what is made the same way: a texture of the default pool goes with a reset and does not serve the others.
+std::string SharingKey(const char* file, DWORD usage, D3DPOOL pool) {
+    return FileKey(file) + "|" + std::to_string(usage) + "|" + std::to_string(pool);
+}
+
+}   // namespace
+
+TextureLoader::Picture TextureLoader::LoadPicture(const KRN_Texture& texture, const std::string& file,
+                                                  const Request& request) {
     if (settings_.placeholders) return LoadPlaceholder(texture);
-    // A file that changed on disk is not shared with its older copy.
-    const std::int32_t time = FileModificationTime(file.c_str());
-    const std::string on_disk = ResolvePath(file.c_str());
-    const std::string key = time == -1 ? on_disk : on_disk + "_" + std::to_string(time);
+    const std::string key = SharingKey(file.c_str(), request.usage, request.pool);
     int entry = settings_.sharing ? registry_.Share(key) : -1;
     if (entry < 0) entry = LoadImageFile(file, key, request);
-    texture.Adopt(entry);
-    if (!request.stretching) {
-        const D3DXIMAGE_INFO info = ReadInfo(file);
-        texture.SetPictureSize(static_cast<float>(info.Width), static_cast<float>(info.Height));
-    }
-    texture.layers_[texture.current_layer_].time_stamp = static_cast<std::uint32_t>(time);
+    Picture picture = texture.PictureOfEntry(entry);
+    const TextureOrigin& origin = registry_.OriginOf(entry);
+    if (!request.stretching) picture.SetSize(static_cast<float>(origin.width), static_cast<float>(origin.height));
+    picture.time_stamp = static_cast<std::uint32_t>(FileModificationTime(file.c_str()));
+    return picture;
 }
 
 // ---- Empty textures
@@ -254,8 +264,9 @@ void TextureLoader::CreateTexture(KRN_Texture* texture, UINT width, UINT height,
         gfx_.Device()->CreateTexture(DeviceSide(gfx_, width), DeviceSide(gfx_, height), static_cast<UINT>(mip_levels),
                                      usage, chosen, row->pool, made.Receive());
     if (FAILED(result)) gfx_.Error("CreateTexture failed: %s", DXGetErrorString9(result));
-    texture->Adopt(registry_.Add(std::move(made), ""));
-    texture->SetPictureSize(static_cast<float>(width), static_cast<float>(height));
+    Picture picture = texture->PictureOfEntry(registry_.Add(std::move(made), ""));
+    picture.SetSize(static_cast<float>(width), static_cast<float>(height));
+    texture->Show(picture);
 }
 
 }   // namespace sparkrig

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/file_validator.h"
+#include "gfx/texture.h"
 #include "gfx/texture_format.h"
 #include "gfx/texture_paths.h"
 #include "gfx/texture_registry.h"
@@ -15,7 +16,6 @@
 namespace sparkrig {
 
 class KRN_Gfx;
-class KRN_Texture;
 
 struct TextureSettings {
     bool sharing = true;
@@ -39,7 +39,7 @@ class TextureLoader {
     TextureLoader(KRN_Gfx& gfx, TextureRegistry& registry, VideoSources& videos);
     ~TextureLoader();
 
-    /// What the name says is loaded into the texture's current layer.
+    /// What the name says is loaded into the texture's current layer. A file is read once.
     void LoadTexture(KRN_Texture* texture, const char* name, D3DCOLOR colour_key, int parameter, int format,
                      int mip_levels);
     /// An empty texture in the current layer. Format -1 is the device's alpha format.
@@ -65,16 +65,17 @@ class TextureLoader {
     };
     /// How an image file becomes a texture.
     struct Plan;
+    using Picture = KRN_Texture::Picture;
 
     Request TakeApart(D3DCOLOR colour_key, int parameter, int format, int mip_levels) const;
     void LoadFile(KRN_Texture& texture, const char* name, const Request& request);
-    void LoadVideoSource(KRN_Texture& texture, const char* name);
-    void LoadFrameList(KRN_Texture& texture, const std::string& list, const Request& request);
-    void LoadPicture(KRN_Texture& texture, const std::string& file, const Request& request);
-    void LoadPlaceholder(KRN_Texture& texture);
+    Picture LoadVideoSource(const KRN_Texture& texture, const char* name);
+    std::vector<Picture> LoadFrameList(const KRN_Texture& texture, const std::string& list, const Request& request);
+    Picture LoadFrame(const KRN_Texture& texture, const char* directory, const char* name, const Request& request);
+    Picture LoadPicture(const KRN_Texture& texture, const std::string& file, const Request& request);
+    Picture LoadPlaceholder(const KRN_Texture& texture);
     int LoadImageFile(const std::string& file, const std::string& key, const Request& request);
     Plan MakePlan(const std::string& file, const D3DXIMAGE_INFO& info, const Request& request) const;
-    D3DXIMAGE_INFO ReadInfo(const std::string& file) const;
 
     KRN_Gfx& gfx_;
     TextureRegistry& registry_;

@@ -18,7 +18,7 @@ bool TextureRegistry::InDefaultPool(IDirect3DTexture9& texture) const {
     return desc.Pool == D3DPOOL_DEFAULT;
 }
 
-int TextureRegistry::Add(DevicePtr<IDirect3DTexture9> texture, const std::string& key) {
+int TextureRegistry::Add(DevicePtr<IDirect3DTexture9> texture, const std::string& key, const TextureOrigin& origin) {
     const bool default_pool = InDefaultPool(*texture);
     if (free_.empty()) {
         free_.push_back(static_cast<int>(entries_.size()));
@@ -26,7 +26,7 @@ int TextureRegistry::Add(DevicePtr<IDirect3DTexture9> texture, const std::string
     }
     const int index = free_.back();
     free_.pop_back();
-    entries_[index] = {std::move(texture), key, default_pool, 1};
+    entries_[index] = {std::move(texture), key, origin, default_pool, 1};
     if (!key.empty()) by_key_.try_emplace(key, index);
     if (default_pool) ++default_pool_textures_;
     ++created_;

@@ -9,6 +9,12 @@
 
 namespace sparkrig {
 
+/// Where a texture's picture came from; nothing for one that was made empty.
+struct TextureOrigin {
+    std::string file;             // under which it can be opened
+    UINT width = 0, height = 0;   // of the picture in it
+};
+
 /// An entry lives from Add until its last user lets go; its index is then used again. Around a reset the entries of
 /// the default pool stay, without their texture, until their users let go of them too.
 class TextureRegistry {
@@ -20,7 +26,7 @@ class TextureRegistry {
     ~TextureRegistry();
 
     /// A new entry with one user. Entries under the empty key are never shared.
-    int Add(DevicePtr<IDirect3DTexture9> texture, const std::string& key);
+    int Add(DevicePtr<IDirect3DTexture9> texture, const std::string& key, const TextureOrigin& origin = {});
     /// The entry under the key with one user more; -1 when there is none that holds a texture.
     int Share(const std::string& key);
     void AddUser(int index);
@@ -31,6 +37,9 @@ class TextureRegistry {
     bool IsPresent(int index) const { return Get(index) != nullptr; }
     /// Borrowed; null for -1 and for an entry whose texture went with a reset.
     IDirect3DTexture9* Get(int index) const;
+
+    /// Of an entry that exists.
+    const TextureOrigin& OriginOf(int index) const { return entries_[static_cast<std::size_t>(index)].origin; }
 
     /// Before a reset: lets go of every texture of the default pool.
     void ReleaseDefaultPool();
@@ -47,6 +56,7 @@ class TextureRegistry {
     struct Entry {
         DevicePtr<IDirect3DTexture9> texture;
         std::string key;
+        TextureOrigin origin;
         bool default_pool = false;
         int users = 0;   // 0: the slot is free
     };

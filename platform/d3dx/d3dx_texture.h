@@ -24,12 +24,18 @@ struct D3DXIMAGE_INFO {
 };
 
 HRESULT D3DXGetImageInfoFromFileA(const char* file, D3DXIMAGE_INFO* info);
+HRESULT D3DXGetImageInfoFromFileInMemory(const void* data, UINT bytes, D3DXIMAGE_INFO* info);
 
 /// Width and height: a number, D3DX_DEFAULT (rounded up to a power of two), D3DX_DEFAULT_NONPOW2 or D3DX_FROM_FILE.
 /// A colour key other than 0 makes the pixels that equal it transparent black.
 HRESULT D3DXCreateTextureFromFileExA(IDirect3DDevice9* device, const char* file, UINT width, UINT height, UINT levels,
                                      DWORD usage, D3DFORMAT format, D3DPOOL pool, DWORD filter, DWORD mip_filter,
                                      D3DCOLOR colour_key, D3DXIMAGE_INFO* info, IDirect3DTexture9** texture);
+/// The same from a file's bytes.
+HRESULT D3DXCreateTextureFromFileInMemoryEx(IDirect3DDevice9* device, const void* data, UINT bytes, UINT width,
+                                            UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
+                                            DWORD filter, DWORD mip_filter, D3DCOLOR colour_key, D3DXIMAGE_INFO* info,
+                                            IDirect3DTexture9** texture);
 
 /// CreateTexture with its parameters corrected first: size 0 becomes 1, levels 0 the full chain.
 HRESULT D3DXCreateTexture(IDirect3DDevice9* device, UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format,

@@ -1,4 +1,5 @@
-// D3DXCreateTextureFromFileExA in its steps: read, choose size, levels and format, key, scale, and fill level by level.
+// D3DXCreateTextureFromFileInMemoryEx in its steps: choose size, levels and format, key, scale, and fill level by
+// level.
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -14,15 +15,10 @@ namespace {
 
 /// A file's bytes, what its head says, and its largest level as pixels.
 struct Source {
-    std::vector<BYTE> bytes;
+    FileBytes bytes;
     D3DXIMAGE_INFO info;
     Image image;
 };
-
-HRESULT ReadSource(const char* file, Source& source) {
-    if (!ReadWholeFile(file, source.bytes)) return D3DXERR_INVALIDDATA;
-    return ReadImageInfo(source.bytes, source.info);
-}
 
 HRESULT DecodeSource(Source& source) {
     return source.image.pixels ? D3D_OK : DecodeImage(source.bytes, source.info, source.image);
@@ -128,6 +124,11 @@ HRESULT Fill(Source& source, DWORD filter, DWORD mip_filter, D3DCOLOR colour_key
 
 }   // namespace
 
+HRESULT D3DXGetImageInfoFromFileInMemory(const void* data, UINT bytes, D3DXIMAGE_INFO* info) {
+    if (!data || !info) return D3DERR_INVALIDCALL;
+    return ReadImageInfo({static_cast<const BYTE*>(data), bytes}, *info);
+}
+
 HRESULT D3DXGetImageInfoFromFileA(const char* file, D3DXIMAGE_INFO* info) {
     if (!file || !info) return D3DERR_INVALIDCALL;
     std::vector<BYTE> bytes;
@@ -139,8 +140,21 @@ HRESULT D3DXCreateTextureFromFileExA(IDirect3DDevice9* device, const char* file,
                                      D3DCOLOR colour_key, D3DXIMAGE_INFO* info, IDirect3DTexture9** texture) {
     if (!device || !file || !texture) return D3DERR_INVALIDCALL;
     *texture = nullptr;
-    Source source;
-    HRESULT result = ReadSource(file, source);
+    std::vector<BYTE> bytes;
+    if (!ReadWholeFile(file, bytes)) return D3DXERR_INVALIDDATA;
+    return D3DXCreateTextureFromFileInMemoryEx(device, bytes.data(), static_cast<UINT>(bytes.size()), width, height,
+                                               levels, usage, format, pool, filter, mip_filter, colour_key, info,
+                                               texture);
+}
+
+HRESULT D3DXCreateTextureFromFileInMemoryEx(IDirect3DDevice9* device, const void* data, UINT bytes, UINT width,
+                                            UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
+                                            DWORD filter, DWORD mip_filter, D3DCOLOR colour_key, D3DXIMAGE_INFO* info,
+                                            IDirect3DTexture9** texture) {
+    if (!device || !texture) return D3DERR_INVALIDCALL;
+    *texture = nullptr;
+    Source source = {.bytes = {static_cast<const BYTE*>(data), bytes}, .info = {}, .image = {}};
+    HRESULT result = ReadImageInfo(source.bytes, source.info);
     if (SUCCEEDED(result) && source.info.Format == D3DFMT_P8) result = DecodeSource(source);
     if (FAILED(result)) return result;
     const UINT w = ChooseSide(width, source.info.Width), h = ChooseSide(height, source.info.Height);

@@ -113,9 +113,12 @@ TEST_F(TextureCatalogue, ABrokenPictureIsAnErrorAtEveryUse) {
 TEST_F(TextureCatalogue, BorrowedTexturesSurviveAReset) {
     Load("\"smoke\" = \"a.png\"\n");
     KRN_Texture* const smoke = catalogue_.GetTexture("smoke");
+    smoke->SelectLayer(2, false);   // the catalogue's picture is that of layer 0, whatever is chosen
     gfx_->ResetDevice(nullptr, -1);
     catalogue_.Restore();
-    EXPECT_TRUE(smoke->HasSurface());
+    EXPECT_NE(smoke->LayerTexture(0), nullptr);
+    EXPECT_EQ(smoke->LayerTexture(2), nullptr);
+    EXPECT_EQ(smoke->CurrentLayer(), 2);
     EXPECT_EQ(gfx_.recording.LiveDefaultPoolObjects() > 0, true);
 }
 

@@ -1,4 +1,8 @@
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <functional>
 
 #include "gfx/frame_list.h"
 #include "gfx/gfx_parts.h"
@@ -158,6 +162,49 @@ TEST_F(TextureLoading, SharesAFileUntilItChanges) {
     EXPECT_EQ(Registry().Created(), 3u);
 }
 
+/// How often a file is opened while something is done.
+int Opens(const char* file, const std::function<void()>& action) {
+    const int notices = inotify_init1(IN_NONBLOCK);
+    inotify_add_watch(notices, file, IN_OPEN);
+    action();
+    char buffer[4096];
+    const ssize_t bytes = read(notices, buffer, sizeof buffer);
+    close(notices);
+    return bytes < 0 ? 0 : static_cast<int>(bytes / static_cast<ssize_t>(sizeof(inotify_event)));
+}
+
+TEST_F(TextureLoading, ReadsAPictureOnce) {
+    WritePng("a.png", 6, 3);
+    KRN_Texture other;
+    EXPECT_EQ(Opens("a.png", [&] { Load("a.png"); }), 1);
+    EXPECT_EQ(Opens("a.png", [&] { Load("a.png", 1 | kLoadWithoutStretching); }), 1);
+    EXPECT_EQ(Opens("a.png", [&] { gfx_->LoadTexture(&other, "./a.png", 0, 1 | kLoadWithoutStretching); }), 0);
+    EXPECT_EQ(other.Width(), 6.0f);
+}
+
+TEST_F(TextureLoading, APictureOfTheManagedPoolStaysWhateverElseHasItsFile) {
+    WritePng("a.png", 2, 2);
+    KRN_Texture default_pool;
+    gfx_->LoadTexture(&default_pool, "a.png", 0, 1);
+    Load("a.png", 0);
+    gfx_->ResetDevice(nullptr, -1);
+    EXPECT_TRUE(texture_.HasSurface());
+}
+
+TEST_F(TextureLoading, AlphaOfADefaultPoolPictureIsReadFromItsFile) {
+    TestPicture picture = TestPicture::Pattern(8, 8, false);
+    for (const bool partial : {false, true}) {
+        if (partial) picture.pixels[5 * 8 + 3] = 0x80112233;   // on a sample
+        const std::string name = partial ? "partial.png" : "full.png";
+        WriteFile(name, PngFile(picture, 4));
+        Load(name.c_str(), 1);
+        texture_.AnalyseAlpha();
+        EXPECT_EQ(texture_.HasPartialAlpha(), partial);
+    }
+    gfx_->CreateTexture(&texture_, 8, 8, 1, -1, 1);
+    EXPECT_EQ(ErrorOf([&] { texture_.AnalyseAlpha(); }), "KRN_Texture: LockRect failed: D3DERR_INVALIDCALL");
+}
+
 TEST_F(TextureLoading, ReleasesWithItsLastUser) {
     WritePng("a.png", 2, 2);
     const int before = gfx_.recording.LiveObjects();
@@ -176,8 +223,16 @@ TEST_F(TextureLoading, ReleasesWithItsLastUser) {
 TEST_F(TextureLoading, KeepsThePresentTextureWhileAnotherLoadsIfAsked) {
     WritePng("a.png", 2, 2);
     Load("a.png");
-    LoadError("gone.png", kLoadKeepsTexture);
-    EXPECT_TRUE(texture_.HasSurface());
+    WriteFile("half.ifl", "a.png\ngone.png\n");
+    for (const char* name : {"gone.png", "half.ifl"}) {
+        LoadError(name, kLoadKeepsTexture);
+        EXPECT_TRUE(texture_.HasSurface()) << name;
+    }
+    WriteFile("one.ifl", "a.png\n");
+    Load("one.ifl");
+    LoadError("half.ifl", kLoadKeepsTexture);
+    EXPECT_EQ(texture_.SequenceFrames(), 1);
+    EXPECT_EQ(Registry().Count(), 1);
     LoadError("gone.png", 0);
     EXPECT_FALSE(texture_.HasSurface());
 }
