@@ -7,8 +7,6 @@ namespace sparkrig {
 namespace {
 
 constexpr DWORD kClipping = TRUE, kPatchEdgeStyle = 0;   // kept numbers that nothing else sets
-constexpr int kDefaultStages = 3;                        // stages that get default samplers
-constexpr int kLinearMipmaps = 2;
 
 LONG Width(const RECT& rectangle) { return rectangle.right - rectangle.left; }
 LONG Height(const RECT& rectangle) { return rectangle.bottom - rectangle.top; }
@@ -22,16 +20,6 @@ D3DPRESENT_PARAMETERS PresentParameters(GfxParts& parts) {
 void SetWholeViewport(GfxParts& parts) {
     const D3DVIEWPORT9 whole = {0, 0, parts.targets.Width(), parts.targets.Height(), 0.0f, 1.0f};
     SetViewport(parts, whole);
-}
-
-void SetDefaultSamplers(GfxParts& parts) {
-    for (int stage = 0; stage < kDefaultStages; ++stage) {
-        parts.samplers.SetMipmaps(kLinearMipmaps, 0.0f, stage);
-        parts.samplers.SetAddressU(D3DTADDRESS_WRAP, stage);
-        parts.samplers.SetAddressV(D3DTADDRESS_WRAP, stage);
-        parts.samplers.SetMagFilter(D3DTEXF_LINEAR, stage);
-        parts.samplers.SetMinFilter(D3DTEXF_LINEAR, stage);
-    }
 }
 
 // ---- Creation
@@ -67,7 +55,7 @@ void SetLastStates(GfxParts& parts) {
     parts.text_drawer.CreateVertexList();
     parts.lighting.SetNormalizeNormals(true);
     parts.bindings.SetSoftwareProcessing(false);
-    SetDefaultSamplers(parts);
+    parts.samplers.SetDefaults();
     parts.culling.Set(-1);
     parts.fog.Set(FogSettings());
     parts.fog.Enable(false);
@@ -140,13 +128,10 @@ void ReapplyStates(GfxParts& parts, UINT old_width, UINT old_height) {
     parts.sender.SendRenderState(D3DRS_CLIPPING, kClipping);
     parts.alpha_test.Reapply();
     parts.sender.SendRenderState(D3DRS_PATCHEDGESTYLE, kPatchEdgeStyle);
-    parts.samplers.SetMipmaps(parts.samplers.MipmapMode(), parts.samplers.MipmapBias(), 0);
-    parts.points.SetFillMode(parts.points.FillMode(), nullptr);
+    parts.points.Reapply();
     parts.depth.Reapply();
-    parts.samplers.SetAddressU(parts.samplers.AddressU(0), 0);
-    parts.samplers.SetAddressV(parts.samplers.AddressV(0), 0);
+    parts.samplers.Reapply();
     parts.gamma.Reapply();
-    SetDefaultSamplers(parts);
 }
 
 /// What creation set and the program may have changed since, beyond the states above.
@@ -163,8 +148,6 @@ void ReapplyRest(GfxParts& parts) {
 void InitDevice(GfxParts& parts, const DeviceRequest& request) {
     ChooseDisplayMode(parts, request);
     const D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
-    parts.alpha_format = AlphaFormatOf(parts.presentation.mode.Format);
-    parts.opaque_format = OpaqueFormatOf(parts.presentation.mode.Format);
     parts.graphics.Create(parts.presentation.window, request.choice, parameters);
     ForgetDeviceStates(parts);
     SetFirstStates(parts);

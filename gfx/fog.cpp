@@ -8,6 +8,7 @@ void FogState::Set(const FogSettings& settings) {
     if (settings.vertex_fog) {
         sender_.SetRenderState(D3DRS_FOGVERTEXMODE, settings.mode);
         sender_.SetRenderState(D3DRS_RANGEFOGENABLE, DWORD{TRUE});
+        sender_.SetRenderState(D3DRS_FOGTABLEMODE, DWORD{D3DFOG_NONE});   // which would go before
     } else {
         sender_.SetRenderState(D3DRS_FOGTABLEMODE, settings.mode);
     }

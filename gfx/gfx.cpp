@@ -52,12 +52,12 @@ void KRN_Gfx::GetAdapterDisplayMode(D3DDISPLAYMODE& mode) const {
 }
 bool KRN_Gfx::FindDisplayMode(D3DDISPLAYMODE& mode) const { return sparkrig::FindDisplayMode(parts_->graphics, mode); }
 bool KRN_Gfx::CheckTextureFormat(D3DFORMAT format, int usage_mode) const {
-    return sparkrig::CheckTextureFormat(parts_->graphics, parts_->opaque_format, format, usage_mode);
+    return sparkrig::CheckTextureFormat(parts_->graphics, OpaqueFormat(), format, usage_mode);
 }
 void KRN_Gfx::GetCaps(D3DCAPS9& caps) const { caps = parts_->graphics.Caps(); }
 const D3DCAPS9& KRN_Gfx::Caps() const { return parts_->graphics.Caps(); }
-D3DFORMAT KRN_Gfx::AlphaFormat() const { return parts_->alpha_format; }
-D3DFORMAT KRN_Gfx::OpaqueFormat() const { return parts_->opaque_format; }
+D3DFORMAT KRN_Gfx::AlphaFormat() const { return AlphaFormatOf(DisplayFormat()); }
+D3DFORMAT KRN_Gfx::OpaqueFormat() const { return OpaqueFormatOf(DisplayFormat()); }
 D3DFORMAT KRN_Gfx::DisplayFormat() const { return parts_->presentation.mode.Format; }
 bool KRN_Gfx::HardwareVertexProcessing() const { return parts_->graphics.HardwareProcessing(); }
 double KRN_Gfx::DeviceSeconds() const { return parts_->graphics.Environment().seconds() - parts_->created_at; }

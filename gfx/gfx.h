@@ -92,7 +92,8 @@ class KRN_Gfx final : public KRN_Base {
     int SetAddressModeV(DWORD mode, int stage);
     void SetFillMode(int mode, const PointSpriteSettings* settings);
     void SetPointSprite(const PointSpriteSettings& settings, bool device_limit);
-    /// With lighting off, `colour`, if given, stands in for the vertices' diffuse colour (see SetTexture).
+    /// `colour`, if given, is the ambient light; with lighting off it stands in for the vertices' diffuse colour (see
+    /// SetTexture).
     void SetLighting(bool on, const D3DCOLOR* colour);
     bool Lighting() const;
     void EndLightingOverride();

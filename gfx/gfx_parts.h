@@ -59,7 +59,6 @@ struct GfxParts {
     // Presentation
     PresentationSettings presentation;
     RECT client_rectangle = {};
-    D3DFORMAT alpha_format = D3DFMT_UNKNOWN, opaque_format = D3DFMT_UNKNOWN;
     StateSender sender{graphics};
     RenderTargets targets{sender};
     FrameTimeRing frames;

@@ -6,7 +6,11 @@ void LightingState::Set(bool on, const D3DCOLOR* colour) {
     sender_.SetRenderState(D3DRS_LIGHTING, DWORD{on});
     on_ = on;
     colour_.reset();
-    if (!on && colour) colour_ = *colour;
+    if (!colour) return;
+    if (on)
+        SetAmbient(*colour);
+    else
+        colour_ = *colour;
 }
 
 void LightingState::PushOff() {

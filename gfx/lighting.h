@@ -10,7 +10,7 @@ class LightingState {
   public:
     explicit LightingState(StateSender& sender) : sender_(sender) {}
 
-    /// With lighting off, `colour`, if given, stands in for the vertices' diffuse colour.
+    /// `colour`, if given, is the ambient light; with lighting off it stands in for the vertices' diffuse colour.
     void Set(bool on, const D3DCOLOR* colour);
     bool On() const { return on_; }
     /// The colour that stands in for the diffuse one, with lighting off; null for none.

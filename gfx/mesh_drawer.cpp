@@ -46,7 +46,7 @@ bool MeshDrawer::Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world) {
 }
 
 void MeshDrawer::PrepareStates(const DeviceMesh& buffers, bool world_given) {
-    sender_.SetRenderState(D3DRS_POINTSPRITEENABLE, DWORD{FALSE});
+    points_.SwitchOff();
     sender_.SetStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_DISABLE);
     bindings_.SetSoftwareProcessing(buffers.software_processing);
     if (!world_given && points_.FillMode() == static_cast<int>(D3DFILL_POINT)) points_.Apply(points_.Settings(), false);

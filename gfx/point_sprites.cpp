@@ -27,12 +27,23 @@ void PointSprites::Apply(const PointSpriteSettings& settings, bool device_limit)
     sender_.SetRenderState(D3DRS_POINTSPRITEENABLE, DWORD{settings.sprites});
     sender_.SetRenderState(D3DRS_POINTSCALEENABLE, DWORD{settings.scaling});
     sender_.SetRenderState(D3DRS_POINTSIZE, settings.size);
+    applied_ = {settings, device_limit};
     if (!settings.scaling) return;
     sender_.SetRenderState(D3DRS_POINTSIZE_MIN, settings.min_size);
     sender_.SetRenderState(D3DRS_POINTSIZE_MAX, LimitedSize(settings.max_size, device_limit));
     sender_.SetRenderState(D3DRS_POINTSCALE_A, settings.scale_a);
     sender_.SetRenderState(D3DRS_POINTSCALE_B, settings.scale_b);
     sender_.SetRenderState(D3DRS_POINTSCALE_C, settings.scale_c);
+}
+
+void PointSprites::SwitchOff() {
+    sender_.SetRenderState(D3DRS_POINTSPRITEENABLE, DWORD{FALSE});
+    if (applied_) applied_->settings.sprites = false;
+}
+
+void PointSprites::Reapply() {
+    sender_.SetRenderState(D3DRS_FILLMODE, static_cast<DWORD>(fill_mode_));
+    if (applied_) Apply(applied_->settings, applied_->device_limit);
 }
 
 }   // namespace sparkrig

@@ -1,5 +1,7 @@
 // Filled, wire or points; and how large points are.
 #pragma once
+#include <optional>
+
 #include "gfx/point_sprite_settings.h"
 #include "gfx/state_sender.h"
 
@@ -14,6 +16,10 @@ class PointSprites {
     int FillMode() const { return fill_mode_; }
     /// With the device limit the largest size is the device's own, else at most 64.
     void Apply(const PointSpriteSettings& settings, bool device_limit);
+    /// What is drawn next is no point sprite.
+    void SwitchOff();
+    /// After a reset.
+    void Reapply();
     const PointSpriteSettings& Settings() const { return settings_; }
 
   private:
@@ -21,7 +27,12 @@ class PointSprites {
 
     StateSender& sender_;
     int fill_mode_ = static_cast<int>(D3DFILL_SOLID);
-    PointSpriteSettings settings_;
+    PointSpriteSettings settings_;   // of points as fill mode
+    struct Applied {
+        PointSpriteSettings settings;
+        bool device_limit;
+    };
+    std::optional<Applied> applied_;   // as the device has them; nothing before the first
 };
 
 }   // namespace sparkrig

@@ -78,8 +78,7 @@ int SamplerSettings::SetAddressV(DWORD mode, int stage) {
 
 int SamplerSettings::SetMipmaps(int mode, float bias, int stage) {
     const DWORD sampler = Stage(stage);
-    mipmap_mode_ = mode;
-    mipmap_bias_ = bias;
+    last_mipmaps_ = {mode, bias};
     const D3DCAPS9& caps = sender_.Graphics().Caps();
     if (!(caps.TextureCaps & D3DPTEXTURECAPS_MIPMAP)) return 0;
     if (mode < 0 || mode > 2) sender_.Reporter().Error("Wrong mipmap mode!");
@@ -87,7 +86,31 @@ int SamplerSettings::SetMipmaps(int mode, float bias, int stage) {
     if (caps.RasterCaps & D3DPRASTERCAPS_MIPMAPLODBIAS) {
         sender_.SetSamplerState(sampler, D3DSAMP_MIPMAPLODBIAS, std::bit_cast<DWORD>(bias));
     }
+    mipmaps_[sampler] = last_mipmaps_;
     return 1;
+}
+
+void SamplerSettings::SetDefaults() {
+    constexpr int kStages = 3, kLinearMipmaps = 2;
+    for (int stage = 0; stage < kStages; ++stage) {
+        SetMipmaps(kLinearMipmaps, 0.0f, stage);
+        SetAddressU(D3DTADDRESS_WRAP, stage);
+        SetAddressV(D3DTADDRESS_WRAP, stage);
+        SetMagFilter(D3DTEXF_LINEAR, stage);
+        SetMinFilter(D3DTEXF_LINEAR, stage);
+    }
+}
+
+void SamplerSettings::Reapply() {
+    const Mipmaps last = last_mipmaps_;
+    for (int stage = 0; stage < static_cast<int>(kTextureStages); ++stage) {
+        if (const auto mipmaps = mipmaps_[stage]) SetMipmaps(mipmaps->mode, mipmaps->bias, stage);
+        SetAddressU(address_u_[stage], stage);
+        SetAddressV(address_v_[stage], stage);
+        if (mag_filter_[stage] != 0) SetMagFilter(mag_filter_[stage], stage);
+        if (min_filter_[stage] != 0) SetMinFilter(min_filter_[stage], stage);
+    }
+    last_mipmaps_ = last;
 }
 
 }   // namespace sparkrig

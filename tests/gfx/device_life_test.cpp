@@ -158,7 +158,7 @@ TEST(Reset, AppliesTheKeptStatesInOrder) {
 
 TEST(Reset, TakesAnotherModeAndVsync) {
     RecordedGfx gfx(RecordedGfx::State::Constructed);
-    const D3DDISPLAYMODE first = {800, 600, 85, D3DFMT_X8R8G8B8}, second = {1024, 768, 72, D3DFMT_X8R8G8B8};
+    const D3DDISPLAYMODE first = {800, 600, 85, D3DFMT_X8R8G8B8}, second = {1024, 768, 72, D3DFMT_R5G6B5};
     gfx->InitDevice(FakeWindow(), 0, &first, 16, 1, 1, 0, 0);
     gfx.recording.ForgetCalls();
     gfx->ResetDevice(&second, 3);
@@ -166,6 +166,40 @@ TEST(Reset, TakesAnotherModeAndVsync) {
     const std::vector<DWORD> expected = {1024, 768, D3DPRESENT_INTERVAL_THREE};
     EXPECT_THAT(gfx.recording.ArgumentsOf("Reset"), ElementsAre(expected, expected));
     EXPECT_EQ(gfx->Viewport().Width, 1024u);
+    EXPECT_EQ(gfx->AlphaFormat(), D3DFMT_R5G6B5);
+    EXPECT_EQ(gfx->OpaqueFormat(), D3DFMT_R5G6B5);
+}
+
+TEST(Reset, LeavesSamplersAndPointSpritesAsTheyWereSet) {
+    RecordedGfx gfx;
+    PointSpriteSettings points;
+    points.size = 7;
+    points.sprites = points.scaling = true;
+    points.scale_b = 0.5f;
+    gfx->SetPointSprite(points, true);
+    gfx->SetTextureFilter(2, 0);
+    gfx->SetTextureFilter(8, 0);
+    gfx->SetMipmapMode(1, 0.25f, 0);
+    gfx->SetMipmapMode(0, -0.5f, 2);
+    gfx->SetAddressModeV(D3DTADDRESS_MIRROR, 4);
+    gfx->ResetDevice(nullptr, -1);
+    const std::tuple<DWORD, D3DSAMPLERSTATETYPE, DWORD> samplers[] = {
+        {0, D3DSAMP_MAGFILTER, D3DTEXF_POINT},    {0, D3DSAMP_MINFILTER, D3DTEXF_LINEAR},
+        {0, D3DSAMP_ADDRESSU, D3DTADDRESS_CLAMP}, {0, D3DSAMP_MIPFILTER, D3DTEXF_POINT},
+        {0, D3DSAMP_MIPMAPLODBIAS, Bits(0.25f)},  {1, D3DSAMP_MIPFILTER, D3DTEXF_LINEAR},
+        {2, D3DSAMP_MIPFILTER, D3DTEXF_NONE},     {4, D3DSAMP_ADDRESSV, D3DTADDRESS_MIRROR}};
+    for (const auto& [stage, type, expected] : samplers) {
+        DWORD value = 999;
+        gfx->Device()->GetSamplerState(stage, type, &value);
+        EXPECT_EQ(value, expected) << stage << " " << type;
+    }
+    EXPECT_EQ(gfx->MipmapBias(), -0.5f) << "as set last";
+    for (const auto& [state, expected] :
+         {std::pair{D3DRS_POINTSPRITEENABLE, DWORD{1}}, {D3DRS_POINTSIZE, Bits(7)}, {D3DRS_POINTSCALE_B, Bits(0.5f)}}) {
+        DWORD value = 999;
+        gfx->Device()->GetRenderState(state, &value);
+        EXPECT_EQ(value, expected) << state;
+    }
 }
 
 TEST(Reset, AViewportInsideStaysAndAWholeOneFollows) {

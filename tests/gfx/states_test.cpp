@@ -208,6 +208,8 @@ TEST(Fog, SendsWhatItsModeNeeds) {
     EXPECT_THAT(gfx.recording.Sent(D3DRS_RANGEFOGENABLE), IsEmpty());
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGDENSITY), ElementsAre(Bits(0.3f)));
     EXPECT_EQ(gfx->Fog().end, 345.0f) << "kept all the same";
+    gfx->SetFog({0xFF204060, D3DFOG_EXP2, true, 12.0f, 345.0f, 0.3f});
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGTABLEMODE), ElementsAre(2, 0)) << "which would go before the vertices' fog";
     gfx->SetFogEnable(true);
     EXPECT_TRUE(gfx->FogEnable());
 }
@@ -231,6 +233,7 @@ TEST(Lighting, AColourStandsInWhileItIsOff) {
     const D3DCOLOR colour = 0xFF336699;
     gfx->SetLighting(true, &colour);
     EXPECT_EQ(lighting.Colour(), nullptr);
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_AMBIENT), ElementsAre(colour));
     gfx->SetLighting(false, &colour);
     ASSERT_NE(lighting.Colour(), nullptr);
     EXPECT_EQ(*lighting.Colour(), colour);
