@@ -8,7 +8,7 @@
 
 #include "gfx/pass_target.h"
 #include "gfx/shader_effect_semantics.h"
-#include "platform/d3d9/device_ptr.h"
+#include "platform/com/device_ptr.h"
 
 namespace sparkrig {
 

@@ -4,24 +4,16 @@
 // Only what the program calls is here. Objects are reference-counted; a Get function that returns an object adds a
 // reference for the caller. Above the layer every reference sits in a DevicePtr.
 #pragma once
+#include "platform/com/device_ptr.h"
+#include "platform/com/unknown.h"
 #include "platform/d3d9/d3d9_constants.h"
 #include "platform/d3d9/d3d9_types.h"
-#include "platform/d3d9/device_ptr.h"
 #include "platform/d3d9/shader_code.h"
 #include "platform/system/result_codes.h"
 
 namespace sparkrig {
 
 class IDirect3DDevice9;
-
-class IUnknown {
-  public:
-    virtual ULONG AddRef() = 0;
-    virtual ULONG Release() = 0;
-
-  protected:
-    ~IUnknown() = default;
-};
 
 class IDirect3DSurface9 : public IUnknown {
   public:

@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/com/ref_counted.h"
 #include "platform/d3d9/d3d9.h"
-#include "platform/d3d9/ref_counted.h"
 #include "platform/d3d9_gl/gl_context.h"
 
 namespace sparkrig {

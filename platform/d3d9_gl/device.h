@@ -1,8 +1,8 @@
 // The device on OpenGL: checks each call by the rules of the contract, keeps the state, and leaves drawing to the
 // pipeline, showing to the presenter.
 #pragma once
+#include "platform/com/ref_counted.h"
 #include "platform/d3d9/d3d9.h"
-#include "platform/d3d9/ref_counted.h"
 #include "platform/d3d9_gl/buffers.h"
 #include "platform/d3d9_gl/draw_pipeline.h"
 #include "platform/d3d9_gl/presenter.h"

@@ -1,7 +1,7 @@
 // The object that lists adapters and makes devices.
 #pragma once
+#include "platform/com/ref_counted.h"
 #include "platform/d3d9/d3d9.h"
-#include "platform/d3d9/ref_counted.h"
 
 namespace sparkrig {
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/com/ref_counted.h"
 #include "platform/d3d9/d3d9.h"
-#include "platform/d3d9/ref_counted.h"
 #include "platform/d3d9_gl/formats.h"
 #include "platform/d3d9_gl/gl_context.h"
 

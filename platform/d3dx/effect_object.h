@@ -2,8 +2,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/d3d9/device_ptr.h"
-#include "platform/d3d9/ref_counted.h"
+#include "platform/com/device_ptr.h"
+#include "platform/com/ref_counted.h"
 #include "platform/d3dx/d3dx_effect.h"
 #include "platform/d3dx/effect_program.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/com/ref_counted.h"
 #include "platform/d3d9/d3d9.h"
-#include "platform/d3d9/ref_counted.h"
 #include "platform/d3dx/d3dx_effect.h"
 #include "platform/d3dx/effect_file.h"
 

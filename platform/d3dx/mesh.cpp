@@ -4,7 +4,7 @@
 #include <numeric>
 #include <vector>
 
-#include "platform/d3d9/ref_counted.h"
+#include "platform/com/ref_counted.h"
 #include "platform/d3dx/d3dx_mesh.h"
 
 namespace sparkrig {

@@ -1,6 +1,7 @@
 // The keyboard as DirectInput gives it: a snapshot of 256 keys, numbered by their position on a US keyboard.
 #pragma once
-#include "platform/d3d9/device_ptr.h"
+#include "platform/com/device_ptr.h"
+#include "platform/com/unknown.h"
 #include "platform/system/result_codes.h"
 
 namespace sparkrig {
@@ -20,10 +21,8 @@ enum KeyCode : int {
 };
 // clang-format on
 
-class IDirectInputDevice8 {
+class IDirectInputDevice8 : public IUnknown {
   public:
-    virtual ULONG AddRef() = 0;
-    virtual ULONG Release() = 0;
     /// The keyboard is the only format there is.
     virtual HRESULT SetDataFormat() = 0;
     virtual HRESULT SetCooperativeLevel(HWND window, DWORD flags) = 0;
@@ -35,10 +34,8 @@ class IDirectInputDevice8 {
     ~IDirectInputDevice8() = default;
 };
 
-class IDirectInput8 {
+class IDirectInput8 : public IUnknown {
   public:
-    virtual ULONG AddRef() = 0;
-    virtual ULONG Release() = 0;
     virtual HRESULT CreateDevice(IDirectInputDevice8** keyboard) = 0;
 
   protected:

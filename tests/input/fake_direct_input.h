@@ -2,7 +2,7 @@
 #pragma once
 #include <cstring>
 
-#include "platform/d3d9/ref_counted.h"
+#include "platform/com/ref_counted.h"
 #include "platform/dinput/dinput.h"
 
 namespace sparkrig {

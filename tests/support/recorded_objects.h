@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/d3d9/ref_counted.h"
+#include "platform/com/ref_counted.h"
 #include "tests/support/recording.h"
 
 namespace sparkrig {

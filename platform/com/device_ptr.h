@@ -1,3 +1,4 @@
+// Who holds an object of the layer.
 #pragma once
 #include <utility>
 

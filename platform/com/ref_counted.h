@@ -1,3 +1,4 @@
+// How an object of the layer counts who holds it.
 #pragma once
 #include <utility>
 
