@@ -1,6 +1,6 @@
 #pragma once
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 
 namespace sparkrig {
 

@@ -10,7 +10,7 @@
 #include "app/tester_commands.h"
 #include "effects/effect_drawing.h"
 #include "effects/visual_effect_system_parts.h"
-#include "gfx/texture_catalogue.h"
+#include "gfx/textures/texture_catalogue.h"
 
 namespace sparkrig {
 

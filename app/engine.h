@@ -6,9 +6,9 @@
 #include "app/tester_state.h"
 #include "app/video_generator.h"
 #include "effects/visual_effect_system.h"
-#include "gfx/font.h"
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
+#include "gfx/text/font.h"
+#include "gfx/textures/texture.h"
 #include "input/input.h"
 #include "input/input_keyboard.h"
 

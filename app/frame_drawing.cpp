@@ -7,7 +7,7 @@
 #include "app/overlay.h"
 #include "app/stage_mesh.h"
 #include "app/tester_commands.h"
-#include "gfx/with_restore.h"
+#include "gfx/device/with_restore.h"
 
 namespace sparkrig {
 

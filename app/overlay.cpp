@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "gfx/with_restore.h"
+#include "gfx/device/with_restore.h"
 
 namespace sparkrig {
 

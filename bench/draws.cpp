@@ -6,7 +6,7 @@
 
 #include "bench/bare_sets.h"
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "platform/window/window.h"
 
 namespace sparkrig {

@@ -14,7 +14,7 @@
 #include "effects/visual_effect_system_parts.h"
 #include "gfx/gfx.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "platform/window/window.h"
 #include "scene/camera.h"
 

@@ -19,9 +19,9 @@ if(SPARKRIG_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# sparkrig_library(NAME LINKS...): the .cpp files of the current folder as the library NAME.
+# sparkrig_library(NAME LINKS...): the .cpp files of the current folder and of its rooms as the library NAME.
 function(sparkrig_library name)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*/*.cpp)
   if(sources)
     add_library(${name} STATIC ${sources})
     target_link_libraries(${name} PUBLIC sparkrig_options ${ARGN})

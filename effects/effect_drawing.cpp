@@ -1,9 +1,9 @@
 #include "effects/effect_drawing.h"
 
+#include "gfx/device/with_restore.h"
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
-#include "gfx/texture_catalogue.h"
-#include "gfx/with_restore.h"
+#include "gfx/textures/texture.h"
+#include "gfx/textures/texture_catalogue.h"
 
 namespace sparkrig {
 namespace {

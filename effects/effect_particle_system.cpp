@@ -1,8 +1,8 @@
 #include "effects/effect_particle_system.h"
 
+#include "gfx/device/with_restore.h"
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
-#include "gfx/with_restore.h"
+#include "gfx/textures/texture.h"
 
 namespace sparkrig {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "base/error.h"
 #include "effects/particle_vertices.h"
-#include "gfx/shader_effect.h"
-#include "gfx/vertex_list.h"
+#include "gfx/geometry/vertex_list.h"
+#include "gfx/shaders/shader_effect.h"
 
 namespace sparkrig {
 

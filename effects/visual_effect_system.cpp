@@ -7,7 +7,7 @@
 #include "effects/motion.h"
 #include "effects/visual_effect_system_parts.h"
 #include "gfx/gfx.h"
-#include "gfx/texture_catalogue.h"
+#include "gfx/textures/texture_catalogue.h"
 
 namespace sparkrig {
 namespace {

@@ -4,7 +4,7 @@
 #include "base/log.h"
 #include "fuzz/input_file.h"
 #include "fuzz/require.h"
-#include "gfx/catalogue_file.h"
+#include "gfx/textures/catalogue_file.h"
 
 using namespace sparkrig;
 

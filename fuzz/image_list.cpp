@@ -3,7 +3,7 @@
 #include "base/log.h"
 #include "fuzz/input_file.h"
 #include "fuzz/require.h"
-#include "gfx/frame_list.h"
+#include "gfx/textures/frame_list.h"
 
 using namespace sparkrig;
 

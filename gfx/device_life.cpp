@@ -1,6 +1,6 @@
 #include "gfx/device_life.h"
 
-#include "gfx/display_modes.h"
+#include "gfx/device/display_modes.h"
 
 namespace sparkrig {
 

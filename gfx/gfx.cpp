@@ -3,12 +3,12 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "gfx/device/display_modes.h"
+#include "gfx/device/with_restore.h"
 #include "gfx/device_life.h"
-#include "gfx/device_mesh.h"
-#include "gfx/display_modes.h"
+#include "gfx/geometry/device_mesh.h"
 #include "gfx/gfx_parts.h"
 #include "gfx/scene_frame.h"
-#include "gfx/with_restore.h"
 #include "scene/camera.h"
 #include "scene/light.h"
 #include "scene/mesh.h"

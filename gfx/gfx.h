@@ -8,10 +8,10 @@
 #include <memory>
 #include <vector>
 
-#include "gfx/gfx_environment.h"
-#include "gfx/gfx_types.h"
-#include "gfx/point_sprite_settings.h"
-#include "gfx/vertex_list.h"
+#include "gfx/device/gfx_environment.h"
+#include "gfx/geometry/vertex_list.h"
+#include "gfx/states/gfx_types.h"
+#include "gfx/states/point_sprite_settings.h"
 #include "platform/d3d9/d3d9.h"
 #include "platform/d3dx/d3dx_effect.h"
 #include "platform/d3dx/d3dx_math.h"

@@ -1,7 +1,7 @@
 #include "gfx/scene_frame.h"
 
+#include "gfx/device/with_restore.h"
 #include "gfx/device_life.h"
-#include "gfx/with_restore.h"
 
 namespace sparkrig {
 

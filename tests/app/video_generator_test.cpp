@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <set>
 
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {

@@ -8,7 +8,7 @@
 #include <set>
 
 #include "gfx/gfx_parts.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "tests/base/reports.h"
 #include "tests/device/failing_calls.h"
 

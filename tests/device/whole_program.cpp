@@ -3,7 +3,7 @@
 #include <SDL.h>
 
 #include "app/tester_commands.h"
-#include "gfx/gfx_environment.h"
+#include "gfx/device/gfx_environment.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/support/canvas.h"
 #include "tests/support/forwarding_device.h"

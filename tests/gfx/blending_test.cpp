@@ -1,4 +1,4 @@
-#include "gfx/blending.h"
+#include "gfx/states/blending.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

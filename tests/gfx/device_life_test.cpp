@@ -6,7 +6,7 @@
 
 #include <bit>
 
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {

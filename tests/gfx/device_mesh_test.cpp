@@ -1,4 +1,4 @@
-#include "gfx/device_mesh.h"
+#include "gfx/geometry/device_mesh.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "gfx/display_modes.h"
+#include "gfx/device/display_modes.h"
 
 #include <gtest/gtest.h>
 

@@ -5,9 +5,9 @@
 #include <map>
 #include <random>
 
-#include "gfx/effect_passes.h"
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
+#include "gfx/shaders/shader_effect_passes.h"
+#include "gfx/textures/texture.h"
 #include "platform/d3dx/d3dx_math.h"
 #include "scene/light.h"
 #include "tests/base/temporary_folder.h"

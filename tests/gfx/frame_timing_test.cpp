@@ -1,4 +1,4 @@
-#include "gfx/frame_timing.h"
+#include "gfx/device/frame_timing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "gfx/mesh_drawer.h"
+#include "gfx/geometry/mesh_drawer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

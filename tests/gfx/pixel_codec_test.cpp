@@ -1,4 +1,4 @@
-#include "gfx/pixel_codec.h"
+#include "gfx/device/pixel_codec.h"
 
 #include <gtest/gtest.h>
 

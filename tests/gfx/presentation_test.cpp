@@ -1,4 +1,4 @@
-#include "gfx/presentation.h"
+#include "gfx/device/presentation.h"
 
 #include <gmock/gmock.h>
 

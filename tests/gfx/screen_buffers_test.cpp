@@ -1,10 +1,10 @@
 // Post-render effects, the copy of the screen, screen buffers, and the passes that draw into them.
-#include "gfx/screen_buffers.h"
+#include "gfx/shaders/screen_buffers.h"
 
 #include <gmock/gmock.h>
 
-#include "gfx/effect_passes.h"
 #include "gfx/gfx_parts.h"
+#include "gfx/shaders/shader_effect_passes.h"
 #include "tests/base/temporary_folder.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"

@@ -3,9 +3,9 @@
 
 #include <cstring>
 
+#include "gfx/geometry/vertex_list.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/texture.h"
-#include "gfx/vertex_list.h"
+#include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {

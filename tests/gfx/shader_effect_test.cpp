@@ -1,4 +1,4 @@
-#include "gfx/shader_effect.h"
+#include "gfx/shaders/shader_effect.h"
 
 #include <gmock/gmock.h>
 
@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "gfx/gfx_parts.h"
-#include "gfx/shader_effect_search_list.h"
+#include "gfx/shaders/shader_effect_search_list.h"
 #include "tests/base/temporary_folder.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "gfx/gfx_parts.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {

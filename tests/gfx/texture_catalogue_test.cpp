@@ -1,10 +1,10 @@
-#include "gfx/texture_catalogue.h"
+#include "gfx/textures/texture_catalogue.h"
 
 #include <gmock/gmock.h>
 
 #include "gfx/gfx.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"

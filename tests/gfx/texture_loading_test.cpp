@@ -4,9 +4,9 @@
 
 #include <functional>
 
-#include "gfx/frame_list.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/texture.h"
+#include "gfx/textures/frame_list.h"
+#include "gfx/textures/texture.h"
 #include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"

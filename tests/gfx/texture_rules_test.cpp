@@ -3,10 +3,10 @@
 
 #include <cmath>
 
-#include "gfx/stage_recipes.h"
-#include "gfx/texture_format.h"
+#include "gfx/textures/stage_recipes.h"
+#include "gfx/textures/texture_format.h"
+#include "gfx/textures/texture_sequence.h"
 #include "scene/texture_matrix.h"
-#include "gfx/texture_sequence.h"
 
 namespace sparkrig {
 namespace {

@@ -1,4 +1,4 @@
-#include "gfx/texture_stages.h"
+#include "gfx/textures/texture_stages.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
+#include "gfx/device/surface.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/surface.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {

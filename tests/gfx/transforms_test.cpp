@@ -1,9 +1,9 @@
-#include "gfx/transforms.h"
+#include "gfx/states/transforms.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "scene/camera.h"
 #include "tests/support/recorded_gfx.h"
 

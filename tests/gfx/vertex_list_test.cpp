@@ -1,4 +1,4 @@
-#include "gfx/vertex_list.h"
+#include "gfx/geometry/vertex_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

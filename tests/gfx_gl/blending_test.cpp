@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
+#include "gfx/textures/texture.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
 

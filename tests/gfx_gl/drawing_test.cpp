@@ -7,9 +7,9 @@
 #include <memory>
 #include <utility>
 
-#include "gfx/font.h"
 #include "gfx/gfx.h"
-#include "gfx/texture.h"
+#include "gfx/text/font.h"
+#include "gfx/textures/texture.h"
 #include "platform/window/window.h"
 #include "scene/mesh.h"
 #include "tests/support/canvas.h"

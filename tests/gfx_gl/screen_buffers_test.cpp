@@ -6,8 +6,8 @@
 #include <functional>
 #include <memory>
 
+#include "gfx/device/surface.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/surface.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "platform/window/window.h"
 #include "tests/base/temporary_folder.h"

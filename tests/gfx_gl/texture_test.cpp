@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "gfx/geometry/vertex_list.h"
 #include "gfx/gfx_parts.h"
-#include "gfx/vertex_list.h"
 #include "platform/d3dx/dxt_blocks.h"
 #include "platform/window/window.h"
 #include "tests/base/temporary_folder.h"

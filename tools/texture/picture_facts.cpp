@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "base/string.h"
-#include "gfx/frame_list.h"
-#include "gfx/texture_paths.h"
-#include "gfx/video_sources.h"
+#include "gfx/textures/frame_list.h"
+#include "gfx/textures/texture_paths.h"
+#include "gfx/textures/video_sources.h"
 #include "platform/d3dx/image_file.h"
 #include "platform/system/system.h"
 

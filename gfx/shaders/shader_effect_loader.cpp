@@ -1,0 +1,115 @@
+#include "gfx/shaders/shader_effect_loader.h"
+
+#include "base/file_validator.h"
+#include "gfx/gfx.h"
+#include "gfx/shaders/shader_effect_registry.h"
+#include "gfx/textures/texture_paths.h"
+#include "platform/system/system.h"
+
+namespace sparkrig {
+
+namespace {
+
+void ReportFailure(const KRN_Gfx& gfx, const char* file, HRESULT result, ID3DXBuffer* errors) {
+    const char* const name = DXGetErrorString9(result);
+    if (!errors || errors->GetBufferSize() <= 1) gfx.Error("Could not compile effect from file '%s': '%s'", file, name);
+    gfx.Error("Could not compile effect from file '%s': '%s'\n\n%s", file, name,
+              static_cast<const char*>(errors->GetBufferPointer()));
+}
+
+DevicePtr<ID3DXEffect> Compile(const KRN_Gfx& gfx, const char* file, DWORD flags, bool use_pool) {
+    DevicePtr<ID3DXEffect> effect;
+    DevicePtr<ID3DXBuffer> errors;
+    const HRESULT result = D3DXCreateEffectFromFileA(gfx.Device(), file, flags, use_pool ? gfx.EffectPool() : nullptr,
+                                                     effect.Receive(), errors.Receive());
+    if (FAILED(result)) ReportFailure(gfx, file, result, errors.Get());
+    return effect;
+}
+
+void FindResourceTextures(ShaderEffectData& data) {
+    for (UINT i = 0; i < data.parameters; ++i) {
+        const D3DXHANDLE parameter = data.effect->GetParameter(nullptr, i);
+        const D3DXHANDLE name = data.effect->GetAnnotationByName(parameter, "ResourceName");
+        if (name && data.resource_textures.size() < ShaderEffectData::kMostResourceTextures)
+            data.resource_textures.push_back({parameter, name});
+    }
+}
+
+void ReadNumberedParameters(ShaderEffectData& data) {
+    constexpr auto kFirstFloat = static_cast<std::size_t>(Semantic::FloatParameter1);
+    constexpr auto kFirstVector = static_cast<std::size_t>(Semantic::VectorParameter1);
+    for (std::size_t i = 0; i < kNumberedParameters; ++i) {
+        if (const D3DXHANDLE handle = data.handles[kFirstFloat + i])
+            data.effect->GetFloat(handle, &data.float_parameters[i]);
+        if (const D3DXHANDLE handle = data.handles[kFirstVector + i])
+            data.effect->GetVector(handle, &data.vector_parameters[i]);
+    }
+}
+
+std::unique_ptr<ShaderEffectData> Describe(const KRN_Gfx& gfx, DevicePtr<ID3DXEffect> effect) {
+    auto data = std::make_unique<ShaderEffectData>();
+    data->effect = std::move(effect);
+    D3DXEFFECT_DESC desc = {};
+    data->effect->GetDesc(&desc);
+    data->parameters = desc.Parameters;
+    data->techniques = desc.Techniques;
+    data->handles = FindSemantics(*data->effect);
+    for (std::size_t i = 0; i < kSemantics; ++i) data->light_semantics |= data->handles[i] && IsLightSemantic(i);
+    FindResourceTextures(*data);
+    ReadNumberedParameters(*data);
+    data->targets = ReadPassTargets(gfx, *data->effect);
+    return data;
+}
+
+}   // namespace
+
+ShaderEffectLoader::ShaderEffectLoader(KRN_Gfx& gfx) : gfx_(gfx), registry_(std::make_shared<ShaderEffectRegistry>()) {}
+ShaderEffectLoader::~ShaderEffectLoader() = default;
+
+std::string ShaderEffectLoader::Find(const char* file) const {
+    if (program_folder_.empty() || FileExists(file)) return file;
+    const std::string own = JoinPath(program_folder_, file);
+    return FileExists(own.c_str()) ? own : file;
+}
+
+bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool required, DWORD flags, bool use_pool) {
+    effect.Release();
+    effect.gfx_ = &gfx_;
+    CFileValidator().CheckPath(name);   // such a file is loaded nevertheless
+    const std::string found = Find(name);
+    const char* const file = found.c_str();
+    const std::string key = FileKey(file);
+    const int shared = registry_->settings.sharing ? registry_->Share(key) : -1;
+    if (shared >= 0) {
+        effect.registry_ = registry_;
+        effect.registry_index_ = shared;
+        effect.technique_ = effect.Data()->technique;
+        return true;
+    }
+    if (!FileExists(file)) {
+        if (required) gfx_.Error("Shader effect file '%s' not found", file);
+        gfx_.Warning("Shader effect file '%s' not found", file);
+        return false;
+    }
+    effect.registry_index_ = registry_->Add(Describe(gfx_, Compile(gfx_, file, flags, use_pool)), key);
+    effect.registry_ = registry_;
+    effect.Data()->not_valid = !effect.SelectTechnique();
+    effect.Data()->technique = effect.Technique();
+    if (!effect.IsValid()) gfx_.Warning("Shader could not be validated for this GPU: '%s'", file);
+    return true;
+}
+
+bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const ShaderSearchList& candidates, bool required, DWORD flags,
+                              bool use_pool) {
+    if (candidates.Files().empty()) return false;
+    for (const std::string& file : candidates.Files())
+        if (FileExists(file.c_str())) return Load(effect, file.c_str(), required, flags, use_pool);
+    return Load(effect, candidates.Files().front().c_str(), required, flags, use_pool);
+}
+
+void ShaderEffectLoader::OnLostDevice() { registry_->OnLostDevice(); }
+void ShaderEffectLoader::OnResetDevice() { registry_->OnResetDevice(); }
+void ShaderEffectLoader::SetSharing(bool on) { registry_->settings.sharing = on; }
+void ShaderEffectLoader::SetGameTimeSource(GameTimeSource source) { registry_->settings.game_time = source; }
+
+}   // namespace sparkrig

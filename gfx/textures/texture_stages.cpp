@@ -1,0 +1,136 @@
+#include "gfx/textures/texture_stages.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "gfx/gfx_parts.h"
+
+namespace sparkrig {
+
+void TextureStages::SetStagesInUse(int count) { stages_in_use_ = std::clamp(count, 1, int{kTextureStages}); }
+
+void TextureStages::Forget() { std::ranges::fill(bound_, Map()); }
+
+void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
+    if (stage < -1 || stage >= int{kTextureStages}) gfx_.Error("Invalid stage: %i", stage);
+    if (!texture || !texture->HasSurface()) return Unbind(stage);
+    GfxParts& parts = gfx_.Parts();
+    for (int layer = 0; layer < KRN_Texture::kLayers; ++layer)
+        if (const int video = texture->VideoSourceOf(layer); video >= 0) parts.videos.Update(gfx_, video);
+    parts.alpha_test.Switch(texture->AlphaTest());
+    if (stage <= 0) return SetLayers(*texture);
+    const bool has_layer = stage < KRN_Texture::kLayers && texture->LayerTexture(stage);
+    SetLayer(*texture, has_layer ? stage : texture->CurrentLayer(), stage);
+}
+
+void TextureStages::Unbind(int stage) {
+    if (stage >= 0) return Bind(stage, {});
+    for (int i = 0; i < stages_in_use_; ++i) Bind(i, {});
+    SendColour(0, kNoTextureRecipe);
+    SendAlpha(0, D3DTOP_SELECTARG1, DiffuseArgument());
+    for (int i = 1; i < std::max(2, stages_in_use_); ++i) SendColour(i, RecipeOf(MapKind::None, i, 1));
+}
+
+namespace {
+
+/// The stage of the first diffuse layer carries the alpha; without one, stage 0 does.
+int AlphaStage(const KRN_Texture& texture, int stages) {
+    for (int i = 0; i < stages; ++i)
+        if (texture.LayerTexture(i) && texture.KindOf(i) == MapKind::Diffuse) return i;
+    return 0;
+}
+
+}   // namespace
+
+void TextureStages::SetLayers(const KRN_Texture& texture) {
+    const int layers = std::min(stages_in_use_, KRN_Texture::kLayers);
+    const int alpha_stage = AlphaStage(texture, layers);
+    for (int i = 0; i < layers; ++i) {
+        SetLayer(texture, i, i);
+        if (i < alpha_stage) SendAlpha(i, D3DTOP_SELECTARG1, DiffuseArgument());
+        if (i > alpha_stage) SendAlpha(i, D3DTOP_DISABLE, D3DTA_TEXTURE);
+    }
+    for (int i = layers; i < std::max(2, stages_in_use_); ++i) {
+        Bind(i, {});
+        SendColour(i, RecipeOf(MapKind::None, i, 1));
+    }
+    BlendingState& blending = gfx_.Parts().blending;
+    if (blending.Mode() == 1) SendAlpha(alpha_stage, D3DTOP_SELECTARG1, D3DTA_TEXTURE);
+    blending.Reapply(alpha_stage);
+}
+
+void TextureStages::SetLayer(const KRN_Texture& texture, int layer, int stage) {
+    IDirect3DTexture9* const device_texture = texture.LayerTexture(layer);
+    const MapKind kind = device_texture ? texture.KindOf(layer) : MapKind::None;
+    if (const char* why_not = WhyNotAtStage(kind, stage, bound_[0].kind)) gfx_.Error("%s", why_not);
+    Bind(stage, {device_texture, kind, device_texture ? texture.LayerMatrix(layer) : kIdentityMatrix});
+    SendColour(stage, RecipeOf(kind, stage, gfx_.Parts().render_sources.Source(stage)));
+    if (kind == MapKind::Bump) SendBumpMatrix(stage, texture.AmountOf(layer));
+    if (device_texture) SendMatrix(stage, texture.LayerMatrix(layer));
+}
+
+void TextureStages::Bind(int stage, const Map& map) {
+    gfx_.Parts().sender.SetTexture(static_cast<DWORD>(stage), map.texture);
+    bound_[stage] = map;
+}
+
+TextureStages::Map TextureStages::MapOf(MapKind kind) const {
+    const Map* found = std::ranges::find_if(bound_, [kind](const Map& map) { return map.texture && map.kind == kind; });
+    return found == std::end(bound_) ? Map() : *found;
+}
+
+TextureStages::Map TextureStages::DiffuseMap() const {
+    const Map diffuse = MapOf(MapKind::Diffuse);
+    return diffuse.texture ? diffuse : MapOf(MapKind::None);
+}
+
+TextureStages::Map TextureStages::ReflectionMap() const {
+    const Map reflection = MapOf(MapKind::Reflection);
+    return reflection.texture ? reflection : MapOf(MapKind::SphereReflection);
+}
+
+// ---- States of a stage
+
+DWORD TextureStages::DiffuseArgument() {
+    GfxParts& parts = gfx_.Parts();
+    const D3DCOLOR* colour = parts.lighting.On() ? nullptr : parts.lighting.Colour();
+    if (!colour) return D3DTA_DIFFUSE;
+    const D3DCOLOR with_alpha = (*colour & 0x00FFFFFF) | static_cast<D3DCOLOR>(parts.blending.Alpha() & 0xFF) << 24;
+    if (parts.texture_factor.Colour() != with_alpha) parts.texture_factor.Set(with_alpha);
+    return D3DTA_TFACTOR;
+}
+
+void TextureStages::SendColour(int stage, StageRecipe recipe) {
+    if (recipe.argument1 == D3DTA_DIFFUSE) recipe.argument1 = DiffuseArgument();
+    if (recipe.argument2 == D3DTA_DIFFUSE) recipe.argument2 = DiffuseArgument();
+    StateSender& sender = gfx_.Parts().sender;
+    const DWORD number = static_cast<DWORD>(stage);
+    sender.SetStageState(number, D3DTSS_COLOROP, recipe.operation);
+    if (recipe.operation == D3DTOP_DISABLE) return;
+    sender.SetStageState(number, D3DTSS_COLORARG1, recipe.argument1);
+    sender.SetStageState(number, D3DTSS_COLORARG2, recipe.argument2);
+}
+
+void TextureStages::SendAlpha(int stage, DWORD operation, DWORD argument) {
+    StateSender& sender = gfx_.Parts().sender;
+    sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAOP, operation);
+    if (operation != D3DTOP_DISABLE) sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAARG1, argument);
+}
+
+void TextureStages::SendMatrix(int stage, const D3DXMATRIX& matrix) {
+    GfxParts& parts = gfx_.Parts();
+    const bool moves = matrix != kIdentityMatrix;
+    if (moves) parts.transforms.Set(D3DTS_TEXTUREn(static_cast<DWORD>(stage)), matrix);
+    parts.sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_TEXTURETRANSFORMFLAGS,
+                               moves ? D3DTTFF_COUNT2 : D3DTTFF_DISABLE);
+}
+
+void TextureStages::SendBumpMatrix(int stage, float amount) {
+    constexpr D3DTEXTURESTAGESTATETYPE kElements[] = {D3DTSS_BUMPENVMAT00, D3DTSS_BUMPENVMAT01, D3DTSS_BUMPENVMAT10,
+                                                      D3DTSS_BUMPENVMAT11};
+    const float values[] = {amount, 0.0f, 0.0f, amount};
+    for (int i = 0; i < 4; ++i)
+        gfx_.Parts().sender.SetStageState(static_cast<DWORD>(stage), kElements[i], std::bit_cast<DWORD>(values[i]));
+}
+
+}   // namespace sparkrig

@@ -1,0 +1,58 @@
+// Binds textures to the device's stages and sets the stages up for the kinds of their layers.
+#pragma once
+#include "gfx/textures/stage_recipes.h"
+#include "gfx/textures/texture.h"
+#include "platform/d3d9/d3d9.h"
+
+namespace sparkrig {
+
+class KRN_Gfx;
+
+class TextureStages {
+  public:
+    /// `gfx` reports and sends the states.
+    explicit TextureStages(KRN_Gfx& gfx) : gfx_(gfx) {}
+
+    /// Null, or a texture without a picture, unbinds: every stage in use for stage -1, else that stage. Otherwise layer
+    /// n of the texture goes to stage n of the stages in use; a stage above 0 alone gets its layer, or the texture in
+    /// use when it has none.
+    void SetTexture(KRN_Texture* texture, int stage);
+
+    /// Stages that SetTexture sets and clears, 1 to 8.
+    void SetStagesInUse(int count);
+    int StagesInUse() const { return stages_in_use_; }
+
+    /// What is bound to a stage, as the program bound it.
+    struct Map {
+        IDirect3DTexture9* texture = nullptr;   // borrowed; null for none
+        MapKind kind = MapKind::None;
+        D3DXMATRIX matrix = kIdentityMatrix;
+    };
+    /// The first map of a kind.
+    Map MapOf(MapKind kind) const;
+    /// The diffuse map: without one of that kind, a texture without kinds.
+    Map DiffuseMap() const;
+    /// Of either kind of reflection.
+    Map ReflectionMap() const;
+
+    /// After a reset: the device has nothing bound.
+    void Forget();
+
+  private:
+    void Unbind(int stage);
+    void SetLayers(const KRN_Texture& texture);
+    void SetLayer(const KRN_Texture& texture, int layer, int stage);
+    void Bind(int stage, const Map& map);
+    void SendColour(int stage, StageRecipe recipe);
+    void SendAlpha(int stage, DWORD operation, DWORD argument);
+    void SendMatrix(int stage, const D3DXMATRIX& matrix);
+    void SendBumpMatrix(int stage, float amount);
+    /// The argument by which the diffuse colour is taken now: itself, or the texture factor that stands in for it.
+    DWORD DiffuseArgument();
+
+    KRN_Gfx& gfx_;
+    int stages_in_use_ = 2;
+    Map bound_[kTextureStages];   // what the device holds is not freed meanwhile
+};
+
+}   // namespace sparkrig
