@@ -5,15 +5,14 @@
 namespace sparkrig {
 
 bool ReadEffectBytes(const std::string& path, std::vector<BYTE>& bytes) {
-    constexpr std::size_t kMostBytes = 64 * 1024 * 1024;
     std::FILE* file = OpenFileStream(path.c_str(), "rb");
     if (!file) return false;
     bytes.clear();
     std::size_t got = 1;
     BYTE block[16384];
-    while (bytes.size() <= kMostBytes && (got = std::fread(block, 1, sizeof block, file)) > 0)
+    while (bytes.size() <= kMostEffectBytes && (got = std::fread(block, 1, sizeof block, file)) > 0)
         bytes.insert(bytes.end(), block, block + got);
-    const bool read = std::ferror(file) == 0 && bytes.size() <= kMostBytes;
+    const bool read = std::ferror(file) == 0 && bytes.size() <= kMostEffectBytes;
     std::fclose(file);
     return read;
 }

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,24 +35,23 @@ std::string FindCompiler() {
     return "fxc";
 }
 
-/// A folder of our own for one run's output.
-class TemporaryFolder {
+/// One run's output: a file in memory, which is gone with the last process that has it open, however that one ends.
+class OutputFile {
   public:
-    TemporaryFolder() {
-        std::error_code error;
-        std::string pattern = (std::filesystem::temp_directory_path(error) / "sparkrig-XXXXXX").string();
-        if (mkdtemp(pattern.data())) path_ = pattern;
+    OutputFile() : descriptor_(memfd_create("effect.fxo", MFD_CLOEXEC)) {}
+    ~OutputFile() {
+        if (descriptor_ >= 0) close(descriptor_);
     }
-    ~TemporaryFolder() {
-        std::error_code error;   // what can not be removed is left to the system's own cleaning
-        if (!path_.empty()) std::filesystem::remove_all(path_, error);
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    int Descriptor() const { return descriptor_; }
+    bool Read(std::vector<BYTE>& bytes) const {
+        return ReadEffectBytes("/proc/self/fd/" + std::to_string(descriptor_), bytes);
     }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const std::string& Path() const { return path_; }
 
   private:
-    std::string path_;
+    int descriptor_;
 };
 
 struct Child {
@@ -59,16 +59,16 @@ struct Child {
     int errors = -1;   // where its error stream can be read
 };
 
-bool Start(const std::string& program, const std::string& input, const std::string& output, Child& child) {
+bool Start(const std::string& program, const std::string& input, const OutputFile& output, Child& child) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return false;
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, output.Descriptor(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
     // "--" ends the options: a file may be called --help.
-    const char* const arguments[] = {program.c_str(), "--", input.c_str(), output.c_str(), nullptr};
+    const char* const arguments[] = {program.c_str(), "--", input.c_str(), "-", nullptr};
     const int failed =
         posix_spawnp(&child.process, program.c_str(), &actions, nullptr, const_cast<char* const*>(arguments), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -124,10 +124,9 @@ std::string FaultLine(const std::string& path, const std::string& message) {
 }   // namespace
 
 bool CompileEffect(const std::string& path, std::vector<BYTE>& compiled, std::string& errors) {
-    const TemporaryFolder folder;
-    const std::string output = folder.Path() + "/effect.fxo";
+    const OutputFile output;
     Child child;
-    if (folder.Path().empty() || !Start(FindCompiler(), path, output, child)) {
+    if (output.Descriptor() < 0 || !Start(FindCompiler(), path, output, child)) {
         errors = FaultLine(path, "the effect compiler can not be started");
         return false;
     }
@@ -140,7 +139,7 @@ bool CompileEffect(const std::string& path, std::vector<BYTE>& compiled, std::st
         errors += FaultLine(path, "the effect compiler did not end in time");
     } else if (!WIFEXITED(state)) {
         errors += FaultLine(path, "the effect compiler crashed on this file");
-    } else if (WEXITSTATUS(state) == 0 && ReadEffectBytes(output, compiled)) {
+    } else if (WEXITSTATUS(state) == 0 && output.Read(compiled)) {
         errors.clear();
         return true;
     } else if (errors.empty()) {

@@ -1,10 +1,15 @@
-// fxc INPUT.fx OUTPUT.fxo: compiles an effect. Ends with 0 done, 1 errors (on the error stream), 2 wrong usage.
+// fxc INPUT.fx OUTPUT.fxo: compiles an effect, to the standard output for "-". Ends with 0 done, 1 errors (on the error
+// stream), 2 wrong usage.
 #include <sys/resource.h>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 
+#include "platform/d3dx/effect_bytes.h"
 #include "platform/system/system.h"
 #include "tools/fxc/effect_builder.h"
 
@@ -24,6 +29,14 @@ void LimitResources() {
 #endif
     const rlimit core = {0, 0};
     setrlimit(RLIMIT_CORE, &core);
+    const rlimit file = {sparkrig::kMostEffectBytes, sparkrig::kMostEffectBytes};
+    setrlimit(RLIMIT_FSIZE, &file);
+    std::signal(SIGXFSZ, SIG_IGN);   // a write is refused instead
+}
+
+bool WriteOutput(const std::string& output, const std::vector<sparkrig::BYTE>& bytes) {
+    if (output != "-") return sparkrig::ReplaceFileContent(output.c_str(), bytes.data(), bytes.size());
+    return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0;
 }
 
 int Compile(const std::string& input, const std::string& output) {
@@ -34,8 +47,12 @@ int Compile(const std::string& input, const std::string& output) {
         return kErrors;
     }
     const std::vector<sparkrig::BYTE> bytes = sparkrig::WriteEffectFile(*effect);
-    if (sparkrig::ReplaceFileContent(output.c_str(), bytes.data(), bytes.size())) return kDone;
-    fmt::print(stderr, "{}(1): error X1000: can not write the file\n", output);
+    if (WriteOutput(output, bytes)) return kDone;
+    const bool too_large = bytes.size() > sparkrig::kMostEffectBytes;
+    const std::string reason = too_large ? fmt::format("{} bytes are more than the {} that an effect may have",
+                                                       bytes.size(), sparkrig::kMostEffectBytes)
+                                         : std::strerror(errno);
+    fmt::print(stderr, "{}(1): error X1000: can not write the file: {}\n", output == "-" ? input : output, reason);
     return kErrors;
 }
 
@@ -45,7 +62,7 @@ int main(int argc, char** argv) try {
     CLI::App app("Compiles an effect file (.fx) to the form that the program loads (.fxo).", "fxc");
     std::string input, output;
     app.add_option("INPUT.fx", input, "The effect")->required();
-    app.add_option("OUTPUT.fxo", output, "The compiled effect")->required();
+    app.add_option("OUTPUT.fxo", output, "The compiled effect; - for the standard output")->required();
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

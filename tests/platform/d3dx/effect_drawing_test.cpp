@@ -188,6 +188,14 @@ technique Fixed { pass { CullMode = NONE; } })";
     EXPECT_EQ(desc.pPixelShaderFunction, nullptr);
 }
 
+TEST_F(EffectDrawingTest, CompilingLeavesNoFileBecauseItMakesNone) {
+    const char* const before = std::getenv("TMPDIR");
+    const std::string kept = before ? before : "";
+    setenv("TMPDIR", "/none", 1);
+    EXPECT_NO_THROW(Load("technique t { pass p { CullMode = NONE; } }"));
+    before ? setenv("TMPDIR", kept.c_str(), 1) : unsetenv("TMPDIR");
+}
+
 TEST_F(EffectDrawingTest, ErrorsComeAsText) {
     const struct {
         std::string file, text;
@@ -195,7 +203,7 @@ TEST_F(EffectDrawingTest, ErrorsComeAsText) {
         {Write("bad.fx", "float a\n;;\ntechnique { pas }"), "bad.fx(3): error X2000: "},
         {Write("bad.fxo", "SFXO\x01"), "bad.fxo(1): error X1000: the compiled effect is cut short"},
         {Write("old.fxo", std::string("SFXO\x07\0\0\0", 8)), "old.fxo(1): error X1000: a compiled effect of version 7"},
-        {folder_ + "/none.fx", "none.fx(1): error X1000: can not open the file"},
+        {folder_.Path("none.fx"), "none.fx(1): error X1000: can not open the file"},
     };
     for (const auto& row : rows) {
         DevicePtr<ID3DXEffect> effect;
