@@ -1,13 +1,10 @@
 // An effects file: loaded, its effects started and simulated for ten seconds, loaded again under running instances.
-#include <unistd.h>
-
 #include <cstdint>
-#include <cstdio>
-#include <string>
 
 #include "base/random.h"
 #include "effects/effect_simulation.h"
 #include "effects/motion.h"
+#include "fuzz/input_file.h"
 
 namespace sparkrig {
 namespace {
@@ -18,15 +15,6 @@ constexpr float kStepSeconds = 0.25f;
 constexpr EffectLimits kLimits = {.live_instances = 600, .starts = 600, .nesting = 8};
 
 struct FuzzReporter : ErrorClass {};
-
-const char* WriteInput(const std::uint8_t* data, std::size_t size) {
-    static const std::string name = "/tmp/fuzz_effects_file_" + std::to_string(getpid());
-    std::FILE* file = std::fopen(name.c_str(), "wb");
-    if (!file) return name.c_str();
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
-    return name.c_str();
-}
 
 void Play(const char* file) {
     FuzzReporter reporter;
@@ -54,7 +42,9 @@ void Play(const char* file) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     sparkrig::SeedRandom(7);
     try {
-        sparkrig::Play(sparkrig::WriteInput(data, size));
+        static const sparkrig::InputFile file;
+        file.Put(data, size);
+        sparkrig::Play(file.Name());
     } catch (const sparkrig::ErrorMsg&) {
     }
     return 0;

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -10,6 +8,7 @@
 #include "app/tester_state.h"
 #include "platform/system/system.h"
 #include "tests/support/canvas.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -18,24 +17,14 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using Json = nlohmann::json;
 
-std::string ReadAll(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// A data folder of its own, with one effect that glows for ever and one that ends after 0.09 s, and no user settings.
 class AutomationTest : public ::testing::Test {
   protected:
     void SetUp() override {
         KeepDriverLoaded();
         before_ = GetCurrentDirectoryA();
-        char name[] = "/tmp/sparkrig_automation_XXXXXX";
-        folder_ = mkdtemp(name);
-        setenv("XDG_CONFIG_HOME", (folder_ + "/config").c_str(), 1);
-        std::system(
-            ("mkdir " + folder_ + "/cfg && ln -s '" + before_ + "/shader' '" + before_ + "/textures' " + folder_)
-                .c_str());
-        Write("cfg/texCatalogue.cfg", "");
+        setenv("XDG_CONFIG_HOME", Path("config").c_str(), 1);
+        MakeDataFolder(".");
         Write(
             "cfg/effects.cfg",
             "#1\ndesc = \"Glow\"\nPARTICLE {\n  texture = \"textures\\glow.png\"\n  Life = 0\n  scale = 70, 70, 70\n}\n"
@@ -44,16 +33,20 @@ class AutomationTest : public ::testing::Test {
     }
     void TearDown() override {
         SetCurrentDirectoryA(before_.c_str());
-        std::system(("rm -r " + folder_).c_str());
         Tester() = {};
     }
-    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
-    void Write(const std::string& name, const std::string& content) const {
-        std::ofstream(Path(name), std::ios::binary) << content;
+    std::string Path(const std::string& name) const { return folder_.Path(name); }
+    void Write(const std::string& name, const std::string& content) const { folder_.Write(name, content); }
+    /// A folder with the shipped shaders and textures, and without effects.
+    void MakeDataFolder(const std::string& place) const {
+        std::filesystem::create_directories(Path(place + "/cfg"));
+        for (const char* shipped : {"/shader", "/textures"})
+            std::filesystem::create_directory_symlink(before_ + shipped, Path(place + shipped));
+        Write(place + "/cfg/texCatalogue.cfg", "");
     }
     /// Runs the program in the folder and keeps what it says.
     int Run(std::vector<std::string> words) {
-        SetCurrentDirectoryA(folder_.c_str());
+        folder_.Enter();
         Tester() = {};
         ::testing::internal::CaptureStdout();
         ::testing::internal::CaptureStderr();
@@ -66,12 +59,13 @@ class AutomationTest : public ::testing::Test {
         words.insert(words.end(), {"--record", "record.jsonl"});
         EXPECT_EQ(Run(words), 0) << err_;
         std::vector<Json> frames;
-        std::istringstream lines(ReadAll(Path("record.jsonl")));
+        std::istringstream lines(ReadFile(Path("record.jsonl")));
         for (std::string line; std::getline(lines, line);) frames.push_back(Json::parse(line));
         return frames;
     }
 
-    std::string before_, folder_, out_, err_;
+    ScratchFolder folder_;
+    std::string before_, out_, err_;
 };
 
 TEST_F(AutomationTest, RecordsEveryFrameByTheSteppedClock) {
@@ -115,13 +109,13 @@ TEST_F(AutomationTest, TheSameCaptureGivesTheSameBytes) {
     EXPECT_EQ(Run({"--capture", "a.png", "--at", "0.25", "/resx:160", "/resy:96"}), 0) << err_;
     EXPECT_EQ(out_, Path("a.png") + "\n");
     Run({"--capture", "b.png", "--at", "0.25", "/resx:160", "/resy:96"});
-    const std::string picture = ReadAll(Path("a.png"));
+    const std::string picture = ReadFile(Path("a.png"));
     EXPECT_THAT(picture, StartsWith("\x89PNG"));
     EXPECT_EQ(picture.substr(16, 8), std::string("\0\0\0\xA0\0\0\0\x60", 8));
-    EXPECT_EQ(picture, ReadAll(Path("b.png")));
+    EXPECT_EQ(picture, ReadFile(Path("b.png")));
     for (const char* less : {"--no-overlay", "--no-backdrop"}) {
         Run({"--capture", "c.png", "--at", "0.25", "/resx:160", "/resy:96", less});
-        EXPECT_NE(picture, ReadAll(Path("c.png"))) << less;
+        EXPECT_NE(picture, ReadFile(Path("c.png"))) << less;
     }
 }
 
@@ -129,7 +123,7 @@ TEST_F(AutomationTest, SequenceAndSheetAreWritten) {
     EXPECT_EQ(Run({"--sequence", "frames", "--frames", "2", "/resx:80", "/resy:60"}), 0) << err_;
     EXPECT_EQ(out_, Path("frames/000000.png") + "\n" + Path("frames/000001.png") + "\n");
     EXPECT_EQ(Run({"--sheet", "sheet.png"}), 0) << err_;
-    EXPECT_THAT(ReadAll(Path("sheet.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(ReadFile(Path("sheet.png")), StartsWith("\x89PNG"));
 }
 
 TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
@@ -169,9 +163,7 @@ TEST_F(AutomationTest, DataComesFromTheFolderThatWinsFirst) {
         return Record(words)[0]["instances"][0]["effect"].get<std::string>();
     };
     for (const char* place : {"base", "named"}) {
-        std::system(("mkdir -p " + Path(place) + "/cfg && ln -s '" + before_ + "/shader' '" + before_ + "/textures' " +
-                     Path(place) + " && touch " + Path(place) + "/cfg/texCatalogue.cfg")
-                        .c_str());
+        MakeDataFolder(place);
         Write(std::string(place) + "/cfg/effects.cfg",
               std::string("#1\ndesc = \"") + place + "\"\nPARTICLE {\n  texture = \"textures\\glow.png\"\n}\n");
     }

@@ -11,6 +11,7 @@
 #include "platform/d3dx/image_file.h"
 #include "platform/system/system.h"
 #include "tests/support/canvas.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -47,9 +48,9 @@ int LargestDifference(D3DCOLOR a, D3DCOLOR b) {
 
 TEST_P(EffectPictures, LookAsTheyDid) {
     KeepDriverLoaded();
-    const std::string captured = testing::TempDir() + "effect_picture_" + GetParam().effect + ".png";
-    const std::string settings = testing::TempDir() + "no_settings";
-    setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
+    const ScratchFolder folder;
+    const std::string captured = folder.Path("seen.png");
+    setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);   // no settings
     Tester() = {};
     ASSERT_EQ(RunProgram({"/resx:160", "/resy:90", "--no-overlay", "--capture", captured, "--effect", GetParam().effect,
                           "--at", GetParam().seconds}),

@@ -2,17 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
 
 TEST(NameLines, FindsQuotedTexts) {
-    const std::string file = ::testing::TempDir() + "name_lines.cfg";
-    std::ofstream(file) << "; \"spot\"\n\"spot\" = \"a.png\"\r\ndesc = \"Fire\"\n  \"open\nFire\n\"SPOT\"";
+    const ScratchFolder folder;
+    const std::string file =
+        folder.Write("a.cfg", "; \"spot\"\n\"spot\" = \"a.png\"\r\ndesc = \"Fire\"\n  \"open\nFire\n\"SPOT\"");
     const NameLines lines(file.c_str());
-    std::remove(file.c_str());
     EXPECT_EQ(lines.LineCount(), 6);
     const std::tuple<const char*, int, int> kRows[] = {{"spot", 2, 2}, {"spot", 3, 6},   {"fire", 1, 3},
                                                        {"fire", 4, 0}, {"a.png", -5, 2}, {"open", 1, 0}};

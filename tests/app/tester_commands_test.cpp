@@ -12,6 +12,7 @@
 #include "platform/system/system.h"
 #include "tests/input/fake_direct_input.h"
 #include "tests/support/recorded_gfx.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -21,15 +22,9 @@ constexpr double kFrame = 0.03125;
 /// A folder of its own with an effects file of so many effects.
 class EffectsFolder {
   public:
-    EffectsFolder() : before_(GetCurrentDirectoryA()) {
-        char name[] = "/tmp/sparkrig_commands_XXXXXX";
-        path_ = mkdtemp(name);
-        SetCurrentDirectoryA(path_.c_str());
-        std::system("mkdir cfg");
-    }
-    ~EffectsFolder() {
-        SetCurrentDirectoryA(before_.c_str());
-        std::system(("rm -r " + path_).c_str());
+    EffectsFolder() {
+        folder_.Enter();
+        std::filesystem::create_directory("cfg");
     }
     void Write(int effects) const {
         std::FILE* file = std::fopen("cfg/effects.cfg", "w");
@@ -40,7 +35,7 @@ class EffectsFolder {
     }
 
   private:
-    std::string before_, path_;
+    ScratchFolder folder_;
 };
 
 class TesterCommandsTest : public ::testing::Test {

@@ -5,7 +5,7 @@
 #include <climits>
 
 #include "tests/base/reports.h"
-#include "tests/base/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

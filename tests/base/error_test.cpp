@@ -6,7 +6,7 @@
 #include "base/log_file.h"
 #include "base/reporter_family.h"
 #include "tests/base/reports.h"
-#include "tests/base/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

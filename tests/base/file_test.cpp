@@ -7,7 +7,7 @@
 #include "tests/base/file_size_limit.h"
 #include "tests/base/open_stream.h"
 #include "tests/base/reports.h"
-#include "tests/base/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

@@ -6,7 +6,7 @@
 #include "base/text_data_file_reader.h"
 #include "base/text_file_reader.h"
 #include "tests/base/reports.h"
-#include "tests/base/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <fstream>
 
 #include "effects/particle_vertices.h"
 #include "effects/visual_effect_system.h"
@@ -11,6 +10,7 @@
 #include "tests/effects/effects_file_text.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -28,25 +28,20 @@ class Drawing : public testing::Test {
         gfx->SetProjection(1, 2000, 0.7854f, -1);
         system.Init(*gfx, 0);
         gfx->BeginScene();
-        for (const char* name : {"a", "b"}) WritePicture(std::string(name) + ".png");
+        for (const char* name : {"a", "b"})
+            folder.Write(std::string(name) + ".png", PngFile(TestPicture::Pattern(4, 4), 4));
     }
     ~Drawing() override { system.Release(); }
 
-    static std::string PathOf(const std::string& name) {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        return testing::TempDir() + test->name() + "_" + name;
-    }
-    static void WritePicture(const std::string& name) {
-        std::ofstream(PathOf(name), std::ios::binary) << PngFile(TestPicture::Pattern(4, 4), 4);
-    }
+    std::string PathOf(const std::string& name) const { return folder.Path(name); }
     /// A block of one particle at y (the distance is 100 - y) with more lines.
-    static std::string Particle(const char* texture, float y, const std::string& lines = "") {
+    std::string Particle(const char* texture, float y, const std::string& lines = "") const {
         return "PARTICLE {\ntexture = \"" + PathOf(std::string(texture) + ".png") + "\"\npos = 0, " +
                std::to_string(y) + ", 0\n" + lines + "\n}\n";
     }
     /// Loads and starts one effect of these blocks, and draws it.
     int DrawEffect(const std::string& blocks) {
-        system.LoadEffects(WriteEffectsFile("#e\ndesc = \"e\"\n" + blocks).c_str(), false);
+        system.LoadEffects(EffectsFileOf("#e\ndesc = \"e\"\n" + blocks).Name(), false);
         system.StartEffect("e", {});
         return Redraw();
     }
@@ -66,6 +61,7 @@ class Drawing : public testing::Test {
         return out;
     }
 
+    ScratchFolder folder;
     RecordedGfx gfx;
     VisualEffectSystem system;
 };
@@ -227,8 +223,8 @@ TEST_F(Drawing, LeavesTheStatesAsTheyWere) {
 }
 
 TEST_F(Drawing, AnAnimatedTextureEndsTheBatchWhereItsFrameChanges) {
-    std::ofstream(PathOf("list.ifl")) << PathOf("a.png") << "\n" << PathOf("b.png") << "\n";
-    const auto block = [](float y, const std::string& lines) {
+    folder.Write("list.ifl", PathOf("a.png") + "\n" + PathOf("b.png") + "\n");
+    const auto block = [this](float y, const std::string& lines) {
         return "PARTICLE {\ntexture = \"" + PathOf("list.ifl") + "\"\npos = 0, " + std::to_string(y) + ", 0\n" + lines +
                "\n}\n";
     };
@@ -243,9 +239,9 @@ TEST_F(Drawing, AnAnimatedTextureEndsTheBatchWhereItsFrameChanges) {
 
 TEST_F(Drawing, PreloadingLoadsWhatTheEffectEmits) {
     system.LoadEffects(
-        WriteEffectsFile("#e\ndesc = \"e\"\n" + Particle("a", 1, "EmitEffect = \"f\"") + "#f\ndesc = \"f\"\n" +
-                         Particle("b", 1, "EmitEffect = \"e\"") + Particle("b", 1, "EmitEffect = \"trace:none\""))
-            .c_str(),
+        EffectsFileOf("#e\ndesc = \"e\"\n" + Particle("a", 1, "EmitEffect = \"f\"") + "#f\ndesc = \"f\"\n" +
+                      Particle("b", 1, "EmitEffect = \"e\"") + Particle("b", 1, "EmitEffect = \"trace:none\""))
+            .Name(),
         false);
     gfx.recording.ForgetCalls();
     system.PreloadEffect("e");

@@ -23,9 +23,9 @@ class EffectsFile : public testing::Test {
     bool Load(const std::string& text) {
         reports.Clear();
         definitions.Clear();
-        const std::string file = WriteEffectsFile(text);
+        const EffectsFileOf file(text);
         try {
-            LoadEffectsFile(file.c_str(), reporter, definitions);
+            LoadEffectsFile(file.Name(), reporter, definitions);
             return true;
         } catch (const ErrorMsg&) {
             return false;

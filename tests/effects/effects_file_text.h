@@ -1,17 +1,18 @@
+// Effects files from text.
 #pragma once
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <string>
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 
-/// The name of a new file with this text.
-inline std::string WriteEffectsFile(const std::string& text) {
-    const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-    const std::string file = testing::TempDir() + test->test_suite_name() + "_" + test->name() + ".cfg";
-    std::ofstream(file, std::ios::binary) << text;
-    return file;
-}
+/// A file with this text, gone with the object.
+class EffectsFileOf {
+  public:
+    explicit EffectsFileOf(const std::string& text) : name_(folder_.Write("effects.cfg", text)) {}
+    const char* Name() const { return name_.c_str(); }
+
+  private:
+    ScratchFolder folder_;
+    std::string name_;
+};
 
 }   // namespace sparkrig

@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 class System : public testing::Test {
   protected:
-    void Load(const std::string& text, bool keep) { system.LoadEffects(WriteEffectsFile(text).c_str(), keep); }
+    void Load(const std::string& text, bool keep) { system.LoadEffects(EffectsFileOf(text).Name(), keep); }
     std::vector<std::string> Playing() const {
         std::vector<std::string> playing;
         for (const EffectInstanceState& state : system.GetInstanceStates())

@@ -1,7 +1,6 @@
 // Small pictures of particles, drawn by the shipped shader on OpenGL.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
 
 #include "effects/visual_effect_system.h"
@@ -11,6 +10,7 @@
 #include "tests/effects/effects_file_text.h"
 #include "tests/support/canvas.h"
 #include "tests/support/picture_files.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -40,20 +40,15 @@ class ParticlePicture : public testing::Test {
         gfx_->SetView(camera);
         system_.Init(*gfx_, 0);
         const TestPicture picture = {2, 2, {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFF808080}};
-        std::ofstream(PictureFile(), std::ios::binary) << PngFile(picture, 4);
+        picture_file_ = folder_.Write("a.png", PngFile(picture, 4));
     }
     ~ParticlePicture() override { system_.Release(); }
 
-    static std::string PictureFile() {
-        const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-        return testing::TempDir() + "particle_picture_" + test->name() + ".png";
-    }
-
     /// A frame of one particle at the origin, half as high as the view, over 0x204060.
     void Draw(const std::string& lines) {
-        const std::string text = "#e\ndesc = \"e\"\nPARTICLE {\ntexture = \"" + PictureFile() +
+        const std::string text = "#e\ndesc = \"e\"\nPARTICLE {\ntexture = \"" + picture_file_ +
                                  "\"\nscale = " + std::to_string(kHalfHeight) + ", 1, 1\n" + lines + "\n}\n";
-        system_.LoadEffects(WriteEffectsFile(text).c_str(), false);
+        system_.LoadEffects(EffectsFileOf(text).Name(), false);
         system_.StartEffect("e", {});
         gfx_->BeginScene();
         gfx_->Clear(0xFF204060, 1, nullptr);
@@ -71,6 +66,8 @@ class ParticlePicture : public testing::Test {
 
     static std::unique_ptr<KRN_Gfx> gfx_;
     VisualEffectSystem system_;
+    ScratchFolder folder_;
+    std::string picture_file_;
     std::vector<D3DCOLOR> pixels_;
     UINT width_ = 0, height_ = 0;
 };

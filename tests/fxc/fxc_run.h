@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/d3dx/effect_file.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 
@@ -15,19 +16,14 @@ struct FxcResult {
 /// A folder for sources, gone at the end.
 class FxcFolder {
   public:
-    FxcFolder();
-    ~FxcFolder();
-    FxcFolder(const FxcFolder&) = delete;
-    FxcFolder& operator=(const FxcFolder&) = delete;
-
-    void Write(const std::string& name, const std::string& text) const;
+    void Write(const std::string& name, const std::string& text) const { folder_.Write(name, text); }
     FxcResult Compile(const std::string& name) const;
     /// Any command line.
     FxcResult Run(const std::string& arguments) const;
-    const std::string& Path() const { return path_; }
+    std::string Path() const { return folder_.Path(""); }
 
   private:
-    std::string path_;
+    ScratchFolder folder_;
 };
 
 /// Compiles one source, called t.fx.

@@ -31,6 +31,7 @@ TEST(FxcProgram, SaysHowItEnded) {
         int code;
     } rows[] = {{good + " " + out, 0},
                 {"-- " + good + " " + out, 0},
+                {good + " -", 0},
                 {"--help", 0},
                 {bad + " " + out, 1},
                 {"missing.fx " + out, 1},
@@ -44,10 +45,18 @@ TEST(FxcProgram, SaysHowItEnded) {
 }
 
 TEST(FxcProgram, LeavesNoOutputAfterErrors) {
+    std::string large = "#define TEXT \"" + std::string(1 << 20, 'x') + "\"\n";
+    for (int i = 0; i < 65; ++i) large += "string s" + std::to_string(i) + " = TEXT;\n";
     const FxcFolder folder;
     folder.Write("bad.fx", "float4 x = ;");
+    folder.Write("large.fx", large + "technique t { pass p { CullMode = NONE; } }\n");
     EXPECT_EQ(folder.Compile("bad.fx").code, 1);
-    EXPECT_FALSE(std::filesystem::exists(folder.Path() + "out.fxo"));
+    const FxcResult result = folder.Compile("large.fx");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_NE(result.errors.find("are more than the 67108864 that an effect may have"), std::string::npos)
+        << result.errors;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
+        EXPECT_NE(entry.path().extension(), ".fxo") << entry.path();
 }
 
 TEST(FxcProgram, CompilesTheSame) {

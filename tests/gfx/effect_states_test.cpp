@@ -10,8 +10,8 @@
 #include "gfx/textures/texture.h"
 #include "platform/d3dx/d3dx_math.h"
 #include "scene/light.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/recorded_gfx.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

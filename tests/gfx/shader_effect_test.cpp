@@ -8,9 +8,9 @@
 
 #include "gfx/gfx_parts.h"
 #include "gfx/shaders/shader_effect_search_list.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

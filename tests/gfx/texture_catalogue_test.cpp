@@ -5,10 +5,10 @@
 #include "gfx/gfx.h"
 #include "gfx/gfx_parts.h"
 #include "gfx/textures/texture.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

@@ -7,11 +7,11 @@
 #include "gfx/gfx_parts.h"
 #include "gfx/textures/frame_list.h"
 #include "gfx/textures/texture.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/recorded_objects.h"
 #include "tests/support/reports.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

@@ -2,14 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <utility>
 
 #include "platform/d3dx/d3dx_effect.h"
 #include "tests/support/canvas.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -28,13 +26,8 @@ DevicePtr<ID3DXEffect> LoadEffect(Canvas& canvas, const std::string& path) {
 }
 
 DevicePtr<ID3DXEffect> LoadText(Canvas& canvas, const std::string& text) {
-    std::string folder = (std::filesystem::temp_directory_path() / "effect-gl-XXXXXX").string();
-    if (!mkdtemp(folder.data())) throw std::runtime_error("no folder for the test");
-    const std::string path = folder + "/t.fx";
-    std::ofstream(path) << text;
-    DevicePtr<ID3DXEffect> effect = LoadEffect(canvas, path);
-    std::filesystem::remove_all(folder);
-    return effect;
+    const ScratchFolder folder;
+    return LoadEffect(canvas, folder.Write("t.fx", text));
 }
 
 template <class Vertex>

@@ -10,8 +10,8 @@
 #include "gfx/gfx_parts.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "platform/window/window.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/canvas.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

@@ -8,9 +8,9 @@
 #include "gfx/gfx_parts.h"
 #include "platform/d3dx/dxt_blocks.h"
 #include "platform/window/window.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/canvas.h"
 #include "tests/support/picture_files.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

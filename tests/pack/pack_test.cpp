@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "tests/base/file_size_limit.h"
-#include "tests/base/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

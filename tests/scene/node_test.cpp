@@ -5,8 +5,8 @@
 #include "scene/camera.h"
 #include "scene/light.h"
 #include "tests/base/reports.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/scene/near.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

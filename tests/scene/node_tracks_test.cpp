@@ -8,8 +8,8 @@
 
 #include "base/file.h"
 #include "tests/base/reports.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/scene/near.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

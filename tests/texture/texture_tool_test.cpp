@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

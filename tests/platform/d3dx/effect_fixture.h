@@ -3,22 +3,18 @@
 #include <gmock/gmock.h>
 
 #include <bit>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 
 #include "platform/d3dx/d3dx_effect.h"
 #include "tests/support/recording.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 
 class EffectTest : public ::testing::Test {
   protected:
     EffectTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "effect-test-XXXXXX").string();
-        if (mkdtemp(pattern.data())) folder_ = pattern;
         const DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
         D3DPRESENT_PARAMETERS parameters = {};
         parameters.Windowed = TRUE;
@@ -26,13 +22,8 @@ class EffectTest : public ::testing::Test {
                                device_.Receive());
         recording_.ForgetCalls();
     }
-    ~EffectTest() override { std::filesystem::remove_all(folder_); }
 
-    std::string Write(const std::string& name, const std::string& text) const {
-        const std::string path = folder_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << text;
-        return path;
-    }
+    std::string Write(const std::string& name, const std::string& text) const { return folder_.Write(name, text); }
 
     DevicePtr<ID3DXEffect> Load(const std::string& source, ID3DXEffectPool* pool = nullptr) {
         DevicePtr<ID3DXEffect> effect;
@@ -56,7 +47,7 @@ class EffectTest : public ::testing::Test {
 
     Recording recording_;   // before the device, which records to it
     DevicePtr<IDirect3DDevice9> device_;
-    std::string folder_;
+    ScratchFolder folder_;
 };
 
 inline DWORD Bits(float value) { return std::bit_cast<DWORD>(value); }

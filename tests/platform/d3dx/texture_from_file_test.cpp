@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
 #include "platform/d3dx/d3dx_texture.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recording_device.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {

@@ -1,19 +1,19 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdlib>
 
 #include "platform/system/system.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
 
 TEST(Output, MakesFoldersAndKnowsSpecialFiles) {
-    char name[] = "/tmp/sparkrig_output_XXXXXX";
-    const std::string folder = mkdtemp(name), made = folder + "/made", file = made + "/file";
+    const ScratchFolder folder;
+    const std::string made = folder.Path("made"), file = made + "/file";
     EXPECT_TRUE(MakeFolder(made.c_str()));
     EXPECT_TRUE(MakeFolder(made.c_str())) << "it is there already";
-    EXPECT_FALSE(MakeFolder((folder + "/none/made").c_str()));
+    EXPECT_FALSE(MakeFolder(folder.Path("none/made").c_str()));
     EXPECT_EQ(errno, ENOENT);
 
     EXPECT_FALSE(IsSpecialFile(file.c_str())) << "it is not there";
@@ -25,7 +25,6 @@ TEST(Output, MakesFoldersAndKnowsSpecialFiles) {
     EXPECT_FALSE(MakeFolder(file.c_str()));
     EXPECT_TRUE(IsSpecialFile(made.c_str()));
     EXPECT_TRUE(IsSpecialFile("/dev/null"));
-    std::system(("rm -r " + folder).c_str());
 }
 
 }   // namespace

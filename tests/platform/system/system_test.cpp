@@ -9,7 +9,7 @@
 
 #include "platform/system/result_codes.h"
 #include "tests/base/file_size_limit.h"
-#include "tests/base/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
