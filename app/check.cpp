@@ -1,22 +1,23 @@
 #include "app/check.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <map>
+#include <utility>
 
-#include "app/name_lines.h"
 #include "app/problem_printer.h"
 #include "app/progress.h"
 #include "app/tester_commands.h"
-#include "effects/effect_drawing.h"
-#include "effects/visual_effect_system_parts.h"
+#include "effects/effects_file.h"
+#include "gfx/textures/catalogue_file.h"
 #include "gfx/textures/texture_catalogue.h"
+#include "platform/system/system.h"
 
 namespace sparkrig {
 
 namespace {
 
 constexpr char kCatalogueFile[] = "cfg/texCatalogue.cfg";
+constexpr char kShaderFolder[] = "shader";
 
 /// What was reported already has been printed; the check goes on with the next thing.
 template <class Work>
@@ -27,75 +28,75 @@ bool Succeeds(const Work& work) try {
     return false;
 }
 
-/// Each texture of the catalogue; the catalogue itself has reported the missing ones.
-void CheckCatalogue(KRN_Gfx& gfx, ProblemPrinter& problems) {
-    const NameLines lines(kCatalogueFile);
-    for (int line = 1; line <= lines.LineCount(); ++line) {
-        const std::string name = lines.FirstQuoted(line);
-        problems.SetPlace(kCatalogueFile, line);
-        if (!name.empty()) Succeeds([&] { gfx.Catalogue().GetTexture(name.c_str()); });
-    }
+/// Shader and catalogue; the one is no reason not to read the other.
+void CheckStart(Engine& engine, ProblemPrinter& problems) {
+    problems.SetPlace(kShaderFolder, {});
+    if (Succeeds([&] { engine.effects.Init(*engine.gfx, 0); })) return;
+    KRN_TextureCatalogue& catalogue = engine.gfx->Catalogue();
+    problems.SetPlace(kCatalogueFile, {});
+    catalogue.Clear();
+    Succeeds([&] { catalogue.Load(kCatalogueFile, "", false); });
 }
 
-/// The textures of one effect, each on its own: loading the effect would end at the first that is missing.
-class EffectTextures {
-  public:
-    EffectTextures(Engine& engine, ProblemPrinter& problems)
-        : gfx_(*engine.gfx), effects_(engine.effects), problems_(problems), lines_(kEffectsFile) {}
+/// Each texture of the catalogue; the catalogue itself has reported the missing ones.
+void CheckCatalogue(KRN_Gfx& gfx, ProblemPrinter& problems) {
+    problems.SetPlace(kCatalogueFile, {});
+    Succeeds([&] {
+        CatalogueFile file(kCatalogueFile);
+        for (String name, texture; file.Next(name, texture);)
+            Succeeds([&] { gfx.Catalogue().GetTexture(name.c_str()); });
+    });
+}
 
-    void Check(const char* name) {
-        const VisualEffect* effect = effects_.Parts().definitions->effects.Find(name);
-        if (!effect) return;
-        effect_line_ = std::max(lines_.Find(name), 1);
-        for (int i = 0; i < effect->particles.GetCount(); ++i) {
-            ParticleEffect& particle = *effect->particles.GetAt(i);
-            PlaceAt(particle.texture_name.c_str());
-            Succeeds([&] { LoadParticleTexture(gfx_, particle); });
-        }
-        for (int i = 0; i < effect->specials.GetCount(); ++i)
-            CheckNamed(effect->specials.GetAt(i)->texture_name.c_str());
-        ForEachSubEffect(*effect, [&](const SubEffect& sub) { CheckTrace(sub.emit.name); });
+/// Whether what the effects file names is there and can be loaded: each thing once, its problems at every place that
+/// names it.
+class NamedThingsCheck {
+  public:
+    NamedThingsCheck(Engine& engine, ProblemPrinter& problems)
+        : gfx_(*engine.gfx), reporter_(engine.effects), problems_(problems) {}
+
+    void Check(const NamedThing& thing) {
+        problems_.SetPlace(kEffectsFile, thing.place);
+        const auto [known, is_new] = known_.try_emplace({thing.kind, thing.name});
+        if (is_new)
+            known->second = problems_.PrintAndKeep([&] { Succeeds([&] { Load(thing.kind, thing.name.c_str()); }); });
+        else
+            for (const ProblemPrinter::Problem& problem : known->second) problems_.Print(problem);
     }
 
   private:
-    void PlaceAt(const char* text) {
-        const int line = *text ? lines_.Find(text, effect_line_) : effect_line_;
-        problems_.SetPlace(WithSlashes(kEffectsFile), line > 0 ? line : effect_line_);
-    }
-    void CheckNamed(const char* texture) {
-        if (!*texture) return;
-        PlaceAt(texture);
-        KRN_Texture loaded;
-        Succeeds([&] {
-            if (!gfx_.Catalogue().GetTexture(texture)) gfx_.LoadTexture(&loaded, texture, 0, 0);
-        });
-    }
-    void CheckTrace(const String& emitted) {
-        if (!emitted.StartsWith(kTracePrefix)) return;
-        const char* texture = emitted.c_str() + std::strlen(kTracePrefix);
-        PlaceAt(emitted.c_str());
-        Succeeds([&] {
-            if (!gfx_.Catalogue().GetTexture(texture)) effects_.Warning("No texture '%s' in the catalogue", texture);
-        });
+    void Load(NamedThing::Kind kind, const char* name) {
+        KRN_Texture texture;
+        switch (kind) {
+            case NamedThing::Kind::Texture:
+                if (!gfx_.Catalogue().GetTexture(name)) gfx_.LoadTexture(&texture, name, 0, 0);
+                return;
+            case NamedThing::Kind::TraceTexture:
+                if (!gfx_.Catalogue().GetTexture(name)) reporter_.Warning("No texture '%s' in the catalogue", name);
+                return;
+            case NamedThing::Kind::Scene:
+                if (!FileExists(name)) reporter_.Warning("Scene file not found: '%s'", name);
+        }
     }
 
     KRN_Gfx& gfx_;
-    VisualEffectSystem& effects_;
+    const ErrorClass& reporter_;
     ProblemPrinter& problems_;
-    const NameLines lines_;
-    int effect_line_ = 1;
+    std::map<std::pair<NamedThing::Kind, std::string>, std::vector<ProblemPrinter::Problem>> known_;
 };
 
 void CheckEffects(Engine& engine, ProblemPrinter& problems) {
-    problems.SetPlace(WithSlashes(kEffectsFile), 0);
-    LoopState loop;
-    if (!Succeeds([&] { ReloadEffects(engine.effects, Tester(), loop, false); })) return;
-    EffectTextures textures(engine, problems);
-    Progress progress("Checking", loop.effect_count);
-    for (int i = 0; i < loop.effect_count; ++i) {
-        const String name = engine.effects.GetEffectName(i);
-        progress.Next(name.c_str());
-        textures.Check(name.c_str());
+    problems.SetPlace(kEffectsFile, {});
+    const int before = problems.Count();
+    EffectDefinitions definitions;
+    const std::vector<NamedThing> named = CheckEffectsFile(kEffectsFile, engine.effects, definitions);
+    if (definitions.names.GetCount() == 0 && problems.Count() == before)
+        Succeeds([&] { engine.effects.Error("No effects in effect file"); });
+    NamedThingsCheck things(engine, problems);
+    Progress progress("Checking", static_cast<int>(named.size()));
+    for (const NamedThing& thing : named) {
+        progress.Next(thing.name.c_str());
+        things.Check(thing);
     }
 }
 
@@ -103,11 +104,9 @@ void CheckEffects(Engine& engine, ProblemPrinter& problems) {
 
 bool CheckEverything(Engine& engine) {
     ProblemPrinter problems;
-    problems.SetPlace(kCatalogueFile, 0);
-    if (Succeeds([&] { engine.effects.Init(*engine.gfx, 0); })) {
-        CheckCatalogue(*engine.gfx, problems);
-        CheckEffects(engine, problems);
-    }
+    CheckStart(engine, problems);
+    CheckCatalogue(*engine.gfx, problems);
+    CheckEffects(engine, problems);
     if (problems.Count() == 0) {
         std::fputs("No problems found.\n", stderr);
     } else {

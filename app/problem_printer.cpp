@@ -25,20 +25,31 @@ ProblemPrinter::ProblemPrinter() { SetReportListener(Listen, this); }
 
 ProblemPrinter::~ProblemPrinter() { SetReportListener(nullptr, nullptr); }
 
-void ProblemPrinter::Listen(const Report& report, void* printer) {
-    static_cast<ProblemPrinter*>(printer)->Print(report);
+void ProblemPrinter::Listen(const Report& report, void* context) {
+    auto& printer = *static_cast<ProblemPrinter*>(context);
+    const Problem problem = {report.kind, report.file, report.place, OneLine(report.message)};
+    printer.Print(problem);
+    if (printer.kept_) printer.kept_->push_back(problem);
 }
 
-void ProblemPrinter::Print(const Report& report) {
-    const bool has_file = report.file[0] != 0;
-    std::string place = has_file ? WithSlashes(report.file) : file_;
-    const int line = has_file ? report.line : line_;
-    if (line > 0) place += ":" + std::to_string(line);
-    const std::string text = OneLine(report.message);
-    const char* kind = report.kind == ReportKind::Error ? "error" : "warning";
-    const std::string problem = place + ": " + kind + ": " + text;
-    if (!printed_.insert(problem).second) return;
-    std::printf("%s\n", problem.c_str());
+std::vector<ProblemPrinter::Problem> ProblemPrinter::PrintAndKeep(const std::function<void()>& work) {
+    std::vector<Problem> kept;
+    kept_ = &kept;
+    work();
+    kept_ = nullptr;
+    return kept;
+}
+
+void ProblemPrinter::Print(const Problem& problem) {
+    const bool has_file = !problem.file.empty();
+    std::string line = has_file ? WithSlashes(problem.file) : file_;
+    const TextPlace place = has_file ? problem.place : place_;
+    if (place.line > 0) line += ":" + std::to_string(place.line);
+    if (place.column > 0) line += ":" + std::to_string(place.column);
+    line += problem.kind == ReportKind::Error ? ": error: " : ": warning: ";
+    line += problem.text;
+    if (!printed_.insert(line).second) return;
+    std::printf("%s\n", line.c_str());
     std::fflush(stdout);
 }
 

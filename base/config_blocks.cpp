@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "base/config_file_reader.h"
+#include "base/config_values.h"
 
 namespace sparkrig {
 namespace {
@@ -10,7 +11,7 @@ namespace {
 bool IsVisible(char c) { return static_cast<unsigned char>(c) > 32; }
 
 /// The first character that is no blank or tab; the size when there is none.
-std::size_t FirstCharacter(std::string_view line) { return std::min(line.find_first_not_of(" \t"), line.size()); }
+std::size_t FirstCharacter(std::string_view line) { return line.size() - SkipBlanks(line).size(); }
 
 }   // namespace
 
@@ -33,9 +34,6 @@ void ConfigFileReader::Reset() {
     blocks_.clear();
     depths_.clear();
     scope_ends_.clear();
-    key_hashes_.clear();
-    sorted_keys_.clear();
-    marked_lines_ = {-1, -1};
     index_.Clear();
     cursor_line_ = 0;
     cursor_block_ = cursor_level_ = -1;
@@ -59,18 +57,27 @@ void ConfigFileReader::FindBlocks() {
 
 void ConfigFileReader::MeasureDepths() {
     depths_.assign(static_cast<std::size_t>(GetLineCount()), 0);
-    int depth = 0;
-    for (const Block& block : blocks_) {
-        depth = 0;
-        for (int line = block.first_line; line < block.End(); ++line) {
-            depths_[static_cast<std::size_t>(line)] = depth;
-            depth = ScanBraces(line, depth);
+    for (Block& block : blocks_) {
+        try {
+            MeasureDepths(block);
+        } catch (const ErrorMsg&) {
+            if (!goes_on_) throw;
+            block.broken = true;
         }
     }
-    if (depth != 0) {
-        SetReportLine(GetLineCount());
-        Error("Unfinished block in file '%s'", GetFileName());
+}
+
+/// Braces that are not closed at the end are an error in the last block only.
+void ConfigFileReader::MeasureDepths(const Block& block) {
+    int depth = 0;
+    for (int line = block.first_line; line < block.End(); ++line) {
+        depths_[static_cast<std::size_t>(line)] = depth;
+        depth = ScanBraces(line, depth);
     }
+    if (depth == 0) return;
+    PlaceReports({block.first_line + 1, 1});
+    if (&block == &blocks_.back()) Error("Unfinished block in file '%s'", GetFileName());
+    if (goes_on_) Warning("Unfinished block in file '%s'", GetFileName());
 }
 
 /// Backwards, each line leaps over the scopes behind it: linear, however deep they are.
@@ -88,26 +95,26 @@ int ConfigFileReader::ScanBraces(int line, int depth) {
     const std::string_view text = Line(line);
     const auto brace = std::find_if(text.begin(), text.end(), [](char c) { return c == '{' || c == '}'; });
     if (brace == text.end()) return depth;
-    if (*brace == '}' && depth == 0) ErrorAtLine("Invalid '}' in file '%s' at line %i", line);
-    if (std::any_of(brace + 1, text.end(), IsVisible))
-        ErrorAtLine("Invalid block start/end in file '%s' at line %i", line);
+    const auto column = [&](auto character) { return static_cast<std::size_t>(character - text.begin()); };
+    if (*brace == '}' && depth == 0) ErrorAt("Invalid '}' in file '%s' at line %i", line, column(brace));
+    const auto behind = std::find_if(brace + 1, text.end(), IsVisible);
+    if (behind != text.end()) ErrorAt("Invalid block start/end in file '%s' at line %i", line, column(behind));
     return *brace == '{' ? depth + 1 : depth - 1;
 }
 
 void ConfigFileReader::BuildIndex() {
-    HashLines();
     const Key key(index_key_.c_str());
     char value[1024];
     std::optional<std::string_view> parents;   // of the last block without parent, which is that of all that follow
     for (int b = 0; b < GetBlockCount(); ++b) {
         const Block& block = blocks_[static_cast<std::size_t>(b)];
-        SetReportLine(block.first_line + 1);
+        PlaceReports({block.first_line + 1});
         std::optional<std::string_view> rest = MatchFirst(key, {block.first_line, block.End()});
         if (block.parent < 0)
             parents = rest;
         else if (!rest)
             rest = parents;
-        if (!rest || CopyQuoted(*rest, value, sizeof value) != 0) {
+        if (!rest || ReadQuotedValue(*rest, value, sizeof value) != 0) {
             Warning("No 'desc' entry in entry %i in file '%s'", b, GetFileName());
         } else if (int* indexed = index_.Insert(value)) {
             *indexed = b;
@@ -151,8 +158,14 @@ int ConfigFileReader::ScopeEnd() const {
     return line < scope_ends_.size() ? std::min(SelectedEnd(), scope_ends_[line]) : SelectedEnd();
 }
 
-void ConfigFileReader::ErrorAtLine(const char* format, int line) {
-    SetReportLine(line + 1);
+TextPlace ConfigFileReader::CursorPlace() const {
+    const bool exists = cursor_line_ < GetLineCount();
+    return {cursor_line_ + 1, exists ? static_cast<int>(FirstCharacter(Line(cursor_line_))) + 1 : 0};
+}
+
+/// The column counts from 0.
+void ConfigFileReader::ErrorAt(const char* format, int line, std::size_t column) {
+    PlaceReports({line + 1, static_cast<int>(column) + 1});
     ErrorClass::Error(format, GetFileName(), line + 1);
 }
 
@@ -160,7 +173,7 @@ void ConfigFileReader::SelectBlock(int b) {
     cursor_block_ = b;
     cursor_line_ = IsBlock(b) ? blocks_[static_cast<std::size_t>(b)].first_line : 0;
     cursor_level_ = 0;
-    SetReportLine(CursorLineNumber());
+    PlaceReports({CursorLineNumber()});
 }
 
 int ConfigFileReader::NextBlock(char* name, int size) {
@@ -172,7 +185,7 @@ int ConfigFileReader::NextBlock(char* name, int size) {
         if (!opens && !Closes(line, cursor_level_)) continue;
         if (opens) CopyBlockName(line, name, size);
         cursor_line_ = line;
-        SetReportLine(CursorLineNumber());
+        PlaceReports({CursorLineNumber()});
         return opens;
     }
     return 0;
@@ -181,9 +194,10 @@ int ConfigFileReader::NextBlock(char* name, int size) {
 void ConfigFileReader::CopyBlockName(int line, char* name, int size) {
     const std::string_view text = Line(line);
     const auto begin = std::find_if(text.begin(), text.end(), IsVisible);
-    if (begin == text.end() || *begin == '{') ErrorAtLine("Invalid block start in file '%s' at line %i", line);
+    const auto column = static_cast<std::size_t>(begin - text.begin());
+    if (begin == text.end() || *begin == '{') ErrorAt("Invalid block start in file '%s' at line %i", line, column);
     const auto end = std::find_if_not(begin, text.end(), IsVisible);
-    if (end == text.end()) ErrorAtLine("Unreachable code in file '%s' at line %i", line);
+    if (end == text.end()) ErrorAt("Unreachable code in file '%s' at line %i", line, column);
     if (size < 1) return;
     const auto length =
         std::min<std::size_t>(static_cast<std::size_t>(end - begin), static_cast<std::size_t>(size) - 1);

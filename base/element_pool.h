@@ -57,7 +57,8 @@ class ElementPool {
         }
     }
 
-    static constexpr std::size_t kMinBlocks = 4, kMaxChunkBytes = 65536;
+    // Four small blocks to begin with; one of a large kind, since many lists hold one element and no more.
+    static constexpr std::size_t kMinBlocks = sizeof(T) <= 128 ? 4 : 1, kMaxChunkBytes = 65536;
 
     std::vector<Chunk> chunks_;
     std::size_t block_count_ = 0;

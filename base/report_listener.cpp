@@ -17,13 +17,13 @@ void SetReportListener(ReportListener new_listener, void* context) {
 void NotifyReportListener(ReportKind kind, const char* class_name, const char* message) {
     if (!listener) return;
     const char* file = innermost ? innermost->File() : "";
-    listener({kind, class_name, message, file, innermost ? innermost->Line() : 0}, listener_context);
+    listener({kind, class_name, message, file, innermost ? innermost->Place() : TextPlace()}, listener_context);
 }
 
 SourceFileScope::SourceFileScope(const char* file) : SourceFileScope(file, nullptr, nullptr) {}
 
-SourceFileScope::SourceFileScope(const char* file, LineOf line_of, const void* reader)
-    : file_(file ? file : ""), line_of_(line_of), reader_(reader), outer_(innermost) {
+SourceFileScope::SourceFileScope(const char* file, PlaceOf place_of, const void* reader)
+    : file_(file ? file : ""), place_of_(place_of), reader_(reader), outer_(innermost) {
     if (outer_) outer_->inner_ = this;
     innermost = this;
 }
@@ -33,8 +33,8 @@ SourceFileScope::~SourceFileScope() {
     (inner_ ? inner_->outer_ : innermost) = outer_;
 }
 
-void SetSourceLine(int line) {
-    if (innermost) innermost->SetLine(line);
+void SetSourcePlace(TextPlace place) {
+    if (innermost) innermost->SetPlace(place);
 }
 
 }   // namespace sparkrig

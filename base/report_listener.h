@@ -1,10 +1,17 @@
 // Who hears of every error and warning, and the place in a text file that they are about.
 #pragma once
+#include <compare>
 #include <string>
 
 namespace sparkrig {
 
 enum class ReportKind { Warning, Error };
+
+/// A place in a text file. Both count from 1; 0 when not known.
+struct TextPlace {
+    int line = 0, column = 0;   // the column in bytes
+    auto operator<=>(const TextPlace&) const = default;
+};
 
 /// One report while it happens; the texts live as long as the call.
 struct Report {
@@ -12,7 +19,7 @@ struct Report {
     const char* class_name;
     const char* message;
     const char* file;   // the innermost text file being read; empty for none
-    int line;           // from 1; 0 when it is not known
+    TextPlace place;
 };
 
 using ReportListener = void (*)(const Report& report, void* context);
@@ -28,29 +35,29 @@ void NotifyReportListener(ReportKind kind, const char* class_name, const char* m
 /// order, so that a reader can hold one as long as its file is open.
 class SourceFileScope {
   public:
-    /// Tells the line, from 1, when a report asks for it.
-    using LineOf = int (*)(const void* reader);
+    /// Tells the place when a report asks for it.
+    using PlaceOf = TextPlace (*)(const void* reader);
 
     explicit SourceFileScope(const char* file);
-    SourceFileScope(const char* file, LineOf line_of, const void* reader);
+    SourceFileScope(const char* file, PlaceOf place_of, const void* reader);
     ~SourceFileScope();
     SourceFileScope(const SourceFileScope&) = delete;
     SourceFileScope& operator=(const SourceFileScope&) = delete;
 
-    void SetLine(int line) { line_ = line; }
+    void SetPlace(TextPlace place) { place_ = place; }
     const char* File() const { return file_.c_str(); }
-    int Line() const { return line_of_ ? line_of_(reader_) : line_; }
+    TextPlace Place() const { return place_of_ ? place_of_(reader_) : place_; }
 
   private:
     std::string file_;
-    int line_ = 0;
-    LineOf line_of_ = nullptr;
+    TextPlace place_;
+    PlaceOf place_of_ = nullptr;
     const void* reader_ = nullptr;
     SourceFileScope* outer_;
     SourceFileScope* inner_ = nullptr;
 };
 
-/// The line of the innermost file, from 1; 0 for unknown. Nothing happens when no file is being read.
-void SetSourceLine(int line);
+/// The place in the innermost file. Nothing happens when no file is being read.
+void SetSourcePlace(TextPlace place);
 
 }   // namespace sparkrig

@@ -60,7 +60,7 @@ void TextDataFileReader::Warning(const char* format, ...) const {
 void TextDataFileReader::Open(const char* name, bool in_memory) {
     content_.clear();
     lines_.Clear();
-    position_ = 0;
+    position_ = token_start_ = 0;
     end_reached_ = false;
     std::snprintf(file_name_, sizeof file_name_, "%s", name);
     source_.reset();
@@ -69,8 +69,8 @@ void TextDataFileReader::Open(const char* name, bool in_memory) {
     else
         LoadStream(name);
     source_.emplace(
-        file_name_,
-        [](const void* reader) { return static_cast<const TextDataFileReader*>(reader)->CurrentLine() + 1; }, this);
+        file_name_, [](const void* reader) { return static_cast<const TextDataFileReader*>(reader)->TokenPlace(); },
+        this);
     const LineIndex::Fault fault = lines_.Build({reinterpret_cast<const char*>(content_.data()), content_.size()});
     if (fault == LineIndex::Fault::TooManyLines) Error("File too big");
     if (fault == LineIndex::Fault::LineTooLong) Error("Line too long");
@@ -101,7 +101,14 @@ int TextDataFileReader::Read(void* buffer, int n) {
     end_reached_ = position_ >= Size();
     if (count > 0) std::memcpy(buffer, content_.data() + position_, static_cast<std::size_t>(count));
     position_ += count;
+    token_start_ = position_;
     return count;
+}
+
+TextPlace TextDataFileReader::TokenPlace() const {
+    const int line = lines_.LineOfOffset(token_start_);
+    const int start = lines_.Count() > 0 ? lines_.starts[static_cast<std::size_t>(line)] : 0;
+    return {line + 1, token_start_ - start + 1};
 }
 
 int TextDataFileReader::Seek(int position) {
@@ -109,13 +116,13 @@ int TextDataFileReader::Seek(int position) {
         Warning("Invalid file position:%i", position);
         return 1;
     }
-    position_ = position;
+    position_ = token_start_ = position;
     return 0;
 }
 
 bool TextDataFileReader::Skip(int n) {
     const std::int64_t wanted = std::int64_t{position_} + n;
-    position_ = static_cast<std::int32_t>(std::clamp<std::int64_t>(wanted, 0, Size()));
+    position_ = token_start_ = static_cast<std::int32_t>(std::clamp<std::int64_t>(wanted, 0, Size()));
     return position_ == wanted;
 }
 
@@ -124,7 +131,7 @@ int TextDataFileReader::SeekLine(int line) {
         Warning("Invalid line in file:%i", line);
         return 1;
     }
-    position_ = lines_.starts[static_cast<std::size_t>(line)];
+    position_ = token_start_ = lines_.starts[static_cast<std::size_t>(line)];
     return 0;
 }
 
@@ -143,6 +150,7 @@ char TextDataFileReader::ReadChar() {
 
 int TextDataFileReader::SkipSpace() {
     while (IsSpace(PeekChar()) && !end_reached_) ++position_;
+    token_start_ = position_;
     return end_reached_;
 }
 
@@ -154,12 +162,14 @@ int TextDataFileReader::ExpectChar(char c) {
 
 int TextDataFileReader::ReadNumberToken(char (&buffer)[kTokenSize]) {
     Token token(*this, buffer);
+    token_start_ = position_;
     for (char c = PeekChar(); IsNumeric(c); c = PeekChar()) token.Add(ReadChar());
     return end_reached_ || token.IsEmpty();
 }
 
 int TextDataFileReader::ReadWord(char (&buffer)[kTokenSize]) {
     Token token(*this, buffer);
+    token_start_ = position_;
     const char first = ReadChar();
     if (end_reached_) return 1;
     token.Add(first);

@@ -19,7 +19,7 @@ class TextFileReaderBase : public ErrorClass {
     ~TextFileReaderBase() = default;
 };
 
-/// Reports are attributed to the file and the line of the position from Open to the next Open or the end.
+/// Reports are attributed to the file and the token read last, from Open to the next Open or the end.
 class TextDataFileReader : public TextFileReaderBase {
   public:
     static constexpr int kTokenSize = 128;   // bytes of a token buffer; longer tokens are an error
@@ -44,6 +44,8 @@ class TextDataFileReader : public TextFileReaderBase {
     int CurrentLine() const { return lines_.LineOfOffset(position_); }
     int NextLine() { return SeekLine(CurrentLine() + 1); }
     int LineCount() const { return lines_.Count(); }
+    /// Where the token read last begins.
+    TextPlace TokenPlace() const;
 
     // Tokens. Where a result is given, 0 means that it was read.
     char ReadChar();   // 0 at the end
@@ -74,6 +76,7 @@ class TextDataFileReader : public TextFileReaderBase {
     ByteBuffer content_;
     LineIndex lines_;
     std::int32_t position_ = 0;
+    std::int32_t token_start_ = 0;
     bool end_reached_ = false;
     char file_name_[256] = "";
     std::optional<SourceFileScope> source_;

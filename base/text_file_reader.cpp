@@ -51,7 +51,7 @@ const char* TextFileReader::GetLine(int i) {
         SetErrorText("Line #%i is too long:%i", i, static_cast<int>(line.size()));
         return nullptr;
     }
-    SetReportLine(i + 1);
+    PlaceReports({i + 1});
     line_buffer_.assign(line.begin(), line.end());
     line_buffer_.push_back('\0');
     return line_buffer_.data();

@@ -29,19 +29,16 @@ class TextFileReader : public TextFileReaderBase {
     int GetLineCount() const { return lines_.Count(); }
     const char* GetErrorText() const { return error_text_; }
     const char* GetFileName() const { return file_name_; }
-    /// The line, from 1, that reports are about now; 0 when none is known.
-    int ReportLine() const { return source_ ? source_->Line() : 0; }
+    /// The place that reports are about from now on.
+    void PlaceReports(TextPlace place) {
+        if (source_) source_->SetPlace(place);
+    }
 
   protected:
     std::string_view Line(int i) const {   // of a line that exists
         const auto line = static_cast<std::size_t>(i);
         return {reinterpret_cast<const char*>(content_.data()) + lines_.starts[line],
                 static_cast<std::size_t>(lines_.lengths[line])};
-    }
-
-    /// The line, from 1, that reports are about from now on.
-    void SetReportLine(int line) {
-        if (source_) source_->SetLine(line);
     }
 
   private:

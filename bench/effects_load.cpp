@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "effects/effect_definitions.h"
+#include "effects/effects_file.h"
 
 namespace sparkrig {
 namespace {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/dyna_mem.h"
+#include "base/report_listener.h"
 #include "base/string.h"
 #include "platform/d3dx/d3dx_math.h"
 #include "scene/key_curve.h"
@@ -91,7 +92,7 @@ struct EmitSettings {
     float per_time = 0;                     // emissions per second
     bool random = true, local = false;
     D3DXVECTOR3 volume;   // of the box around the emitter in which children start
-    int line = 0;         // of the name in the effects file, from 1
+    TextPlace place;      // of the name in the effects file
 };
 
 struct TraceSettings {

@@ -1,35 +1,11 @@
 #include "effects/effect_definitions.h"
 
 #include "base/numeric.h"
-#include "base/report_listener.h"
 
 namespace sparkrig {
 namespace {
 
 constexpr int kTraceCounters = 3;
-
-class EmitResolver {
-  public:
-    EmitResolver(const ErrorClass& reporter, EffectDefinitions& definitions)
-        : reporter_(reporter), definitions_(definitions) {}
-
-    void Resolve(const VisualEffect& effect, EmitSettings& emit, int trace_id) {
-        if (emit.name.GetLength() == 0) return;
-        if (emit.name.StartsWith(kTracePrefix)) {
-            emit.trace_number = ++counters_[PositiveMod(trace_id, kTraceCounters)];
-            return;
-        }
-        emit.effect = definitions_.effects.Find(emit.name);
-        if (emit.effect) return;
-        SetSourceLine(emit.line);
-        reporter_.Error("Emit effect '%s' of effect '%s' not found", emit.name.c_str(), effect.name.c_str());
-    }
-
-  private:
-    const ErrorClass& reporter_;
-    EffectDefinitions& definitions_;
-    std::int32_t counters_[kTraceCounters] = {};
-};
 
 }   // namespace
 
@@ -47,11 +23,22 @@ SubEffect* FindSubEffect(const VisualEffect& effect, SubEffectKind kind, int ind
     return nullptr;
 }
 
-void ResolveEmitEffects(const ErrorClass& reporter, EffectDefinitions& definitions) {
-    EmitResolver resolver(reporter, definitions);
+std::vector<const SubEffect*> ResolveEmitEffects(EffectDefinitions& definitions) {
+    std::vector<const SubEffect*> unresolved;
+    std::int32_t counters[kTraceCounters] = {};
+    const auto resolve = [&](SubEffect& sub) {
+        EmitSettings& emit = sub.emit;
+        if (emit.name.GetLength() == 0) return;
+        if (emit.name.StartsWith(kTracePrefix)) {
+            emit.trace_number = ++counters[PositiveMod(sub.trace.id, kTraceCounters)];
+            return;
+        }
+        emit.effect = definitions.effects.Find(emit.name);
+        if (!emit.effect) unresolved.push_back(&sub);
+    };
     definitions.effects.ResetIteration();
-    while (const VisualEffect* effect = definitions.effects.GetNext(nullptr))
-        ForEachSubEffect(*effect, [&](SubEffect& sub) { resolver.Resolve(*effect, sub.emit, sub.trace.id); });
+    while (const VisualEffect* effect = definitions.effects.GetNext(nullptr)) ForEachSubEffect(*effect, resolve);
+    return unresolved;
 }
 
 }   // namespace sparkrig

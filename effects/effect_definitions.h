@@ -1,8 +1,8 @@
 // All effects of the effects file, by name and in its order.
 #pragma once
 #include <cstdint>
+#include <vector>
 
-#include "base/error.h"
 #include "base/search_tree.h"
 #include "effects/effect_definition.h"
 
@@ -26,12 +26,8 @@ void ForEachSubEffect(const VisualEffect& effect, Visit visit) {
 /// The sub-effect at a position of the list of its kind, or null.
 SubEffect* FindSubEffect(const VisualEffect& effect, SubEffectKind kind, int index);
 
-/// Adds the effects of a file. What is wrong in it is an error of `reporter`, which ends the loading; a block of an
-/// unknown name is a warning.
-void LoadEffectsFile(const char* file, const ErrorClass& reporter, EffectDefinitions& definitions);
-
 /// Binds the emit names to the effects, and numbers the traces: three counters, chosen by the trace's id, count up
-/// through all effects in name order.
-void ResolveEmitEffects(const ErrorClass& reporter, EffectDefinitions& definitions);
+/// through all effects in name order. Returns those whose effect there is none of.
+std::vector<const SubEffect*> ResolveEmitEffects(EffectDefinitions& definitions);
 
 }   // namespace sparkrig

@@ -1,277 +1,232 @@
-// Reads the effects file: entries, sub-effect blocks in them, stage blocks in these. The keys stand in tables; what a
-// key that is missing leaves is the initial value of its field.
+// Entries, sub-effect blocks in them, stage blocks in these. The lines of a block are walked once: each key finds its
+// row in the block's table, the first of equal ones counts; then the rows are read in the order of the table.
+#include "effects/effects_file.h"
+
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
-#include <variant>
-#include <vector>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <list>
+#include <map>
+#include <type_traits>
+#include <utility>
 
 #include "base/config_file_reader.h"
-#include "effects/effect_definitions.h"
+#include "base/config_values.h"
+#include "base/nearest_word.h"
+#include "base/numeric.h"
+#include "effects/effects_file_keys.h"
 #include "effects/packed_colour.h"
 
 namespace sparkrig {
+
+using namespace effects_file;
+
 namespace {
 
 constexpr int kNameSize = 1024;        // bytes of a name, with its end
+constexpr int kTextSize = 8129;        // bytes of any other text
 constexpr float kDiagonal = 1.4142f;   // of a unit square: an entry scale of (1, 1) leaves the vertical size
 constexpr float kCurveTension = 1.0f;
-
-template <class Owner>
-using Field = std::variant<bool Owner::*, double Owner::*, float Owner::*, std::int32_t Owner::*,
-                           std::uint16_t Owner::*, D3DXVECTOR3 Owner::*, String Owner::*>;
-
-template <class Owner>
-struct KeyRow {
-    const char* key;
-    Field<Owner> field;
-};
-
-// clang-format off
-constexpr KeyRow<VisualEffect> kEntryKeys[] = {
-    {"sound",                &VisualEffect::sound},
-    {"AmbiSound",            &VisualEffect::ambient_sound},
-    {"scale",                &VisualEffect::scale},
-};
-
-constexpr KeyRow<ParticleEffect> kParticleKeys[] = {
-    {"texture",              &ParticleEffect::texture_name},
-};
-
-constexpr KeyRow<MeshEffect> kMeshKeys[] = {
-    {"sFile",                &MeshEffect::scene_file},
-    {"loop",                 &MeshEffect::loop},
-};
-
-constexpr KeyRow<SpecialEffect> kSpecialKeys[] = {
-    {"texture",              &SpecialEffect::texture_name},
-    {"numPart",              &SpecialEffect::point_count},
-    {"PartSize",             &SpecialEffect::point_size},
-};
-
-constexpr KeyRow<SubEffect> kSubEffectKeys[] = {
-    {"col",                  &SubEffect::colour},
-    {"RotateWithParent",     &SubEffect::rotate_with_parent},
-    {"BirthTime",            &SubEffect::birth_time},
-    {"StartTime",            &SubEffect::start_time},
-    {"SortDistOff",          &SubEffect::sort_distance_offset},
-    {"SortClass",            &SubEffect::sort_class},
-    {"zsort",                &SubEffect::z_sort},
-    {"Life",                 &SubEffect::life},
-    {"FadeIn",               &SubEffect::fade_in},
-    {"FadeOut",              &SubEffect::fade_out},
-    {"BillBoard",            &SubEffect::billboard},
-    {"RotateWithView",       &SubEffect::rotate_with_view},
-    {"scale",                &SubEffect::scale},
-    {"pos",                  &SubEffect::position_offset},
-    {"UseZBuf",              &SubEffect::use_z_buffer},
-    {"DetailLevel",          &SubEffect::detail_level},
-    {"RandomReverseRot",     &SubEffect::random_reverse_rotation},
-    {"WriteZBuf",            &SubEffect::write_z_buffer},
-    {"Count",                &SubEffect::count},
-    {"Speed",                &SubEffect::speed},
-    {"vsize",                &SubEffect::vertical_size},
-    {"BirthCountOff",        &SubEffect::birth_count_offset},
-};
-
-constexpr const char* kMirrorKeys[] = {"RandomMirrorX", "RandomMirrorY", "RandomMirrorZ"};
-
-// These two are read only where there is an emit effect.
-constexpr KeyRow<EmitSettings> kEmitKeys[] = {
-    {"EmitEffectPerTime",    &EmitSettings::per_time},
-    {"EmitEffectRand",       &EmitSettings::random},
-    {"EmitEffectLocal",      &EmitSettings::local},
-    {"EmitEffectVolume",     &EmitSettings::volume},
-};
-constexpr KeyRow<TraceSettings> kTraceKeys[] = {
-    {"TraceEffectLifeTime",  &TraceSettings::life_time},
-    {"TraceEffectFlag",      &TraceSettings::flag},
-    {"TraceEffectId",        &TraceSettings::id},
-    {"TraceEffectTexScale",  &TraceSettings::texture_scale},
-};
-
-constexpr KeyRow<VisualEffectMotion> kMotionKeys[] = {
-    {"TimeOff",              &VisualEffectMotion::time_offset},
-    {"TimeCountOff",         &VisualEffectMotion::time_count_offset},
-    {"SpeedCountOff",        &VisualEffectMotion::speed_count_offset},
-    {"SpeedLocalCountOff",   &VisualEffectMotion::local_speed_count_offset},
-    {"Speed",                &VisualEffectMotion::speed},
-    {"SpeedLocal",           &VisualEffectMotion::local_speed},
-    {"TransformTimeScale",   &VisualEffectMotion::time_scale_uses_stage_time},
-    {"scale",                &VisualEffectMotion::scale},
-    {"RotAxis",              &VisualEffectMotion::rotation_axis},
-    {"RotAngle",             &VisualEffectMotion::rotation_angle},   // degrees until the stage is read
-    {"Offset",               &VisualEffectMotion::offset},
-};
-
-template <class Value>
-struct WordRow {
-    const char* word;
-    Value value;
-};
-
-constexpr WordRow<SpecialType> kSpecialTypes[] = {
-    {"none",  SpecialType::None},  {"flame", SpecialType::Flame}, {"helix",    SpecialType::Helix},
-    {"snake", SpecialType::Snake}, {"wave",  SpecialType::Wave},  {"jelly",    SpecialType::Jelly},
-    {"smoke", SpecialType::Smoke}, {"splash", SpecialType::Splash}, {"firework", SpecialType::Firework},
-};
-
-constexpr WordRow<AnimationType> kAnimationTypes[] = {
-    {"linear",     AnimationType::Linear},
-    {"swing",      AnimationType::Swing},
-    {"sin",        AnimationType::Sin},
-    {"cos",        AnimationType::Cos},
-    {"circle",     AnimationType::Circle},
-    {"quadratic",  AnimationType::Quadratic},
-    {"bezier",     AnimationType::Bezier},
-    {"rand1",      AnimationType::Rand1},
-    {"rand2",      AnimationType::Rand2},
-    {"rand3",      AnimationType::Rand3},
-    {"rand4",      AnimationType::Rand4},
-    {"randSphere", AnimationType::RandSphere},
-};
-
-constexpr WordRow<ConcatType> kConcatTypes[] = {
-    {"add",      ConcatType::Add},
-    {"multiply", ConcatType::Multiply},
-    {"rotate",   ConcatType::Rotate},
-};
-
-constexpr WordRow<CountType> kCountTypes[] = {
-    {"uniform", CountType::Uniform},
-    {"random",  CountType::Random},
-};
-
-struct BlendModes {
-    int mesh, other;   // blending modes of KRN_Gfx
-};
-constexpr WordRow<BlendModes> kBlendModes[] = {
-    {"default",     { 7, 9}},
-    {"additive",    {12, 3}},
-    {"subtractive", {17, 5}},
-};
-constexpr BlendModes kTraceBlendModes   = { 3, 3};   // without the key, where a trace is emitted
-constexpr BlendModes kDefaultBlendModes = { 7, 9};   // without the key
-
-struct ChannelRow {
-    const char* block;
-    MotionChannel SubEffect::*channel;
-    ConcatType concat;   // without the key
-};
-constexpr ChannelRow kChannels[] = {
-    {"POSITION", &SubEffect::position_stages, ConcatType::Add},
-    {"ROTATION", &SubEffect::rotation_stages, ConcatType::Rotate},
-    {"SCALE",    &SubEffect::scale_stages,    ConcatType::Multiply},
-    {"COLOR",    &SubEffect::colour_stages,   ConcatType::Multiply},
-    {"ALPHA",    &SubEffect::alpha_stages,    ConcatType::Multiply},
-};
-// clang-format on
 
 template <class Row, std::size_t N>
 const Row* FindWord(const Row (&rows)[N], const char* word) {
     for (const Row& row : rows)
-        if (EqualNoCase(row.word, word)) return &row;
+        if (EqualNoCase(row.key.data(), word)) return &row;
     return nullptr;
 }
 
 D3DXVECTOR3 Product(const D3DXVECTOR3& a, const D3DXVECTOR3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
 
-class EffectsFileLoader {
-  public:
-    EffectsFileLoader(const ErrorClass& reporter, EffectDefinitions& definitions)
-        : reporter_(reporter), definitions_(definitions) {}
+/// The number of a child key, which has no leading zeros; 0 for any other word.
+int ChildNumber(std::string_view word) {
+    if (!WordIndex::Same(word.substr(0, kChildKey.size()), kChildKey)) return 0;
+    const std::string_view digits = word.substr(kChildKey.size());
+    int number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const bool whole = error == std::errc() && end == digits.data() + digits.size();
+    return whole && digits.front() != '0' ? std::max(number, 0) : 0;
+}
 
-    void Load(const char* file) {
-        reader_.SetIndexKey("desc");
-        if (reader_.Load(file, true) != 0) reporter_.Error("Can not open file '%s': ", file);
-        for (entry_ = 0; entry_ < reader_.GetBlockCount(); ++entry_) ReadEntry();
-        ResolveEmitEffects(reporter_, definitions_);
+TextPlace ValuePlace(const ConfigLine& line) {
+    const std::size_t offset = std::min(line.rest.find_first_not_of(" \t=\""), line.rest.size());
+    return {line.place.line, line.place.column + static_cast<int>(line.word.size() + offset)};
+}
+
+/// The lines of one block by the rows of its table.
+class BlockLines {
+  public:
+    void Clear() { present_ = 0; }
+    /// False when the row has a line already, which stays.
+    bool Add(int row, const ConfigLine& line) {
+        if ((*this)[row]) return false;
+        present_ |= Bit(row);
+        lines_[static_cast<std::size_t>(row)] = line;
+        return true;
+    }
+    void Remove(int row) { present_ &= ~Bit(row); }
+    /// Null for a row without a line.
+    const ConfigLine* operator[](int row) const {
+        return (present_ & Bit(row)) != 0 ? &lines_[static_cast<std::size_t>(row)] : nullptr;
     }
 
   private:
+    static std::uint64_t Bit(int row) { return std::uint64_t{1} << row; }
+    static_assert(WordIndex::kMostWords <= 64);
+
+    std::uint64_t present_ = 0;
+    std::array<ConfigLine, WordIndex::kMostWords> lines_;
+};
+
+class EffectsFileLoader {
+  public:
+    /// With a list for what the file names this is a check.
+    EffectsFileLoader(const ErrorClass& reporter, EffectDefinitions& definitions, std::vector<NamedThing>* named)
+        : reporter_(reporter), definitions_(definitions), named_(named) {}
+
+    void Load(const char* file) {
+        if (IsCheck())
+            reader_.GoOnAfterErrors();
+        else
+            reader_.SetIndexKey("desc");   // its warnings would say of equal names what the errors say
+        if (reader_.Load(file, true) != 0) reporter_.Error("Can not open file '%s': ", file);
+        for (entry_ = 0; entry_ < reader_.GetBlockCount(); ++entry_) ReadEntryOrGoOn();
+        for (const SubEffect* sub : ResolveEmitEffects(definitions_))
+            Fault(sub->emit.place, "Emit effect '%s' of effect '%s' not found", sub->emit.name.c_str(),
+                  sub->owner->name.c_str());
+    }
+
+  private:
+    bool IsCheck() const { return named_ != nullptr; }
+
     // ---- Entries
+
+    /// In a check an entry that cannot be walked to its end costs no other.
+    void ReadEntryOrGoOn() try { ReadEntry(); } catch (const ErrorRecord&) {
+        if (!IsCheck()) throw;
+    }
 
     void ReadEntry() {
         reader_.SelectBlock(entry_);
-        char name[kNameSize];
-        if (reader_.ReadString("desc", name, sizeof name, entry_) != 0)
-            reporter_.Error("Effect entry %i without 'desc' entry", entry_);
-        effect_ = definitions_.effects.Insert(name);
-        if (!effect_) reporter_.Error("Multiple effect entry '%s' in effects.cfg", name);
-        effect_->name = name;
-        effect_->file_entry = entry_;
-        definitions_.names.Add(effect_->name);
-        ReadKeys(kEntryKeys, *effect_);
-        String child;
-        for (int i = 1; reader_.ReadString("child", child, entry_, i) == 0; ++i) effect_->children.Add(child);
-        ForEachBlock([this](const char* block) { return ReadSubEffect(block); });
+        block_place_ = reader_.CursorPlace();
+        children_.clear();
+        CollectLines(kEntryKeys);
+        AddEffect();
+        if (reader_.IsBroken(entry_)) return;
+        ReadFields(kEntryKeys, *effect_);
+        ReadChildren();
+        ForEachBlock(kSubEffectBlocks, [this](SubEffectKind kind) { ReadSubEffect(kind); });
     }
 
-    /// Calls read(name), the cursor before the block, for each block of the cursor's level. False means that the name
-    /// is unknown; read has left the cursor behind the block otherwise.
-    template <class Read>
-    void ForEachBlock(Read read) {
+    /// A check goes on with an effect of its own where there can be none of the name.
+    void AddEffect() {
+        const ConfigLine* desc = lines_[kEntryKeys.Row("desc")];
+        char name[kNameSize] = "";
+        const bool has_name = ReadWord(desc, name);
+        const TextPlace place = has_name ? ValuePlace(*desc) : block_place_;
+        reader_.PlaceReports(place);   // of names that the tree refuses
+        effect_ = has_name ? definitions_.effects.Insert(name) : nullptr;
+        if (!has_name) Fault(place, "Effect entry %i without 'desc' entry", entry_);
+        if (has_name && !effect_) Fault(place, "Multiple effect entry '%s' in effects.cfg", name);
+        if (effect_)
+            definitions_.names.Add(effect_->name = name);
+        else
+            (effect_ = &unlisted_.emplace_back())->name = name;
+        effect_->file_entry = entry_;
+    }
+
+    /// From number 1 up to the first that is missing.
+    void ReadChildren() {
+        const auto by_number = [](const Child& a, const Child& b) { return a.number < b.number; };
+        std::stable_sort(children_.begin(), children_.end(), by_number);
+        int next = 1;
+        for (const Child& child : children_) {
+            char name[kTextSize];
+            const bool counts = child.number == next && ReadQuotedValue(child.line.rest, name, sizeof name) == 0;
+            if (!counts) {
+                WarnInCheck(child.line, "is not read");
+                continue;
+            }
+            effect_->children.Add(name);
+            ++next;
+        }
+    }
+
+    /// Calls read(value of the block's row), the cursor in the block, for each block of the cursor's level.
+    template <class Value, std::size_t N, class Read>
+    void ForEachBlock(const WordRow<Value> (&rows)[N], Read read) {
         char name[kNameSize];
         while (reader_.NextBlock(name, sizeof name)) {
-            if (name[0] != ';') {
-                if (read(name)) continue;
-                reporter_.Warning("Unknown block name '%s' in effects.cfg", name);
-            }
-            reader_.SkipBlock();
+            block_place_ = reader_.CursorPlace();
+            const WordRow<Value>* row = FindWord(rows, name);
+            if (!row && name[0] != ';')
+                Warn(block_place_, "Unknown block name '%s' in effects.cfg%s", name, Hint(name, rows).c_str());
+            reader_.EnterBlock();
+            if (row) read(row->value);
+            reader_.ExitBlock();
         }
     }
 
     // ---- Sub-effects
 
-    bool ReadSubEffect(const char* block) {
-        if (EqualNoCase(block, "PARTICLE")) {
-            ReadBlock(effect_->particles, [this](ParticleEffect& particle) { ReadKeys(kParticleKeys, particle); });
-        } else if (EqualNoCase(block, "MESH")) {
-            ReadBlock(effect_->meshes, [this](MeshEffect& mesh) { ReadKeys(kMeshKeys, mesh); });
-        } else if (EqualNoCase(block, "SPECIAL")) {
-            ReadBlock(effect_->specials, [this](SpecialEffect& special) { ReadSpecialKeys(special); });
-        } else {
-            return false;
+    void ReadSubEffect(SubEffectKind kind) {
+        switch (kind) {
+            case SubEffectKind::Particle:
+                return ReadSubEffect(effect_->particles, kParticleKeys, [this](ParticleEffect& particle) {
+                    Name(NamedThing::Kind::Texture, lines_[kParticleKeys.Row("texture")], particle.texture_name);
+                });
+            case SubEffectKind::Mesh:
+                return ReadSubEffect(effect_->meshes, kMeshKeys, [this](MeshEffect& mesh) {
+                    Name(NamedThing::Kind::Scene, lines_[kMeshKeys.Row("sFile")], mesh.scene_file);
+                });
+            case SubEffectKind::Special:
+                return ReadSubEffect(effect_->specials, kSpecialKeys,
+                                     [this](SpecialEffect& special) { ReadSpecialKeys(special); });
         }
-        return true;
     }
 
-    template <class List, class ReadKindKeys>
-    void ReadBlock(List& list, ReadKindKeys read_kind_keys) {
+    template <class List, class Table, class ReadOwn>
+    void ReadSubEffect(List& list, const Table& table, ReadOwn read_own) {
         const int id = list.AddNew();
         auto& sub = *list.Get(id);
         sub.owner = effect_;
         sub.index = id;
-        reader_.EnterBlock();
-        read_kind_keys(sub);
+        CollectLines(table);
+        ReadEmission(sub);
+        ReadFields<SubEffect>(table, sub);
+        read_own(sub);
         ReadCommonKeys(sub);
-        ForEachBlock([this, &sub](const char* block) { return ReadStage(block, sub); });
-        reader_.ExitBlock();
+        ForEachBlock(kChannelBlocks, [this, &sub](const Channel& channel) { ReadStage(channel, sub); });
     }
 
     void ReadSpecialKeys(SpecialEffect& special) {
-        ReadKeys(kSpecialKeys, special);
-        D3DXVECTOR3 second(1, 1, 1);
-        ReadVector("col", second);
-        ReadVector("col2", second);
+        const ConfigLine* texture = lines_[kSpecialKeys.Row("texture")];
+        if (texture) Name(NamedThing::Kind::Texture, texture, special.texture_name);
+        D3DXVECTOR3 second = special.colour;
+        ReadField(lines_[kSpecialKeys.Row("col2")], second);
         special.second_colour = PackColour(second, kOpaque);
+        const ConfigLine* type = lines_[kSpecialKeys.Row("type")];
         char word[kNameSize];
-        if (!ReadWord("type", word)) reporter_.Error("No type in special effect '%s'", effect_->name.c_str());
-        const auto* row = FindWord(kSpecialTypes, word);
-        if (!row) reporter_.Error("Unknown special effect type in effect '%s'", effect_->name.c_str());
-        special.type = row->value;
+        if (!ReadWord(type, word)) return Fault(block_place_, "No type in special effect '%s'", effect_->name.c_str());
+        if (const auto* row = FindWord(kSpecialTypes, word))
+            special.type = row->value;
+        else
+            Fault(ValuePlace(*type), "Unknown special effect type in effect '%s'%s", effect_->name.c_str(),
+                  Hint(word, kSpecialTypes).c_str());
     }
 
     void ReadCommonKeys(SubEffect& sub) {
-        ReadKeys(kSubEffectKeys, sub);
-        for (int axis = 0; axis < 3; ++axis) reader_.ReadBool(kMirrorKeys[axis], sub.random_mirror[axis], entry_);
         sub.scale = Product(sub.scale, effect_->scale);
         const D3DXVECTOR3& entry = effect_->scale;
         sub.vertical_size *= std::sqrt(entry.x * entry.x + entry.y * entry.y) / kDiagonal;
-        ReadCurve("LifeCountBez", sub.life_count);
+        ReadCurve("LifeCountBez", lines_[kParticleKeys.Row("LifeCountBez")], sub.life_count);
         sub.life_count.ComputeTangents(kCurveTension);
         ReadStartRotation(sub);
         ReadCountType(sub);
-        ReadEmission(sub);
         sub.blend_mode = ReadBlendMode(sub);
         ReadTransformObject();
     }
@@ -279,169 +234,329 @@ class EffectsFileLoader {
     void ReadStartRotation(SubEffect& sub) {
         D3DXVECTOR3 axis(0, 0, 1);
         float degrees = 0;
-        ReadVector("RotAxis", axis);
-        if (reader_.ReadFloat("RotAngle", degrees, entry_) != 0) return;
+        ReadField(lines_[kParticleKeys.Row("RotAxis")], axis);
+        if (!ReadField(lines_[kParticleKeys.Row("RotAngle")], degrees)) return;
         D3DXQuaternionRotationAxis(&sub.start_rotation, &axis, degrees * kRadiansPerDegree);
     }
 
     void ReadCountType(SubEffect& sub) {
+        const ConfigLine* line = lines_[kParticleKeys.Row("CountType")];
         char word[kNameSize];
-        if (!ReadWord("CountType", word)) return;
-        const auto* row = FindWord(kCountTypes, word);
-        if (!row) reporter_.Error("Unknown CountType '%s' in effect '%s'", word, effect_->name.c_str());
-        sub.count_type = row->value;
+        if (!ReadWord(line, word)) return;
+        if (const auto* row = FindWord(kCountTypes, word))
+            sub.count_type = row->value;
+        else
+            Fault(ValuePlace(*line), "Unknown CountType '%s' in effect '%s'%s", word, effect_->name.c_str(),
+                  Hint(word, kCountTypes).c_str());
     }
 
+    /// The emission keys count only where there is an emit effect.
     void ReadEmission(SubEffect& sub) {
-        if (reader_.ReadString("EmitEffect", sub.emit.name, entry_) != 0) return;
-        sub.emit.line = reader_.ReportLine();
-        ReadKeys(kEmitKeys, sub.emit);
-        ReadKeys(kTraceKeys, sub.trace);
+        constexpr int kFirst = kParticleKeys.Row("EmitEffectPerTime"), kLast = kParticleKeys.Row("EmitEffectVolume");
+        const ConfigLine* line = lines_[kParticleKeys.Row("EmitEffect")];
+        if (ReadField(line, sub.emit.name)) {
+            sub.emit.place = ValuePlace(*line);
+            if (sub.emit.name.StartsWith(kTracePrefix))
+                Name(NamedThing::Kind::TraceTexture, line, sub.emit.name.c_str() + std::strlen(kTracePrefix));
+            return;
+        }
+        for (int row = kFirst; row <= kLast; ++row) {
+            if (lines_[row]) WarnInCheck(*lines_[row], "is not read without EmitEffect");
+            lines_.Remove(row);
+        }
     }
 
     int ReadBlendMode(const SubEffect& sub) {
         const auto for_kind = [&](const BlendModes& modes) {
             return sub.kind == SubEffectKind::Mesh ? modes.mesh : modes.other;
         };
+        const ConfigLine* line = lines_[kParticleKeys.Row("BlendType")];
         char word[kNameSize];
-        if (!ReadWord("BlendType", word))
+        if (!ReadWord(line, word))
             return for_kind(sub.emit.name.StartsWith(kTracePrefix) ? kTraceBlendModes : kDefaultBlendModes);
         if (const auto* row = FindWord(kBlendModes, word)) return for_kind(row->value);
-        if (sub.kind == SubEffectKind::Mesh) reporter_.Error("Invalid blend mode '%s' in effects.cfg", word);
+        const std::string hint = Hint(word, kBlendModes);
+        if (sub.kind == SubEffectKind::Mesh)
+            Fault(ValuePlace(*line), "Invalid blend mode '%s' in effects.cfg%s", word, hint.c_str());
+        else if (IsCheck())
+            Warn(ValuePlace(*line), "Unknown blend mode \"%s\"%s", word, hint.c_str());
         return sub.blend_mode;
     }
 
     /// A transform object drives a sub-effect by the keys of a scene's node. There is no scene reader that could give
     /// them, and a sub-effect that stays where it should fly would hide that.
     void ReadTransformObject() {
+        const ConfigLine* line = lines_[kParticleKeys.Row("TransformObjectFile")];
         char file[kNameSize], object[kNameSize];
-        if (!ReadWord("TransformObjectFile", file)) return;
-        if (!ReadWord("TransformObjectName", object))
-            reporter_.Error("'TransformObjectName' missing in effect: '%s'", effect_->name.c_str());
-        reporter_.Error(
-            "Can not load scene '%s' for the transform object '%s' of effect '%s': scenes are not supported", file,
-            object, effect_->name.c_str());
+        if (!ReadWord(line, file)) return;
+        Name(NamedThing::Kind::Scene, line, file);
+        if (!ReadWord(lines_[kParticleKeys.Row("TransformObjectName")], object))
+            return Fault(line->place, "'TransformObjectName' missing in effect: '%s'", effect_->name.c_str());
+        Fault(ValuePlace(*line),
+              "Can not load scene '%s' for the transform object '%s' of effect '%s': scenes are not supported", file,
+              object, effect_->name.c_str());
     }
 
     // ---- Stages
 
-    bool ReadStage(const char* block, SubEffect& sub) {
-        for (const ChannelRow& row : kChannels) {
-            if (!EqualNoCase(row.block, block)) continue;
-            MotionChannel& channel = sub.*row.channel;
-            VisualEffectMotion& stage = *channel.Get(channel.AddNew());
-            stage.concat = row.concat;
-            reader_.EnterBlock();
-            ReadStageKeys(stage);
-            reader_.ExitBlock();
-            if (row.channel == &SubEffect::position_stages) stage.scale = Product(stage.scale, sub.scale);
-            PrepareStage(stage);
-            return true;
-        }
-        return false;
+    void ReadStage(const Channel& channel, SubEffect& sub) {
+        MotionChannel& stages = sub.*channel.stages;
+        VisualEffectMotion& stage = *stages.Get(stages.AddNew());
+        stage.concat = channel.concat;
+        CollectLines(kMotionKeys);
+        ReadStageType(stage);
+        if (stage.type == AnimationType::Bezier) ReadStageCurve(stage.curve);
+        ReadFields(kMotionKeys, stage);
+        stage.rotation_angle *= kRadiansPerDegree;
+        ReadTimes(stage);
+        ReadConcatType(stage);
+        if (channel.stages == &SubEffect::position_stages) stage.scale = Product(stage.scale, sub.scale);
+        PrepareStage(stage);
     }
 
-    void ReadStageKeys(VisualEffectMotion& stage) {
+    void ReadStageType(VisualEffectMotion& stage) {
         const char* effect = effect_->name.c_str();
+        const ConfigLine* line = lines_[kMotionKeys.Row("type")];
         char word[kNameSize];
-        if (!ReadWord("type", word)) reporter_.Error("No 'type' specified for effect '%s'", effect);
-        const auto* type = FindWord(kAnimationTypes, word);
-        if (!type) reporter_.Error("Unknown animation type '%s' in effect '%s'", word, effect);
-        stage.type = type->value;
-        if (stage.type == AnimationType::Bezier) ReadStageCurve(stage.curve);
-        ReadKeys(kMotionKeys, stage);
-        stage.rotation_angle *= kRadiansPerDegree;
-        D3DXVECTOR3 scale(stage.time_scale.inverse, stage.time_scale.constant, stage.time_scale.linear);
-        ReadVector("TimeScale", scale);
-        stage.time_scale = {scale.x, scale.y, scale.z};
-        float range[2] = {};
-        if (reader_.ReadVector2("TimeMinMax", range, entry_) == 0) {
-            stage.time_minimum = range[0];
-            stage.time_maximum = range[1];
-        }
-        if (!ReadWord("ConcatType", word)) return;
-        const auto* concat = FindWord(kConcatTypes, word);
-        if (!concat) reporter_.Error("Unknown concatenation type '%s' in effect '%s'", word, effect);
-        stage.concat = concat->value;
+        if (!ReadWord(line, word)) return Fault(block_place_, "No 'type' specified for effect '%s'", effect);
+        if (const auto* row = FindWord(kAnimationTypes, word))
+            stage.type = row->value;
+        else
+            Fault(ValuePlace(*line), "Unknown animation type '%s' in effect '%s'%s", word, effect,
+                  Hint(word, kAnimationTypes).c_str());
     }
 
     void ReadStageCurve(VectorCurve& curve) {
-        ReadCurve("curve", curve);
-        if (curve.IsEmpty()) reporter_.Error("No bezier curve defined in effect '%s'", effect_->name.c_str());
+        ReadCurve("curve", lines_[kMotionKeys.Row("curve")], curve);
+        if (curve.IsEmpty())
+            Fault(lines_[kMotionKeys.Row("type")]->place, "No bezier curve defined in effect '%s'",
+                  effect_->name.c_str());
         float loop_end = 0;
-        reader_.ReadFloat("curveLoopTime", loop_end, entry_);
+        ReadField(lines_[kMotionKeys.Row("curveLoopTime")], loop_end);
         curve.SetLoop(loop_end > 0, loop_end);
         curve.ComputeTangents(kCurveTension);   // last: in a loop the tangents reach across the seam
     }
 
-    // ---- Values
-
-    template <class Owner, std::size_t N>
-    void ReadKeys(const KeyRow<Owner> (&rows)[N], Owner& owner) {
-        for (const KeyRow<Owner>& row : rows)
-            std::visit([&](auto field) { ReadValue(row.key, owner.*field); }, row.field);
+    void ReadTimes(VisualEffectMotion& stage) {
+        D3DXVECTOR3 scale(stage.time_scale.inverse, stage.time_scale.constant, stage.time_scale.linear);
+        ReadField(lines_[kMotionKeys.Row("TimeScale")], scale);
+        stage.time_scale = {scale.x, scale.y, scale.z};
+        const ConfigLine* line = lines_[kMotionKeys.Row("TimeMinMax")];
+        float range[2];
+        if (!line || !IsRead(*line, ReadVectorValue(line->rest, range, 2))) return;
+        stage.time_minimum = range[0];
+        stage.time_maximum = range[1];
     }
 
-    void ReadValue(const char* key, bool& value) { reader_.ReadBool(key, value, entry_); }
-    void ReadValue(const char* key, double& value) { reader_.ReadNumber(key, value, entry_); }
-    void ReadValue(const char* key, float& value) { reader_.ReadFloat(key, value, entry_); }
-    void ReadValue(const char* key, std::int32_t& value) { reader_.ReadInt(key, value, entry_); }
-    void ReadValue(const char* key, D3DXVECTOR3& value) { ReadVector(key, value); }
-    void ReadValue(const char* key, String& value) { reader_.ReadString(key, value, entry_); }
-    void ReadValue(const char* key, std::uint16_t& value) {
-        int number = 0;
-        if (reader_.ReadInt(key, number, entry_) == 0) value = static_cast<std::uint16_t>(number);
+    void ReadConcatType(VisualEffectMotion& stage) {
+        const ConfigLine* line = lines_[kMotionKeys.Row("ConcatType")];
+        char word[kNameSize];
+        if (!ReadWord(line, word)) return;
+        if (const auto* row = FindWord(kConcatTypes, word))
+            stage.concat = row->value;
+        else
+            Fault(ValuePlace(*line), "Unknown concatenation type '%s' in effect '%s'%s", word, effect_->name.c_str(),
+                  Hint(word, kConcatTypes).c_str());
     }
 
-    /// A vector with too few components leaves the value as it was.
-    void ReadVector(const char* key, D3DXVECTOR3& value) {
-        float numbers[3] = {};
-        if (reader_.ReadVector3(key, numbers, entry_) == 0) value = {numbers[0], numbers[1], numbers[2]};
+    // ---- Lines and their values
+
+    /// One walk over the lines of the cursor's level.
+    template <class Table>
+    void CollectLines(const Table& table) {
+        lines_.Clear();
+        reader_.ForEachLine([&](const ConfigLine& line) {
+            const int row = line.rest.empty() ? -1 : table.index.Find(line.word);
+            const int child = row < 0 && &table.index == &kEntryKeys.index ? ChildNumber(line.word) : 0;
+            if (child > 0)
+                children_.push_back({child, line});
+            else if (row < 0)
+                WarnOfUnknownKey(line, table.rows);
+            else if (!lines_.Add(row, line))
+                WarnInCheck(line, "stands here twice, the first one counts");
+        });
     }
 
-    bool ReadWord(const char* key, char (&word)[kNameSize]) {
-        return reader_.ReadString(key, word, sizeof word, entry_) == 0;
-    }
-
-    /// The numbers of a list, until the next call.
-    const std::vector<float>& ReadList(const char* key) {
-        int total = 0;
-        numbers_.resize(std::max<std::size_t>(numbers_.capacity(), 64));
-        int count = reader_.ReadFloatList(key, numbers_.data(), static_cast<int>(numbers_.size()), &total, entry_);
-        if (total > count) {
-            numbers_.resize(static_cast<std::size_t>(total));
-            count = reader_.ReadFloatList(key, numbers_.data(), total, &total, entry_);
+    template <class Owner, class Table>
+    void ReadFields(const Table& table, Owner& owner) {
+        for (int row = 0; const auto& [key, target] : table.rows) {
+            const ConfigLine* line = lines_[row++];
+            if (!line) continue;
+            std::visit(
+                [&](auto field_of) {
+                    if constexpr (!std::is_same_v<decltype(field_of), std::monostate>) ReadField(line, field_of(owner));
+                },
+                target);
         }
-        numbers_.resize(static_cast<std::size_t>(count));
-        return numbers_;
+    }
+
+    /// False, the value as it was, without a line or without a value on it.
+    template <class Value>
+    bool ReadField(const ConfigLine* line, Value& value) {
+        return line && IsRead(*line, Read(*line, value));
+    }
+
+    bool IsRead(const ConfigLine& line, int code) {
+        if (code != 0) WarnInCheck(line, "has no value that can be read");
+        return code == 0;
+    }
+
+    template <class Value>
+    int Read(const ConfigLine& line, Value& value) {
+        double number;
+        const int code = ReadNumberValue(line.rest, number);
+        if (code != 0) return code;
+        float digits;
+        if (IsCheck() && line.rest.find('=') != std::string_view::npos && ReadVectorValue(line.rest, &digits, 1) != 0)
+            WarnInCheck(line, "is no number and reads as 0");
+        if constexpr (std::is_same_v<Value, bool>)
+            value = ToBool(number);
+        else if constexpr (std::is_same_v<Value, std::int32_t>)
+            value = TruncateToInt(number);
+        else
+            value = static_cast<Value>(number);
+        return 0;
+    }
+    int Read(const ConfigLine& line, std::uint16_t& value) {
+        std::int32_t number;
+        const int code = Read(line, number);
+        if (code != 0) return code;
+        const int nearest = std::clamp<int>(number, 0, std::numeric_limits<std::uint16_t>::max());
+        if (nearest != number)
+            Warn(ValuePlace(line), "%.*s at line %i is %i, which does not fit into 16 bits: %i is taken",
+                 static_cast<int>(line.word.size()), line.word.data(), line.place.line, number, nearest);
+        value = static_cast<std::uint16_t>(nearest);
+        return 0;
+    }
+    int Read(const ConfigLine& line, D3DXVECTOR3& value) {
+        float numbers[3];
+        const int code = ReadVectorValue(line.rest, numbers, 3);
+        if (code == 0) value = {numbers[0], numbers[1], numbers[2]};
+        return code;
+    }
+    int Read(const ConfigLine& line, String& value) {
+        char text[kTextSize];
+        const int code = ReadQuotedValue(line.rest, text, sizeof text);
+        if (code == 0) value = text;
+        return code;
+    }
+
+    bool ReadWord(const ConfigLine* line, char (&word)[kNameSize]) {
+        return line && IsRead(*line, ReadQuotedValue(line->rest, word, sizeof word));
     }
 
     template <int Components>
-    void ReadCurve(const char* key, KeyCurve<Components>& curve) {
-        const std::vector<float>& numbers = ReadList(key);
+    void ReadCurve(const char* key, const ConfigLine* line, KeyCurve<Components>& curve) {
+        if (!line) return;
+        numbers_.clear();
+        ReadListValue(line->rest, numbers_);
         constexpr std::size_t kGroup = 1 + Components;
-        if (numbers.size() % kGroup != 0) reporter_.Error("Invalid %s entry", key);
-        for (std::size_t i = 0; i < numbers.size(); i += kGroup) {
-            if (i > 0 && numbers[i] < numbers[i - kGroup])
-                reporter_.Error("Invalid order in bezier curve of entry '%s'", effect_->name.c_str());
+        if (numbers_.size() % kGroup != 0) return Fault(ValuePlace(*line), "Invalid %s entry", key);
+        for (std::size_t i = 0; i < numbers_.size(); i += kGroup) {
+            if (i > 0 && numbers_[i] < numbers_[i - kGroup])
+                return Fault(ValuePlace(*line), "Invalid order in bezier curve of entry '%s'", effect_->name.c_str());
             float value[Components];
-            std::copy_n(&numbers[i + 1], Components, value);
-            curve.AddKey(numbers[i], value);
+            std::copy_n(&numbers_[i + 1], Components, value);
+            curve.AddKey(numbers_[i], value);
         }
     }
 
+    // ---- Reports
+
+    /// An error, which ends the loading; a check goes on.
+    void Fault(TextPlace place, const char* format, ...) __attribute__((format(printf, 3, 4))) {
+        char text[kTextSize];
+        std::va_list arguments;
+        va_start(arguments, format);
+        std::vsnprintf(text, sizeof text, format, arguments);
+        va_end(arguments);
+        reader_.PlaceReports(place);
+        try {
+            reporter_.Error("%s", text);
+        } catch (const ErrorRecord&) {
+            if (!IsCheck()) throw;
+        }
+    }
+
+    void Warn(TextPlace place, const char* format, ...) __attribute__((format(printf, 3, 4))) {
+        char text[kTextSize];
+        std::va_list arguments;
+        va_start(arguments, format);
+        std::vsnprintf(text, sizeof text, format, arguments);
+        va_end(arguments);
+        reader_.PlaceReports(place);
+        reporter_.Warning("%s", text);
+    }
+
+    /// Of a line that opens a block too: "SCALE {" is the first line of the key "scale".
+    void WarnInCheck(const ConfigLine& line, const char* what) {
+        if (!IsCheck() || line.opens_block) return;
+        Warn(line.place, "Key \"%.*s\" %s", static_cast<int>(line.word.size()), line.word.data(), what);
+    }
+
+    template <class Rows>
+    void WarnOfUnknownKey(const ConfigLine& line, const Rows& rows) {
+        const bool is_syntax = line.opens_block || line.word.starts_with('#') || line.word.starts_with('}');
+        if (!IsCheck() || is_syntax) return;
+        const std::string word(line.word.substr(0, line.word.find('\t')));
+        const char* why = word.size() < line.word.size() ? "a tab does not end it" : "";
+        if (line.rest.empty()) why = "neither blank nor \"=\" behind it";
+        if (*why)
+            Warn(line.place, "No key \"%s\": %s", word.c_str(), why);
+        else
+            Warn(line.place, "Unknown key \"%s\"%s", word.c_str(), Hint(word, rows).c_str());
+    }
+
+    /// In a check, the nearest word of the rows; the same word is asked for often.
+    template <class Rows>
+    std::string Hint(const std::string& word, const Rows& rows) {
+        if (!IsCheck()) return {};
+        const auto [known, is_new] = hints_.try_emplace({&rows, word});
+        if (!is_new) return known->second;
+        std::vector<std::string> candidates;
+        for (const auto& row : rows) candidates.emplace_back(row.key);
+        const std::string nearest = NearestWord(word, candidates);
+        return known->second = nearest.empty() ? "" : ", did you mean \"" + nearest + "\"?";
+    }
+
+    /// For a check; without a line, at the block.
+    void Name(NamedThing::Kind kind, const ConfigLine* line, const String& name) const {
+        if (IsCheck()) named_->push_back({kind, name.c_str(), line ? ValuePlace(*line) : block_place_});
+    }
+
+    struct Child {
+        int number;   // of the key
+        ConfigLine line;
+    };
+
     const ErrorClass& reporter_;
     EffectDefinitions& definitions_;
+    std::vector<NamedThing>* const named_;   // null for no check
     ConfigFileReader reader_;
     int entry_ = 0;
     VisualEffect* effect_ = nullptr;   // of the entry that is read
-    std::vector<float> numbers_;       // memory of ReadList
+    std::list<VisualEffect> unlisted_;
+    TextPlace block_place_;   // of the entry, or of the block that was entered last
+    BlockLines lines_;        // of that block
+    std::vector<Child> children_;
+    std::vector<float> numbers_;   // memory of ReadCurve
+    std::map<std::pair<const void*, std::string>, std::string> hints_;
 };
 
 }   // namespace
 
 void LoadEffectsFile(const char* file, const ErrorClass& reporter, EffectDefinitions& definitions) {
-    EffectsFileLoader(reporter, definitions).Load(file);
+    EffectsFileLoader(reporter, definitions, nullptr).Load(file);
+}
+
+std::vector<NamedThing> CheckEffectsFile(const char* file, const ErrorClass& reporter, EffectDefinitions& definitions) {
+    std::vector<NamedThing> named;
+    try {
+        EffectsFileLoader(reporter, definitions, &named).Load(file);
+    } catch (const ErrorRecord&) {   // the file cannot be opened, which has been reported
+    }
+    std::ranges::stable_sort(named, {}, [](const NamedThing& thing) { return thing.place; });
+    return named;
 }
 
 }   // namespace sparkrig

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <set>
 
+#include "effects/effects_file.h"
 #include "effects/motion.h"
 #include "effects/visual_effect_system_parts.h"
 #include "gfx/gfx.h"

@@ -3,6 +3,7 @@
 
 #include "base/random.h"
 #include "effects/effect_simulation.h"
+#include "effects/effects_file.h"
 #include "effects/motion.h"
 #include "fuzz/input_file.h"
 

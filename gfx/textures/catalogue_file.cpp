@@ -26,11 +26,21 @@ CatalogueFile::Token CatalogueFile::Read(String& text) {
     return std::strcmp(word, "=") == 0 ? Token::Equals : Token::Other;
 }
 
+/// Reported where the name stands, not where the reader is.
+void CatalogueFile::WarnOfMissingFile(const String& name, int name_start) {
+    const int here = reader_.Tell();
+    reader_.Seek(name_start);
+    reader_.Warning("No \"=\" behind \"%s\"", name.c_str());
+    reader_.Seek(here);
+}
+
 bool CatalogueFile::Next(String& name, String& file) {
     enum class Pending { Nothing, Name, File } pending = Pending::Nothing;
-    int name_line = 0;
+    int name_line = 0, name_start = 0;
     for (;;) {
         String text;
+        reader_.SkipSpace();
+        const int token_start = reader_.Tell();
         const Token token = Read(text);
         if (token == Token::End) return false;
         if (pending == Pending::File && token == Token::Quoted) {
@@ -44,10 +54,11 @@ bool CatalogueFile::Next(String& name, String& file) {
         // A string on a later line is a name again, so that one bad line costs no other.
         const bool bad = pending == Pending::Name;
         const bool is_name = token == Token::Quoted && (!bad || reader_.CurrentLine() > name_line);
-        if (bad) reader_.Warning("No \"=\" behind \"%s\"", name.c_str());
+        if (bad) WarnOfMissingFile(name, name_start);
         if (bad || token == Token::Comment) pending = Pending::Nothing;
         if (!is_name) continue;
         name = text;
+        name_start = token_start;
         name_line = reader_.CurrentLine();
         pending = Pending::Name;
     }

@@ -10,7 +10,8 @@ class CatalogueFile {
     /// A file that cannot be opened is an error of the reader.
     explicit CatalogueFile(const char* name) { reader_.Open(name, true); }
 
-    /// The next pair; false at the end. A name without "=" behind it is a warning.
+    /// The next pair; false at the end. A name without "=" behind it is a warning. Until the next call reports are
+    /// about the place of the pair's file.
     bool Next(String& name, String& file);
 
   private:
@@ -18,6 +19,7 @@ class CatalogueFile {
     enum class Token { End, Comment, Quoted, Equals, Other };
     Token Read(String& text);
     void SkipLine();
+    void WarnOfMissingFile(const String& name, int name_start);
 
     TextDataFileReader reader_;
 };

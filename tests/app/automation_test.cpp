@@ -129,13 +129,23 @@ TEST_F(AutomationTest, SequenceAndSheetAreWritten) {
 TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
     EXPECT_EQ(Run({"--check"}), 0) << out_;
     EXPECT_EQ(out_, "");
-    Write("cfg/effects.cfg", "#1\ndesc = \"Glow\"\nPARTICLE {\n  texture = \"textures\\none.png\"\n}\n");
+    Write("cfg/texCatalogue.cfg", "\"bad\" =\n  \"none.png\"\n\"odd\"\n\"glow\" = \"textures/glow.png\"\n");
+    Write(
+        "cfg/effects.cfg",
+        "; \"gone.png\"\n#1\ndesc = \"Glow\"\nPARTICLE {\n  texture = \"gone.png\"\n  EmitEffect = \"trace:none\"\n}\n"
+        "MESH {\n  sFile = \"gone.3sc\"\n}\nPARTICLE {\n  texture = \"glow\"\n}\n#2\ndesc = \"Two\"\n"
+        "SPECIAL {\n  type = \"wave\"\n  texture = \"gone.png\"\n}\n");
     EXPECT_EQ(Run({"--check"}), 1);
-    EXPECT_THAT(out_, HasSubstr("cfg/effects.cfg:"));
-    EXPECT_THAT(out_, HasSubstr("none.png"));
-    Write("cfg/effects.cfg", "#1\ndesc = \"Glow\"\n}\n");
+    EXPECT_EQ(out_,
+              "cfg/texCatalogue.cfg:2:3: warning: Texture file not found: 'none.png'\n"
+              "cfg/texCatalogue.cfg:3:1: warning: cfg/texCatalogue.cfg: No \"=\" behind \"odd\"\n"
+              "cfg/effects.cfg:5:14: error: Can not open file gone.png\n"
+              "cfg/effects.cfg:6:17: warning: No texture 'none' in the catalogue\n"
+              "cfg/effects.cfg:9:12: warning: Scene file not found: 'gone.3sc'\n"
+              "cfg/effects.cfg:18:14: error: Can not open file gone.png\n");
+    Write("cfg/effects.cfg", "");
     EXPECT_EQ(Run({"--check"}), 1);
-    EXPECT_THAT(out_, HasSubstr("error: "));
+    EXPECT_THAT(out_, HasSubstr("cfg/effects.cfg: error: No effects in effect file"));
 }
 
 TEST_F(AutomationTest, EndsWithOneSentence) {

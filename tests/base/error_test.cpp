@@ -61,11 +61,11 @@ TEST(ReportListener, HearsEveryReportWithItsPlace) {
     {
         SourceFileScope outer("effects.cfg");
         file.Warning("same");
-        SetSourceLine(12);
+        SetSourcePlace({12});
         file.Warning("same");
         {
             SourceFileScope inner(
-                "fire.kva", [](const void*) { return 34; }, nullptr);
+                "fire.kva", [](const void*) { return TextPlace{34, 5}; }, nullptr);
             ErrorOf([] { Engine("KRN_Mesh").Error("broken"); });
         }
         file.Warning("same");
@@ -86,7 +86,7 @@ TEST(ReportListener, PlacesMayEndInAnyOrder) {
     third.reset();
     Named("X").Warning("2");
     first.reset();
-    SetSourceLine(5);
+    SetSourcePlace({5});
     Named("X").Warning("3");
     EXPECT_THAT(reports.All(), ElementsAre("warning X: 1 @c:0", "warning X: 2 @a:0", "warning X: 3"));
 }

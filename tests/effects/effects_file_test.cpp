@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "effects/effect_definitions.h"
+#include "effects/effects_file.h"
 #include "tests/effects/effects_file_text.h"
 #include "tests/support/reports.h"
 
@@ -50,7 +50,7 @@ class EffectsFile : public testing::Test {
 
     TestReporter reporter;
     EffectDefinitions definitions;
-    Reports reports{[](const Report& report) { return std::to_string(report.line) + ": " + report.message; }};
+    Reports reports{[](const Report& report) { return std::to_string(report.place.line) + ": " + report.message; }};
 };
 
 /// A vector as one number that no two vectors of small numbers share.
@@ -334,14 +334,14 @@ TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
     const std::pair<std::string, const char*> kRows[] = {
         {"#b\n#c\ndesc = \"b\"", "3: Effect entry 1 without 'desc' entry"},
         {"#b\n\ndesc = \"X\"", "5: Multiple effect entry 'X' in effects.cfg"},
-        {"SPECIAL {\n}", "4: No type in special effect 'x'"},
+        {"SPECIAL {\n}", "3: No type in special effect 'x'"},
         {"SPECIAL {\n\ntype = \"rain\"\n}", "5: Unknown special effect type in effect 'x'"},
         {"MESH {\nCountType = \"odd\"\n}", "4: Unknown CountType 'odd' in effect 'x'"},
         {"MESH {\nBlendType = \"glow\"\n}", "4: Invalid blend mode 'glow' in effects.cfg"},
         {"MESH {\nTransformObjectFile = \"s\"\n}", "4: 'TransformObjectName' missing in effect: 'x'"},
         {"MESH {\nTransformObjectFile = \"s\"\nTransformObjectName = \"o\"\n}",
-         "5: Can not load scene 's' for the transform object 'o' of effect 'x': scenes are not supported"},
-        {"MESH {\nALPHA {\n}\n}", "5: No 'type' specified for effect 'x'"},
+         "4: Can not load scene 's' for the transform object 'o' of effect 'x': scenes are not supported"},
+        {"MESH {\nALPHA {\n}\n}", "4: No 'type' specified for effect 'x'"},
         {"MESH {\nALPHA {\ntype = \"jump\"\n}\n}", "5: Unknown animation type 'jump' in effect 'x'"},
         {"MESH {\nALPHA {\ntype = \"bezier\"\n}\n}", "5: No bezier curve defined in effect 'x'"},
         {"MESH {\nALPHA {\ntype = \"bezier\"\ncurve = 0,1,2\n}\n}", "6: Invalid curve entry"},
@@ -359,6 +359,86 @@ TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
     }
     EXPECT_THROW(LoadEffectsFile("no/such/effects.cfg", reporter, definitions), ErrorMsg);
     EXPECT_EQ(reports.Last(), "0: Can not open file 'no/such/effects.cfg': ");
+}
+
+TEST_F(EffectsFile, NumbersThatDoNotFitIntoSixteenBitsAreTakenAtTheLimit) {
+    const ParticleEffect& sub = LoadParticle("BillBoard = 65537\nSortClass = -1");
+    EXPECT_EQ(sub.billboard, 65535);
+    EXPECT_EQ(sub.sort_class, 0);
+    EXPECT_THAT(reports.All(),
+                ElementsAre("5: SortClass at line 5 is -1, which does not fit into 16 bits: 0 is taken",
+                            "4: BillBoard at line 4 is 65537, which does not fit into 16 bits: 65535 is taken"));
+}
+
+constexpr char kManyMistakes[] = R"(; "textures/none.png"
+#1
+desc = "one"
+  PARTICLE {
+    Lifee = 3
+    texture = "none.png"
+    BlendType = "aditive"
+	Life	= 3
+    Count = x
+    Count = 2
+    POSITON {
+    }
+    POSITION {
+      type = "linaer"
+      scale = 1, 2
+    }
+    SCALE {
+    }
+  }
+#2
+  PARTICLE {
+    texture = "none.png"
+    EmitEffect = "trace:t"
+  }
+#3
+desc = "ONE"
+  SPECIAL {
+    CountType = "randon"
+    EmitEffectRand = 0
+  }
+#4
+desc = "four"
+   }
+#5
+desc = "five"
+child2 = "a"
+  MESH {
+    sFile = "rock.3sc"
+    EmitEffect = "nobody"
+  }
+  NAME{
+  }
+)";
+
+TEST_F(EffectsFile, ACheckFindsEveryMistakeAtItsPlace) {
+    Reports places([](const Report& report) {
+        return std::to_string(report.place.line) + ":" + std::to_string(report.place.column) + " " + report.message;
+    });
+    const std::string file = WriteEffectsFile(kManyMistakes);
+    std::string things;
+    for (const NamedThing& thing : CheckEffectsFile(file.c_str(), reporter, definitions))
+        things += thing.name + "@" + std::to_string(thing.place.line) + ":" + std::to_string(thing.place.column) + " ";
+    EXPECT_EQ(things, "none.png@6:16 none.png@22:16 t@23:19 rock.3sc@38:14 ");
+    const std::string in_file = " in file '" + file + "' at line ";
+    EXPECT_THAT(places.All(),
+                testing::UnorderedElementsAre(
+                    "5:5 Unknown key \"Lifee\", did you mean \"Life\"?",
+                    "7:18 Unknown blend mode \"aditive\", did you mean \"additive\"?",
+                    "8:2 No key \"Life\": a tab does not end it", "9:5 Key \"Count\" is no number and reads as 0",
+                    "10:5 Key \"Count\" stands here twice, the first one counts",
+                    "11:5 Unknown block name 'POSITON' in effects.cfg, did you mean \"POSITION\"?",
+                    "14:15 Unknown animation type 'linaer' in effect 'one', did you mean \"linear\"?",
+                    "15:7 Key \"scale\" has no value that can be read", "17:5 No 'type' specified for effect 'one'",
+                    "20:1 Effect entry 1 without 'desc' entry", "26:9 Multiple effect entry 'ONE' in effects.cfg",
+                    "27:3 No type in special effect 'ONE'",
+                    "28:18 Unknown CountType 'randon' in effect 'ONE', did you mean \"random\"?",
+                    "29:5 Key \"EmitEffectRand\" is not read without EmitEffect", "33:4 Invalid '}'" + in_file + "33",
+                    "36:1 Key \"child2\" is not read", "39:19 Emit effect 'nobody' of effect 'five' not found",
+                    "41:3 Unreachable code" + in_file + "41"));
 }
 
 TEST_F(EffectsFile, LongCurvesAreReadWhole) {

@@ -25,7 +25,7 @@ class Reports {
     static std::string Whole(const Report& report) {
         std::string text = report.kind == ReportKind::Error ? "error " : "warning ";
         text += std::string(report.class_name) + ": " + report.message;
-        if (*report.file) text += std::string(" @") + report.file + ":" + std::to_string(report.line);
+        if (*report.file) text += std::string(" @") + report.file + ":" + std::to_string(report.place.line);
         return text;
     }
     static void Hear(const Report& report, void* context) {
