@@ -34,7 +34,6 @@ class ErrorClass : public ErrorClassSimple {
   public:
     [[noreturn]] void Error(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
     void Warning(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
-    const char* ReporterName() const { return name_; }
 
   protected:
     ErrorClass() = default;
@@ -59,7 +58,6 @@ class KRN_Base {
 
     [[noreturn]] virtual void Error(const char* format, ...) const __attribute__((format(printf, 2, 3)));
     virtual void Warning(const char* format, ...) const __attribute__((format(printf, 2, 3)));
-    const char* ReporterName() const { return name_; }
 
   protected:
     ~KRN_Base();

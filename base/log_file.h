@@ -13,7 +13,6 @@ class LogFile {
     constexpr explicit LogFile(int max_entries = kMaxEntries) : max_entries_(max_entries) {}
 
     void Write(const char* format, std::va_list arguments);
-    int EntryCount() const { return entry_count_; }
 
   private:
     static constexpr int kDirectoryBytes = 4096;

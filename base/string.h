@@ -47,7 +47,6 @@ class String : public StringBase<char> {
     /// Never null.
     const char* c_str() const { return text_ ? text_ : ""; }
     int GetLength() const { return length_; }
-    bool HasBuffer() const { return text_ != nullptr; }
 
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void Append(const char* text);

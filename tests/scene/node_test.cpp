@@ -227,7 +227,6 @@ TEST(CopyNode, CopiesTheNodeAndItsKeysIfAsked) {
 
 TEST(Camera, KeepsEyeDirectionAndUp) {
     KRN_Camera camera;
-    EXPECT_STREQ(camera.ReporterName(), "KRN_Camera");
     EXPECT_EQ(camera.ViewDirection(), D3DXVECTOR3(0, 1, 0));
     EXPECT_EQ(camera.Up(), D3DXVECTOR3(0, 0, 1));
     camera.SetEye(3, 5, 7, true);
