@@ -1,3 +1,4 @@
+// The program's log file and its clock.
 #pragma once
 
 namespace sparkrig {

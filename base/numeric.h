@@ -1,3 +1,4 @@
+// Rounding, wrapping and division of numbers from outside: every result is defined.
 #pragma once
 
 namespace sparkrig {

@@ -1,3 +1,4 @@
+// How a fuzz target says what must hold.
 #pragma once
 #include <cstdlib>
 
