@@ -19,26 +19,50 @@ VisualEffect& FindEffect(const ErrorClass& reporter, const EffectDefinitions& de
     return *effect;
 }
 
-/// Each effect once: effects may emit each other in a ring.
-void Preload(const ErrorClass& reporter, VisualEffectSystemParts& parts, const char* first) {
-    KRN_Gfx& gfx = parts.drawing.Gfx();
-    std::vector<const char*> names = {first};
-    std::set<const VisualEffect*> visited;
-    for (std::size_t next = 0; next < names.size(); ++next) {
-        const char* name = names[next];
+/// Loads what an effect shows and, before its next sub-effect, what this one emits. Each effect once: effects may emit
+/// each other in a ring. The sub-effects that wait stand in a list of their own: chains may be long.
+class Preloading {
+  public:
+    Preloading(const ErrorClass& reporter, VisualEffectSystemParts& parts) : reporter_(reporter), parts_(parts) {}
+
+    void Preload(const char* name) {
+        Enter(name);
+        while (!waiting_.empty()) {
+            SubEffect& sub = *waiting_.back();
+            waiting_.pop_back();
+            if (sub.kind == SubEffectKind::Particle) LoadParticleTexture(Gfx(), static_cast<ParticleEffect&>(sub));
+            if (sub.emit.name.GetLength() > 0) Enter(sub.emit.name.c_str());
+        }
+    }
+
+  private:
+    KRN_Gfx& Gfx() { return parts_.drawing.Gfx(); }
+
+    void Enter(const char* name) {
         if (String(name).StartsWith(kTracePrefix)) {
             const char* texture = name + std::strlen(kTracePrefix);
-            if (*texture) gfx.Catalogue().GetTexture(texture);
-            continue;
+            if (*texture) Gfx().Catalogue().GetTexture(texture);
+            return;
         }
-        const VisualEffect& effect = FindEffect(reporter, *parts.definitions, name);
-        if (!visited.insert(&effect).second) continue;
-        for (int i = 0; i < effect.particles.GetCount(); ++i) LoadParticleTexture(gfx, *effect.particles.GetAt(i));
-        ForEachSubEffect(effect, [&](const SubEffect& sub) {
-            if (sub.emit.name.GetLength() > 0) names.push_back(sub.emit.name.c_str());
-        });
+        const VisualEffect& effect = FindEffect(reporter_, *parts_.definitions, name);
+        if (!visited_.insert(&effect).second) return;
+        const std::size_t first = waiting_.size();
+        Append(effect.particles);
+        Append(effect.meshes);
+        Append(effect.specials);
+        std::reverse(waiting_.begin() + static_cast<std::ptrdiff_t>(first), waiting_.end());   // taken from the end
     }
-}
+
+    template <class List>
+    void Append(const List& subs) {
+        for (int i = 0; i < subs.GetCount(); ++i) waiting_.push_back(subs.GetAt(i));
+    }
+
+    const ErrorClass& reporter_;
+    VisualEffectSystemParts& parts_;
+    std::vector<SubEffect*> waiting_;
+    std::set<const VisualEffect*> visited_;
+};
 
 EffectInstanceState StateOf(int id, const VisualEffectObject& object) {
     const SubEffect& sub = *object.sub_effect;
@@ -98,7 +122,7 @@ void VisualEffectSystem::Init(KRN_Gfx& gfx, int mode) {
     gfx.Catalogue().Load("cfg/texCatalogue.cfg", "", false);
 }
 
-void VisualEffectSystem::PreloadEffect(const char* name) { Preload(*this, *parts_, name); }
+void VisualEffectSystem::PreloadEffect(const char* name) { Preloading(*this, *parts_).Preload(name); }
 
 int VisualEffectSystem::Draw() {
     parts_->drawing.Draw(parts_->simulation);

@@ -252,5 +252,32 @@ TEST_F(Drawing, PreloadingLoadsWhatTheEffectEmits) {
     EXPECT_THROW(system.PreloadEffect("g"), ErrorMsg);
 }
 
+TEST_F(Drawing, PreloadingGoesDepthFirstThroughParticlesMeshesSpecials) {
+    const auto effect = [](const std::string& name, const std::string& blocks) {
+        return "#\ndesc = \"" + name + "\"\n" + blocks;
+    };
+    const auto missing = [&](const std::string& name) {
+        return effect(name, "PARTICLE {\ntexture = \"" + name + "\"\n}\n");
+    };
+    const auto emits = [](const char* kind, const std::string& name) {
+        return std::string(kind) + " {\ntype = \"none\"\nEmitEffect = \"" + name + "\"\n}\n";
+    };
+    const std::string others = missing("p") + missing("q") + missing("m") + missing("s");
+    const std::string special_and_mesh = emits("SPECIAL", "s") + emits("MESH", "m");
+    const std::pair<std::string, const char*> kRows[] = {
+        {Particle("a", 1, "EmitEffect = \"p\"") + Particle("gone", 1, ""), "file p"},
+        {special_and_mesh + Particle("a", 1, "EmitEffect = \"q\""), "file q"},
+        {special_and_mesh, "file m"}};
+    for (const auto& [blocks, first] : kRows) {
+        system.LoadEffects(WriteEffectsFile(effect("e", blocks) + others).c_str(), false);
+        try {
+            system.PreloadEffect("e");
+            ADD_FAILURE() << first;
+        } catch (const ErrorRecord& error) {
+            EXPECT_THAT(error.message, testing::EndsWith(first));
+        }
+    }
+}
+
 }   // namespace
 }   // namespace sparkrig
