@@ -131,7 +131,7 @@ HRESULT Device::Present(const RECT* source, const RECT* destination, HWND window
     if (life_ != DeviceLife::Operational || !context_->Activate()) return D3DERR_DEVICELOST;
     const bool whole = source == nullptr && destination == nullptr && window == nullptr && region == nullptr;
     if (in_scene_ || !whole) return D3DERR_INVALIDCALL;
-    if (presenter_.Present(*back_buffer_, !parameters_.Windowed)) pipeline_.ForgetGl();
+    if (!blind_ && presenter_.Present(*back_buffer_, !parameters_.Windowed)) pipeline_.ForgetGl();
     ++context_->frame;
     return D3D_OK;
 }

@@ -29,6 +29,7 @@ class Device final : public RefCounted<IDirect3DDevice9> {
 
     // For tests: takes the device away and gives it back.
     void Lose() { life_ = DeviceLife::Lost; }
+    void SetBlind(bool blind) { blind_ = blind; }
     void Restore() {
         if (life_ == DeviceLife::Lost) life_ = DeviceLife::NotReset;
     }
@@ -150,6 +151,7 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     DWORD behaviour_;
     D3DPRESENT_PARAMETERS parameters_ = {};
     DeviceLife life_ = DeviceLife::Operational;
+    bool blind_ = false;   // draws, clears and presents nothing
     bool lost_by_minimising_ = false;
     bool in_scene_ = false;
 

@@ -80,7 +80,7 @@ HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT cou
     if (const HRESULT result = CheckDraw(type, count); FAILED(result)) return result;
     const std::size_t vertices = VertexCount(type, count);
     if (!InStream(first_vertex, vertices)) return D3DERR_INVALIDCALL;
-    if (!context_->Activate()) return D3D_OK;
+    if (blind_ || !context_->Activate()) return D3D_OK;
     const bool points = DrawnAsPoints(type);
     if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
     if (points) {
@@ -104,7 +104,7 @@ HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base_vertex, UIN
     if (first_index > there || index_count > there - first_index) return D3DERR_INVALIDCALL;
     const std::int64_t first_vertex = std::int64_t{base_vertex} + min_index;
     if (!InStream(first_vertex, vertices)) return D3DERR_INVALIDCALL;
-    if (!context_->Activate()) return D3D_OK;
+    if (blind_ || !context_->Activate()) return D3D_OK;
     const bool points = DrawnAsPoints(type);
     if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
     const std::size_t first_byte = first_index * index_bytes;

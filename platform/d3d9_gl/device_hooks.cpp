@@ -8,6 +8,7 @@ namespace sparkrig {
 
 void LoseDevice(IDirect3DDevice9& device) { static_cast<Device&>(device).Lose(); }
 void RestoreDevice(IDirect3DDevice9& device) { static_cast<Device&>(device).Restore(); }
+void SetBlind(IDirect3DDevice9& device, bool blind) { static_cast<Device&>(device).SetBlind(blind); }
 std::size_t ProgramCount(IDirect3DDevice9& device) { return static_cast<Device&>(device).ProgramCount(); }
 
 HRESULT CreateDeviceOnWindow(SDL_Window* window, const D3DPRESENT_PARAMETERS& parameters, IDirect3DDevice9** device) {

@@ -132,7 +132,7 @@ HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR c
     if ((flags & (D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL)) != 0 && !depth_) return D3DERR_INVALIDCALL;
     if ((flags & D3DCLEAR_STENCIL) != 0 && depth_->Desc().Format != D3DFMT_D24S8) return D3DERR_INVALIDCALL;
     if ((flags & D3DCLEAR_ZBUFFER) != 0 && !(z >= 0.0f && z <= 1.0f)) return D3DERR_INVALIDCALL;
-    if (!Alive()) return D3D_OK;
+    if (blind_ || !Alive()) return D3D_OK;
     const D3DVIEWPORT9& viewport = state_.viewport;
     const D3DRECT whole = {static_cast<LONG>(viewport.X), static_cast<LONG>(viewport.Y),
                            static_cast<LONG>(viewport.X + viewport.Width),
