@@ -8,6 +8,7 @@
 #include "app/check.h"
 #include "app/contact_sheet.h"
 #include "app/effect_choice.h"
+#include "app/output_file.h"
 #include "app/player.h"
 #include "app/progress.h"
 #include "app/recorder.h"
@@ -22,11 +23,10 @@ constexpr int kPictureWidth = 1280, kPictureHeight = 720;
 int FramesUntil(double seconds) { return std::max(1, static_cast<int>(std::lround(seconds / kAutomationStep))); }
 
 int Capture(Player& player, const Options& options) {
-    // The frames before are drawn too: the overlay's rate and largest count speak of them.
+    // The frames before count too: the overlay's rate and largest count speak of them.
     for (int frame = FramesUntil(options.at_seconds); frame > 1; --frame) {
         player.Advance();
-        player.Draw();
-        player.Present();
+        player.Pass();
     }
     player.Advance();
     player.Draw();
@@ -36,25 +36,25 @@ int Capture(Player& player, const Options& options) {
 int CaptureSequence(Player& player, const Options& options) {
     if (!MakeOutputFolder(options.output)) return kCannot;
     Progress progress("Rendering frame", options.frames);
+    PictureWriter writer;
     for (int frame = 0; frame < options.frames; ++frame) {
         char name[32];
         std::snprintf(name, sizeof(name), "/%06d.png", frame);
         progress.Next(name + 1);
         player.Advance();
         player.Draw();
-        if (!WritePng(options.output + name, player.TakePicture())) return kCannot;
+        if (!writer.Write(options.output + name, player.TakePicture())) break;
         player.Present();
     }
-    return kDone;
+    return writer.Finish() ? kDone : kCannot;
 }
 
 int Record(Player& player, const Options& options) {
     OutputFile file(options.output);
     for (int frame = 0; frame < options.frames; ++frame) {
         player.Advance();
-        player.Draw();
+        player.Pass();
         if (!file.Write(DescribeFrame(player.Effects(), frame) + "\n")) break;
-        player.Present();
     }
     return file.Finish() ? kDone : kCannot;
 }

@@ -1,7 +1,5 @@
 #include "app/output_file.h"
 
-#include <stb_image_write.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -18,19 +16,6 @@ bool Complain(const std::string& name, int error) {
     return false;
 }
 
-std::string OpaqueRgb(const Picture& picture) {
-    std::string bytes;
-    bytes.reserve(picture.pixels.size() * 3);
-    for (const D3DCOLOR pixel : picture.pixels) {
-        for (const int shift : {16, 8, 0}) bytes += static_cast<char>(pixel >> shift & 0xFF);
-    }
-    return bytes;
-}
-
-void AppendTo(void* content, void* data, int size) {
-    static_cast<std::string*>(content)->append(static_cast<const char*>(data), static_cast<std::size_t>(size));
-}
-
 }   // namespace
 
 OutputFile::OutputFile(const std::string& name)
@@ -44,9 +29,13 @@ OutputFile::~OutputFile() {
     if (part_ != name_) std::remove(part_.c_str());
 }
 
-bool OutputFile::Write(const std::string& text) {
-    if (error_ == 0 && std::fwrite(text.data(), 1, text.size(), file_) != text.size()) error_ = errno;
+bool OutputFile::Write(std::string_view bytes) {
+    if (error_ == 0 && std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) error_ = errno;
     return error_ == 0;
+}
+
+void OutputFile::Fail(int error) {
+    if (error_ == 0) error_ = error;
 }
 
 bool OutputFile::Finish() {
@@ -61,16 +50,6 @@ bool OutputFile::Finish() {
     std::printf("%s\n", name_.c_str());
     std::fflush(stdout);
     return true;
-}
-
-bool WritePng(const std::string& name, const Picture& picture) {
-    const std::string rgb = OpaqueRgb(picture);
-    const int width = static_cast<int>(picture.width), height = static_cast<int>(picture.height);
-    std::string png;
-    stbi_write_png_to_func(AppendTo, &png, width, height, 3, rgb.data(), width * 3);
-    OutputFile file(name);
-    file.Write(png);
-    return file.Finish();
 }
 
 bool MakeOutputFolder(const std::string& name) { return MakeFolder(name.c_str()) || Complain(name, errno); }

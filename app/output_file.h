@@ -2,17 +2,9 @@
 #pragma once
 #include <cstdio>
 #include <string>
-#include <vector>
-
-#include "platform/d3d9/d3d9_types.h"
+#include <string_view>
 
 namespace sparkrig {
-
-/// A picture, row by row from the top, A8R8G8B8.
-struct Picture {
-    UINT width = 0, height = 0;
-    std::vector<D3DCOLOR> pixels;
-};
 
 /// A file that becomes whole or not at all: written beside its place, then renamed over it. What is no plain file, such
 /// as a pipe, is written directly.
@@ -24,7 +16,9 @@ class OutputFile {
     OutputFile& operator=(const OutputFile&) = delete;
 
     /// False after the first failure of any kind.
-    bool Write(const std::string& text);
+    bool Write(std::string_view bytes);
+    /// The file cannot be made, for a reason of errno.
+    void Fail(int error);
     /// Puts the file into its place and names it on the standard output. False, with a sentence on the error stream,
     /// when anything has failed.
     bool Finish();
@@ -34,9 +28,6 @@ class OutputFile {
     std::FILE* file_;
     int error_ = 0;   // of the first failure
 };
-
-/// The picture as an opaque PNG.
-bool WritePng(const std::string& name, const Picture& picture);
 
 /// Makes a folder unless it is there. False with a sentence on the error stream.
 bool MakeOutputFolder(const std::string& name);

@@ -4,6 +4,8 @@
 #include "app/overlay.h"
 #include "app/tester_commands.h"
 #include "base/random.h"
+#include "gfx/with_restore.h"
+#include "platform/d3d9_gl/device_hooks.h"
 
 namespace sparkrig {
 
@@ -38,6 +40,17 @@ void Player::Advance() {
 void Player::Draw() {
     engine_.gfx->SetView(loop_.camera);
     DrawFrame(engine_, state_, loop_);
+}
+
+void Player::Pass() {
+    IDirect3DDevice9& device = *engine_.gfx->Device();
+    SetBlind(device, true);
+    WithRestore(
+        [this] {
+            Draw();
+            Present();
+        },
+        [&] { SetBlind(device, false); });
 }
 
 void Player::DrawCaption(D3DCOLOR background) {

@@ -1,6 +1,6 @@
 #pragma once
 #include "app/engine.h"
-#include "app/output_file.h"
+#include "app/picture_writer.h"
 
 namespace sparkrig {
 
@@ -21,6 +21,8 @@ class Player {
     void Advance();
     /// Draws the present moment into the back buffer.
     void Draw();
+    /// A frame that nobody sees: it counts as drawn and presented, and nothing is rasterised.
+    void Pass();
     /// In place of what is drawn, the name of the current effect in large letters at the top.
     void DrawCaption(D3DCOLOR background);
     Picture TakePicture();

@@ -4,9 +4,11 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "app/contact_sheet.h"
 #include "app/program.h"
 #include "app/tester_state.h"
 #include "platform/system/system.h"
+#include "tests/app/load_picture.h"
 #include "tests/support/canvas.h"
 #include "tests/support/temporary_folder.h"
 
@@ -14,7 +16,6 @@ namespace sparkrig {
 namespace {
 
 using ::testing::HasSubstr;
-using ::testing::StartsWith;
 using Json = nlohmann::json;
 
 /// A data folder of its own, with one effect that glows for ever and one that ends after 0.09 s, and no user settings.
@@ -79,6 +80,7 @@ TEST_F(AutomationTest, RecordsEveryFrameByTheSteppedClock) {
         const bool lives = n < 5;
         EXPECT_EQ(frame["live"], lives ? 1 : 0) << n;
         EXPECT_EQ(frame["drawn"], lives ? 1 : 0) << n;
+        EXPECT_EQ(frame["draws"], lives ? 1 : 0) << n;
         ASSERT_EQ(frame["instances"].size(), lives ? 1u : 0u);
     }
     const Json& instance = frames[0]["instances"][0];
@@ -105,25 +107,50 @@ TEST_F(AutomationTest, TheSeedDecidesTheRandomNumbers) {
     EXPECT_NE(first_random({"--seed", "2"}), by_default);
 }
 
-TEST_F(AutomationTest, TheSameCaptureGivesTheSameBytes) {
-    EXPECT_EQ(Run({"--capture", "a.png", "--at", "0.25", "/resx:160", "/resy:96"}), 0) << err_;
+TEST_F(AutomationTest, ACaptureIsTheFrameOfASequenceThoughNobodySawTheOnesBefore) {
+    const auto run = [&](std::vector<std::string> words) {
+        words.insert(words.end(), {"--effect", "Flash", "/resx:160", "/resy:96"});
+        EXPECT_EQ(Run(words), 0) << err_;
+        return ReadFile(Path("a.png"));
+    };
+    run({"--sequence", "frames", "--frames", "9"});
+    std::string names;
+    for (int n = 0; n < 9; ++n) names += Path("frames/00000" + std::to_string(n) + ".png") + "\n";
+    EXPECT_EQ(out_, names);
+    const std::string picture = run({"--capture", "a.png", "--at", "0.15"});
     EXPECT_EQ(out_, Path("a.png") + "\n");
-    Run({"--capture", "b.png", "--at", "0.25", "/resx:160", "/resy:96"});
-    const std::string picture = ReadFile(Path("a.png"));
-    EXPECT_THAT(picture, StartsWith("\x89PNG"));
+    EXPECT_TRUE(picture == ReadFile(Path("frames/000008.png"))) << "the overlay's largest count included";
+    EXPECT_TRUE(picture != ReadFile(Path("frames/000001.png")));
     EXPECT_EQ(picture.substr(16, 8), std::string("\0\0\0\xA0\0\0\0\x60", 8));
-    EXPECT_EQ(picture, ReadFile(Path("b.png")));
-    for (const char* less : {"--no-overlay", "--no-backdrop"}) {
-        Run({"--capture", "c.png", "--at", "0.25", "/resx:160", "/resy:96", less});
-        EXPECT_NE(picture, ReadFile(Path("c.png"))) << less;
-    }
+    for (const char* less : {"--no-overlay", "--no-backdrop"})
+        EXPECT_TRUE(picture != run({"--capture", "a.png", "--at", "0.15", less})) << less;
 }
 
-TEST_F(AutomationTest, SequenceAndSheetAreWritten) {
-    EXPECT_EQ(Run({"--sequence", "frames", "--frames", "2", "/resx:80", "/resy:60"}), 0) << err_;
-    EXPECT_EQ(out_, Path("frames/000000.png") + "\n" + Path("frames/000001.png") + "\n");
-    EXPECT_EQ(Run({"--sheet", "sheet.png"}), 0) << err_;
-    EXPECT_THAT(ReadFile(Path("sheet.png")), StartsWith("\x89PNG"));
+TEST_F(AutomationTest, TheSheetShowsEachEffectAsACaptureOfItsLiveliestMomentDoes) {
+    const std::pair<const char*, const char*> kEffects[] = {{"0.24", "0.25"}, {"0.09", "0.1"}};   // fade-in, moment
+    std::string effects;
+    for (const auto& [fade_in, moment] : kEffects) {
+        effects += std::string("#\ndesc = \"") + moment +
+                   "\"\nPARTICLE {\n  texture = \"textures\\glow.png\"\n  Life = 1\n" +
+                   "  Count = 5\n  FadeIn = " + fade_in +
+                   "\n  POSITION {\n    type = \"randSphere\"\n    scale = 60, 60, 60\n  }\n}\n";
+    }
+    Write("cfg/effects.cfg", effects);
+    ASSERT_EQ(Run({"--sheet", "sheet.png"}), 0) << err_;
+    const Image sheet = LoadPicture(Path("sheet.png"));
+    constexpr UINT kGap = 4;
+    for (UINT left = kGap; const auto& [fade_in, moment] : kEffects) {
+        Run({"--capture", "a.png", "--effect", moment, "--at", moment, "--no-overlay", "/resx:640", "/resy:360"});
+        const Image capture = LoadPicture(Path("a.png"));
+        const Picture half = Halve({capture.width, capture.height, {capture.Row(0), capture.Row(capture.height)}});
+        std::vector<D3DCOLOR> cell;
+        for (UINT y = 0; y < half.height; ++y) {
+            const D3DCOLOR* row = sheet.Row(kGap + y) + left;
+            cell.insert(cell.end(), row, row + half.width);
+        }
+        EXPECT_TRUE(cell == half.pixels) << moment;
+        left += half.width + kGap;
+    }
 }
 
 TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
@@ -154,6 +181,7 @@ TEST_F(AutomationTest, EndsWithOneSentence) {
         {{"--capture", "a.png", "--data", "none"}, 2, "--data none is no folder"},
         {{"--capture", "a.png", "/resx:0"}, 2, "a picture of 0 x 720 cannot be drawn"},
         {{"--capture", "none/a.png"}, 3, "none/a.png cannot be written"},
+        {{"--sequence", "cfg/effects.cfg"}, 3, "cfg/effects.cfg cannot be written"},
         {{"--record", "none/a.jsonl"}, 3, "none/a.jsonl cannot be written"}};
     for (const auto& [words, end, text] : kRows) {
         EXPECT_EQ(Run(words), end) << text;

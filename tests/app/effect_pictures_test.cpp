@@ -8,8 +8,7 @@
 
 #include "app/program.h"
 #include "app/tester_state.h"
-#include "platform/d3dx/image_file.h"
-#include "platform/system/system.h"
+#include "tests/app/load_picture.h"
 #include "tests/support/canvas.h"
 #include "tests/support/temporary_folder.h"
 
@@ -27,16 +26,6 @@ struct Row {
 };
 
 class EffectPictures : public testing::TestWithParam<Row> {};
-
-Image LoadPicture(const std::string& name) {
-    std::vector<BYTE> bytes;
-    D3DXIMAGE_INFO info = {};
-    Image image;
-    EXPECT_TRUE(ReadWholeFile(name.c_str(), bytes)) << name;
-    EXPECT_EQ(ReadImageInfo(bytes, info), D3D_OK) << name;
-    EXPECT_EQ(DecodeImage(bytes, info, image), D3D_OK) << name;
-    return image;
-}
 
 int Channel(D3DCOLOR colour, int shift) { return static_cast<int>(colour >> shift & 0xFF); }
 
