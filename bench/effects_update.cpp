@@ -1,14 +1,18 @@
-// Updating live particles, beside the same arithmetic over plain separate arrays. Items are particles.
+// Updating live particles, beside the same arithmetic over plain separate arrays in the same vector code. Items are
+// particles; one thread where the name does not say otherwise.
 #pragma GCC optimize("O3", "no-math-errno", "no-trapping-math")   // as the lanes are built
 
 #include <benchmark/benchmark.h>
+#include <tbb/global_control.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
 
 #include "effects/effect_simulation.h"
 #include "effects/sine.h"
+#include "effects/vector_code.h"
 
 namespace sparkrig {
 namespace {
@@ -44,7 +48,9 @@ void DefineParticle(ParticleEffect& sub) {
     sub.fade_in = 0.5;
 }
 
-void Update(benchmark::State& state) {
+/// A cloud of state.range(0) particles on as many threads.
+void UpdateCloud(benchmark::State& state, std::size_t threads, void (*define)(ParticleEffect&)) {
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
     BenchReporter reporter;
     EffectDefinitions definitions;
     EffectSimulation simulation(reporter);
@@ -53,9 +59,30 @@ void Update(benchmark::State& state) {
     ParticleEffect& sub = *effect.particles.Get(effect.particles.AddNew());
     sub.owner = &effect;
     sub.count = static_cast<int>(state.range(0));
-    DefineParticle(sub);
+    define(sub);
     simulation.StartEffect(effect, {});
     for (auto _ : state) simulation.Update(kFrame);
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void Update(benchmark::State& state) { UpdateCloud(state, 1, DefineParticle); }
+void UpdateOnThreads(benchmark::State& state) {
+    UpdateCloud(state, static_cast<std::size_t>(state.range(1)), DefineParticle);
+}
+void UpdateWithoutStages(benchmark::State& state) {
+    UpdateCloud(state, 1, [](ParticleEffect&) {});
+}
+
+/// The limit of an update without stages: what must be moved.
+void CopyFiftySixBytes(benchmark::State& state) {
+    struct Bytes {
+        char bytes[56];
+    };
+    std::vector<Bytes> from(static_cast<std::size_t>(state.range(0))), to(from.size());
+    for (auto _ : state) {
+        std::ranges::copy(from, to.begin());
+        benchmark::ClobberMemory();
+    }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
@@ -64,7 +91,7 @@ struct PlainParticles {
     explicit PlainParticles(std::size_t count) : time(count), dead(count) {
         std::mt19937 generator(7);
         for (std::vector<float>* array :
-             {&c, &life, &bx, &by, &bz, &px, &py, &pz, &sx, &sy, &sz, &qx, &qy, &qz, &qw, &alpha}) {
+             {&c, &life, &bx, &by, &bz, &px, &py, &pz, &size, &angle, &red, &green, &blue, &alpha}) {
             array->resize(count);
             for (float& value : *array) value = static_cast<float>(generator() % 1000) / 1000;
         }
@@ -72,7 +99,7 @@ struct PlainParticles {
 
     std::vector<double> time;
     std::vector<int> dead;
-    std::vector<float> c, life, bx, by, bz, px, py, pz, sx, sy, sz, qx, qy, qz, qw, alpha;
+    std::vector<float> c, life, bx, by, bz, px, py, pz, size, angle, red, green, blue, alpha;
 };
 
 double StageTime(double t, float c, double speed) {
@@ -91,7 +118,7 @@ float Curve(float u) {   // two Hermite segments, then the end
     return u >= 1 ? 0.2f : value;
 }
 
-void UpdatePlain(PlainParticles& p, std::size_t count, float step) {
+SPARKRIG_VECTOR_CODE void UpdatePlain(PlainParticles& p, std::size_t count, float step) {
     double* __restrict time = p.time.data();
     int* __restrict dead = p.dead.data();
     const float* __restrict c = p.c.data(), * __restrict life = p.life.data();
@@ -107,25 +134,16 @@ void UpdatePlain(PlainParticles& p, std::size_t count, float step) {
         py[i] = by[i] + 20 * v;
         pz[i] = bz[i] + 10 * v;
     }
-    float* __restrict sx = p.sx.data(), * __restrict sy = p.sy.data(), * __restrict sz = p.sz.data();
+    float* __restrict size = p.size.data(), * __restrict angle = p.angle.data();
+    for (std::size_t i = 0; i < count; ++i)
+        size[i] = 2 * static_cast<float>(Sine(kTwoPi * StageTime(time[i], c[i], 0.7f)));
+    for (std::size_t i = 0; i < count; ++i) angle[i] = 0.5f * static_cast<float>(StageTime(time[i], c[i], 0.9f));
+    float* __restrict red = p.red.data(), * __restrict green = p.green.data(), * __restrict blue = p.blue.data();
     for (std::size_t i = 0; i < count; ++i) {
-        const auto v = static_cast<float>(Sine(kTwoPi * StageTime(time[i], c[i], 0.7f)));
-        sx[i] = 2 * v;
-        sy[i] = 3 * v;
-        sz[i] = 4 * v;
-    }
-    float* __restrict qx = p.qx.data(), * __restrict qy = p.qy.data(), * __restrict qz = p.qz.data();
-    float* __restrict qw = p.qw.data();
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto u = static_cast<float>(StageTime(time[i], c[i], 0.9f));
-        const float x = 0.5f * u, y = 0.1f * u, z = 0.2f * u;
-        const float length = std::sqrt(x * x + y * y + z * z);
-        const double half = 0.5 * length;
-        const float axis = length > 0 ? static_cast<float>(Sine(half)) / length : 0;
-        qx[i] = x * axis;
-        qy[i] = y * axis;
-        qz[i] = z * axis;
-        qw[i] = static_cast<float>(Cosine(half));
+        const auto u = static_cast<float>(StageTime(time[i], c[i], 0.5f));
+        red[i] = 0.1f * u;
+        green[i] = 0.2f * u;
+        blue[i] = 0.3f * u;
     }
     float* __restrict alpha = p.alpha.data();
     for (std::size_t i = 0; i < count; ++i) {
@@ -145,8 +163,11 @@ void UpdatePlainArrays(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(Update)->Arg(1000)->Arg(10000)->Arg(100000);
-BENCHMARK(UpdatePlainArrays)->Arg(1000)->Arg(10000)->Arg(100000);
+BENCHMARK(Update)->Arg(10000)->Arg(100000)->Arg(1000000);
+BENCHMARK(UpdatePlainArrays)->Arg(10000)->Arg(100000);
+BENCHMARK(UpdateWithoutStages)->Arg(100000);
+BENCHMARK(CopyFiftySixBytes)->Arg(100000);
+BENCHMARK(UpdateOnThreads)->ArgsProduct({{9000, 10000, 100000}, {1, 2, 4}})->UseRealTime();
 
 }   // namespace
 }   // namespace sparkrig

@@ -133,7 +133,6 @@ struct SubEffect {
     CountType count_type = CountType::Uniform;
     EmitSettings emit;
     TraceSettings trace;
-    std::int32_t group = -1;   // in the SubEffectGroups of the walk over the instances that is on its way
 };
 
 struct ParticleEffect : SubEffect {

@@ -1,5 +1,6 @@
 #include "effects/effect_drawing.h"
 
+#include <algorithm>
 #include "gfx/device/with_restore.h"
 #include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
@@ -11,8 +12,7 @@ namespace {
 constexpr int kDepthOrderedBlendMode = 9;    // blends over what lies behind, so that the order shows
 constexpr float kBeforeEverything = -1000;   // distance of what is held before the camera
 constexpr std::uint32_t kBillboardModes = 256;
-constexpr std::size_t kPrefetch =
-    12;   // places ahead: depth order jumps through the records, which no processor foresees
+constexpr int kAlphaShift = 24;
 
 }   // namespace
 
@@ -33,7 +33,7 @@ void EffectDrawing::Init(KRN_Gfx& gfx, int buffer_mode) {
 
 void EffectDrawing::Release() {
     particles_.Release();
-    list_ = {};
+    order_ = {};
 }
 
 void EffectDrawing::ResetCounters() {
@@ -48,124 +48,143 @@ void EffectDrawing::Draw(const EffectSimulation& simulation) {
         gfx_->SetFogEnable(false);
         gfx_->SetLighting(false, nullptr);
         BuildOrder(simulation);
-        DrawInOrder(simulation.Records(), simulation.DetailLevel());
+        DrawInOrder(simulation);
     };
     WithRestore(draw, [this] { RestoreStates(); });
 }
 
+// ---- Order
+
 void EffectDrawing::BuildOrder(const EffectSimulation& simulation) {
-    groups_.Begin();
-    Collect(simulation);
-    groups_.End();
-    traits_.clear();
-    for (int i = 0; i < groups_.Count(); ++i) traits_.push_back(TraitsOf(*groups_[i].sub));
-    list_.Sort();
-    list_.Regroup(traits_);
-}
-
-void EffectDrawing::Collect(const EffectSimulation& simulation) {
-    const std::vector<DrawRecord>& records = simulation.Records();
-    const int count = simulation.Live().GetCount();
-    list_.Clear();
+    const InstanceStore& instances = simulation.Instances();
+    const auto class_of = [&](int group) { return instances.Group(group).sub->sort_class; };
     view_.emplace(*gfx_);
-    Candidates candidates;
-    for (int position = 0; position < count; ++position) {
-        const int id = simulation.Live().GetIdAt(position);
-        if (!records[static_cast<std::size_t>(id)].born) continue;
-        candidates.ids[candidates.count++] = id;
-        if (candidates.count < kLanes) continue;
-        AddVisible(candidates, records);
-        candidates.count = 0;
+    order_.Clear();
+    groups_.clear();
+    traits_.clear();
+    for (int number = 0; number < instances.GroupCount(); ++number) {
+        traits_.push_back(TraitsOf(instances.Group(number)));
+        if (instances.Group(number).count > 0) groups_.push_back(number);
     }
-    AddVisible(candidates, records);
+    std::sort(groups_.begin(), groups_.end(), [&](int a, int b) { return class_of(a) < class_of(b); });
+    for (std::size_t begin = 0, end = 0; begin < groups_.size(); begin = end) {
+        while (end < groups_.size() && class_of(groups_[end]) == class_of(groups_[begin])) ++end;
+        CollectClass(instances, std::span(groups_).subspan(begin, end - begin), simulation.DetailLevel());
+    }
+    order_.Regroup(traits_, [&](Lane lane) { return static_cast<std::size_t>(instances.GroupOfLane(lane)); });
 }
 
-void EffectDrawing::AddVisible(const Candidates& candidates, const std::vector<DrawRecord>& records) {
-    SphereLanes spheres;
-    for (int i = 0; i < candidates.count; ++i) {
-        const DrawRecord& record = records[static_cast<std::size_t>(candidates.ids[i])];
-        spheres.centre.x[i] = record.particle.position.x;
-        spheres.centre.y[i] = record.particle.position.y;
-        spheres.centre.z[i] = record.particle.position.z;
-        spheres.radius[i] = record.radius;
+void EffectDrawing::CollectClass(const InstanceStore& instances, std::span<const int> groups, int detail_level) {
+    elements_.clear();
+    for (const int number : groups) {
+        const InstanceGroup& group = instances.Group(number);
+        CollectGroup(instances, group, group.sub->detail_level <= detail_level);
     }
-    TestSpheres(*view_, candidates.count, spheres);
-    for (int i = 0; i < candidates.count; ++i) {
-        if (!spheres.visible[i]) continue;
-        SubEffect& sub = *records[static_cast<std::size_t>(candidates.ids[i])].sub;
-        const bool before_camera = sub.billboard == static_cast<int>(BillboardMode::BeforeCamera);
-        const float distance = before_camera ? kBeforeEverything : spheres.distance[i];
-        list_.Add({static_cast<std::uint32_t>(candidates.ids[i]), distance + sub.sort_distance_offset, sub.sort_class},
-                  groups_.NumberOf(sub));
-    }
+    order_.AddClass(elements_, [&](Lane lane) { return static_cast<std::uint32_t>(instances.Record(lane).id); });
 }
 
-RegroupTraits EffectDrawing::TraitsOf(const SubEffect& sub) const {
+/// What is visible joins the order also where it is not drawn: it may stand between particles that would be regrouped.
+void EffectDrawing::CollectGroup(const InstanceStore& instances, const InstanceGroup& group, bool shown) {
+    const SubEffect& sub = *group.sub;
+    const bool before_camera = sub.billboard == static_cast<int>(BillboardMode::BeforeCamera);
+    std::size_t end = elements_.size();
+    elements_.resize(end + static_cast<std::size_t>(group.count));
+    for (std::size_t b = 0; b < group.blocks.size(); ++b) {
+        const DrawRecord* records = instances.Records(group.blocks[b]);
+        const Lane first_lane = group.blocks[b] * kLanes;
+        const int count = group.LanesIn(b);
+        SphereTest test;
+        TestSpheres(*view_, records, count, test);
+        for (int i = 0; i < count; ++i) {
+            const float distance = before_camera ? kBeforeEverything : test.distance[i];
+            const bool drawn = shown && records[i].colour >> kAlphaShift != 0;
+            const std::uint32_t flag = drawn ? 0 : DrawOrder::kInvisible;
+            elements_[end] = MakeKeyed(DrawOrder::DepthKey(distance + sub.sort_distance_offset),
+                                       (first_lane + static_cast<Lane>(i)) | flag);
+            end += static_cast<std::size_t>(test.visible[i]);
+        }
+    }
+    elements_.resize(end);
+}
+
+RegroupTraits EffectDrawing::TraitsOf(const InstanceGroup& group) const {
     RegroupTraits traits;
-    traits.particle = sub.kind == SubEffectKind::Particle;
-    if (!traits.particle) return traits;
-    const auto& texture = static_cast<const ParticleEffect&>(sub).texture;
+    if (group.count == 0 || group.sub->kind != SubEffectKind::Particle) return traits;
+    const auto& sub = static_cast<const ParticleEffect&>(*group.sub);
+    traits.particle = true;
     traits.starts_run = sub.blend_mode != kDepthOrderedBlendMode || !sub.z_sort;
     traits.states = static_cast<std::uint32_t>(sub.blend_mode) << 2 |
                     static_cast<std::uint32_t>(sub.use_z_buffer) << 1 | static_cast<std::uint32_t>(sub.write_z_buffer);
-    traits.texture =
-        (texture ? static_cast<std::uint32_t>(texture->Identifier()) : 0) * kBillboardModes + sub.billboard;
+    const std::uint32_t texture = sub.texture ? static_cast<std::uint32_t>(sub.texture->Identifier()) : 0;
+    traits.texture = texture * kBillboardModes + sub.billboard;
     return traits;
 }
 
 // ---- Drawing
 
-void EffectDrawing::DrawInOrder(const std::vector<DrawRecord>& records, int detail_level) {
-    const SubEffect* last = nullptr;   // whose batch is being gathered
-    KRN_Texture* texture = nullptr;    // its texture, and whether each particle may show another frame of it
-    bool animated = false;
-    const std::vector<std::uint32_t>& order = list_.Order();
-    for (std::size_t place = 0; place < order.size(); ++place) {
-        if (place + kPrefetch < order.size()) {
-            const DrawRecord& ahead = records[order[place + kPrefetch]];
-            __builtin_prefetch(&ahead.particle);
-            __builtin_prefetch(&ahead.sub);   // a third of the records lie across two lines
+void EffectDrawing::DrawInOrder(const EffectSimulation& simulation) {
+    const InstanceStore& instances = simulation.Instances();
+    looks_.assign(static_cast<std::size_t>(instances.GroupCount()), {});
+    batches_.clear();
+    int batch = kNoBatch;   // that is being gathered
+    for (const std::uint32_t element : order_.Order()) {
+        if ((element & DrawOrder::kInvisible) != 0) continue;
+        const int group = instances.GroupOfLane(element);
+        const DrawRecord& record = instances.Record(element);
+        Look& look = looks_[static_cast<std::size_t>(group)];
+        if (look.batch != batch || look.animated || particles_.IsFull()) {
+            SubEffect& sub = *instances.Group(group).sub;
+            if (sub.kind != SubEffectKind::Particle) {
+                particles_.Flush();
+                batch = kNoBatch;
+                continue;
+            }
+            BeginParticle(static_cast<ParticleEffect&>(sub), look, record.age);
+            batch = look.batch;
         }
-        const DrawRecord& record = records[order[place]];
-        SubEffect& sub = *record.sub;
-        if (!record.opaque || sub.detail_level > detail_level) continue;
-        if (sub.kind != SubEffectKind::Particle) {
-            particles_.Flush();
-            last = nullptr;
-            continue;
-        }
-        const bool begins = &sub != last;
-        if (begins) {
-            auto& particle_effect = static_cast<ParticleEffect&>(sub);
-            BeginParticles(particle_effect);
-            texture = particle_effect.texture.get();
-            animated = texture->SequenceFrames() > 0;
-            last = &sub;
-        }
-        if (begins || animated) texture->Update(record.age);
-        if (particles_.IsFull()) particles_.Flush();
-        if (begins || animated || particles_.IsEmpty()) particles_.SetBatchTexture(texture);
-        particles_.AddParticle(record.particle);
+        particles_.AddParticle(record);
         ++drawn_particles_;
     }
     particles_.Flush();
 }
 
-/// Ends the batch that waits unless the sub-effect's particles may join it, and makes the states theirs.
-void EffectDrawing::BeginParticles(ParticleEffect& sub) {
+/// Ends the batch that waits unless the particle may join it, and makes states and texture the particle's.
+void EffectDrawing::BeginParticle(ParticleEffect& sub, Look& look, float age) {
+    if (particles_.IsFull()) particles_.Flush();
+    ChooseStates(sub);
+    if (look.batch == kUnknown) PrepareLook(sub, look, age);
+    if (look.animated) look.texture->Update(age);
+    particles_.SetBatchTexture(look.texture);
+}
+
+void EffectDrawing::PrepareLook(ParticleEffect& sub, Look& look, float age) {
+    LoadParticleTexture(*gfx_, sub);
+    look.texture = sub.texture.get();
+    look.texture->Update(age);
+    look.animated = look.texture->SequenceFrames() > 0;
+    const auto same = [&](const auto& other) {
+        const auto& [particle, texture] = other;
+        return particle->blend_mode == sub.blend_mode && particle->billboard == sub.billboard &&
+               particle->use_z_buffer == sub.use_z_buffer && particle->write_z_buffer == sub.write_z_buffer &&
+               (texture == look.texture || texture->Name() == look.texture->Name());
+    };
+    const auto known = std::find_if(batches_.begin(), batches_.end(), same);
+    look.batch = static_cast<int>(known - batches_.begin());
+    if (known == batches_.end()) batches_.emplace_back(&sub, look.texture);
+}
+
+void EffectDrawing::ChooseStates(const ParticleEffect& sub) {
     const int z_buffer_mode = sub.use_z_buffer ? before_.z_buffer_mode : 0;
     const bool z_write = sub.write_z_buffer && before_.z_write;
     const bool same = particles_.BatchBillboardMode() == sub.billboard &&
                       particles_.BatchBlendMode() == sub.blend_mode && gfx_->ZBufferMode() == z_buffer_mode &&
                       gfx_->ZWrite() == z_write;
-    if (!same) {
-        particles_.Flush();
-        particles_.SetBlendMode(sub.blend_mode);
-        particles_.SetBillboardMode(sub.billboard);
-        gfx_->SetZBufferMode(z_buffer_mode);
-        gfx_->SetZWrite(z_write);
-    }
-    LoadParticleTexture(*gfx_, sub);
+    if (same) return;
+    particles_.Flush();
+    particles_.SetBlendMode(sub.blend_mode);
+    particles_.SetBillboardMode(sub.billboard);
+    gfx_->SetZBufferMode(z_buffer_mode);
+    gfx_->SetZWrite(z_write);
 }
 
 // ---- States

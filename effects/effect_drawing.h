@@ -3,10 +3,9 @@
 #include <optional>
 #include <vector>
 
-#include "effects/draw_list.h"
+#include "effects/draw_order.h"
 #include "effects/effect_particle_system.h"
 #include "effects/effect_simulation.h"
-#include "effects/sub_effect_groups.h"
 #include "effects/view_volume.h"
 
 namespace sparkrig {
@@ -29,36 +28,39 @@ class EffectDrawing {
     KRN_Gfx& Gfx() { return *gfx_; }
 
   private:
-    /// A sub-effect with visible instances.
-    struct Group {
-        SubEffect* sub = nullptr;
+    /// How the particles of a group are drawn; made when the frame meets the first of them.
+    struct Look {
+        int batch = kUnknown;             // equal where particles may share a batch
+        KRN_Texture* texture = nullptr;   // borrowed
+        bool animated = false;            // each particle may show another frame of the texture
     };
-    /// Born instances, in ascending order of ids, whose bounds are tested together.
-    struct Candidates {
-        int count = 0;
-        int ids[kLanes];
-    };
+    static constexpr int kUnknown = -1, kNoBatch = -2;
     /// The device's states before the effects.
     struct States {
         bool fog, z_write, lighting;
         int z_buffer_mode, blending_mode, blending_alpha;
     };
 
-    void Collect(const EffectSimulation& simulation);
-    void AddVisible(const Candidates& candidates, const std::vector<DrawRecord>& records);
-    RegroupTraits TraitsOf(const SubEffect& sub) const;
+    void CollectClass(const InstanceStore& instances, std::span<const int> groups, int detail_level);
+    void CollectGroup(const InstanceStore& instances, const InstanceGroup& group, bool shown);
+    RegroupTraits TraitsOf(const InstanceGroup& group) const;
 
-    void DrawInOrder(const std::vector<DrawRecord>& records, int detail_level);
-    void BeginParticles(ParticleEffect& sub);
+    void DrawInOrder(const EffectSimulation& simulation);
+    void BeginParticle(ParticleEffect& sub, Look& look, float age);
+    void PrepareLook(ParticleEffect& sub, Look& look, float age);
+    void ChooseStates(const ParticleEffect& sub);
     States RememberStates() const;
     void RestoreStates();
 
     KRN_Gfx* gfx_ = nullptr;   // borrowed
     EffectParticleSystem particles_;
-    DrawList list_;
-    SubEffectGroups<Group> groups_;
-    std::vector<RegroupTraits> traits_;   // of each group
-    std::optional<ViewVolume> view_;      // of the frame
+    DrawOrder order_;
+    std::vector<int> groups_;             // with instances, by sort class
+    std::vector<KeyedPlace> elements_;    // of one class: depth and lane
+    std::vector<RegroupTraits> traits_;   // of each group, like the next
+    std::vector<Look> looks_;
+    std::vector<std::pair<const ParticleEffect*, KRN_Texture*>> batches_;   // one particle of each batch number
+    std::optional<ViewVolume> view_;                                        // of the frame
     States before_ = {};
     int drawn_particles_ = 0;
 };

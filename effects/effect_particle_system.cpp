@@ -93,7 +93,7 @@ void EffectParticleSystem::BindTexture() {
 
 void EffectParticleSystem::FillVertices() {
     EffectParticleVertex* vertices = vertices_.Lock(0, static_cast<UINT>(count_) * kVerticesPerParticle, 0);
-    FillParticles(particles_.data(), count_, vertices);
+    FillParticles({particles_.data(), count_}, vertices);
     vertices_.Unlock();
 }
 

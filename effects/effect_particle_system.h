@@ -31,10 +31,10 @@ class EffectParticleSystem : public ErrorClass {
     int BatchBillboardMode() const { return billboard_mode_; }
     int BatchBlendMode() const { return blend_mode_; }
 
-    /// A particle beyond the capacity is dropped with a warning, given once.
-    void AddParticle(const Particle& particle) {
+    /// Borrowed until the next Flush. A particle beyond the capacity is dropped with a warning, given once.
+    void AddParticle(const DrawRecord& particle) {
         if (IsFull()) return WarnFull();
-        particles_[count_++] = particle;
+        particles_[count_++] = &particle;
     }
     bool IsEmpty() const { return count_ == 0; }
     bool IsFull() const { return count_ == particles_.size(); }
@@ -54,8 +54,8 @@ class EffectParticleSystem : public ErrorClass {
     void DrawQuads();
     D3DXMATRIX BillboardMatrix() const;
 
-    KRN_Gfx* gfx_ = nullptr;   // borrowed
-    std::vector<Particle> particles_;
+    KRN_Gfx* gfx_ = nullptr;                     // borrowed
+    std::vector<const DrawRecord*> particles_;   // borrowed, the first count_
     std::size_t count_ = 0;
     KRN_ShaderEffect shader_;
     D3DXHANDLE billboard_matrix_ = nullptr, use_particle_position_ = nullptr;

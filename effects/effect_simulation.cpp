@@ -1,16 +1,21 @@
 #include "effects/effect_simulation.h"
 
+#include <tbb/parallel_for.h>
+
 #include <optional>
 
 #include "base/numeric.h"
 #include "base/random.h"
+#include "effects/block_update.h"
+#include "effects/motion.h"
 
 namespace sparkrig {
 namespace {
 
 constexpr int kTraceBlocks = 2048;
-constexpr int kTraceIds = 3;       // trail blocks of one started effect
-constexpr double kJitter = 0.25;   // of the distance between two emissions, to either side
+constexpr int kTraceIds = 3;                 // trail blocks of one started effect
+constexpr int kWorthThreads = 10000;         // instances
+constexpr std::size_t kTasksTogether = 16;   // blocks that a thread takes at once
 
 /// a + b, going round where an int ends.
 std::int32_t WrappingSum(std::int32_t a, std::int32_t b) {
@@ -18,8 +23,6 @@ std::int32_t WrappingSum(std::int32_t a, std::int32_t b) {
 }
 
 bool Emits(const SubEffect& sub) { return sub.emit.effect || sub.emit.trace_number > 0; }
-
-double Jitter() { return RandomRange(-kJitter, kJitter); }
 
 D3DXVECTOR3 Turned(const D3DXVECTOR3& v, const D3DXQUATERNION& rotation) {
     D3DXMATRIX matrix;
@@ -45,7 +48,7 @@ D3DXVECTOR3 EmitPosition(const VisualEffectObject& emitter) {
 void EffectSimulation::StartEffect(const VisualEffect& effect, const D3DXVECTOR3& position) {
     starts_left_ = limits_.starts;
     Start(effect, position, 0);
-    transforms_.Flush();
+    WriteStarted();
 }
 
 void EffectSimulation::Start(const VisualEffect& effect, const D3DXVECTOR3& position, double time_offset) {
@@ -67,36 +70,59 @@ void EffectSimulation::Start(const VisualEffect& effect, const D3DXVECTOR3& posi
 }
 
 void EffectSimulation::StartSubEffect(SubEffect& sub, const D3DXVECTOR3& position, double time_offset, int trace_key) {
-    for (int i = 0; i < sub.count && HasRoom(*sub.owner); ++i) AddInstance(sub, i, position, time_offset, trace_key);
+    const int group = instances_.GroupOf(sub);
+    for (int i = 0; i < sub.count && HasRoom(*sub.owner); ++i) {
+        const int id = AddInstance(group, i, position, time_offset);
+        if (trace_key != -1) instances_.trace_keys.Set(id, trace_key);
+        if (sub.emit.effect) EmitBeforeStart(GetInstance(instances_, id));
+    }
 }
 
-void EffectSimulation::AddInstance(SubEffect& sub, int number, const D3DXVECTOR3& position, double time_offset,
-                                   int trace_key) {
-    const int id = instances_.AddNew();
-    VisualEffectObject& object = *instances_.Get(id);
-    object.base_position = position;
-    object.trace_key = trace_key;
+int EffectSimulation::AddInstance(int group, int number, const D3DXVECTOR3& position, double time_offset) {
+    const SubEffect& sub = *instances_.Group(group).sub;
+    const int id = instances_.Add(group);
+    const Lane lane = instances_.LaneOf(id), place = lane % kLanes;
+    InstanceBlock& block = instances_.BlockOfLane(lane);
+    block.base.x[place] = position.x;
+    block.base.y[place] = position.y;
+    block.base.z[place] = position.z;
+    float count_value = 0;
     if (sub.count_type == CountType::Random)
-        object.count_value = static_cast<float>(Random01());
+        count_value = static_cast<float>(Random01());
     else if (sub.count >= 2)
-        object.count_value = static_cast<float>(number) / static_cast<float>(sub.count - 1);
-    for (float& random : object.random) random = static_cast<float>(Random01());
-    object.Bind(sub);
-    object.time = time_offset + sub.start_time;
-    transforms_.Add(object, id);
-    if (object.Age() >= 0 && sub.emit.effect) EmitBeforeStart(object);
+        count_value = static_cast<float>(number) / static_cast<float>(sub.count - 1);
+    block.count_value[place] = count_value;
+    for (auto& random : block.random) random[place] = static_cast<float>(Random01());
+    block.life[place] = LifeForCount(sub, count_value);
+    block.time[place] = time_offset + sub.start_time;
+    if (instances_.Group(group).keeps) KeepTransforms(instances_, id);
+    return id;
 }
 
 /// The children that the instance would have emitted since its birth, had it run until now.
-void EffectSimulation::EmitBeforeStart(VisualEffectObject& object) {
-    const SubEffect& sub = *object.sub_effect;
+void EffectSimulation::EmitBeforeStart(const VisualEffectObject& object) {
+    const EmitSettings& emit = object.sub_effect->emit;
     const double age = object.Age();
-    const int count = TruncateToInt(age * sub.emit.per_time);
-    if (count <= 0) return;
-    transforms_.Flush();
-    for (int k = 0; k < count && MayStart(*sub.emit.effect); ++k) {
-        const double jitter = sub.emit.random ? Jitter() : 0;
+    if (!(age >= 0)) return;
+    const int count = TruncateToInt(age * emit.per_time);
+    for (int k = 0; k < count && MayStart(*emit.effect); ++k) {
+        const double jitter = emit.random ? EmissionJitter() : 0;
         Emit(object, (k + 0.5 + jitter) * age / count);
+    }
+}
+
+/// The first records of the instances that have been started since the last call.
+void EffectSimulation::WriteStarted() {
+    for (int number = 0; number < instances_.GroupCount(); ++number) {
+        InstanceGroup& group = instances_.Group(number);
+        while (group.evaluated < group.count) {
+            const int first = group.evaluated % kLanes;
+            const auto b = static_cast<std::size_t>(group.evaluated / kLanes);
+            const int end = group.LanesIn(b);
+            WriteRecords(*group.sub, instances_.Block(group.blocks[b]), first, end,
+                         instances_.Records(group.blocks[b]));
+            group.evaluated += end - first;
+        }
     }
 }
 
@@ -106,7 +132,7 @@ int EffectSimulation::NextTraceKeyBase() {
 }
 
 bool EffectSimulation::HasRoom(const VisualEffect& effect) {
-    return instances_.GetCount() < limits_.live_instances || Refuse(effect, limits_.live_instances, "live instances");
+    return instances_.Count() < limits_.live_instances || Refuse(effect, limits_.live_instances, "live instances");
 }
 
 bool EffectSimulation::MayStart(const VisualEffect& effect) {
@@ -132,66 +158,71 @@ void EffectSimulation::Emit(const VisualEffectObject& emitter, double offset) {
 
 void EffectSimulation::Update(float elapsed_seconds) {
     system_time_ += elapsed_seconds;
-    emission_count_ = 0;
-    int id = 0;
-    instances_.ResetIteration();
-    while (VisualEffectObject* object = instances_.GetNext(&id)) {
-        const SubEffect& sub = *object->sub_effect;
-        const auto step = static_cast<float>(sub.speed * elapsed_seconds);
-        object->time += step;
-        if (object->IsDead()) {
-            instances_.Delete(id);
-            continue;
-        }
-        if (sub.detail_level > detail_level_) continue;
-        transforms_.Add(*object, id);
-        if (Emits(sub) && object->Age() >= 0) RecordEmissions(*object, step);
+    PlanUpdate(elapsed_seconds);
+    RunTasks();
+    schedule_.Clear();
+    const BlockTask* tasks = tasks_.data();
+    for (int number = 0; number < instances_.GroupCount(); ++number) {
+        InstanceGroup& group = instances_.Group(number);
+        if (group.count == 0) continue;
+        const std::size_t blocks = group.blocks.size();
+        const bool evaluated = tasks->evaluate;
+        RemoveDead(group, {tasks, blocks});
+        tasks += blocks;
+        if (!evaluated) continue;
+        if (group.keeps) UpdateKept(instances_, group);
+        if (Emits(*group.sub)) schedule_.Mark(instances_, group);
     }
-    transforms_.Flush();
+    schedule_.Ask(instances_, elapsed_seconds);
 
     // Emission waits until the walk is over: an instance added now would age in the frame of its birth.
     starts_left_ = limits_.starts;
-    for (std::size_t i = 0; i < emission_count_; ++i) Emit(*emissions_[i].emitter, emissions_[i].offset);
-    transforms_.Flush();
+    for (const Emission& emission : schedule_.Emissions())
+        Emit(GetInstance(instances_, emission.emitter), emission.offset);
+    WriteStarted();
 }
 
-void EffectSimulation::RecordEmissions(VisualEffectObject& object, float step) {
-    if (object.sub_effect->emit.random)
-        RecordRandom(object, step);
-    else
-        RecordEven(object, step);
-}
-
-/// One emission at each multiple of the period that the step has passed.
-void EffectSimulation::RecordEven(VisualEffectObject& object, float step) {
-    const double period = 1.0 / object.sub_effect->emit.per_time;
-    const double rest = period - WrapFloat(object.Age() - step, period);
-    if (!(rest <= step)) return;
-    const double since_first = step - rest;
-    const int count = TruncateToInt(since_first / period);
-    for (int k = 0; k <= count && Record(object, since_first - k * period); ++k) {
+/// The blocks of all groups, one group after the other.
+void EffectSimulation::PlanUpdate(float elapsed_seconds) {
+    tasks_.clear();
+    for (int number = 0; number < instances_.GroupCount(); ++number) {
+        InstanceGroup& group = instances_.Group(number);
+        if (group.count == 0) continue;
+        const SubEffect& sub = *group.sub;
+        const auto step = static_cast<float>(sub.speed * elapsed_seconds);
+        const bool evaluate = sub.detail_level <= detail_level_;
+        if (!evaluate || !(step >= 0)) KeepTransforms(instances_, group);
+        for (std::size_t b = 0; b < group.blocks.size(); ++b)
+            tasks_.push_back({&sub, group.blocks[b], group.LanesIn(b), step, evaluate, false});
     }
 }
 
-/// As many emissions as fall into the step on the average, each near the middle of its share of the step.
-void EffectSimulation::RecordRandom(VisualEffectObject& object, float step) {
-    const float per_time = object.sub_effect->emit.per_time;
-    std::int64_t count = TruncateToInt(step * per_time);
-    const float fraction = WrapFloat(step, 1 / per_time) * per_time;
-    if (Random01() < fraction) ++count;
-    for (int k = 0; k < count && emission_count_ < kMaxEmissions; ++k)
-        Record(object, (k + 0.5 + Jitter()) * step / static_cast<double>(count));
+void EffectSimulation::RunTasks() {
+    const auto run = [this](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i) {
+            BlockTask& task = tasks_[i];
+            task.deaths = UpdateBlock(*task.sub, instances_.Block(task.block), task.count, task.step, task.evaluate,
+                                      instances_.Records(task.block));
+        }
+    };
+    if (instances_.Count() < kWorthThreads) return run(0, tasks_.size());
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, tasks_.size(), kTasksTogether),
+                      [&](const auto& range) { run(range.begin(), range.end()); });
 }
 
-bool EffectSimulation::Record(VisualEffectObject& object, double offset) {
-    if (emission_count_ == kMaxEmissions) return false;
-    emissions_[emission_count_++] = {&object, offset};
-    return true;
+/// From the last to the first, so that what moves into a free place has been looked at.
+void EffectSimulation::RemoveDead(InstanceGroup& group, std::span<const BlockTask> tasks) {
+    for (std::size_t b = tasks.size(); b-- > 0;) {
+        if (!tasks[b].deaths) continue;
+        const InstanceBlock& block = instances_.Block(tasks[b].block);
+        const DrawRecord* records = instances_.Records(tasks[b].block);
+        for (int place = tasks[b].count - 1; place >= 0; --place)
+            if (IsDead(*group.sub, block, place)) instances_.Remove(records[place].id);
+    }
 }
 
 void EffectSimulation::Clear() {
     instances_.Clear();
-    emission_count_ = 0;
     system_time_ = 0;
     trace_key_counter_ = 0;
     warned_ = false;
@@ -199,13 +230,13 @@ void EffectSimulation::Clear() {
 
 // ---- Reloading
 
-std::vector<EffectSimulation::Binding> EffectSimulation::GetBindings() const {
+std::vector<EffectSimulation::Binding> EffectSimulation::Unbind() {
     std::vector<Binding> bindings;
-    bindings.reserve(static_cast<std::size_t>(instances_.GetCount()));
-    for (int position = 0; position < instances_.GetCount(); ++position) {
-        const VisualEffectObject& object = *instances_.GetAt(position);
-        const SubEffect& sub = *object.sub_effect;
-        bindings.push_back({instances_.GetIdAt(position), sub.owner->name, object.kind, sub.index});
+    for (int number = 0; number < instances_.GroupCount(); ++number) {
+        InstanceGroup& group = instances_.Group(number);
+        if (!group.sub) continue;
+        KeepTransforms(instances_, group);
+        bindings.push_back({number, group.sub->owner->name, group.sub->kind, group.sub->index});
     }
     return bindings;
 }
@@ -214,22 +245,22 @@ void EffectSimulation::Rebind(const std::vector<Binding>& bindings, EffectDefini
     for (const Binding& binding : bindings) {
         const VisualEffect* effect = definitions.effects.Find(binding.effect);
         SubEffect* sub = effect ? FindSubEffect(*effect, binding.kind, binding.sub_index) : nullptr;
-        if (sub)
-            instances_.Get(binding.id)->Bind(*sub);
-        else
-            instances_.Delete(binding.id);
+        if (sub) {
+            instances_.Rebind(binding.group, *sub);
+            RefreshRecords(instances_, instances_.Group(binding.group));
+        } else {
+            instances_.RemoveAll(binding.group);
+        }
     }
-    RefreshRecords();
 }
 
 void EffectSimulation::SetDetailLevel(int level) {
     detail_level_ = level;
-    RefreshRecords();   // what was passed over and is drawn now has aged
-}
-
-void EffectSimulation::RefreshRecords() {
-    for (int position = 0; position < instances_.GetCount(); ++position)
-        transforms_.RefreshRecord(*instances_.GetAt(position), instances_.GetIdAt(position));
+    for (int number = 0; number < instances_.GroupCount();
+         ++number) {   // what was passed over and is drawn now has aged
+        InstanceGroup& group = instances_.Group(number);
+        if (group.keeps) RefreshRecords(instances_, group);
+    }
 }
 
 }   // namespace sparkrig

@@ -1,18 +1,19 @@
 #include "effects/motion.h"
 
 #include "effects/motion_lanes.h"
+#include "effects/parity_sign.h"
+#include "effects/turn.h"
 
 namespace sparkrig {
 namespace {
 
 /// One instance as a single lane.
 struct SingleLane : MotionLanes {
-    SingleLane(double time, float count_value, const MotionRandoms& random, float life_time = 0) {
+    SingleLane(const double& time, const float& count_value, const MotionRandoms& random) {
         count = 1;
-        t[0] = time;
-        c[0] = count_value;
-        for (int i = 0; i < 4; ++i) r[i][0] = random[i];
-        life[0] = life_time;
+        t = &time;
+        c = &count_value;
+        for (int i = 0; i < 4; ++i) r[i] = &random[i];
     }
 };
 
@@ -33,22 +34,27 @@ D3DXVECTOR3 EvalPosition(const SubEffect& sub, double t, float c, const MotionRa
 }
 
 D3DXQUATERNION EvalRotation(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
-    QuaternionLanes out;
-    float angle[kLanes];
-    EvalRotations(sub, SingleLane(t, c, r), out, angle);
-    return {out.x[0], out.y[0], out.z[0], out.w[0]};
+    if (sub.rotation_stages.GetCount() == 0) return sub.start_rotation;
+    const float sign = sub.random_reverse_rotation ? ParitySign(r[3]) : 1;
+    D3DXQUATERNION rotation;
+    for (int stage = 0; stage < sub.rotation_stages.GetCount(); ++stage) {
+        const D3DXVECTOR3 v = EvaluateMotion(*sub.rotation_stages.GetAt(stage), t, c, r);
+        const Turn turn = TurnAbout(v.x, v.y, v.z, sign);
+        const D3DXQUATERNION next = {turn.x, turn.y, turn.z, turn.w};
+        D3DXQuaternionMultiply(&rotation, &rotation, &next);
+    }
+    return *D3DXQuaternionMultiply(&rotation, &rotation, &sub.start_rotation);
 }
 
 float EvalRotationAngle(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
-    QuaternionLanes out;
     float angle[kLanes];
-    EvalRotations(sub, SingleLane(t, c, r), out, angle);
+    EvalRotationAngle(sub, SingleLane(t, c, r), angle);
     return angle[0];
 }
 
 D3DXVECTOR3 EvalScale(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
     VectorLanes out;
-    EvalScale(sub, SingleLane(t, c, r), out);
+    EvalScale(sub, SingleLane(t, c, r), Components::All, out);
     return First(out);
 }
 
@@ -76,10 +82,10 @@ float LifeForCount(const SubEffect& sub, float c) {
 }
 
 float FadeFactor(const SubEffect& sub, double t, float c) {
-    constexpr MotionRandoms kNone = {};
-    float out[kLanes];
-    FadeFactor(sub, SingleLane(t, c, kNone, LifeForCount(sub, c)), out);
-    return out[0];
+    const float life = LifeForCount(sub, c);
+    float factor[kLanes] = {1};
+    ApplyFade(sub, SingleLane(t, c, {}), &life, factor);
+    return factor[0];
 }
 
 }   // namespace sparkrig

@@ -13,29 +13,24 @@ struct VectorLanes {
     alignas(64) float z[kLanes];
 };
 
-struct QuaternionLanes {
-    alignas(64) float x[kLanes];
-    alignas(64) float y[kLanes];
-    alignas(64) float z[kLanes];
-    alignas(64) float w[kLanes];
-};
-
-/// What motion depends on. The first `count` lanes are in use; the others may hold anything.
+/// What motion depends on: arrays of `count` numbers, borrowed.
 struct MotionLanes {
     int count = 0;
-    alignas(64) double t[kLanes];     // seconds since birth
-    alignas(64) float c[kLanes];      // count value
-    alignas(64) float r[4][kLanes];   // random numbers
-    alignas(64) float life[kLanes];   // LifeForCount
+    const double* t = nullptr;                                  // seconds since birth
+    const float* c = nullptr;                                   // count value
+    const float* r[4] = {nullptr, nullptr, nullptr, nullptr};   // random numbers
 };
+
+/// Components that are asked for: a channel whose components do not depend on each other evaluates no others.
+enum class Components { X, All };
 
 void EvaluateMotion(const VisualEffectMotion& stage, const MotionLanes& in, VectorLanes& out);
 void EvalPosition(const SubEffect& sub, const MotionLanes& in, VectorLanes& out);
-/// Both EvalRotation and EvalRotationAngle: they share their stages.
-void EvalRotations(const SubEffect& sub, const MotionLanes& in, QuaternionLanes& out, float (&angle)[kLanes]);
-void EvalScale(const SubEffect& sub, const MotionLanes& in, VectorLanes& out);
+void EvalScale(const SubEffect& sub, const MotionLanes& in, Components components, VectorLanes& out);
+void EvalRotationAngle(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]);
 void EvalColor(const SubEffect& sub, const MotionLanes& in, VectorLanes& out);
 void EvalAlpha(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]);
-void FadeFactor(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]);
+/// Multiplies `alpha` by FadeFactor. life: LifeForCount of each lane.
+void ApplyFade(const SubEffect& sub, const MotionLanes& in, const float* life, float (&alpha)[kLanes]);
 
 }   // namespace sparkrig

@@ -8,7 +8,7 @@ namespace sparkrig {
 namespace {
 
 constexpr int kSubtractiveBlendMode = 5;
-constexpr std::uint32_t kSubtractiveAlpha = 1;   // present, where 0 would mean invisible
+constexpr std::uint32_t kSubtractiveAlpha = 1;   // 0 means invisible
 
 /// The byte times `factor` 65536ths. Where the product leaves the byte, it wraps.
 std::uint32_t Scaled(std::uint32_t byte, std::uint32_t factor) { return byte * factor >> 16 & 255u; }
@@ -23,7 +23,8 @@ SPARKRIG_VECTOR_CODE void PackParticleColours(const VectorLanes& rgb, const floa
     }
     for (int i = 0; i < count; ++i) {
         const auto factor = static_cast<std::uint32_t>(TruncateColour(alpha[i] * 65536.0f));
-        colours[i] = kSubtractiveAlpha << 24 | Scaled(ColourByte(rgb.x[i]), factor) << 16 |
+        const std::uint32_t shown = ColourByte(alpha[i]) != 0 ? kSubtractiveAlpha : 0;
+        colours[i] = shown << 24 | Scaled(ColourByte(rgb.x[i]), factor) << 16 |
                      Scaled(ColourByte(rgb.y[i]), factor) << 8 | Scaled(ColourByte(rgb.z[i]), factor);
     }
 }

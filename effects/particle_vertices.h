@@ -1,20 +1,12 @@
 // Particles as the vertices of camera-facing quads.
 #pragma once
 #include <cstddef>
-#include <cstdint>
+#include <span>
 
+#include "effects/instance_store.h"
 #include "platform/d3d9/d3d9.h"
-#include "platform/d3dx/d3dx_math.h"
 
 namespace sparkrig {
-
-struct Particle {
-    D3DXVECTOR3 position;       // in the world
-    std::uint32_t colour = 0;   // packed ARGB
-    float angle = 0;            // radians
-    float size = 0;
-};
-static_assert(sizeof(Particle) == 24);
 
 struct EffectParticleVertex {
     static constexpr DWORD kFormat = 0x272;   // position, normal, point size, diffuse colour, two texture coordinates
@@ -30,11 +22,11 @@ static_assert(sizeof(EffectParticleVertex) == 48);
 
 inline constexpr int kVerticesPerParticle = 6;   // two triangles
 
-/// Writes whole vertices: corner and texture coordinate of each, which FillParticles leaves alone, and a mark for what
-/// FillParticles overwrites. Particles of magenta quads 100 wide at the origin were never filled.
+/// Vertices that show when they were never filled: magenta quads 100 wide at the origin.
 void InitParticleVertices(EffectParticleVertex* vertices, std::size_t particles);
 
-/// Writes position, size, colour and rotation of six vertices for each particle. Never reads the vertices.
-void FillParticles(const Particle* particles, std::size_t count, EffectParticleVertex* vertices);
+/// Writes six whole vertices for each particle, front to back, and never reads them. The rotation is within 1e-6 of the
+/// angle's.
+void FillParticles(std::span<const DrawRecord* const> particles, EffectParticleVertex* vertices);
 
 }   // namespace sparkrig

@@ -53,4 +53,23 @@ inline double Cosine(double angle) {
     return -NegateIfOdd(Polynomial(Reduce(angle, (rounded - kRounder) + 0.5)), rounded);
 }
 
+/// Both in single precision, within 1e-6, twice as fast.
+inline void SineAndCosine(float angle, float& sine, float& cosine) {
+    using namespace sine_detail;
+    const double rounded = angle * (2 / kPi) + kRounder;   // quarter turns
+    const double quarters = rounded - kRounder;
+    const auto r = static_cast<float>(angle - quarters * (kPi / 2));   // in [-pi/4, pi/4]
+    const float s = r * r;
+    const float odd = r * (1 + s * (-1.6666654611e-1f + s * (8.3321608736e-3f + s * -1.9515295891e-4f)));
+    const float even =
+        1 - 0.5f * s + s * s * (4.166664568298827e-2f + s * (-1.388731625493765e-3f + s * 2.443315711809948e-5f));
+    const auto quarter = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(rounded));
+    const bool swap = (quarter & 1u) != 0;
+    const auto flip = [](float value, std::uint32_t sign) {
+        return std::bit_cast<float>(std::bit_cast<std::uint32_t>(value) ^ sign << 31);
+    };
+    sine = flip(swap ? even : odd, quarter >> 1 & 1u);
+    cosine = flip(swap ? odd : even, (quarter ^ quarter >> 1) & 1u);
+}
+
 }   // namespace sparkrig

@@ -1,6 +1,6 @@
 // What the camera sees, for many spheres at once.
 #pragma once
-#include "effects/motion_lanes.h"
+#include "effects/instance_store.h"
 #include "scene/clip_object.h"
 
 namespace sparkrig {
@@ -15,14 +15,12 @@ struct ViewVolume {
     ViewPlane planes[6];
 };
 
-struct SphereLanes {
-    VectorLanes centre;
-    alignas(64) float radius[kLanes];
+struct SphereTest {
     alignas(64) float distance[kLanes];         // from the camera to the centre
-    alignas(64) std::int32_t visible[kLanes];   // 0 for a sphere that lies outside one of the planes
+    alignas(64) std::int32_t visible[kLanes];   // 0 for what is not born or lies outside one of the planes
 };
 
-/// Fills distance and visibility of the first `count` spheres. What is not a number is visible.
-void TestSpheres(const ViewVolume& view, int count, SphereLanes& spheres);
+/// Tests the first `count` of a block's records. What is not a number is visible.
+void TestSpheres(const ViewVolume& view, const DrawRecord* records, int count, SphereTest& test);
 
 }   // namespace sparkrig

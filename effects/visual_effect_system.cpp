@@ -64,11 +64,11 @@ class Preloading {
     std::set<const VisualEffect*> visited_;
 };
 
-EffectInstanceState StateOf(int id, const VisualEffectObject& object) {
+EffectInstanceState StateOf(const VisualEffectObject& object) {
     const SubEffect& sub = *object.sub_effect;
     const double age = std::max(object.Age(), 0.0);
     EffectInstanceState state;
-    state.id = id;
+    state.id = object.id;
     state.effect = sub.owner->name;
     state.kind = static_cast<int>(object.kind);
     state.sub_index = sub.index;
@@ -98,7 +98,7 @@ void VisualEffectSystem::LoadEffects(const char* file, bool keep_instances) {
     if (!keep_instances) Clear();
     auto definitions = std::make_unique<EffectDefinitions>();
     LoadEffectsFile(file, *this, *definitions);
-    const auto bindings = parts_->simulation.GetBindings();
+    const auto bindings = parts_->simulation.Unbind();
     parts_->definitions = std::move(definitions);
     parts_->simulation.Rebind(bindings, *parts_->definitions);
 }
@@ -109,6 +109,27 @@ const String& VisualEffectSystem::GetEffectName(int index) const {
     static const String none;
     const String* name = parts_->definitions->names.GetAt(index);
     return name ? *name : none;
+}
+
+std::vector<EffectTextureUse> VisualEffectSystem::GetEffectTextures(const char* name) const {
+    using By = EffectTextureUse::By;
+    std::vector<EffectTextureUse> uses;
+    const VisualEffect* effect = parts_->definitions->effects.Find(name);
+    if (!effect) return uses;
+    const auto add = [&](By by, const char* texture, const String& written) { uses.push_back({by, texture, written}); };
+    for (int i = 0; i < effect->particles.GetCount(); ++i) {
+        const String& texture = effect->particles.GetAt(i)->texture_name;
+        add(By::Particle, texture.c_str(), texture);
+    }
+    for (int i = 0; i < effect->specials.GetCount(); ++i) {
+        const String& texture = effect->specials.GetAt(i)->texture_name;
+        if (texture.GetLength() > 0) add(By::Special, texture.c_str(), texture);
+    }
+    ForEachSubEffect(*effect, [&](const SubEffect& sub) {
+        const String& emitted = sub.emit.name;
+        if (emitted.StartsWith(kTracePrefix)) add(By::Trace, emitted.c_str() + std::strlen(kTracePrefix), emitted);
+    });
+    return uses;
 }
 
 void VisualEffectSystem::StartEffect(const char* name, const D3DXVECTOR3& position) {
@@ -134,15 +155,15 @@ int VisualEffectSystem::DrawCallCount() const { return parts_->drawing.DrawCalls
 
 void VisualEffectSystem::SetDetailLevel(int level) { parts_->simulation.SetDetailLevel(level); }
 int VisualEffectSystem::DetailLevel() const { return parts_->simulation.DetailLevel(); }
-int VisualEffectSystem::LiveInstanceCount() const { return parts_->simulation.Live().GetCount(); }
+int VisualEffectSystem::LiveInstanceCount() const { return parts_->simulation.Instances().Count(); }
 double VisualEffectSystem::SystemTime() const { return parts_->simulation.SystemTime(); }
 
 std::vector<EffectInstanceState> VisualEffectSystem::GetInstanceStates() const {
-    const auto& live = parts_->simulation.Live();
+    const InstanceStore& instances = parts_->simulation.Instances();
     std::vector<EffectInstanceState> states;
-    states.reserve(static_cast<std::size_t>(live.GetCount()));
-    for (int position = 0; position < live.GetCount(); ++position)
-        states.push_back(StateOf(live.GetIdAt(position), *live.GetAt(position)));
+    states.reserve(static_cast<std::size_t>(instances.Count()));
+    for (int id = 0; id < instances.IdEnd(); ++id)
+        if (instances.IsLive(id)) states.push_back(StateOf(GetInstance(instances, id)));
     return states;
 }
 

@@ -28,6 +28,14 @@ struct EffectInstanceState {
     float alpha;
 };
 
+/// A texture that an effect names.
+struct EffectTextureUse {
+    enum class By { Particle, Special, Trace };
+    By by;
+    String name;      // empty where a particle names none
+    String written;   // as it stands in the effects file: before a trace's texture stands "trace:"
+};
+
 class VisualEffectSystem : public ErrorClass {
   public:
     VisualEffectSystem();
@@ -43,6 +51,9 @@ class VisualEffectSystem : public ErrorClass {
     int GetEffectCount() const;
     /// In file order; empty for a wrong index. Good until the next load.
     const String& GetEffectName(int index) const;
+
+    /// Those of its particles, then of its specials, then of the traces that it lays. None for an unknown effect.
+    std::vector<EffectTextureUse> GetEffectTextures(const char* name) const;
 
     void StartEffect(const char* name, const D3DXVECTOR3& position);
     /// Loads the textures of the effect and of what it emits. A name that begins with "trace:" names a texture.
@@ -63,8 +74,6 @@ class VisualEffectSystem : public ErrorClass {
     void Clear();
     /// Lets go of everything that needs the device, which is not used any more.
     void Release();
-
-    VisualEffectSystemParts& Parts() { return *parts_; }
 
   private:
     std::unique_ptr<VisualEffectSystemParts> parts_;

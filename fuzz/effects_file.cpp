@@ -4,7 +4,6 @@
 #include "base/random.h"
 #include "effects/effect_simulation.h"
 #include "effects/effects_file.h"
-#include "effects/motion.h"
 #include "fuzz/input_file.h"
 
 namespace sparkrig {
@@ -26,15 +25,14 @@ void Play(const char* file) {
     for (int i = 0; i < definitions.names.GetCount() && i < kEffects; ++i)
         simulation.StartEffect(*definitions.effects.Find(*definitions.names.GetAt(i)), {1, 2, 3});
     for (int step = 0; step < kSteps; ++step) simulation.Update(kStepSeconds);
-    const auto bindings = simulation.GetBindings();
+    const auto bindings = simulation.Unbind();
     EffectDefinitions again;
     LoadEffectsFile(file, reporter, again);
     simulation.Rebind(bindings, again);
     simulation.Update(kStepSeconds);
-    for (int i = 0; i < simulation.Live().GetCount(); ++i) {
-        const VisualEffectObject& object = *simulation.Live().GetAt(i);
-        (void)EvalColor(*object.sub_effect, object.Age(), object.count_value, object.random);
-    }
+    const InstanceStore& instances = simulation.Instances();
+    for (int id = 0; id < instances.IdEnd(); ++id)
+        if (instances.IsLive(id)) (void)GetInstance(instances, id);
 }
 
 }   // namespace

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <string>
+#include <vector>
 
-#include "effects/motion_lanes.h"
 #include "effects/sine.h"
 
 namespace sparkrig {
@@ -14,45 +16,6 @@ namespace {
 
 constexpr double kTwoPi = 6.283186;
 constexpr MotionRandoms kRandoms = {0.2f, 0.35f, 0.61f, 0.9f};
-
-VisualEffectMotion Stage(AnimationType type, const D3DXVECTOR3& scale = {2, -3, 5}) {
-    VisualEffectMotion stage;
-    stage.type = type;
-    stage.scale = scale;
-    return stage;
-}
-
-void Prepare(VisualEffectMotion& stage, const D3DXVECTOR3& axis, float degrees, const D3DXVECTOR3& offset) {
-    stage.rotation_axis = axis;
-    stage.rotation_angle = degrees * kRadiansPerDegree;
-    stage.offset = offset;
-    PrepareStage(stage);
-}
-
-void ExpectNear(const D3DXVECTOR3& found, const D3DXVECTOR3& expected, const char* what = "") {
-    EXPECT_NEAR(found.x, expected.x, 2e-5 * (1 + std::abs(expected.x))) << what;
-    EXPECT_NEAR(found.y, expected.y, 2e-5 * (1 + std::abs(expected.y))) << what;
-    EXPECT_NEAR(found.z, expected.z, 2e-5 * (1 + std::abs(expected.z))) << what;
-}
-
-D3DXVECTOR3 Vector(double x, double y, double z) {
-    return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
-}
-
-void Append(MotionChannel& channel, VisualEffectMotion stage, ConcatType concat) {
-    stage.concat = concat;
-    channel.Add(stage);
-}
-
-/// A stage whose value is `value` at every time.
-VisualEffectMotion Constant(const D3DXVECTOR3& value) {
-    VisualEffectMotion stage = Stage(AnimationType::Linear);
-    stage.scale = value;
-    stage.speed = 0;
-    stage.time_offset = 0;
-    stage.time_minimum = stage.time_maximum = 1;
-    return stage;
-}
 
 TEST(Sine, AgreesWithTheLibraryAtSmallAndLargeAngles) {
     for (const double scale : {1e-6, 0.3, 1.7, 40.0, 1e4, 1e6}) {
@@ -64,113 +27,271 @@ TEST(Sine, AgreesWithTheLibraryAtSmallAndLargeAngles) {
     }
 }
 
+TEST(Sine, InSinglePrecisionIsWithinAMillionth) {
+    for (int i = -4000; i <= 4000; ++i) {
+        const float angle = static_cast<float>(i) * (i % 3 == 0 ? 7.9f : 0.013f);
+        float sine, cosine;
+        SineAndCosine(angle, sine, cosine);
+        EXPECT_NEAR(sine, std::sin(static_cast<double>(angle)), 1e-6) << angle;
+        EXPECT_NEAR(cosine, std::cos(static_cast<double>(angle)), 1e-6) << angle;
+    }
+}
+
 TEST(Sine, StaysInRangeForEveryAngle) {
     for (const double angle : {1e12, -1e15, 1e17, 1e300, -1e300})
         EXPECT_LE(std::abs(Sine(angle)) + std::abs(Cosine(angle)), 2.0) << angle;
     EXPECT_TRUE(std::isnan(Sine(std::numeric_limits<double>::infinity())));
 }
 
-TEST(Motion, EachTypeGivesItsFormula) {
-    const double u = 0.7, a = kTwoPi * u, swing = 1.5 * std::sin(a);
-    const double height = 2 * 0.9 - 1, radius = std::sqrt(1 - height * height), longitude = kTwoPi * 0.61;
-    const std::tuple<const char*, AnimationType, D3DXVECTOR3> kRows[] = {
-        {"none", AnimationType::None, {}},
-        {"linear", AnimationType::Linear, Vector(u, u, u)},
-        {"swing", AnimationType::Swing, Vector(std::sin(swing), std::sin(swing), 1 - std::cos(swing))},
-        {"sin", AnimationType::Sin, Vector(std::sin(a), std::sin(a), std::sin(a))},
-        {"cos", AnimationType::Cos, Vector(std::cos(a), std::cos(a), std::cos(a))},
-        {"circle", AnimationType::Circle, Vector(std::sin(a), std::cos(a), std::cos(a))},
-        {"quadratic", AnimationType::Quadratic, Vector(u * u, u * u, u * u)},
-        {"rand1", AnimationType::Rand1, {0.2f, 0.2f, 0.2f}},
-        {"rand2", AnimationType::Rand2, {0.35f, 0.35f, 0.35f}},
-        {"rand3", AnimationType::Rand3, {0.61f, 0.61f, 0.61f}},
-        {"rand4", AnimationType::Rand4, {0.9f, 0.9f, 0.9f}},
-        {"randSphere", AnimationType::RandSphere,
-         Vector(radius * std::sin(longitude), radius * std::cos(longitude), height)},
-        {"unknown", static_cast<AnimationType>(77), {}},
+// ---- The plain reference: every formula in double, one instance, one stage after the other
+
+struct Vec {
+    double x = 0, y = 0, z = 0;
+};
+Vec operator+(const Vec& a, const Vec& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+Vec operator*(const Vec& a, const Vec& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
+Vec ToVec(const D3DXVECTOR3& v) { return {v.x, v.y, v.z}; }
+double Length(const Vec& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+
+/// v turned about a unit axis (Rodrigues).
+Vec Rotated(const Vec& v, const Vec& axis, double angle) {
+    const double c = std::cos(angle), s = std::sin(angle);
+    const double along = (1 - c) * (v.x * axis.x + v.y * axis.y + v.z * axis.z);
+    return {v.x * c + (axis.y * v.z - axis.z * v.y) * s + axis.x * along,
+            v.y * c + (axis.z * v.x - axis.x * v.z) * s + axis.y * along,
+            v.z * c + (axis.x * v.y - axis.y * v.x) * s + axis.z * along};
+}
+
+/// A Hermite curve through its keys: each slope is the mean of those to both neighbours, times the own interval.
+Vec CurveAt(const std::vector<std::pair<double, Vec>>& keys, double loop_end, double t) {
+    const std::size_t last = keys.size() - 1;
+    const double first_time = keys[0].first, period = loop_end - first_time;
+    const bool loops = loop_end > 0;
+    if (loops) t = first_time + (t >= 0 ? std::fmod(t, period) : period + std::fmod(t, period));
+    if (!loops && t <= first_time) return keys[0].second;
+    if (!loops && t >= keys[last].first) return keys[last].second;
+    std::size_t i = 0;
+    while (i < last && keys[i + 1].first <= t) ++i;
+    const auto rise = [&](std::size_t k) {   // from key k to the next, and the time that it takes
+        const std::size_t next = k == last ? 0 : k + 1;
+        const double time = (k == last ? loop_end : keys[next].first) - keys[k].first;
+        return std::pair(keys[next].second + keys[k].second * Vec{-1, -1, -1}, time);
     };
-    for (const auto& [name, type, unscaled] : kRows) {
-        const D3DXVECTOR3 expected(2 * unscaled.x, -3 * unscaled.y, 5 * unscaled.z);
-        ExpectNear(EvaluateMotion(Stage(type), u, 0.4f, kRandoms), expected, name);
+    const auto slope = [&](std::size_t k) {
+        Vec sum;
+        int sides = 0;
+        for (const bool before : {true, false}) {
+            if (!loops && k == (before ? 0 : last)) continue;
+            const auto [step, time] = rise(before ? (k == 0 ? last : k - 1) : k);
+            sum = sum + step * Vec{1 / time, 1 / time, 1 / time};
+            ++sides;
+        }
+        return sum * Vec{1.0 / sides, 1.0 / sides, 1.0 / sides};
+    };
+    const auto [step, time] = rise(i);
+    const std::size_t next = i == last ? 0 : i + 1;
+    const double s = (t - keys[i].first) / time, s2 = s * s, s3 = s2 * s;
+    const auto times = [](const Vec& v, double f) { return v * Vec{f, f, f}; };
+    return times(keys[i].second, 2 * s3 - 3 * s2 + 1) + times(keys[next].second, 3 * s2 - 2 * s3) +
+           times(slope(i), (s3 - 2 * s2 + s) * time) + times(slope(next), (s3 - s2) * time);
+}
+
+/// What was thrown at both, in the words of the effects file.
+struct Stage {
+    VisualEffectMotion motion;
+    std::vector<std::pair<double, Vec>> keys;
+    double loop_end = 0;
+};
+
+double StageTime(const VisualEffectMotion& m, double t, double c) {
+    const double u = (m.speed + c * m.speed_count_offset) *
+                     ((m.local_speed + c * m.local_speed_count_offset) * t + m.time_offset + c * m.time_count_offset);
+    return std::clamp<double>(u, m.time_minimum, m.time_maximum);
+}
+
+Vec ShapeAt(const Stage& stage, double u, const MotionRandoms& r) {
+    const double turn = kTwoPi * u, swing = 1.5 * std::sin(turn);
+    const double height = 2.0 * r[3] - 1, radius = std::sqrt(1 - height * height), longitude = kTwoPi * r[2];
+    switch (stage.motion.type) {
+        case AnimationType::Linear: return {u, u, u};
+        case AnimationType::Swing: return {std::sin(swing), std::sin(swing), 1 - std::cos(swing)};
+        case AnimationType::Sin: return {std::sin(turn), std::sin(turn), std::sin(turn)};
+        case AnimationType::Cos: return {std::cos(turn), std::cos(turn), std::cos(turn)};
+        case AnimationType::Circle: return {std::sin(turn), std::cos(turn), std::cos(turn)};
+        case AnimationType::Quadratic: return {u * u, u * u, u * u};
+        case AnimationType::Bezier: return CurveAt(stage.keys, stage.loop_end, u);
+        case AnimationType::Rand1: return {r[0], r[0], r[0]};
+        case AnimationType::Rand2: return {r[1], r[1], r[1]};
+        case AnimationType::Rand3: return {r[2], r[2], r[2]};
+        case AnimationType::Rand4: return {r[3], r[3], r[3]};
+        case AnimationType::RandSphere: return {radius * std::sin(longitude), radius * std::cos(longitude), height};
+        case AnimationType::None: break;
+    }
+    return {};
+}
+
+Vec StageAt(const Stage& stage, double t, double c, const MotionRandoms& r) {
+    const VisualEffectMotion& m = stage.motion;
+    const double u = StageTime(m, t, c);
+    Vec v = ShapeAt(stage, u, r);
+    if (m.type != AnimationType::Bezier) v = v * ToVec(m.scale);
+    if (m.rotation_angle != 0 || m.offset != D3DXVECTOR3()) {
+        const Vec axis = ToVec(m.rotation_axis);
+        const double length = Length(axis);
+        v = length > 0 ? Rotated(v, axis * Vec{1 / length, 1 / length, 1 / length}, m.rotation_angle)
+                       : v * Vec{std::cos(m.rotation_angle), std::cos(m.rotation_angle), std::cos(m.rotation_angle)};
+        v = v + ToVec(m.offset);
+    }
+    const double w = m.time_scale_uses_stage_time ? u : t;
+    const double factor = m.time_scale.linear * w + m.time_scale.constant + (w > 0 ? m.time_scale.inverse / w : 0);
+    return v * Vec{factor, factor, factor};
+}
+
+Vec ChannelAt(const std::vector<Stage>& stages, double start, double t, double c, const MotionRandoms& r) {
+    Vec sum = {start, start, start};
+    for (const Stage& stage : stages) {
+        const Vec v = StageAt(stage, t, c, r);
+        const double length = Length(v);
+        switch (stage.motion.concat) {
+            case ConcatType::Add: sum = sum + v; break;
+            case ConcatType::Multiply: sum = sum * v; break;
+            case ConcatType::Rotate:
+                if (length > 0)
+                    sum = Rotated(sum, v * Vec{1 / length, 1 / length, 1 / length}, length * 0.01745329238474369);
+        }
+    }
+    return sum;
+}
+
+double MirrorSign(bool mirrored, float random) { return mirrored && static_cast<int>(random * 100) % 2 != 0 ? -1 : 1; }
+
+// ---- Random definitions
+
+class Dice {
+  public:
+    explicit Dice(unsigned seed) : generator_(seed) {}
+    float Between(float low, float high) { return std::uniform_real_distribution<float>(low, high)(generator_); }
+    int Below(int end) { return static_cast<int>(generator_() % static_cast<unsigned>(end)); }
+    bool OneIn(int sides) { return Below(sides) == 0; }
+    D3DXVECTOR3 Vector(float most) { return {Between(-most, most), Between(-most, most), Between(-most, most)}; }
+    void Randoms(MotionRandoms& r) {
+        for (float& value : r) value = Between(0, 1);
+    }
+
+  private:
+    std::mt19937 generator_;
+};
+
+void AddCurve(Dice& dice, Stage& stage) {
+    const int keys = 1 + dice.Below(dice.OneIn(8) ? 40 : 6);
+    float time = dice.Between(-0.5f, 0.5f);
+    for (int i = 0; i < keys; ++i, time += dice.Between(0.1f, 0.8f)) {
+        const D3DXVECTOR3 value = dice.Vector(2);
+        stage.motion.curve.AddKey(time, {value.x, value.y, value.z});
+        stage.keys.emplace_back(time, ToVec(value));
+    }
+    if (keys > 1 && dice.OneIn(3)) stage.loop_end = time;
+    stage.motion.curve.SetLoop(stage.loop_end > 0, static_cast<float>(stage.loop_end));
+    stage.motion.curve.ComputeTangents(1);
+}
+
+Stage RandomStage(Dice& dice, AnimationType type) {
+    Stage stage;
+    VisualEffectMotion& m = stage.motion;
+    m.type = type;
+    m.concat = static_cast<ConcatType>(dice.Below(3));
+    m.scale = dice.Vector(2);
+    m.speed = dice.Between(-1, 2);
+    if (dice.OneIn(2)) m.local_speed = dice.Between(-1, 2);
+    if (dice.OneIn(2)) m.time_offset = dice.Between(-1, 1);
+    if (dice.OneIn(3)) m.time_count_offset = dice.Between(-1, 1);
+    if (dice.OneIn(3)) m.speed_count_offset = dice.Between(-1, 1);
+    if (dice.OneIn(3)) m.local_speed_count_offset = dice.Between(-1, 1);
+    if (dice.OneIn(3)) m.time_minimum = dice.Between(-1, 0), m.time_maximum = dice.Between(0, 1);
+    if (dice.OneIn(3)) m.time_scale = {dice.Between(-1, 1), dice.Between(-1, 1), dice.Between(-1, 1)};
+    m.time_scale_uses_stage_time = dice.OneIn(2);
+    if (dice.OneIn(3)) m.rotation_axis = dice.Vector(1), m.rotation_angle = dice.Between(-3, 3);
+    if (dice.OneIn(4)) m.offset = dice.Vector(1);
+    if (type == AnimationType::Bezier) AddCurve(dice, stage);
+    PrepareStage(m);
+    return stage;
+}
+
+void FillChannel(Dice& dice, AnimationType first, MotionChannel& channel, std::vector<Stage>& stages) {
+    for (int i = 1 + dice.Below(3); i > 0; --i)
+        stages.push_back(RandomStage(dice, stages.empty() ? first : static_cast<AnimationType>(dice.Below(14))));
+    for (const Stage& stage : stages) channel.Add(stage.motion);
+}
+
+/// Within a few roundings of the largest number that went into it.
+void ExpectNear(const D3DXVECTOR3& found, const Vec& expected, const std::string& what) {
+    const double tolerance = 4e-5 * (1 + Length(expected)) * (1 + Length(expected) / 10);
+    EXPECT_NEAR(found.x, expected.x, tolerance) << what;
+    EXPECT_NEAR(found.y, expected.y, tolerance) << what;
+    EXPECT_NEAR(found.z, expected.z, tolerance) << what;
+}
+
+TEST(Motion, IsThatOfThePlainReferenceForRandomDefinitions) {
+    Dice dice(7);
+    for (int round = 0; round < 1300; ++round) {
+        const auto type = static_cast<AnimationType>(round % 13);
+        const std::string what = "round " + std::to_string(round) + " type " + std::to_string(round % 13);
+        SubEffect sub(SubEffectKind::Particle);
+        std::vector<Stage> position, rotation, scale, colour, alpha;
+        FillChannel(dice, type, sub.position_stages, position);
+        FillChannel(dice, type, sub.rotation_stages, rotation);
+        FillChannel(dice, type, sub.scale_stages, scale);
+        FillChannel(dice, type, sub.colour_stages, colour);
+        FillChannel(dice, type, sub.alpha_stages, alpha);
+        sub.position_offset = dice.Vector(3);
+        sub.scale = dice.Vector(3);
+        sub.colour = dice.Vector(1);
+        for (bool& mirror : sub.random_mirror) mirror = dice.OneIn(2);
+        sub.random_reverse_rotation = dice.OneIn(2);
+        const D3DXVECTOR3 start_axis = dice.Vector(1);
+        D3DXQuaternionRotationAxis(&sub.start_rotation, &start_axis, dice.Between(-3, 3));
+        MotionRandoms r;
+        dice.Randoms(r);
+        const double t = dice.Between(0, 2);
+        const float c = dice.Between(0, 1);
+
+        ExpectNear(EvaluateMotion(position[0].motion, t, c, r), StageAt(position[0], t, c, r), what + " stage");
+        ExpectNear(EvalPosition(sub, t, c, r), ToVec(sub.position_offset) + ChannelAt(position, 0, t, c, r), what);
+        const Vec mirror = {MirrorSign(sub.random_mirror[0], r[0]), MirrorSign(sub.random_mirror[1], r[1]),
+                            MirrorSign(sub.random_mirror[2], r[2])};
+        ExpectNear(EvalScale(sub, t, c, r), ToVec(sub.scale) * mirror * ChannelAt(scale, 1, t, c, r), what + " scale");
+        ExpectNear(EvalColor(sub, t, c, r), ToVec(sub.colour) * ChannelAt(colour, 1, t, c, r), what + " colour");
+        ExpectNear({EvalAlpha(sub, t, c, r), 0, 0}, {ChannelAt(alpha, 1, t, c, r).x, 0, 0}, what + " alpha");
+
+        const double sign = MirrorSign(sub.random_reverse_rotation, r[3]);
+        double angle = 0;
+        Vec probe = {0.3, -0.7, 0.5};   // turned by each rotation after the other
+        for (const Stage& stage : rotation) {
+            const Vec v = StageAt(stage, t, c, r);
+            const double length = Length(v);
+            angle += v.x;
+            if (length > 0) probe = Rotated(probe, v * Vec{1 / length, 1 / length, 1 / length}, length * sign);
+        }
+        ExpectNear({EvalRotationAngle(sub, t, c, r), 0, 0}, {angle * sign, 0, 0}, what + " angle");
+        D3DXMATRIX matrix;
+        D3DXVECTOR3 found, start(static_cast<float>(probe.x), static_cast<float>(probe.y), static_cast<float>(probe.z));
+        D3DXVECTOR3 expected;
+        D3DXVec3TransformNormal(&expected, &start, D3DXMatrixRotationQuaternion(&matrix, &sub.start_rotation));
+        const D3DXQUATERNION whole = EvalRotation(sub, t, c, r);
+        const D3DXVECTOR3 unturned(0.3f, -0.7f, 0.5f);
+        D3DXVec3TransformNormal(&found, &unturned, D3DXMatrixRotationQuaternion(&matrix, &whole));
+        EXPECT_NEAR(D3DXVec3Length(found - expected), 0, 3e-4) << what << " rotation";
+        if (HasFailure()) return;
     }
 }
 
-TEST(Motion, BezierGivesTheCurveWithoutTheScale) {
-    VisualEffectMotion stage = Stage(AnimationType::Bezier);
-    stage.curve.AddKey(1, {2, 3, 4});
-    stage.curve.AddKey(3, {6, -1, 8});
-    stage.curve.ComputeTangents(1);
-    ExpectNear(EvaluateMotion(stage, 2, 0, kRandoms), {4, 1, 6});   // two keys: a straight line
-    ExpectNear(EvaluateMotion(stage, 9, 0, kRandoms), {6, -1, 8});
-}
-
-TEST(Motion, StageTimeCombinesSpeedsOffsetsAndCountValue) {
-    VisualEffectMotion stage = Stage(AnimationType::Linear, {1, 1, 1});
-    stage.speed = 2;
-    stage.speed_count_offset = 3;
-    stage.local_speed = 0.5f;
-    stage.local_speed_count_offset = -0.25f;
-    stage.time_offset = 0.7f;
-    stage.time_count_offset = 1.1f;
-    const double u = (2 + 0.4 * 3) * ((0.5 - 0.4 * 0.25) * 1.7 + 0.7 + 0.4 * 1.1);
-    ExpectNear(EvaluateMotion(stage, 1.7, 0.4f, kRandoms), Vector(u, u, u));
-}
-
-TEST(Motion, StageTimeIsClamped) {
-    VisualEffectMotion stage = Stage(AnimationType::Linear, {7, 2, 3});
-    stage.time_minimum = -0.5f;
-    stage.time_maximum = 1;
-    ExpectNear(EvaluateMotion(stage, 4, 0, kRandoms), {7, 2, 3});
-    ExpectNear(EvaluateMotion(stage, -4, 0, kRandoms), {-3.5f, -1, -1.5f});
-}
-
-TEST(Motion, TimeFactorScalesByTheStageTimeOrTheRawTime) {
-    const std::tuple<TimeScale, bool, double, float> kRows[] = {
-        {{0, 1, 0}, true, 3, 1},          {{4, 0, 0}, true, 0.5, 4},   // stage time 1
-        {{4, 0, 0}, true, 0, 0},                                       // no division at time 0
-        {{4, 0, 0}, false, 0.5, 8},                                    // raw time
-        {{3, 2, 0.5f}, true, 1.5, 4.5f},                               // 3 / 3 + 2 + 0.5 * 3
-        {{3, 2, 0.5f}, true, -1.5, 0.5f},
-    };
-    for (const auto& [scale, uses_stage_time, t, factor] : kRows) {
-        VisualEffectMotion stage = Stage(AnimationType::Rand1);
-        stage.speed = 2;
-        stage.time_scale = scale;
-        stage.time_scale_uses_stage_time = uses_stage_time;
-        ExpectNear(EvaluateMotion(stage, t, 0, kRandoms), D3DXVECTOR3(0.4f, -0.6f, 1) * factor);
-    }
-}
-
-TEST(Motion, StageTransformTurnsAndMovesBeforeTheTimeFactor) {
-    VisualEffectMotion stage = Constant({2, 0, 3});
-    stage.time_scale = {0, 10, 0};
-    Prepare(stage, {0, 0, 4}, 90, {0.5f, 0.25f, -1});
-    ExpectNear(EvaluateMotion(stage, 1, 0, kRandoms), {5, 22.5f, 20});
-    Prepare(stage, {}, 0, {0, 0, 7});   // an offset alone is a transform
-    ExpectNear(EvaluateMotion(stage, 1, 0, kRandoms), {20, 0, 100});
-    Prepare(stage, {}, 60, {});   // without an axis the rotation matrix scales by the cosine
-    ExpectNear(EvaluateMotion(stage, 1, 0, kRandoms), {10, 0, 15});
-}
-
-TEST(Channels, FoldTheirStagesInOrder) {
-    SubEffect sub(SubEffectKind::Particle);
-    sub.position_offset = {0.5f, -0.5f, 0.25f};
-    Append(sub.position_stages, Constant({2, 3, 4}), ConcatType::Add);
-    Append(sub.position_stages, Constant({5, 6, 7}), ConcatType::Multiply);
-    Append(sub.position_stages, Constant({1, 1, 1}), ConcatType::Add);
-    ExpectNear(EvalPosition(sub, 2, 0, kRandoms), {11.5f, 18.5f, 29.25f});
-    Append(sub.position_stages, Constant({0, 0, 90}), ConcatType::Rotate);   // an axis as long as its degrees
-    ExpectNear(EvalPosition(sub, 2, 0, kRandoms), {-18.5f, 10.5f, 29.25f});
-    Append(sub.position_stages, Constant({0, 0, 0}), ConcatType::Rotate);
-    ExpectNear(EvalPosition(sub, 2, 0, kRandoms), {-18.5f, 10.5f, 29.25f});
-}
-
-TEST(Channels, WithoutStagesGiveTheSubEffectsOwnValues) {
+TEST(Motion, WithoutStagesIsTheSubEffectsOwn) {
     SubEffect sub(SubEffectKind::Particle);
     sub.position_offset = {3, 4, 5};
     sub.scale = {6, 7, 8};
     sub.colour = {0.2f, 0.3f, 0.4f};
     sub.start_rotation = {0.6f, 0, 0, 0.8f};
+    sub.random_reverse_rotation = true;
     EXPECT_EQ(EvalPosition(sub, 2, 0, kRandoms), D3DXVECTOR3(3, 4, 5));
     EXPECT_EQ(EvalScale(sub, 2, 0, kRandoms), D3DXVECTOR3(6, 7, 8));
     EXPECT_EQ(EvalColor(sub, 2, 0, kRandoms), D3DXVECTOR3(0.2f, 0.3f, 0.4f));
@@ -179,44 +300,12 @@ TEST(Channels, WithoutStagesGiveTheSubEffectsOwnValues) {
     EXPECT_EQ(EvalRotationAngle(sub, 2, 0, kRandoms), 0);
 }
 
-TEST(Channels, MultiplyStartsFromOneForScaleColourAndAlpha) {
-    SubEffect sub(SubEffectKind::Particle);
-    sub.scale = {2, 3, 4};
-    sub.colour = {0.5f, 0.25f, 2};
-    Append(sub.scale_stages, Constant({3, 5, 7}), ConcatType::Multiply);
-    Append(sub.colour_stages, Constant({0.1f, 0.2f, 0.3f}), ConcatType::Add);
-    Append(sub.alpha_stages, Constant({0.75f, 9, 9}), ConcatType::Multiply);
-    ExpectNear(EvalScale(sub, 2, 0, kRandoms), {6, 15, 28});
-    ExpectNear(EvalColor(sub, 2, 0, kRandoms), {0.55f, 0.3f, 2.6f});
-    EXPECT_FLOAT_EQ(EvalAlpha(sub, 2, 0, kRandoms), 0.75f);
-}
-
-TEST(Channels, MirrorTheScaleAtOddHundredths) {
+TEST(Motion, AScaleIsMirroredAtOddHundredths) {
     SubEffect sub(SubEffectKind::Particle);
     sub.scale = {2, 3, 4};
     sub.random_mirror[0] = sub.random_mirror[2] = true;
     EXPECT_EQ(EvalScale(sub, 1, 0, {0.015f, 0.015f, 0.025f, 0}), D3DXVECTOR3(-2, 3, 4));
     EXPECT_EQ(EvalScale(sub, 1, 0, {0.025f, 0, 0.995f, 0}), D3DXVECTOR3(2, 3, -4));
-}
-
-TEST(Channels, RotationMultipliesItsStagesThenTheStartRotation) {
-    SubEffect sub(SubEffectKind::Mesh);
-    const D3DXVECTOR3 first(0, 0, 0.7f), second(1.2f, 0, 0), start_axis(0, 1, 0);
-    Append(sub.rotation_stages, Constant(first), ConcatType::Rotate);
-    Append(sub.rotation_stages, Constant(second), ConcatType::Add);   // the type makes no difference
-    D3DXQuaternionRotationAxis(&sub.start_rotation, &start_axis, 0.4f);
-    for (const float sign : {1.0f, -1.0f}) {
-        sub.random_reverse_rotation = sign < 0;
-        D3DXQUATERNION expected, b;
-        D3DXQuaternionRotationAxis(&expected, &first, 0.7f * sign);
-        D3DXQuaternionRotationAxis(&b, &second, 1.2f * sign);
-        D3DXQuaternionMultiply(&expected, &expected, &b);
-        D3DXQuaternionMultiply(&expected, &expected, &sub.start_rotation);
-        const D3DXQUATERNION found = EvalRotation(sub, 1, 0, {0, 0, 0, 0.455f});
-        ExpectNear({found.x, found.y, found.z}, {expected.x, expected.y, expected.z});
-        EXPECT_NEAR(found.w, expected.w, 1e-5);
-        EXPECT_FLOAT_EQ(EvalRotationAngle(sub, 1, 0, {0, 0, 0, 0.455f}), 1.2f * sign);
-    }
 }
 
 TEST(Life, FollowsTheCountValue) {
@@ -250,72 +339,17 @@ TEST(Fade, RisesFallsAndEnds) {
     }
 }
 
-/// A sub-effect with every type of stage in every channel.
-void FillChannels(SubEffect& sub) {
-    int number = 0;
-    for (MotionChannel* channel :
-         {&sub.position_stages, &sub.rotation_stages, &sub.scale_stages, &sub.colour_stages, &sub.alpha_stages}) {
-        for (int type = 0; type <= 12; ++type, ++number) {
-            VisualEffectMotion stage = Stage(static_cast<AnimationType>(type), {0.3f + type, 1.7f, -0.9f});
-            stage.curve.AddKey(0, {0.2f, 0.5f, 1.25f});
-            stage.curve.AddKey(0.6f, {2, -0.5f, 0.75f});
-            stage.curve.AddKey(1.5f, {0.1f, 0.3f, 0.8f});
-            stage.curve.SetLoop(number % 2 == 0, 2);
-            stage.curve.ComputeTangents(1);
-            stage.speed_count_offset = 0.3f;
-            stage.time_count_offset = 0.1f * number;
-            if (number % 3 == 0) Prepare(stage, {0.4f, 1, -2}, 33, {0.1f, 0.2f, 0.3f});
-            if (number % 4 == 0) stage.time_scale = {0.2f, 0.9f, 0.1f};
-            Append(*channel, stage, static_cast<ConcatType>(number % 3));
-        }
+TEST(Motion, EveryArgumentHasAResult) {
+    Dice dice(3);
+    SubEffect sub(SubEffectKind::Particle);
+    for (int type = 0; type <= 13; ++type) {
+        const VisualEffectMotion motion = RandomStage(dice, static_cast<AnimationType>(type)).motion;
+        for (MotionChannel* channel : {&sub.position_stages, &sub.rotation_stages, &sub.scale_stages})
+            channel->Add(motion);
     }
     sub.fade_in = 0.3;
     sub.fade_out = 0.8;
     sub.life = 2;
-    sub.random_mirror[1] = sub.random_reverse_rotation = true;
-}
-
-TEST(MotionLanes, GiveTheBitsOfTheFunctionsForOneInstance) {
-    SubEffect sub(SubEffectKind::Particle);
-    FillChannels(sub);
-    std::mt19937 generator(7);
-    std::uniform_real_distribution<float> uniform(0, 1);
-    for (const int count : {1, 3, 8, 50, 127, 128}) {
-        MotionLanes in;
-        in.count = count;
-        for (int i = 0; i < count; ++i) {
-            in.t[i] = 2.5 * uniform(generator);
-            in.c[i] = uniform(generator);
-            for (auto& random : in.r) random[i] = uniform(generator);
-            in.life[i] = LifeForCount(sub, in.c[i]);
-        }
-        VectorLanes position, scale, colour;
-        QuaternionLanes rotation;
-        float angle[kLanes], alpha[kLanes], fade[kLanes];
-        EvalPosition(sub, in, position);
-        EvalScale(sub, in, scale);
-        EvalColor(sub, in, colour);
-        EvalRotations(sub, in, rotation, angle);
-        EvalAlpha(sub, in, alpha);
-        FadeFactor(sub, in, fade);
-        for (int i = 0; i < count; ++i) {
-            const MotionRandoms r = {in.r[0][i], in.r[1][i], in.r[2][i], in.r[3][i]};
-            const auto at = [i](const VectorLanes& v) { return D3DXVECTOR3(v.x[i], v.y[i], v.z[i]); };
-            EXPECT_EQ(at(position), EvalPosition(sub, in.t[i], in.c[i], r));
-            EXPECT_EQ(at(scale), EvalScale(sub, in.t[i], in.c[i], r));
-            EXPECT_EQ(at(colour), EvalColor(sub, in.t[i], in.c[i], r));
-            EXPECT_EQ((D3DXQUATERNION{rotation.x[i], rotation.y[i], rotation.z[i], rotation.w[i]}),
-                      EvalRotation(sub, in.t[i], in.c[i], r));
-            EXPECT_EQ(angle[i], EvalRotationAngle(sub, in.t[i], in.c[i], r));
-            EXPECT_EQ(alpha[i], EvalAlpha(sub, in.t[i], in.c[i], r));
-            EXPECT_EQ(fade[i], FadeFactor(sub, in.t[i], in.c[i]));
-        }
-    }
-}
-
-TEST(Motion, EveryArgumentHasAResult) {
-    SubEffect sub(SubEffectKind::Particle);
-    FillChannels(sub);
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     for (const double t : {kInfinity, -kInfinity, std::nan(""), 1e300, -1e-300}) {
         for (const float c : {std::nanf(""), 1e38f, -2.5f}) {

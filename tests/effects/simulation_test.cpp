@@ -34,14 +34,15 @@ class Simulation : public testing::Test {
     void Step(int frames, float seconds) {
         for (int i = 0; i < frames; ++i) simulation.Update(seconds);
     }
-    const VisualEffectObject& At(int id) const { return *simulation.Live().Get(id); }
-    int Count() const { return simulation.Live().GetCount(); }
+    VisualEffectObject At(int id) const { return GetInstance(simulation.Instances(), id); }
+    int Count() const { return simulation.Instances().Count(); }
     /// field(object) of every live instance of a sub-effect, in ascending order of ids.
     template <class FieldOf>
     std::vector<float> Of(const SubEffect& sub, FieldOf field) const {
         std::vector<float> values;
-        for (int i = 0; i < Count(); ++i) {
-            const VisualEffectObject& object = *simulation.Live().GetAt(i);
+        for (int id = 0; id < simulation.Instances().IdEnd(); ++id) {
+            if (!simulation.Instances().IsLive(id)) continue;
+            const VisualEffectObject object = At(id);
             if (object.sub_effect == &sub) values.push_back(static_cast<float>(field(object)));
         }
         return values;
@@ -356,7 +357,7 @@ TEST_F(Simulation, AnEffectThatEmitsItselfEnds) {
         EmitInto(sub, *sub.owner, per_time, false);
         reports.Clear();
         own_simulation.StartEffect(*sub.owner, {});
-        EXPECT_EQ(own_simulation.Live().GetCount(), instances) << what;
+        EXPECT_EQ(own_simulation.Instances().Count(), instances) << what;
         EXPECT_THAT(reports.All(), ElementsAre(EndsWith(what)));
     }
 }
