@@ -4,7 +4,7 @@
 #include "app/overlay.h"
 #include "app/tester_commands.h"
 #include "base/random.h"
-#include "gfx/with_restore.h"
+#include "gfx/device/with_restore.h"
 #include "platform/d3d9_gl/device_hooks.h"
 
 namespace sparkrig {

@@ -25,7 +25,7 @@ struct LineIndex {
     int LineOfOffset(int offset) const;
 
   private:
-    bool Add(std::size_t start, std::size_t end);
+    Fault Add(std::size_t start, std::size_t end);
 };
 
 }   // namespace sparkrig

@@ -1,4 +1,5 @@
-// An effects file: loaded, its effects started and simulated for ten seconds, loaded again under running instances.
+// An effects file: checked, loaded, its effects started and simulated for ten seconds, loaded again under running
+// instances.
 #include <cstdint>
 
 #include "base/random.h"
@@ -15,6 +16,12 @@ constexpr float kStepSeconds = 0.25f;
 constexpr EffectLimits kLimits = {.live_instances = 600, .starts = 600, .nesting = 8};
 
 struct FuzzReporter : ErrorClass {};
+
+/// Reports and throws nothing, whatever is wrong.
+void Check(const char* file) {
+    EffectDefinitions definitions;
+    CheckEffectsFile(file, FuzzReporter(), definitions);
+}
 
 void Play(const char* file) {
     FuzzReporter reporter;
@@ -43,6 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         static const sparkrig::InputFile file;
         file.Put(data, size);
+        sparkrig::Check(file.Name());
         sparkrig::Play(file.Name());
     } catch (const sparkrig::ErrorMsg&) {
     }

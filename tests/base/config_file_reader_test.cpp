@@ -333,29 +333,6 @@ TEST_F(ConfigFileReaderTest, ReportsOfOthersNameTheKeysLine) {
                                            "warning Undefined: texture @e.cfg:7"));
 }
 
-// Long scopes are searched by an index: the answers are those of a walk through the lines.
-TEST_F(ConfigFileReaderTest, FindsKeysInVeryLongBlocks) {
-    std::string content = "#\ndesc=\"d\"\n";
-    for (int i = 0; i < 20000; ++i) {
-        content += "child" + std::to_string(i) + " \"c" + std::to_string(i) + "\"\n";
-        if (i % 10 == 0) content += "SUB {\nname = \"deep" + std::to_string(i) + "\"\n}\n";
-        if (i % 1000 == 999) content += "name = \"flat" + std::to_string(i) + "\"\n";
-    }
-    Load(content + "#\ndesc=\"e\"\nname = \"other\"\n");
-    reader_.SelectBlock(0);
-    for (int i = 0; i < 20000; ++i) ASSERT_EQ(Text("child", -1, i), "c" + std::to_string(i));
-    EXPECT_EQ(Text("child", -1, 20000), "code 1");
-    EXPECT_EQ(Text("name"), "flat999");
-    for (int i = 0; i < 2000; ++i) {
-        ASSERT_EQ(Next(), "SUB");
-        reader_.EnterBlock();
-        ASSERT_EQ(Text("name"), "deep" + std::to_string(i * 10));
-        reader_.ExitBlock();
-    }
-    EXPECT_EQ(Text("name"), "flat19999");
-    EXPECT_EQ(Text("child", -1, 3), "code 1");   // above the cursor
-}
-
 TEST_F(ConfigFileReaderTest, SurvivesDeepNesting) {
     std::string content = "#\ndesc=\"d\"\n";
     for (int i = 0; i < 200000; ++i) content += "A {\n";

@@ -76,6 +76,15 @@ TEST_F(EffectsFile, AnEntryHasItsOwnKeys) {
     EXPECT_STREQ(effect.children.GetAt(1)->c_str(), "b");
 }
 
+TEST_F(EffectsFile, ChildrenMayBeManyAndStandInAnyOrder) {
+    std::string lines = " child5 = \"the first counts\"\n";
+    for (int i = 20000; i > 0; --i) lines += " child" + std::to_string(i) + " = \"c" + std::to_string(i) + "\"\n";
+    const VisualEffect& effect = LoadEffect(lines + " child05 = \"no number\"\n");
+    ASSERT_EQ(effect.children.GetCount(), 20000);
+    EXPECT_STREQ(effect.children.GetAt(19998)->c_str(), "c19999");
+    EXPECT_STREQ(effect.children.GetAt(4)->c_str(), "the first counts");
+}
+
 TEST_F(EffectsFile, KeysFillTheFieldsOfASubEffectOrLeaveTheirDefaults) {
     using Sub = const ParticleEffect&;
     // clang-format off
