@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/d3d9_gl/capabilities.h"
-#include "platform/d3d9_gl/present_parameters.h"
+#include "platform/d3d9/present_parameters.h"
 
 namespace sparkrig {
 

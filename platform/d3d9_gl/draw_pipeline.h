@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/d3d9_gl/device_state.h"
+#include "platform/d3d9/device_state.h"
 #include "platform/d3d9_gl/dirty.h"
 #include "platform/d3d9_gl/gl_state.h"
 #include "platform/d3d9_gl/program_cache.h"

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "platform/d3d9_gl/device_state.h"
+#include "platform/d3d9/device_state.h"
 #include "platform/d3d9_gl/uniform_blocks.h"
 
 namespace sparkrig {

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/d3d9_gl/device_state.h"
+#include "platform/d3d9/device_state.h"
 
 namespace sparkrig {
 

@@ -2,7 +2,7 @@
 #pragma once
 #include <array>
 
-#include "platform/d3d9_gl/device_state.h"
+#include "platform/d3d9/device_state.h"
 #include "platform/d3d9_gl/formats.h"
 
 namespace sparkrig {

@@ -1,4 +1,4 @@
-#include "platform/d3d9_gl/device_state.h"
+#include "platform/d3d9/device_state.h"
 
 #include "platform/d3d9_gl/dirty.h"
 
