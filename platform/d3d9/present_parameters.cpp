@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/d3d9_gl/display_modes.h"
-#include "platform/d3d9_gl/formats.h"
+#include "platform/d3d9/pixel_format.h"
 #include "platform/system/result_codes.h"
 
 namespace sparkrig {
@@ -33,14 +32,16 @@ HRESULT CheckCommon(const D3DPRESENT_PARAMETERS& parameters) {
     if (parameters.MultiSampleType != D3DMULTISAMPLE_NONE) {   // of the back buffer; render targets can have it
         return parameters.SwapEffect == D3DSWAPEFFECT_DISCARD ? D3DERR_NOTAVAILABLE : D3DERR_INVALIDCALL;
     }
-    const FormatInfo* format = FindFormat(parameters.BackBufferFormat);
-    if (format == nullptr || (format->roles & kRoleTarget) == 0) return D3DERR_NOTAVAILABLE;
+    const auto has_role = [](D3DFORMAT format, FormatRole role) {
+        const PixelFormat* found = FindPixelFormat(format);
+        return found != nullptr && (found->roles & role) != 0;
+    };
+    if (!has_role(parameters.BackBufferFormat, kRoleTarget)) return D3DERR_NOTAVAILABLE;
     const bool depth = parameters.EnableAutoDepthStencil != FALSE;
-    return depth && !IsDepthFormat(parameters.AutoDepthStencilFormat) ? D3DERR_NOTAVAILABLE : D3D_OK;
+    return depth && !has_role(parameters.AutoDepthStencilFormat, kRoleDepth) ? D3DERR_NOTAVAILABLE : D3D_OK;
 }
 
-bool IsMode(const D3DPRESENT_PARAMETERS& parameters) {
-    const auto modes = DisplayModes(parameters.BackBufferFormat);
+bool IsMode(const D3DPRESENT_PARAMETERS& parameters, std::span<const D3DDISPLAYMODE> modes) {
     const UINT refresh = parameters.FullScreen_RefreshRateInHz;
     return std::any_of(modes.begin(), modes.end(), [&](const D3DDISPLAYMODE& mode) {
         return mode.Width == parameters.BackBufferWidth && mode.Height == parameters.BackBufferHeight &&
@@ -50,11 +51,12 @@ bool IsMode(const D3DPRESENT_PARAMETERS& parameters) {
 
 }   // namespace
 
-HRESULT CompleteParameters(const RECT& client_area, D3DPRESENT_PARAMETERS& parameters) {
+HRESULT CompleteParameters(const RECT& client_area, std::span<const D3DDISPLAYMODE> modes,
+                           D3DPRESENT_PARAMETERS& parameters) {
     parameters.BackBufferCount = std::max(parameters.BackBufferCount, 1u);
     if (!parameters.Windowed) {
         if (const HRESULT result = CheckCommon(parameters); FAILED(result)) return result;
-        return IsMode(parameters) ? D3D_OK : D3DERR_INVALIDCALL;
+        return IsMode(parameters, modes) ? D3D_OK : D3DERR_INVALIDCALL;
     }
     if (parameters.FullScreen_RefreshRateInHz != 0) return D3DERR_INVALIDCALL;
     if (parameters.BackBufferFormat == D3DFMT_UNKNOWN) parameters.BackBufferFormat = D3DFMT_X8R8G8B8;

@@ -18,8 +18,8 @@ BufferMemory::~BufferMemory() {
 }
 
 HRESULT BufferMemory::Lock(UINT offset, UINT size, void** data, DWORD flags) {
-    if (data == nullptr || offset > bytes_.size()) return D3DERR_INVALIDCALL;
-    if (size > bytes_.size() - offset) return D3DERR_INVALIDCALL;
+    if (data == nullptr) return D3DERR_INVALIDCALL;
+    if (const HRESULT result = CheckBufferLock(bytes_.size(), offset, size); FAILED(result)) return result;
     *data = bytes_.data() + offset;
     ++locks_;
     if ((flags & D3DLOCK_READONLY) == 0) {

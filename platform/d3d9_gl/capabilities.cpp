@@ -1,6 +1,5 @@
 #include "platform/d3d9_gl/capabilities.h"
 
-#include "platform/d3d9_gl/formats.h"
 #include "platform/d3d9_gl/uniform_blocks.h"
 
 namespace sparkrig {
@@ -27,14 +26,6 @@ D3DCAPS9 DeviceCaps(const GlLimits& limits) {
     caps.NumSimultaneousRTs = 1;
     caps.MaxPointSize = kMaxPointSize;
     return caps;
-}
-
-bool SupportsFormat(const GlLimits& limits, DWORD usage, D3DFORMAT format) {
-    const FormatInfo* info = FindFormat(format);
-    if (info == nullptr || (info->blocks && !limits.compressed_textures)) return false;
-    if ((usage & D3DUSAGE_DEPTHSTENCIL) != 0) return (info->roles & kRoleDepth) != 0;
-    if ((usage & D3DUSAGE_RENDERTARGET) != 0) return (info->roles & kRoleTarget) != 0;
-    return (info->roles & kRoleTexture) != 0;
 }
 
 }   // namespace sparkrig

@@ -7,7 +7,4 @@ namespace sparkrig {
 
 D3DCAPS9 DeviceCaps(const GlLimits& limits);
 
-/// Whether a texture or surface of this format can be made for a usage (0, RENDERTARGET, DEPTHSTENCIL).
-bool SupportsFormat(const GlLimits& limits, DWORD usage, D3DFORMAT format);
-
 }   // namespace sparkrig

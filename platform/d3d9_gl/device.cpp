@@ -4,19 +4,26 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/d3d9_gl/capabilities.h"
 #include "platform/d3d9/present_parameters.h"
+#include "platform/d3d9_gl/capabilities.h"
+#include "platform/d3d9_gl/display_modes.h"
 
 namespace sparkrig {
+
+namespace {
+
+HRESULT Complete(const RECT& client_area, D3DPRESENT_PARAMETERS& parameters) {
+    return CompleteParameters(client_area, DisplayModes(parameters.BackBufferFormat), parameters);
+}
+
+}   // namespace
 
 HRESULT Device::Create(const PresentWindow& window, DWORD behaviour, const D3DPRESENT_PARAMETERS& parameters,
                        Device** device) {
     *device = nullptr;
-    constexpr DWORD kProcessing =
-        D3DCREATE_SOFTWARE_VERTEXPROCESSING | D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_MIXED_VERTEXPROCESSING;
-    if (!std::has_single_bit(behaviour & kProcessing)) return D3DERR_INVALIDCALL;
+    if (!ValidBehaviour(behaviour)) return D3DERR_INVALIDCALL;
     D3DPRESENT_PARAMETERS complete = parameters;
-    if (const HRESULT result = CompleteParameters(window.client_area(), complete); FAILED(result)) return result;
+    if (const HRESULT result = Complete(window.client_area(), complete); FAILED(result)) return result;
     if (complete.BackBufferWidth == 0 || complete.BackBufferHeight == 0) return D3DERR_INVALIDCALL;
 
     std::shared_ptr<GlContext> context = GlContext::Create(window.native);
@@ -77,7 +84,6 @@ void Device::StartAnew() {
     state_ = DeviceState(parameters_.EnableAutoDepthStencil != FALSE);
     bound_ = {};
     bindings_ = {};
-    in_scene_ = false;
     pipeline_.MarkAll();
     UseTarget(back_buffer_.Get());
 }
@@ -101,11 +107,7 @@ void Device::NoticeMinimised() {
 
 HRESULT Device::TestCooperativeLevel() {
     NoticeMinimised();
-    switch (life_) {
-        case DeviceLife::Lost: return D3DERR_DEVICELOST;
-        case DeviceLife::NotReset: return D3DERR_DEVICENOTRESET;
-        default: return D3D_OK;
-    }
+    return CooperativeLevel(life_);
 }
 
 HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
@@ -115,11 +117,11 @@ HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
     life_ = DeviceLife::NotReset;   // until all has gone well
     bound_ = {};
     bindings_ = {};
-    in_scene_ = false;
+    state_.in_scene = false;
     if (DefaultPoolHeld()) return D3DERR_INVALIDCALL;
 
     D3DPRESENT_PARAMETERS complete = *parameters;
-    if (const HRESULT result = CompleteParameters(presenter_.ClientArea(), complete); FAILED(result)) return result;
+    if (const HRESULT result = Complete(presenter_.ClientArea(), complete); FAILED(result)) return result;
     complete.BackBufferWidth = std::max(complete.BackBufferWidth, 1u);   // of a window that is minimised
     complete.BackBufferHeight = std::max(complete.BackBufferHeight, 1u);
     fitting_depths_.clear();
@@ -128,9 +130,9 @@ HRESULT Device::Reset(D3DPRESENT_PARAMETERS* parameters) {
 
 HRESULT Device::Present(const RECT* source, const RECT* destination, HWND window, const void* region) {
     NoticeMinimised();
-    if (life_ != DeviceLife::Operational || !context_->Activate()) return D3DERR_DEVICELOST;
+    if (!context_->Activate()) return D3DERR_DEVICELOST;
     const bool whole = source == nullptr && destination == nullptr && window == nullptr && region == nullptr;
-    if (in_scene_ || !whole) return D3DERR_INVALIDCALL;
+    if (const HRESULT result = CheckPresent(life_, state_.in_scene, whole); FAILED(result)) return result;
     if (!blind_ && presenter_.Present(*back_buffer_, !parameters_.Windowed)) pipeline_.ForgetGl();
     ++context_->frame;
     return D3D_OK;
@@ -147,21 +149,10 @@ void Device::SetGammaRamp(UINT swap_chain, DWORD /*flags*/, const D3DGAMMARAMP* 
 }
 
 HRESULT Device::SetSoftwareVertexProcessing(BOOL software) {
-    if ((behaviour_ & D3DCREATE_MIXED_VERTEXPROCESSING) != 0) return D3D_OK;   // both run the same programs
-    const bool is_software = (behaviour_ & D3DCREATE_SOFTWARE_VERTEXPROCESSING) != 0;
-    return (software != FALSE) == is_software ? D3D_OK : D3DERR_INVALIDCALL;
+    return CheckSoftwareProcessing(behaviour_, software);   // both run the same programs
 }
 
-HRESULT Device::BeginScene() {
-    if (in_scene_) return D3DERR_INVALIDCALL;
-    in_scene_ = true;
-    return D3D_OK;
-}
-
-HRESULT Device::EndScene() {
-    if (!in_scene_) return D3DERR_INVALIDCALL;
-    in_scene_ = false;
-    return D3D_OK;
-}
+HRESULT Device::BeginScene() { return ResultOf(state_.SetInScene(true)); }
+HRESULT Device::EndScene() { return ResultOf(state_.SetInScene(false)); }
 
 }   // namespace sparkrig

@@ -9,12 +9,6 @@
 
 namespace sparkrig {
 
-enum class DeviceLife {
-    Operational,
-    Lost,       // and the cause is still there
-    NotReset,   // can be reset
-};
-
 struct PointVertices;
 template <class Interface>
 class ShaderObject;
@@ -118,6 +112,12 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     Device(std::shared_ptr<GlContext> context, const PresentWindow& window, DWORD behaviour);
     ~Device() override;
 
+    /// Marks what a change of a state has to send.
+    HRESULT Mark(Kept kept, unsigned groups) {
+        if (kept == Kept::Changed) pipeline_.Mark(groups);
+        return ResultOf(kept);
+    }
+
     // Life (device.cpp)
     HRESULT ApplyParameters(D3DPRESENT_PARAMETERS parameters);
     bool CreateSwapChain();
@@ -135,10 +135,9 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     void ClearArea(const GlRect& area, DWORD flags, D3DCOLOR colour, float z, DWORD stencil);
 
     // Drawing (device_draw.cpp)
-    HRESULT CheckDraw(D3DPRIMITIVETYPE type, UINT count) const;
+    StreamView Stream() const;
+    IndexView Indices() const;
     bool DrawnAsPoints(D3DPRIMITIVETYPE type) const;
-    /// Vertices first to first + count - 1 of the stream lie in its buffer.
-    bool InStream(std::int64_t first, std::size_t count) const;
     const std::byte* VertexBytes(std::size_t vertex) const;
     /// Binds the stream so that vertex `first` has the returned number; the format's array is bound.
     GLint PlaceVertices(std::size_t first, std::size_t count);
@@ -153,7 +152,6 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     DeviceLife life_ = DeviceLife::Operational;
     bool blind_ = false;   // draws, clears and presents nothing
     bool lost_by_minimising_ = false;
-    bool in_scene_ = false;
 
     DeviceState state_;
     Bound bound_;

@@ -33,33 +33,23 @@ constexpr std::size_t kCorners = 4, kIndicesPerPoint = 6;
 
 constexpr GLenum kModes[] = {0, GL_POINTS, GL_LINES, GL_LINE_STRIP, GL_TRIANGLES, GL_TRIANGLE_STRIP, GL_TRIANGLE_FAN};
 
-std::size_t VertexCount(D3DPRIMITIVETYPE type, UINT primitives) {
-    constexpr struct {
-        std::size_t factor, more;
-    } kVertices[] = {{0, 0}, {1, 0}, {2, 0}, {1, 1}, {3, 0}, {1, 2}, {1, 2}};
-    return primitives * kVertices[type].factor + kVertices[type].more;
-}
-
 }   // namespace
 
-HRESULT Device::CheckDraw(D3DPRIMITIVETYPE type, UINT count) const {
-    if (type < D3DPT_POINTLIST || type > D3DPT_TRIANGLEFAN || count == 0) return D3DERR_INVALIDCALL;
-    if (!in_scene_ || !bound_.vertices || state_.format.fvf == 0) return D3DERR_INVALIDCALL;
-    if (bound_.vertices->Memory().Locked() || bound_.stream_stride < state_.format.stride) return D3DERR_INVALIDCALL;
-    return D3D_OK;
+StreamView Device::Stream() const {
+    if (!bound_.vertices) return {};
+    BufferMemory& memory = bound_.vertices->Memory();
+    return {true, memory.Locked(), memory.Size(), bound_.stream_offset, bound_.stream_stride};
+}
+
+IndexView Device::Indices() const {
+    if (!bound_.indices) return {};
+    BufferMemory& memory = bound_.indices->Memory();
+    return {true, memory.Locked(), memory.Size(), bound_.indices->ElementBytes()};
 }
 
 bool Device::DrawnAsPoints(D3DPRIMITIVETYPE type) const {
     if (type == D3DPT_POINTLIST) return true;
     return type >= D3DPT_TRIANGLELIST && state_.render[D3DRS_FILLMODE] == D3DFILL_POINT;
-}
-
-bool Device::InStream(std::int64_t first, std::size_t count) const {
-    const std::size_t size = bound_.vertices->Memory().Size();
-    if (first < 0 || count == 0 || bound_.stream_offset > size) return false;
-    const std::uint64_t last = static_cast<std::uint64_t>(first) + count - 1;
-    const std::uint64_t room = size - bound_.stream_offset;
-    return room >= state_.format.stride && last <= (room - state_.format.stride) / bound_.stream_stride;
 }
 
 const std::byte* Device::VertexBytes(std::size_t vertex) const {
@@ -77,10 +67,9 @@ GLint Device::PlaceVertices(std::size_t first, std::size_t count) {
 
 HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT count) {
     if (life_ != DeviceLife::Operational) return D3D_OK;
-    if (const HRESULT result = CheckDraw(type, count); FAILED(result)) return result;
+    const HRESULT result = CheckDraw(state_, Stream(), type, first_vertex, count);
+    if (FAILED(result) || blind_ || !context_->Activate()) return result;
     const std::size_t vertices = VertexCount(type, count);
-    if (!InStream(first_vertex, vertices)) return D3DERR_INVALIDCALL;
-    if (blind_ || !context_->Activate()) return D3D_OK;
     const bool points = DrawnAsPoints(type);
     if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
     if (points) {
@@ -96,15 +85,12 @@ HRESULT Device::DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT cou
 HRESULT Device::DrawIndexedPrimitive(D3DPRIMITIVETYPE type, INT base_vertex, UINT min_index, UINT vertices,
                                      UINT first_index, UINT count) {
     if (life_ != DeviceLife::Operational) return D3D_OK;
-    if (const HRESULT result = CheckDraw(type, count); FAILED(result)) return result;
-    if (type == D3DPT_POINTLIST || !bound_.indices || bound_.indices->Memory().Locked()) return D3DERR_INVALIDCALL;
-    BufferMemory& indices = bound_.indices->Memory();
-    const std::size_t index_bytes = bound_.indices->ElementBytes();
-    const std::size_t index_count = VertexCount(type, count), there = indices.Size() / index_bytes;
-    if (first_index > there || index_count > there - first_index) return D3DERR_INVALIDCALL;
     const std::int64_t first_vertex = std::int64_t{base_vertex} + min_index;
-    if (!InStream(first_vertex, vertices)) return D3DERR_INVALIDCALL;
-    if (blind_ || !context_->Activate()) return D3D_OK;
+    const HRESULT result =
+        CheckIndexedDraw(state_, Stream(), Indices(), type, first_vertex, vertices, first_index, count);
+    if (FAILED(result) || blind_ || !context_->Activate()) return result;
+    BufferMemory& indices = bound_.indices->Memory();
+    const std::size_t index_bytes = bound_.indices->ElementBytes(), index_count = VertexCount(type, count);
     const bool points = DrawnAsPoints(type);
     if (!pipeline_.Prepare(state_, bindings_, points)) return D3DERR_DRIVERINTERNALERROR;
     const std::size_t first_byte = first_index * index_bytes;

@@ -1,12 +1,9 @@
 // States and bindings: each call is checked, kept, and marks what the next draw has to send.
-
 #include "platform/d3d9_gl/device.h"
 
 namespace sparkrig {
 
 namespace {
-
-constexpr D3DLIGHT9 kDefaultLight = {D3DLIGHT_DIRECTIONAL, {1, 1, 1, 0}, {}, {}, {}, {0, 0, 1}, 0, 0, 0, 0, 0, 0, 0};
 
 // Hands out a bound object with a reference for the caller.
 template <class Object, class Interface>
@@ -30,125 +27,53 @@ HRESULT KeepGlobals(const void* data, UINT bytes, std::vector<std::byte>& global
 HRESULT Device::SetViewport(const D3DVIEWPORT9* viewport) {
     if (viewport == nullptr) return D3DERR_INVALIDCALL;
     if (life_ != DeviceLife::Operational) return D3D_OK;
-    const D3DSURFACE_DESC& target = bindings_.target->Desc();
-    const bool inside = viewport->Width > 0 && viewport->Height > 0 && viewport->Width <= target.Width &&
-                        viewport->Height <= target.Height && viewport->X <= target.Width - viewport->Width &&
-                        viewport->Y <= target.Height - viewport->Height;
-    if (!inside) return D3DERR_INVALIDCALL;
-    state_.viewport = *viewport;
-    pipeline_.Mark(kDirtyTarget);
-    return D3D_OK;
+    return Mark(state_.SetViewport(viewport, bindings_.target->Desc()), kDirtyTarget);
 }
-
-HRESULT Device::GetViewport(D3DVIEWPORT9* viewport) {
-    if (viewport == nullptr) return D3DERR_INVALIDCALL;
-    *viewport = state_.viewport;
-    return D3D_OK;
-}
+HRESULT Device::GetViewport(D3DVIEWPORT9* viewport) { return state_.GetViewport(viewport); }
 
 HRESULT Device::SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix) {
-    D3DMATRIX* kept = FindTransform(state_, type);
-    if (kept == nullptr || matrix == nullptr) return D3DERR_INVALIDCALL;
-    if (*kept == *matrix) return D3D_OK;
-    *kept = *matrix;
-    pipeline_.Mark(TransformGroups(type));
-    return D3D_OK;
+    return Mark(state_.SetTransform(type, matrix), TransformGroups(type));
 }
-
 HRESULT Device::GetTransform(D3DTRANSFORMSTATETYPE type, D3DMATRIX* matrix) {
-    const D3DMATRIX* kept = FindTransform(state_, type);
-    if (kept == nullptr || matrix == nullptr) return D3DERR_INVALIDCALL;
-    *matrix = *kept;
-    return D3D_OK;
+    return state_.GetTransform(type, matrix);
 }
 
-HRESULT Device::SetMaterial(const D3DMATERIAL9* material) {
-    if (material == nullptr) return D3DERR_INVALIDCALL;
-    if (state_.material == *material) return D3D_OK;
-    state_.material = *material;
-    pipeline_.Mark(kDirtyLighting);
-    return D3D_OK;
-}
-
-HRESULT Device::GetMaterial(D3DMATERIAL9* material) {
-    if (material == nullptr) return D3DERR_INVALIDCALL;
-    *material = state_.material;
-    return D3D_OK;
-}
+HRESULT Device::SetMaterial(const D3DMATERIAL9* material) { return Mark(state_.SetMaterial(material), kDirtyLighting); }
+HRESULT Device::GetMaterial(D3DMATERIAL9* material) { return state_.GetMaterial(material); }
 
 HRESULT Device::SetLight(DWORD index, const D3DLIGHT9* light) {
-    if (light == nullptr || light->Type < D3DLIGHT_POINT || light->Type > D3DLIGHT_DIRECTIONAL) {
-        return D3DERR_INVALIDCALL;
-    }
-    D3DLIGHT9& kept = state_.lights[index].light;
-    if (kept == *light) return D3D_OK;
-    kept = *light;
-    pipeline_.Mark(kDirtyLighting);
-    return D3D_OK;
+    return Mark(state_.SetLight(index, light), kDirtyLighting);
 }
-
-HRESULT Device::GetLight(DWORD index, D3DLIGHT9* light) {
-    const auto found = state_.lights.find(index);
-    if (light == nullptr || found == state_.lights.end()) return D3DERR_INVALIDCALL;
-    *light = found->second.light;
-    return D3D_OK;
-}
+HRESULT Device::GetLight(DWORD index, D3DLIGHT9* light) { return state_.GetLight(index, light); }
 
 HRESULT Device::LightEnable(DWORD index, BOOL enable) {
-    state_.lights.try_emplace(index, LightSlot{kDefaultLight, false}).first->second.enabled = enable != FALSE;
-    pipeline_.Mark(kDirtyLighting);
-    return D3D_OK;
+    return Mark(state_.LightEnable(index, enable), kDirtyLighting);
 }
-
-HRESULT Device::GetLightEnable(DWORD index, BOOL* enable) {
-    const auto found = state_.lights.find(index);
-    if (enable == nullptr || found == state_.lights.end()) return D3DERR_INVALIDCALL;
-    *enable = found->second.enabled ? TRUE : FALSE;
-    return D3D_OK;
-}
+HRESULT Device::GetLightEnable(DWORD index, BOOL* enable) { return state_.GetLightEnable(index, enable); }
 
 HRESULT Device::SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
-    if (state >= kRenderStateCount) return D3DERR_INVALIDCALL;
-    if (state_.render[state] == value) return D3D_OK;
-    state_.render[state] = value;
-    pipeline_.Mark(RenderStateGroups(state));
-    return D3D_OK;
+    const Kept kept = state_.SetRenderState(state, value);
+    if (kept == Kept::Changed) pipeline_.Mark(RenderStateGroups(state));
+    return ResultOf(kept);
 }
-
-HRESULT Device::GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) {
-    if (state >= kRenderStateCount || value == nullptr) return D3DERR_INVALIDCALL;
-    *value = state_.render[state];
-    return D3D_OK;
-}
+HRESULT Device::GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) { return state_.GetRenderState(state, value); }
 
 HRESULT Device::SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD value) {
-    if (stage >= kTextureStages || !ValidStageState(state)) return D3DERR_INVALIDCALL;
-    if (state_.stages[stage][state] == value) return D3D_OK;
-    state_.stages[stage][state] = value;
-    pipeline_.Mark(StageStateGroups(state));
-    return D3D_OK;
+    const Kept kept = state_.SetTextureStageState(stage, state, value);
+    if (kept == Kept::Changed) pipeline_.Mark(StageStateGroups(state));
+    return ResultOf(kept);
 }
-
 HRESULT Device::GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD* value) {
-    if (stage >= kTextureStages || !ValidStageState(state) || value == nullptr) return D3DERR_INVALIDCALL;
-    *value = state_.stages[stage][state];
-    return D3D_OK;
+    return state_.GetTextureStageState(stage, state, value);
 }
 
 HRESULT Device::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD value) {
-    if (sampler >= kSamplers || !ValidSamplerState(state, value)) return D3DERR_INVALIDCALL;
-    if (state_.samplers[sampler][state] == value) return D3D_OK;
-    state_.samplers[sampler][state] = value;
-    pipeline_.MarkSampler(sampler);
-    return D3D_OK;
+    const Kept kept = state_.SetSamplerState(sampler, state, value);
+    if (kept == Kept::Changed) pipeline_.MarkSampler(sampler);
+    return ResultOf(kept);
 }
-
 HRESULT Device::GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD* value) {
-    if (sampler >= kSamplers || state == 0 || state >= kSamplerStateCount || value == nullptr) {
-        return D3DERR_INVALIDCALL;
-    }
-    *value = state_.samplers[sampler][state];
-    return D3D_OK;
+    return state_.GetSamplerState(sampler, state, value);
 }
 
 HRESULT Device::SetTexture(DWORD sampler, IDirect3DTexture9* interface) {
@@ -204,20 +129,8 @@ HRESULT Device::SetPixelShaderGlobals(const void* data, UINT bytes) {
     return KeepGlobals(data, bytes, bindings_.pixel_globals);
 }
 
-HRESULT Device::SetFVF(DWORD fvf) {
-    if (fvf == state_.format.fvf && fvf != 0) return D3D_OK;
-    VertexFormat format;
-    if (!ParseVertexFormat(fvf, format)) return D3DERR_INVALIDCALL;
-    state_.format = format;
-    pipeline_.Mark(kDirtyProgram);
-    return D3D_OK;
-}
-
-HRESULT Device::GetFVF(DWORD* fvf) {
-    if (fvf == nullptr) return D3DERR_INVALIDCALL;
-    *fvf = state_.format.fvf;
-    return D3D_OK;
-}
+HRESULT Device::SetFVF(DWORD fvf) { return Mark(state_.SetFVF(fvf), kDirtyProgram); }
+HRESULT Device::GetFVF(DWORD* fvf) { return state_.GetFVF(fvf); }
 
 HRESULT Device::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset, UINT stride) {
     if (stream != 0) return D3DERR_INVALIDCALL;

@@ -1,6 +1,5 @@
 // Render targets, clearing, and copies between surfaces.
 #include <algorithm>
-#include <cstring>
 
 #include "platform/d3d9_gl/device.h"
 
@@ -11,28 +10,8 @@ namespace {
 Surface* AsSurface(IDirect3DSurface9* surface) { return static_cast<Surface*>(surface); }
 Texture* AsTexture(IDirect3DTexture9* texture) { return static_cast<Texture*>(texture); }
 
-RECT WholeOf(const Surface& surface) {
-    return {0, 0, static_cast<LONG>(surface.Desc().Width), static_cast<LONG>(surface.Desc().Height)};
-}
-
-// The rectangle, the whole surface for null. False when it is empty or leaves the surface.
-bool TakeRect(const Surface& surface, const RECT* rect, RECT& taken) {
-    const RECT whole = WholeOf(surface);
-    taken = rect != nullptr ? *rect : whole;
-    return taken.left >= 0 && taken.top >= 0 && taken.left < taken.right && taken.top < taken.bottom &&
-           taken.right <= whole.right && taken.bottom <= whole.bottom;
-}
-
 bool SameSize(const RECT& a, const RECT& b) {
     return a.right - a.left == b.right - b.left && a.bottom - a.top == b.bottom - b.top;
-}
-
-bool SameShape(const D3DSURFACE_DESC& a, const D3DSURFACE_DESC& b) {
-    return a.Width == b.Width && a.Height == b.Height && a.Format == b.Format;
-}
-
-bool Overlap(const RECT& a, const RECT& b) {
-    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
 }
 
 GlRect ToGlRect(const RECT& rect) { return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}; }
@@ -45,13 +24,6 @@ GlRect Intersect(const D3DRECT& rect, const D3DVIEWPORT9& viewport) {
     return {left, top, std::max(right - left, 0), std::max(bottom - top, 0)};
 }
 
-bool Drawable(const Surface& surface) { return surface.IsTarget() && surface.Desc().Pool == D3DPOOL_DEFAULT; }
-
-bool Fillable(const Surface& surface) {
-    const auto* own = dynamic_cast<const OwnSurface*>(&surface);
-    return Drawable(surface) || (own != nullptr && own->Kind() == SurfaceKind::Plain);
-}
-
 }   // namespace
 
 // ---- Targets
@@ -61,7 +33,7 @@ void Device::UseTarget(Surface* target) {
     bound_.target = DevicePtr<Surface>::Share(target);
     bindings_.target = target;
     bindings_.depth = DepthFor(*target);
-    const GLenum depth_format = depth_ ? depth_->Format().internal : 0;
+    const GLenum depth_format = depth_ ? FindGlFormat(depth_->Desc().Format).internal : 0;
     bindings_.stencil = depth_format == GL_DEPTH24_STENCIL8;
     bindings_.depth_steps = depth_format == GL_DEPTH_COMPONENT16 ? 65536.0f : 16777216.0f;
     state_.viewport = {0, 0, target->Desc().Width, target->Desc().Height, 0.0f, 1.0f};
@@ -91,7 +63,10 @@ GLuint Device::DepthFor(Surface& target) {
 }
 
 HRESULT Device::GetBackBuffer(UINT swap_chain, UINT index, DWORD /*type*/, IDirect3DSurface9** surface) {
-    if (swap_chain != 0 || index >= parameters_.BackBufferCount || surface == nullptr) return D3DERR_INVALIDCALL;
+    if (surface == nullptr) return D3DERR_INVALIDCALL;
+    if (const HRESULT result = CheckBackBuffer(swap_chain, index, parameters_.BackBufferCount); FAILED(result)) {
+        return result;
+    }
     if (!back_buffer_) return D3DERR_DEVICELOST;
     back_buffer_->AddRef();
     *surface = back_buffer_.Get();
@@ -99,10 +74,12 @@ HRESULT Device::GetBackBuffer(UINT swap_chain, UINT index, DWORD /*type*/, IDire
 }
 
 HRESULT Device::SetRenderTarget(DWORD index, IDirect3DSurface9* surface) {
-    if (index != 0 || surface == nullptr || !Drawable(*AsSurface(surface))) return D3DERR_INVALIDCALL;
-    if (!Alive()) return D3D_OK;
-    AsSurface(surface)->DrawnInto();
-    UseTarget(AsSurface(surface));
+    if (surface == nullptr) return D3DERR_INVALIDCALL;
+    Surface* target = AsSurface(surface);
+    const HRESULT result = CheckTarget(index, target->Desc());
+    if (FAILED(result) || !Alive()) return result;
+    target->DrawnInto();
+    UseTarget(target);
     return D3D_OK;
 }
 
@@ -127,12 +104,8 @@ HRESULT Device::GetDepthStencilSurface(IDirect3DSurface9** surface) {
 // ---- Clearing
 
 HRESULT Device::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR colour, float z, DWORD stencil) {
-    constexpr DWORD kKnown = D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL;
-    if ((count == 0) != (rects == nullptr) || flags == 0 || (flags & ~kKnown) != 0) return D3DERR_INVALIDCALL;
-    if ((flags & (D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL)) != 0 && !depth_) return D3DERR_INVALIDCALL;
-    if ((flags & D3DCLEAR_STENCIL) != 0 && depth_->Desc().Format != D3DFMT_D24S8) return D3DERR_INVALIDCALL;
-    if ((flags & D3DCLEAR_ZBUFFER) != 0 && !(z >= 0.0f && z <= 1.0f)) return D3DERR_INVALIDCALL;
-    if (blind_ || !Alive()) return D3D_OK;
+    const HRESULT result = CheckClear(count, rects, flags, z, depth_ ? &depth_->Desc() : nullptr);
+    if (FAILED(result) || blind_ || !Alive()) return result;
     const D3DVIEWPORT9& viewport = state_.viewport;
     const D3DRECT whole = {static_cast<LONG>(viewport.X), static_cast<LONG>(viewport.Y),
                            static_cast<LONG>(viewport.X + viewport.Width),
@@ -160,25 +133,18 @@ void Device::ClearArea(const GlRect& area, DWORD flags, D3DCOLOR colour, float z
 
 HRESULT Device::StretchRect(IDirect3DSurface9* source, const RECT* from, IDirect3DSurface9* destination, const RECT* to,
                             DWORD filter) {
-    if (source == nullptr || destination == nullptr || filter > D3DTEXF_LINEAR) return D3DERR_INVALIDCALL;
+    if (source == nullptr || destination == nullptr) return D3DERR_INVALIDCALL;
     Surface &read = *AsSurface(source), &written = *AsSurface(destination);
     RECT area, target;
-    if (!TakeRect(read, from, area) || !TakeRect(written, to, target)) return D3DERR_INVALIDCALL;
-    const bool stretches = !SameSize(area, target);
-    const auto copyable = [](const Surface& surface) {
-        return surface.Desc().Pool == D3DPOOL_DEFAULT && (surface.Format().roles & kRoleTarget) != 0;
-    };
-    if (!copyable(read) || !copyable(written) || !Drawable(written)) return D3DERR_INVALIDCALL;
-    if (&read == &written && (stretches || Overlap(area, target))) return D3DERR_INVALIDCALL;
-    if (written.Desc().MultiSampleType > 1) return D3DERR_INVALIDCALL;
-    if (stretches && read.Desc().MultiSampleType > 1) return D3DERR_INVALIDCALL;
-    if (!Alive()) return D3D_OK;
+    if (!TakeRect(read.Desc(), from, area) || !TakeRect(written.Desc(), to, target)) return D3DERR_INVALIDCALL;
+    const HRESULT result = CheckStretch({read.Desc(), area}, {written.Desc(), target}, &read == &written, filter);
+    if (FAILED(result) || !Alive()) return result;
     read.GlImage();   // sends what was written through locks
     written.GlImage();
     glDisable(GL_SCISSOR_TEST);
     glBlitNamedFramebuffer(read.Framebuffer(), written.Framebuffer(), area.left, area.top, area.right, area.bottom,
                            target.left, target.top, target.right, target.bottom, GL_COLOR_BUFFER_BIT,
-                           filter == D3DTEXF_LINEAR && stretches ? GL_LINEAR : GL_NEAREST);
+                           filter == D3DTEXF_LINEAR && !SameSize(area, target) ? GL_LINEAR : GL_NEAREST);
     glEnable(GL_SCISSOR_TEST);
     if (written.Format().alpha && !read.Format().alpha) FillAlpha(written, target);
     written.DrawnInto();
@@ -195,12 +161,13 @@ void Device::FillAlpha(Surface& surface, const RECT& area) {
 }
 
 HRESULT Device::ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR colour) {
-    RECT area;
-    if (surface == nullptr || !Fillable(*AsSurface(surface)) || !TakeRect(*AsSurface(surface), rect, area)) {
-        return D3DERR_INVALIDCALL;
-    }
-    if (!Alive()) return D3D_OK;
+    if (surface == nullptr) return D3DERR_INVALIDCALL;
     Surface& filled = *AsSurface(surface);
+    const auto* own = dynamic_cast<const OwnSurface*>(&filled);
+    const bool plain = own != nullptr && own->Kind() == SurfaceKind::Plain;
+    RECT area;
+    if (!TakeRect(filled.Desc(), rect, area)) return D3DERR_INVALIDCALL;
+    if (const HRESULT result = CheckFill(filled.Desc(), plain); FAILED(result) || !Alive()) return result;
     filled.GlImage();
     pipeline_.PrepareFill(filled, ToGlRect(area));
     const Rgba rgba = ToRgba(colour);
@@ -212,11 +179,9 @@ HRESULT Device::ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR
 HRESULT Device::UpdateTexture(IDirect3DTexture9* source, IDirect3DTexture9* destination) {
     if (source == nullptr || destination == nullptr) return D3DERR_INVALIDCALL;
     Texture &from = *AsTexture(source), &to = *AsTexture(destination);
-    if (from.Shape().pool != D3DPOOL_SYSTEMMEM || to.Shape().pool != D3DPOOL_DEFAULT) return D3DERR_INVALIDCALL;
-    if (!SameShape(from.Level(0).Desc(), to.Level(0).Desc()) || from.GetLevelCount() < to.GetLevelCount()) {
-        return D3DERR_INVALIDCALL;
-    }
-    if (!Alive()) return D3D_OK;
+    const HRESULT result =
+        CheckUpdate(from.Level(0).Desc(), from.GetLevelCount(), to.Level(0).Desc(), to.GetLevelCount());
+    if (FAILED(result) || !Alive()) return result;
     for (DWORD level = 0; level < to.GetLevelCount(); ++level) to.Level(level).Take(from.Level(level).Bytes());
     return D3D_OK;
 }
@@ -224,8 +189,7 @@ HRESULT Device::UpdateTexture(IDirect3DTexture9* source, IDirect3DTexture9* dest
 HRESULT Device::GetRenderTargetData(IDirect3DSurface9* target, IDirect3DSurface9* system_surface) {
     if (target == nullptr || system_surface == nullptr) return D3DERR_INVALIDCALL;
     Surface &from = *AsSurface(target), &to = *AsSurface(system_surface);
-    if (!Drawable(from) || from.Desc().MultiSampleType > 1) return D3DERR_INVALIDCALL;
-    if (to.Desc().Pool != D3DPOOL_SYSTEMMEM || !SameShape(from.Desc(), to.Desc())) return D3DERR_INVALIDCALL;
+    if (const HRESULT result = CheckReadBack(from.Desc(), to.Desc()); FAILED(result)) return result;
     if (life_ != DeviceLife::Operational) return D3DERR_DEVICELOST;
     if (context_->Activate()) ReadPixels(from, to.Bytes());
     return D3D_OK;

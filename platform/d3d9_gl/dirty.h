@@ -1,5 +1,6 @@
 // The groups in which device state is sent to OpenGL. A state call marks its group; the next draw sends what is marked.
 #pragma once
+#include "platform/d3d9/d3d9_constants.h"
 
 namespace sparkrig {
 
@@ -18,5 +19,10 @@ enum DirtyGroup : unsigned {
     kDirtyPixelGlobals = 1 << 11,
     kDirtyAll = (1 << 12) - 1,
 };
+
+/// The groups of a state that exists.
+unsigned RenderStateGroups(D3DRENDERSTATETYPE state);
+unsigned StageStateGroups(D3DTEXTURESTAGESTATETYPE state);
+unsigned TransformGroups(D3DTRANSFORMSTATETYPE type);
 
 }   // namespace sparkrig

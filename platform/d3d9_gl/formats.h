@@ -1,38 +1,19 @@
-// Pixel formats: how their bytes lie in memory and what OpenGL calls them.
+// What OpenGL calls the pixel formats.
 #pragma once
 #include <epoxy/gl.h>
 
-#include <cstddef>
-
-#include "platform/d3d9/d3d9_types.h"
+#include "platform/d3d9/pixel_format.h"
 
 namespace sparkrig {
 
-enum FormatRole : unsigned {
-    kRoleTexture = 1,   // can be sampled
-    kRoleTarget = 2,    // can be drawn into
-    kRoleDepth = 4,     // depth buffer
-};
-
-struct FormatInfo {
+struct GlFormat {
     D3DFORMAT format;
-    unsigned bytes;   // of one pixel, or of one block of 4 x 4
-    bool blocks;
-    bool alpha;
-    unsigned roles;
-    GLenum internal, external, type;   // 0, 0, 0: lives in system memory only
-    GLint swizzle[4];
-
-    /// Bytes from one row (of pixels or blocks) to the next in system memory.
-    UINT Pitch(UINT width) const { return blocks ? (width + 3) / 4 * bytes : (width * bytes + 3) / 4 * 4; }
-    UINT Rows(UINT height) const { return blocks ? (height + 3) / 4 : height; }
-    std::size_t Bytes(UINT width, UINT height) const { return std::size_t{Pitch(width)} * Rows(height); }
+    GLenum internal, external, type;   // external, type: 0 for blocks and depth
+    GLint swizzle[4];                  // what r, g, b, a are sampled as
 };
 
-/// Null for a format that the layer does not know.
-const FormatInfo* FindFormat(D3DFORMAT format);
-
-bool IsDepthFormat(D3DFORMAT format);
+/// Of a format that has a role; what lives in system memory only has no names.
+const GlFormat& FindGlFormat(D3DFORMAT format);
 
 /// The components r, g, b, a of a colour in 0..1.
 struct Rgba {

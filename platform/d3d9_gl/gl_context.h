@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/d3d9/device_rules.h"
 #include "platform/d3d9_gl/stream_ring.h"
 
 struct SDL_Window;
@@ -12,12 +13,9 @@ struct SDL_Window;
 namespace sparkrig {
 
 /// What the OpenGL below can do.
-struct GlLimits {
+struct GlLimits : DeviceLimits {
     std::string renderer;
-    int max_texture_size = 0;
-    int max_samples = 0;
     float max_anisotropy = 1.0f;   // 1: none
-    bool compressed_textures = false;
 };
 
 /// Sets the attributes of an OpenGL 4.5 core context for windows and contexts that SDL makes from now on.

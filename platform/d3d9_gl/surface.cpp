@@ -5,22 +5,16 @@
 
 namespace sparkrig {
 
-namespace {
-
-constexpr UINT kBlock = 4;   // pixels along the edge of a compressed block
-
-}   // namespace
-
 Surface::~Surface() {
     if (framebuffer_ == 0 || !context_->Activate()) return;
     glDeleteFramebuffers(1, &framebuffer_);
     ++context_->deletions;
 }
 
-void Surface::Describe(std::shared_ptr<GlContext> context, const D3DSURFACE_DESC& desc, const FormatInfo& format) {
+void Surface::Describe(std::shared_ptr<GlContext> context, const D3DSURFACE_DESC& desc) {
     context_ = std::move(context);
     desc_ = desc;
-    format_ = &format;
+    format_ = FindPixelFormat(desc.Format);
 }
 
 HRESULT Surface::GetDesc(D3DSURFACE_DESC* desc) {
@@ -29,26 +23,13 @@ HRESULT Surface::GetDesc(D3DSURFACE_DESC* desc) {
     return D3D_OK;
 }
 
-bool Surface::ValidRect(const RECT& rect) const {
-    const LONG width = static_cast<LONG>(desc_.Width), height = static_cast<LONG>(desc_.Height);
-    const bool inside = rect.left >= 0 && rect.top >= 0 && rect.left < rect.right && rect.top < rect.bottom &&
-                        rect.right <= width && rect.bottom <= height;
-    if (!inside || !format_->blocks) return inside;
-    const auto on_block = [](LONG value, LONG edge) { return value % LONG{kBlock} == 0 || value == edge; };
-    return rect.left % LONG{kBlock} == 0 && rect.top % LONG{kBlock} == 0 && on_block(rect.right, width) &&
-           on_block(rect.bottom, height);
-}
-
 HRESULT Surface::LockRect(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
     if (locked == nullptr || locked_ || !Lockable()) return D3DERR_INVALIDCALL;
-    if (rect != nullptr && !ValidRect(*rect)) return D3DERR_INVALIDCALL;
-    if ((flags & D3DLOCK_DISCARD) != 0 && ((desc_.Usage & D3DUSAGE_DYNAMIC) == 0 || rect != nullptr)) {
-        return D3DERR_INVALIDCALL;
-    }
+    if (const HRESULT result = CheckLock(desc_, rect, flags); FAILED(result)) return result;
     BeforeLock();
-    const RECT all = {0, 0, static_cast<LONG>(desc_.Width), static_cast<LONG>(desc_.Height)};
-    const RECT& area = rect != nullptr ? *rect : all;
-    const UINT step = format_->blocks ? kBlock : 1;
+    RECT area;
+    TakeRect(desc_, rect, area);
+    const UINT step = format_->Step();
     const UINT pitch = format_->Pitch(desc_.Width);
     locked->Pitch = static_cast<INT>(pitch);
     locked->pBits = bytes_.data() + std::size_t{pitch} * (static_cast<UINT>(area.top) / step) +
@@ -95,7 +76,7 @@ OwnSurface* OwnSurface::Create(std::shared_ptr<GlContext> context, SurfaceKind k
     auto* surface = new OwnSurface;
     surface->kind_ = kind;
     surface->lockable_ = lockable;
-    surface->Describe(std::move(context), desc, *FindFormat(desc.Format));
+    surface->Describe(std::move(context), desc);
     if (lockable) surface->AllocateBytes();
     if (kind == SurfaceKind::Plain || kind == SurfaceKind::Target) ++surface->context_->default_pool_objects;
     if (kind != SurfaceKind::System && !surface->CreateImage()) {
@@ -117,12 +98,13 @@ bool OwnSurface::CreateImage() {
     if (!context_->Activate()) return false;
     const GLsizei width = static_cast<GLsizei>(Desc().Width), height = static_cast<GLsizei>(Desc().Height);
     const GLsizei samples = static_cast<GLsizei>(Desc().MultiSampleType);
+    const GLenum internal = FindGlFormat(Desc().Format).internal;
     if (kind_ == SurfaceKind::Depth || samples > 1) {
         glCreateRenderbuffers(1, &image_.renderbuffer);
-        glNamedRenderbufferStorageMultisample(image_.renderbuffer, samples, Format().internal, width, height);
+        glNamedRenderbufferStorageMultisample(image_.renderbuffer, samples, internal, width, height);
     } else {
         glCreateTextures(GL_TEXTURE_2D, 1, &image_.texture);
-        glTextureStorage2D(image_.texture, 1, Format().internal, width, height);
+        glTextureStorage2D(image_.texture, 1, internal, width, height);
     }
     return glGetError() != GL_OUT_OF_MEMORY;
 }
@@ -137,7 +119,7 @@ void OwnSurface::AfterWrite(UINT top, UINT bottom) {
 }
 
 void ReadPixels(Surface& surface, std::byte* bytes) {
-    const FormatInfo& format = surface.Format();
+    const GlFormat& format = FindGlFormat(surface.Desc().Format);
     const UINT width = surface.Desc().Width, height = surface.Desc().Height;
     glBindFramebuffer(GL_READ_FRAMEBUFFER, surface.Framebuffer());
     glPixelStorei(GL_PACK_ALIGNMENT, 4);
@@ -146,9 +128,10 @@ void ReadPixels(Surface& surface, std::byte* bytes) {
     for (std::size_t pixel = 0; pixel < std::size_t{width} * height; ++pixel) bytes[4 * pixel + 3] = std::byte{255};
 }
 
-void WritePixels(const FormatInfo& format, GLuint texture, GLint level, UINT width, UINT height, const std::byte* bytes,
-                 UINT top, UINT bottom) {
-    const UINT step = format.blocks ? kBlock : 1;
+void WritePixels(const PixelFormat& format, GLuint texture, GLint level, UINT width, UINT height,
+                 const std::byte* bytes, UINT top, UINT bottom) {
+    const GlFormat& gl = FindGlFormat(format.format);
+    const UINT step = format.Step();
     top = top / step * step;
     bottom = std::min((bottom + step - 1) / step * step, height);
     const UINT pitch = format.Pitch(width);
@@ -158,9 +141,9 @@ void WritePixels(const FormatInfo& format, GLuint texture, GLint level, UINT wid
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     if (format.blocks) {
         const GLsizei size = static_cast<GLsizei>(pitch * format.Rows(bottom - top));
-        glCompressedTextureSubImage2D(texture, level, 0, y, columns, rows, format.internal, size, first);
+        glCompressedTextureSubImage2D(texture, level, 0, y, columns, rows, gl.internal, size, first);
     } else {
-        glTextureSubImage2D(texture, level, 0, y, columns, rows, format.external, format.type, first);
+        glTextureSubImage2D(texture, level, 0, y, columns, rows, gl.external, gl.type, first);
     }
 }
 

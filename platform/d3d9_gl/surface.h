@@ -21,11 +21,10 @@ class Surface : public IDirect3DSurface9 {
     HRESULT UnlockRect() override;
 
     const D3DSURFACE_DESC& Desc() const { return desc_; }
-    const FormatInfo& Format() const { return *format_; }
+    const PixelFormat& Format() const { return *format_; }
     /// Rows from top to bottom, Format().Pitch(width) apart; null when there is no copy in system memory.
     std::byte* Bytes() { return bytes_.empty() ? nullptr : bytes_.data(); }
     bool Locked() const { return locked_; }
-    bool IsTarget() const { return (desc_.Usage & D3DUSAGE_RENDERTARGET) != 0; }
 
     /// The OpenGL texture level that holds the pixels, with everything written so far; name 0 when there is none.
     struct Image {
@@ -46,7 +45,7 @@ class Surface : public IDirect3DSurface9 {
     Surface() = default;
     ~Surface();
 
-    void Describe(std::shared_ptr<GlContext> context, const D3DSURFACE_DESC& desc, const FormatInfo& format);
+    void Describe(std::shared_ptr<GlContext> context, const D3DSURFACE_DESC& desc);
     void AllocateBytes() { bytes_.resize(format_->Bytes(desc_.Width, desc_.Height)); }
 
     virtual bool Lockable() const = 0;
@@ -57,10 +56,8 @@ class Surface : public IDirect3DSurface9 {
     std::shared_ptr<GlContext> context_;
 
   private:
-    bool ValidRect(const RECT& rect) const;
-
     D3DSURFACE_DESC desc_ = {};
-    const FormatInfo* format_ = nullptr;
+    const PixelFormat* format_ = nullptr;
     std::vector<std::byte> bytes_;
     bool locked_ = false;
     UINT dirty_top_ = 0, dirty_bottom_ = 0;   // of the lock
@@ -105,7 +102,7 @@ class OwnSurface final : public RefCounted<Surface> {
 void ReadPixels(Surface& surface, std::byte* bytes);
 
 /// Sends pixel rows from memory laid out by the format to a texture level.
-void WritePixels(const FormatInfo& format, GLuint texture, GLint level, UINT width, UINT height, const std::byte* bytes,
-                 UINT top, UINT bottom);
+void WritePixels(const PixelFormat& format, GLuint texture, GLint level, UINT width, UINT height,
+                 const std::byte* bytes, UINT top, UINT bottom);
 
 }   // namespace sparkrig

@@ -1,19 +1,16 @@
 #include "platform/d3d9_gl/texture.h"
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
 namespace sparkrig {
-
-UINT FullLevelCount(UINT width, UINT height) { return static_cast<UINT>(std::bit_width(std::max(width, height))); }
 
 // ---- One level
 
 TextureLevel::TextureLevel(Texture& texture, std::shared_ptr<GlContext> context, GLint level,
                            const D3DSURFACE_DESC& desc, bool lockable)
     : texture_(texture), level_(level), lockable_(lockable) {
-    Describe(std::move(context), desc, *FindFormat(desc.Format));
+    Describe(std::move(context), desc);
     if (lockable) AllocateBytes();
 }
 
@@ -54,12 +51,13 @@ void TextureLevel::Take(const std::byte* bytes) {
 namespace {
 
 // An OpenGL texture of the shape; 0 when OpenGL refuses.
-GLuint CreateName(const TextureShape& shape) {
+GLuint CreateName(const TextureRequest& shape) {
+    const GlFormat& format = FindGlFormat(shape.format);
     GLuint name = 0;
     glCreateTextures(GL_TEXTURE_2D, 1, &name);
-    glTextureStorage2D(name, static_cast<GLsizei>(shape.levels), shape.format->internal,
-                       static_cast<GLsizei>(shape.width), static_cast<GLsizei>(shape.height));
-    glTextureParameteriv(name, GL_TEXTURE_SWIZZLE_RGBA, shape.format->swizzle);
+    glTextureStorage2D(name, static_cast<GLsizei>(shape.levels), format.internal, static_cast<GLsizei>(shape.width),
+                       static_cast<GLsizei>(shape.height));
+    glTextureParameteriv(name, GL_TEXTURE_SWIZZLE_RGBA, format.swizzle);
     if (glGetError() != GL_OUT_OF_MEMORY) return name;
     glDeleteTextures(1, &name);
     return 0;
@@ -67,7 +65,7 @@ GLuint CreateName(const TextureShape& shape) {
 
 }   // namespace
 
-Texture* Texture::Create(std::shared_ptr<GlContext> context, const TextureShape& shape) {
+Texture* Texture::Create(std::shared_ptr<GlContext> context, const TextureRequest& shape) {
     GLuint name = 0;
     if (shape.pool == D3DPOOL_DEFAULT || shape.pool == D3DPOOL_MANAGED) {
         if (!context->Activate() || (name = CreateName(shape)) == 0) return nullptr;
@@ -75,13 +73,13 @@ Texture* Texture::Create(std::shared_ptr<GlContext> context, const TextureShape&
     return new Texture(std::move(context), shape, name);
 }
 
-Texture::Texture(std::shared_ptr<GlContext> context, const TextureShape& shape, GLuint name)
+Texture::Texture(std::shared_ptr<GlContext> context, const TextureRequest& shape, GLuint name)
     : context_(std::move(context)), shape_(shape), name_(name) {
-    const bool lockable = shape.pool != D3DPOOL_DEFAULT || (shape.usage & D3DUSAGE_DYNAMIC) != 0;
+    const bool lockable = LevelsLockable(shape.usage, shape.pool);
     for (UINT level = 0; level < GetLevelCount(); ++level) {
         const UINT width = std::max(shape.width >> level, 1u), height = std::max(shape.height >> level, 1u);
         const D3DSURFACE_DESC desc = {
-            shape.format->format, D3DRTYPE_SURFACE, shape.usage, shape.pool, D3DMULTISAMPLE_NONE, 0, width, height};
+            shape.format, D3DRTYPE_SURFACE, shape.usage, shape.pool, D3DMULTISAMPLE_NONE, 0, width, height};
         levels_.push_back(std::make_unique<TextureLevel>(*this, context_, static_cast<GLint>(level), desc, lockable));
     }
     if (shape.pool == D3DPOOL_DEFAULT) ++context_->default_pool_objects;

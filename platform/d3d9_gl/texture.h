@@ -33,18 +33,10 @@ class TextureLevel final : public Surface {
     UINT dirty_top_ = 0, dirty_bottom_ = 0;   // rows to send
 };
 
-/// What CreateTexture is asked for, once it has been checked.
-struct TextureShape {
-    UINT width, height, levels;
-    DWORD usage;
-    D3DPOOL pool;
-    const FormatInfo* format;
-};
-
 class Texture final : public RefCounted<IDirect3DTexture9> {
   public:
-    /// Null when OpenGL refuses.
-    static Texture* Create(std::shared_ptr<GlContext> context, const TextureShape& shape);
+    /// Null when OpenGL refuses. The request has been checked.
+    static Texture* Create(std::shared_ptr<GlContext> context, const TextureRequest& shape);
 
     DWORD GetLevelCount() override { return GeneratesLevels() ? 1 : shape_.levels; }
     HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override;
@@ -52,11 +44,10 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
     HRESULT LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) override;
     HRESULT UnlockRect(UINT level) override;
 
-    const TextureShape& Shape() const { return shape_; }
     TextureLevel& Level(UINT level) { return *levels_[level]; }
     bool Drawable() const { return name_ != 0; }
     /// du and dv of a bump stage are signed in it.
-    bool Signed() const { return shape_.format->format == D3DFMT_V8U8; }
+    bool Signed() const { return shape_.format == D3DFMT_V8U8; }
 
     /// The OpenGL texture with everything that was written so far. Needs the context to be current.
     GLuint Name() {
@@ -72,7 +63,7 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
     void MarkDrawnInto() { stale_ = stale_ || GeneratesLevels(); }
 
   private:
-    Texture(std::shared_ptr<GlContext> context, const TextureShape& shape, GLuint name);
+    Texture(std::shared_ptr<GlContext> context, const TextureRequest& shape, GLuint name);
     ~Texture() override;
 
     void Update();
@@ -80,14 +71,11 @@ class Texture final : public RefCounted<IDirect3DTexture9> {
     bool GeneratesLevels() const { return (shape_.usage & D3DUSAGE_AUTOGENMIPMAP) != 0; }
 
     std::shared_ptr<GlContext> context_;
-    TextureShape shape_;
+    TextureRequest shape_;
     std::vector<std::unique_ptr<TextureLevel>> levels_;
     GLuint name_ = 0;
     bool stale_ = false;
     DWORD base_level_ = 0;
 };
-
-/// The number of levels from this size down to 1 x 1.
-UINT FullLevelCount(UINT width, UINT height);
 
 }   // namespace sparkrig

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/d3d9/pixel_format.h"
+
 namespace sparkrig {
 namespace {
 
@@ -65,24 +67,23 @@ void UnpackAll(const BYTE* stored, std::size_t count, D3DCOLOR* pixels) {
 struct FormatRow {
     D3DFORMAT format;
     UINT bytes;
-    bool alpha;
     PackLoop pack;
     UnpackLoop unpack;
 };
 
 // clang-format off
 constexpr FormatRow kRows[] = {
-    {D3DFMT_R8G8B8,   3, false, PackAll<3, Same>,      UnpackAll<3, Opaque>     },
-    {D3DFMT_A8R8G8B8, 4, true,  PackAll<4, Same>,      UnpackAll<4, Same>       },
-    {D3DFMT_X8R8G8B8, 4, false, PackAll<4, Opaque>,    UnpackAll<4, Opaque>     },
-    {D3DFMT_R5G6B5,   2, false, PackAll<2, Pack565>,   UnpackAll<2, Unpack565>  },
-    {D3DFMT_X1R5G5B5, 2, false, PackAll<2, PackX555>,  UnpackAll<2, Unpack555>  },
-    {D3DFMT_A1R5G5B5, 2, true,  PackAll<2, Pack1555>,  UnpackAll<2, Unpack1555> },
-    {D3DFMT_A4R4G4B4, 2, true,  PackAll<2, Pack4444>,  UnpackAll<2, Unpack4444> },
-    {D3DFMT_A8,       1, true,  PackAll<1, A>,         UnpackAll<1, UnpackAlpha>},
-    {D3DFMT_A8B8G8R8, 4, true,  PackAll<4, SwapRb>,    UnpackAll<4, SwapRb>     },
-    {D3DFMT_L8,       1, false, PackAll<1, Grey>,      UnpackAll<1, UnpackGrey> },
-    {D3DFMT_A8L8,     2, true,  PackAll<2, PackGreyA>, UnpackAll<2, UnpackGreyA>}};
+    {D3DFMT_R8G8B8,   3, PackAll<3, Same>,      UnpackAll<3, Opaque>     },
+    {D3DFMT_A8R8G8B8, 4, PackAll<4, Same>,      UnpackAll<4, Same>       },
+    {D3DFMT_X8R8G8B8, 4, PackAll<4, Opaque>,    UnpackAll<4, Opaque>     },
+    {D3DFMT_R5G6B5,   2, PackAll<2, Pack565>,   UnpackAll<2, Unpack565>  },
+    {D3DFMT_X1R5G5B5, 2, PackAll<2, PackX555>,  UnpackAll<2, Unpack555>  },
+    {D3DFMT_A1R5G5B5, 2, PackAll<2, Pack1555>,  UnpackAll<2, Unpack1555> },
+    {D3DFMT_A4R4G4B4, 2, PackAll<2, Pack4444>,  UnpackAll<2, Unpack4444> },
+    {D3DFMT_A8,       1, PackAll<1, A>,         UnpackAll<1, UnpackAlpha>},
+    {D3DFMT_A8B8G8R8, 4, PackAll<4, SwapRb>,    UnpackAll<4, SwapRb>     },
+    {D3DFMT_L8,       1, PackAll<1, Grey>,      UnpackAll<1, UnpackGrey> },
+    {D3DFMT_A8L8,     2, PackAll<2, PackGreyA>, UnpackAll<2, UnpackGreyA>}};
 // clang-format on
 
 const FormatRow* FindRow(D3DFORMAT format) {
@@ -99,13 +100,13 @@ UINT PixelBytes(D3DFORMAT format) {
 }
 
 bool IsDxt(D3DFORMAT format) {
-    return format == D3DFMT_DXT1 || format == D3DFMT_DXT2 || format == D3DFMT_DXT3 || format == D3DFMT_DXT4 ||
-           format == D3DFMT_DXT5;
+    const PixelFormat* found = FindPixelFormat(format);
+    return found && found->blocks;
 }
 
 bool HasAlpha(D3DFORMAT format) {
-    const FormatRow* row = FindRow(format);
-    return row ? row->alpha : IsDxt(format);
+    const PixelFormat* found = FindPixelFormat(format);
+    return found && found->alpha;
 }
 
 void PackPixels(D3DFORMAT format, const D3DCOLOR* pixels, std::size_t count, BYTE* stored) {

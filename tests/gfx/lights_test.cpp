@@ -54,6 +54,7 @@ TEST(Lights, EvaluatingMovesALightAlongItsTracks) {
     RecordedGfx gfx;
     KRN_Light light;
     light.off = false;
+    light.record.Type = D3DLIGHT_POINT;
     light.Tracks().position.Add(2, KeyInterpolation::Linear, {{4, 6, 8}, {}, {}});
     light.Tracks().position.Add(6, KeyInterpolation::Linear, {{8, 14, -4}, {}, {}});
     KRN_RotKeyData turn;   // a sixth about x: what looked down looks forwards

@@ -399,7 +399,7 @@ TEST_F(ShaderEffectTest, DrawersFillLightsObjectAndMaterial) {
     material.Power = 3;
     gfx_->SetAmbient(0x00FF0000);
     gfx_->SetMaterial(material);
-    KRN_VertexList list(PrimitiveMode::PointList, D3DFVF_XYZB2);
+    KRN_VertexList list(PrimitiveMode::PointList, D3DFVF_XYZB2 | D3DFVF_LASTBETA_UBYTE4);
     gfx_->CreateVertexList(&list, 1, 0, false);
     list.SetEffect(&effect);
     gfx_->BeginScene();

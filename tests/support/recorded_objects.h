@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/com/ref_counted.h"
+#include "platform/d3d9/device_rules.h"
 #include "tests/support/recording.h"
 
 namespace sparkrig {
@@ -35,21 +36,22 @@ class RecordedObject : public RefCounted<Interface> {
 /// The pixels of one surface or texture level.
 struct RecordedImage {
     D3DSURFACE_DESC desc;
+    const PixelFormat& format;
+    bool lockable, plain;   // plain: off screen, no level of a texture
     INT pitch = 0;
     std::vector<BYTE> bytes;
     bool locked = false;
 
-    explicit RecordedImage(const D3DSURFACE_DESC& description);
+    RecordedImage(const D3DSURFACE_DESC& description, bool is_lockable, bool is_plain = false);
     HRESULT Lock(D3DLOCKED_RECT* result, const RECT* rect, DWORD flags);
     HRESULT Unlock();
-    bool Lockable() const;
 };
 
 class RecordedSurface : public RecordedObject<IDirect3DSurface9> {
   public:
     /// A surface of its own.
-    RecordedSurface(Recording& recording, const D3DSURFACE_DESC& desc)
-        : RecordedSurface(recording, nullptr, std::make_shared<RecordedImage>(desc)) {}
+    RecordedSurface(Recording& recording, const D3DSURFACE_DESC& desc, bool lockable, bool plain = false)
+        : RecordedSurface(recording, nullptr, std::make_shared<RecordedImage>(desc, lockable, plain)) {}
     /// A level of a texture, which it keeps alive.
     RecordedSurface(Recording& recording, IDirect3DTexture9* owner, std::shared_ptr<RecordedImage> image)
         : RecordedObject(recording, image->desc.Pool == D3DPOOL_DEFAULT),
@@ -106,12 +108,12 @@ class RecordedTexture : public RecordedObject<IDirect3DTexture9> {
 template <class Interface>
 class RecordedBuffer : public RecordedObject<Interface> {
   public:
-    RecordedBuffer(Recording& recording, UINT size, D3DPOOL pool)
-        : RecordedObject<Interface>(recording, pool == D3DPOOL_DEFAULT), bytes(size) {}
+    RecordedBuffer(Recording& recording, UINT size, D3DPOOL pool, DWORD element)
+        : RecordedObject<Interface>(recording, pool == D3DPOOL_DEFAULT), bytes(size), element_bytes(element) {}
 
     HRESULT Lock(UINT offset, UINT size, void** data, DWORD flags) override {
         return this->Do("Lock", {this->Serial(), offset, size, flags}, [&] {
-            if (offset > bytes.size() || size > bytes.size() - offset) return D3DERR_INVALIDCALL;
+            if (const HRESULT refused = CheckBufferLock(bytes.size(), offset, size); FAILED(refused)) return refused;
             ++locks;
             return *data = bytes.data() + offset, D3D_OK;
         });
@@ -121,6 +123,7 @@ class RecordedBuffer : public RecordedObject<Interface> {
     }
 
     std::vector<BYTE> bytes;
+    DWORD element_bytes;   // of an index
     int locks = 0;
 };
 
@@ -141,9 +144,5 @@ HRESULT Give(const DevicePtr<Interface>& object, Interface** out) {
     *out = object.Get();
     return D3D_OK;
 }
-
-/// Bytes of a row of `width` pixels (of a row of 4 x 4 blocks for compressed formats), and how many such rows.
-UINT RowBytes(D3DFORMAT format, UINT width);
-UINT RowCount(D3DFORMAT format, UINT height);
 
 }   // namespace sparkrig

@@ -58,6 +58,17 @@ IDirect3D9* Recording::Create(UINT sdk_version) {
     return MakeRecordingDirect3D(*current);
 }
 
+DevicePtr<IDirect3DDevice9> Recording::MakeDevice(DWORD behaviour) {
+    const DevicePtr<IDirect3D9> direct3d(Create(D3D_SDK_VERSION));
+    D3DPRESENT_PARAMETERS parameters = {};
+    parameters.Windowed = TRUE;
+    parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
+    DevicePtr<IDirect3DDevice9> device;
+    direct3d->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, nullptr, behaviour, &parameters, device.Receive());
+    ForgetCalls();
+    return device;
+}
+
 int Recording::Count(const std::string& method) const { return static_cast<int>(ArgumentsOf(method).size()); }
 
 std::vector<std::vector<DWORD>> Recording::ArgumentsOf(const std::string& method) const {
@@ -97,7 +108,7 @@ void Recording::ForgetCalls() {
 void Recording::Fail(const std::string& method, HRESULT code, int nth) { failures_[method].push_back({nth, code}); }
 
 void Recording::LoseDevice(int polls) {
-    lost_ = true;
+    life_ = DeviceLife::Lost;
     lost_polls_ = polls;
 }
 
@@ -131,9 +142,9 @@ void Recording::ObjectGone(bool default_pool) {
     default_pool_objects_ -= default_pool;
 }
 
-HRESULT Recording::CooperativeLevel() {
-    if (!lost_) return D3D_OK;
-    return lost_polls_ > 0 && lost_polls_-- > 0 ? D3DERR_DEVICELOST : D3DERR_DEVICENOTRESET;
+DeviceLife Recording::Poll() {
+    if (life_ == DeviceLife::Lost && lost_polls_-- <= 0) life_ = DeviceLife::NotReset;
+    return life_;
 }
 
 }   // namespace sparkrig

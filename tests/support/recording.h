@@ -7,6 +7,7 @@
 //     EXPECT_THAT(recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW));
 //     EXPECT_EQ(recording.LiveObjects(), 0);
 #pragma once
+#include <array>
 #include <functional>
 #include <map>
 #include <set>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "platform/d3d9/d3d9.h"
+#include "platform/d3d9/device_rules.h"
 
 namespace sparkrig {
 
@@ -32,7 +34,7 @@ struct RecordedDraw {
     UINT stride;
     std::vector<BYTE> vertices;   // of a draw without indices: the count that it needs, from `first` on
     UINT texture;                 // serial number, 0 for none
-    std::map<DWORD, DWORD> render_states;
+    std::array<DWORD, kRenderStateCount> render_states;
     D3DMATRIX world;
 };
 
@@ -45,6 +47,9 @@ class Recording {
 
     /// In place of Direct3DCreate9: a Direct3D object of the newest recording. Null when `offers_direct3d` is off.
     static IDirect3D9* Create(UINT sdk_version);
+
+    /// A windowed device of the newest recording, its calls forgotten.
+    DevicePtr<IDirect3DDevice9> MakeDevice(DWORD behaviour = D3DCREATE_MIXED_VERTEXPROCESSING);
 
     /// What makes the Direct3D object that calls go on to. None: calls are only recorded, and the adapter is as below.
     IDirect3D9* (*behind)(UINT sdk_version) = nullptr;
@@ -93,9 +98,10 @@ class Recording {
     void RecordDraw(RecordedDraw draw) { draws_.push_back(std::move(draw)); }
     UINT ObjectMade(bool default_pool);
     void ObjectGone(bool default_pool);
-    HRESULT CooperativeLevel();
-    bool Lost() const { return lost_; }
-    void ResetDone() { lost_ = false; }
+    DeviceLife Life() const { return life_; }
+    void SetLife(DeviceLife life) { life_ = life; }
+    /// Asked by TestCooperativeLevel.
+    DeviceLife Poll();
 
   private:
     Recording* previous_;
@@ -110,7 +116,7 @@ class Recording {
     std::function<void()> interrupt_;
     UINT serial_ = 0;
     int live_objects_ = 0, default_pool_objects_ = 0;
-    bool lost_ = false;
+    DeviceLife life_ = DeviceLife::Operational;
     int lost_polls_ = 0;
 };
 

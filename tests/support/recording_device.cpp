@@ -2,36 +2,46 @@
 
 #include <algorithm>
 
+#include "platform/d3d9/present_parameters.h"
 #include "tests/support/recorded_states.h"
 
 namespace sparkrig {
 
 namespace {
 
-UINT FullChain(UINT width, UINT height) { return static_cast<UINT>(std::bit_width(std::max(width, height))); }
+HRESULT Complete(const Recording& recording, D3DPRESENT_PARAMETERS& parameters) {
+    const RECT client = {0, 0, static_cast<LONG>(recording.client_width), static_cast<LONG>(recording.client_height)};
+    return CompleteParameters(client, recording.modes, parameters);
+}
 
 class RecordingDevice : public RecordedStateCalls {
   public:
+    /// The parameters are complete.
     RecordingDevice(Recording& recording, DWORD behaviour, const D3DPRESENT_PARAMETERS& parameters)
         : RecordedStateCalls(recording), behaviour_(behaviour) {
         MakeSwapChain(parameters);
     }
 
     HRESULT TestCooperativeLevel() override {
-        return Do("TestCooperativeLevel", {}, [&] { return recording_.CooperativeLevel(); });
+        return Do("TestCooperativeLevel", {}, [&] { return CooperativeLevel(recording_.Poll()); });
     }
     HRESULT Reset(D3DPRESENT_PARAMETERS* p) override {
         return Do("Reset", {p->BackBufferWidth, p->BackBufferHeight, p->PresentationInterval}, [&] {
-            states_ = RecordedStates(false, 0, 0);   // what only the device holds goes first
+            if (recording_.Life() == DeviceLife::Lost) return D3DERR_DEVICELOST;
+            recording_.SetLife(DeviceLife::NotReset);   // until all has gone well
+            state_ = DeviceState(false);                // what only the device holds goes first
+            bound_ = {};
             if (ForeignDefaultPoolObjects() > 0) return D3DERR_INVALIDCALL;
-            MakeSwapChain(*p);
-            recording_.ResetDone();
+            D3DPRESENT_PARAMETERS complete = *p;
+            if (const HRESULT refused = Complete(recording_, complete); FAILED(refused)) return refused;
+            MakeSwapChain(complete);
+            recording_.SetLife(DeviceLife::Operational);
             return D3D_OK;
         });
     }
-    HRESULT Present(const RECT*, const RECT*, HWND, const void*) override {
+    HRESULT Present(const RECT* source, const RECT* destination, HWND window, const void* region) override {
         return Do("Present", {}, [&] {
-            return recording_.Lost() ? D3DERR_DEVICELOST : states_.in_scene ? D3DERR_INVALIDCALL : D3D_OK;
+            return CheckPresent(recording_.Life(), state_.in_scene, !source && !destination && !window && !region);
         });
     }
     HRESULT GetDeviceCaps(D3DCAPS9* caps) override {
@@ -41,57 +51,58 @@ class RecordingDevice : public RecordedStateCalls {
         recording_.Record("SetGammaRamp", {swap_chain, flags, ramp->red[1], ramp->green[1], ramp->blue[255]});
     }
     HRESULT SetSoftwareVertexProcessing(BOOL software) override {
-        return Do("SetSoftwareVertexProcessing", {static_cast<DWORD>(software)}, [&] {
-            if (behaviour_ & D3DCREATE_MIXED_VERTEXPROCESSING) return D3D_OK;
-            const bool is_software = (behaviour_ & D3DCREATE_SOFTWARE_VERTEXPROCESSING) != 0;
-            return is_software == (software != 0) ? D3D_OK : D3DERR_INVALIDCALL;
-        });
+        return Do("SetSoftwareVertexProcessing", {static_cast<DWORD>(software)},
+                  [&] { return CheckSoftwareProcessing(behaviour_, software); });
     }
 
     HRESULT CreateTexture(UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                           IDirect3DTexture9** texture) override {
         return Do("CreateTexture", {width, height, levels, usage, format, pool}, [&] {
-            const bool fits = width > 0 && height > 0 && width <= recording_.caps.MaxTextureWidth &&
-                              height <= recording_.caps.MaxTextureHeight && levels <= FullChain(width, height);
-            const bool target = (usage & (D3DUSAGE_RENDERTARGET | D3DUSAGE_DEPTHSTENCIL)) != 0;
-            if (!fits || (target && pool != D3DPOOL_DEFAULT)) return D3DERR_INVALIDCALL;
-            if ((usage & D3DUSAGE_DYNAMIC) && pool == D3DPOOL_MANAGED) return D3DERR_INVALIDCALL;
-            const bool drawable = format >= D3DFMT_A8R8G8B8 && format <= D3DFMT_R5G6B5;
-            if ((target && !drawable) || recording_.refused_texture_formats.count(format) > 0)
-                return D3DERR_INVALIDCALL;
-            *texture = new RecordedTexture(recording_, {format, D3DRTYPE_SURFACE, usage, pool, 0, 0, width, height},
-                                           levels ? levels : FullChain(width, height));
+            TextureRequest r = {width, height, levels, usage, format, pool};
+            if (const HRESULT refused = CheckTexture(Limits(), r); FAILED(refused)) return refused;
+            if (recording_.refused_texture_formats.count(format) > 0) return D3DERR_INVALIDCALL;
+            *texture = new RecordedTexture(
+                recording_, {format, D3DRTYPE_SURFACE, r.usage, pool, D3DMULTISAMPLE_NONE, 0, width, height}, r.levels);
             return D3D_OK;
         });
     }
     HRESULT CreateVertexBuffer(UINT bytes, DWORD usage, DWORD fvf, D3DPOOL pool,
                                IDirect3DVertexBuffer9** buffer) override {
         return Do("CreateVertexBuffer", {bytes, usage, fvf, pool}, [&] {
-            const bool hardware_only = (behaviour_ & D3DCREATE_HARDWARE_VERTEXPROCESSING) != 0;
-            if (hardware_only && (usage & D3DUSAGE_SOFTWAREPROCESSING)) return D3DERR_INVALIDCALL;
-            return MakeBuffer(bytes, pool, buffer);
+            const HRESULT refused = CheckVertexBuffer(behaviour_, bytes, usage, fvf, pool);
+            if (FAILED(refused)) return refused;
+            return *buffer = new RecordedBuffer<IDirect3DVertexBuffer9>(recording_, bytes, pool, 0), D3D_OK;
         });
     }
     HRESULT CreateIndexBuffer(UINT bytes, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                               IDirect3DIndexBuffer9** buffer) override {
-        return Do("CreateIndexBuffer", {bytes, usage, format, pool}, [&] { return MakeBuffer(bytes, pool, buffer); });
+        return Do("CreateIndexBuffer", {bytes, usage, format, pool}, [&] {
+            const HRESULT refused = CheckIndexBuffer(bytes, usage, format, pool);
+            if (FAILED(refused)) return refused;
+            const DWORD element = IndexBytes(format);
+            return *buffer = new RecordedBuffer<IDirect3DIndexBuffer9>(recording_, bytes, pool, element), D3D_OK;
+        });
     }
     HRESULT CreateRenderTarget(UINT width, UINT height, D3DFORMAT format, DWORD samples, DWORD quality, BOOL lockable,
                                IDirect3DSurface9** surface) override {
         const std::vector<DWORD> arguments = {width, height, format, samples, quality, static_cast<DWORD>(lockable)};
         return Do("CreateRenderTarget", arguments, [&] {
-            if (width == 0 || height == 0 || (lockable && samples)) return D3DERR_INVALIDCALL;
-            *surface = new RecordedSurface(recording_, {format, D3DRTYPE_SURFACE, D3DUSAGE_RENDERTARGET,
-                                                        D3DPOOL_DEFAULT, samples, quality, width, height});
+            const HRESULT refused = CheckRenderTarget(Limits(), width, height, format, samples, lockable);
+            if (FAILED(refused)) return refused;
+            *surface = new RecordedSurface(
+                recording_,
+                {format, D3DRTYPE_SURFACE, D3DUSAGE_RENDERTARGET, D3DPOOL_DEFAULT, samples, quality, width, height},
+                lockable != 0);
             return D3D_OK;
         });
     }
     HRESULT CreateOffscreenPlainSurface(UINT width, UINT height, D3DFORMAT format, D3DPOOL pool,
                                         IDirect3DSurface9** surface) override {
         return Do("CreateOffscreenPlainSurface", {width, height, format, pool}, [&] {
-            if (width == 0 || height == 0 || pool == D3DPOOL_MANAGED) return D3DERR_INVALIDCALL;
-            *surface = new RecordedSurface(recording_, {format, D3DRTYPE_SURFACE, 0, pool, 0, 0, width, height});
-            return D3D_OK;
+            const HRESULT refused = CheckPlainSurface(Limits(), width, height, format, pool);
+            if (FAILED(refused)) return refused;
+            const D3DSURFACE_DESC desc = {format, D3DRTYPE_SURFACE, 0, pool, D3DMULTISAMPLE_NONE, 0, width, height};
+            return *surface = new RecordedSurface(recording_, desc, true, true), D3D_OK;
         });
     }
     HRESULT CreateVertexShader(const ShaderCode&, IDirect3DVertexShader9** shader) override {
@@ -103,40 +114,51 @@ class RecordingDevice : public RecordedStateCalls {
 
     HRESULT GetBackBuffer(UINT swap_chain, UINT index, DWORD type, IDirect3DSurface9** surface) override {
         return Do("GetBackBuffer", {swap_chain, index, type}, [&] {
-            return swap_chain == 0 && index == 0 && type == 0 ? Give(back_buffer_, surface) : D3DERR_INVALIDCALL;
+            const HRESULT refused = CheckBackBuffer(swap_chain, index, back_buffers_);
+            return FAILED(refused) ? refused : Give(back_buffer_, surface);
         });
     }
     HRESULT SetRenderTarget(DWORD index, IDirect3DSurface9* surface) override {
         return Do("SetRenderTarget", {index, SerialOf(surface)}, [&] {
-            if (index != 0 || !surface) return D3DERR_INVALIDCALL;
+            if (!surface) return D3DERR_INVALIDCALL;
             const D3DSURFACE_DESC& desc = ImageOf(surface).desc;
-            if (!(desc.Usage & D3DUSAGE_RENDERTARGET)) return D3DERR_INVALIDCALL;
-            states_.viewport = {0, 0, desc.Width, desc.Height, 0.0f, 1.0f};
-            return Bind(states_.target, surface);
+            if (const HRESULT refused = CheckTarget(index, desc); FAILED(refused)) return refused;
+            state_.viewport = {0, 0, desc.Width, desc.Height, 0.0f, 1.0f};
+            return Bind(bound_.target, surface);
         });
     }
     HRESULT GetRenderTarget(DWORD index, IDirect3DSurface9** surface) override {
         return Do("GetRenderTarget", {index},
-                  [&] { return index == 0 ? Give(states_.target, surface) : D3DERR_NOTFOUND; });
+                  [&] { return index == 0 ? Give(bound_.target, surface) : D3DERR_INVALIDCALL; });
     }
     HRESULT GetDepthStencilSurface(IDirect3DSurface9** surface) override {
         return Do("GetDepthStencilSurface", {}, [&] { return depth_ ? Give(depth_, surface) : D3DERR_NOTFOUND; });
     }
-    HRESULT StretchRect(IDirect3DSurface9* source, const RECT*, IDirect3DSurface9* destination, const RECT*,
+    HRESULT StretchRect(IDirect3DSurface9* source, const RECT* from, IDirect3DSurface9* destination, const RECT* to,
                         DWORD filter) override {
-        return recording_.Record("StretchRect", {SerialOf(source), SerialOf(destination), filter});
+        return Do("StretchRect", {SerialOf(source), SerialOf(destination), filter}, [&] {
+            RecordedImage &read = ImageOf(source), &written = ImageOf(destination);
+            RECT area, target;
+            if (!TakeRect(read.desc, from, area) || !TakeRect(written.desc, to, target)) return D3DERR_INVALIDCALL;
+            return CheckStretch({read.desc, area}, {written.desc, target}, &read == &written, filter);
+        });
     }
     HRESULT ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR colour) override {
-        return Do("ColorFill", {SerialOf(surface), colour}, [&] { return Fill(ImageOf(surface), rect, colour); });
+        return Do("ColorFill", {SerialOf(surface), colour}, [&] {
+            RecordedImage& image = ImageOf(surface);
+            RECT area;
+            if (!TakeRect(image.desc, rect, area)) return D3DERR_INVALIDCALL;
+            const HRESULT refused = CheckFill(image.desc, image.plain);
+            if (SUCCEEDED(refused)) Fill(image, area, colour);
+            return refused;
+        });
     }
     HRESULT UpdateTexture(IDirect3DTexture9* source, IDirect3DTexture9* destination) override {
         return Do("UpdateTexture", {SerialOf(source), SerialOf(destination)}, [&] {
             auto &from = static_cast<RecordedTexture&>(*source), &to = static_cast<RecordedTexture&>(*destination);
-            const D3DSURFACE_DESC &a = from.Level(0).desc, &b = to.Level(0).desc;
-            if (a.Pool != D3DPOOL_SYSTEMMEM || b.Pool != D3DPOOL_DEFAULT || a.Width != b.Width ||
-                a.Height != b.Height || a.Format != b.Format || from.GetLevelCount() != to.GetLevelCount()) {
-                return D3DERR_INVALIDCALL;
-            }
+            const HRESULT refused =
+                CheckUpdate(from.Level(0).desc, from.GetLevelCount(), to.Level(0).desc, to.GetLevelCount());
+            if (FAILED(refused)) return refused;
             for (UINT level = 0; level < to.GetLevelCount(); ++level) to.Level(level).bytes = from.Level(level).bytes;
             return D3D_OK;
         });
@@ -145,37 +167,36 @@ class RecordingDevice : public RecordedStateCalls {
         return Do("GetRenderTargetData", {SerialOf(target), SerialOf(system_surface)}, [&] {
             const RecordedImage& from = ImageOf(target);
             RecordedImage& to = ImageOf(system_surface);
-            if (to.desc.Pool != D3DPOOL_SYSTEMMEM || from.bytes.size() != to.bytes.size()) return D3DERR_INVALIDCALL;
+            if (const HRESULT refused = CheckReadBack(from.desc, to.desc); FAILED(refused)) return refused;
             return to.bytes = from.bytes, D3D_OK;
         });
     }
 
-    HRESULT BeginScene() override { return SetInScene("BeginScene", true); }
-    HRESULT EndScene() override { return SetInScene("EndScene", false); }
+    HRESULT BeginScene() override { return Set("BeginScene", {}, &DeviceState::SetInScene, true); }
+    HRESULT EndScene() override { return Set("EndScene", {}, &DeviceState::SetInScene, false); }
     HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR colour, float z, DWORD stencil) override {
-        return Do("Clear", {count, flags, colour, Bits(z), stencil}, [&] {
-            const bool depth = (flags & (D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL)) != 0;
-            const bool valid = (count == 0) == (rects == nullptr) && z >= 0 && z <= 1 && (!depth || depth_);
-            return valid ? D3D_OK : D3DERR_INVALIDCALL;
-        });
+        return Do("Clear", {count, flags, colour, Bits(z), stencil},
+                  [&] { return CheckClear(count, rects, flags, z, depth_ ? &ImageOf(depth_.Get()).desc : nullptr); });
     }
 
   private:
     ~RecordingDevice() override = default;
 
+    DeviceLimits Limits() const { return {static_cast<int>(recording_.caps.MaxTextureWidth), 4, true}; }
+
     void MakeSwapChain(const D3DPRESENT_PARAMETERS& parameters) {
-        const bool depth = parameters.EnableAutoDepthStencil != 0;
-        const UINT width = parameters.BackBufferWidth ? parameters.BackBufferWidth : recording_.client_width;
-        const UINT height = parameters.BackBufferHeight ? parameters.BackBufferHeight : recording_.client_height;
+        const UINT width = parameters.BackBufferWidth, height = parameters.BackBufferHeight;
         const auto make = [&](D3DFORMAT format, DWORD usage) {
             const D3DSURFACE_DESC desc = {format, D3DRTYPE_SURFACE, usage, D3DPOOL_DEFAULT, 0, 0, width, height};
-            return DevicePtr<IDirect3DSurface9>(new RecordedSurface(recording_, desc));
+            return DevicePtr<IDirect3DSurface9>(new RecordedSurface(recording_, desc, false));
         };
+        back_buffers_ = parameters.BackBufferCount;
         back_buffer_ = make(parameters.BackBufferFormat, D3DUSAGE_RENDERTARGET);
         depth_.Reset();
-        if (depth) depth_ = make(parameters.AutoDepthStencilFormat, D3DUSAGE_DEPTHSTENCIL);
-        states_ = RecordedStates(depth, width, height);
-        states_.target = back_buffer_;
+        if (parameters.EnableAutoDepthStencil) depth_ = make(parameters.AutoDepthStencilFormat, D3DUSAGE_DEPTHSTENCIL);
+        state_ = DeviceState(parameters.EnableAutoDepthStencil != 0);
+        state_.viewport = {0, 0, width, height, 0.0f, 1.0f};
+        bound_.target = back_buffer_;
     }
     /// Resources that the program, not the device, keeps in the default pool.
     int ForeignDefaultPoolObjects() const {
@@ -185,38 +206,22 @@ class RecordingDevice : public RecordedStateCalls {
         return recording_.LiveDefaultPoolObjects() - own;
     }
     template <class Interface>
-    HRESULT MakeBuffer(UINT bytes, D3DPOOL pool, Interface** buffer) {
-        if (bytes == 0 || pool == D3DPOOL_SCRATCH) return D3DERR_INVALIDCALL;
-        *buffer = new RecordedBuffer<Interface>(recording_, bytes, pool);
-        return D3D_OK;
-    }
-    template <class Interface>
     HRESULT MakeShader(const char* method, Interface** shader) {
         return Do(method, {}, [&] { return *shader = new RecordedShader<Interface>(recording_), D3D_OK; });
-    }
-    HRESULT SetInScene(const char* method, bool in_scene) {
-        return Do(method, {}, [&] {
-            if (states_.in_scene == in_scene) return D3DERR_INVALIDCALL;
-            return states_.in_scene = in_scene, D3D_OK;
-        });
     }
     static RecordedImage& ImageOf(IDirect3DSurface9* surface) {
         return static_cast<RecordedSurface*>(surface)->Image();
     }
-    static HRESULT Fill(RecordedImage& image, const RECT* rect, D3DCOLOR colour) {
-        if (image.desc.Pool != D3DPOOL_DEFAULT) return D3DERR_INVALIDCALL;
-        const LONG width = static_cast<LONG>(image.desc.Width), height = static_cast<LONG>(image.desc.Height);
-        const RECT area = rect ? *rect : RECT{0, 0, width, height};
-        if (area.left < 0 || area.top < 0 || area.right > width || area.bottom > height) return D3DERR_INVALIDCALL;
-        if (RowBytes(image.desc.Format, 1) != sizeof(colour)) return D3D_OK;
+    static void Fill(RecordedImage& image, const RECT& area, D3DCOLOR colour) {
+        if (image.format.bytes != sizeof(colour)) return;
         for (LONG y = area.top; y < area.bottom; ++y) {
             BYTE* row = image.bytes.data() + static_cast<std::ptrdiff_t>(y) * image.pitch;
             for (LONG x = area.left; x < area.right; ++x) std::memcpy(row + 4 * x, &colour, sizeof(colour));
         }
-        return D3D_OK;
     }
 
     DWORD behaviour_;
+    UINT back_buffers_ = 0;
     DevicePtr<IDirect3DSurface9> back_buffer_, depth_;
 };
 
@@ -257,8 +262,12 @@ class RecordingDirect3D : public RecordedObject<IDirect3D9> {
     }
     HRESULT CreateDevice(UINT adapter, D3DDEVTYPE type, HWND, DWORD behaviour, D3DPRESENT_PARAMETERS* parameters,
                          IDirect3DDevice9** device) override {
-        return Do("CreateDevice", {adapter, type, behaviour},
-                  [&] { return *device = new RecordingDevice(recording_, behaviour, *parameters), D3D_OK; });
+        return Do("CreateDevice", {adapter, type, behaviour}, [&] {
+            D3DPRESENT_PARAMETERS complete = *parameters;
+            if (!ValidBehaviour(behaviour)) return D3DERR_INVALIDCALL;
+            if (const HRESULT refused = Complete(recording_, complete); FAILED(refused)) return refused;
+            return *device = new RecordingDevice(recording_, behaviour, complete), D3D_OK;
+        });
     }
 };
 

@@ -14,15 +14,6 @@ namespace sparkrig {
 
 class EffectTest : public ::testing::Test {
   protected:
-    EffectTest() {
-        const DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
-        D3DPRESENT_PARAMETERS parameters = {};
-        parameters.Windowed = TRUE;
-        direct3d->CreateDevice(0, D3DDEVTYPE_HAL, nullptr, D3DCREATE_MIXED_VERTEXPROCESSING, &parameters,
-                               device_.Receive());
-        recording_.ForgetCalls();
-    }
-
     std::string Write(const std::string& name, const std::string& text) const { return folder_.Write(name, text); }
 
     DevicePtr<ID3DXEffect> Load(const std::string& source, ID3DXEffectPool* pool = nullptr) {
@@ -46,7 +37,7 @@ class EffectTest : public ::testing::Test {
     }
 
     Recording recording_;   // before the device, which records to it
-    DevicePtr<IDirect3DDevice9> device_;
+    DevicePtr<IDirect3DDevice9> device_ = recording_.MakeDevice();
     ScratchFolder folder_;
 };
 

@@ -12,20 +12,13 @@ namespace {
 using ::testing::ElementsAre;
 
 struct Device {
-    Device() {
-        DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
-        D3DPRESENT_PARAMETERS parameters = {};
-        parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
-        direct3d->CreateDevice(0, D3DDEVTYPE_HAL, nullptr, D3DCREATE_MIXED_VERTEXPROCESSING, &parameters,
-                               device.Receive());
-    }
     DevicePtr<ID3DXMesh> MakeMesh(DWORD faces, DWORD vertices, DWORD options = D3DXMESH_MANAGED, DWORD fvf = 0x42) {
         DevicePtr<ID3DXMesh> mesh;
         result = D3DXCreateMeshFVF(faces, vertices, options, fvf, device.Get(), mesh.Receive());
         return mesh;
     }
     Recording recording;
-    DevicePtr<IDirect3DDevice9> device;
+    DevicePtr<IDirect3DDevice9> device = recording.MakeDevice();
     HRESULT result = D3D_OK;
 };
 

@@ -12,14 +12,6 @@ using testing::ElementsAre;
 
 class TextureFromFile : public TemporaryFolder {
   protected:
-    TextureFromFile() {
-        const DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
-        D3DPRESENT_PARAMETERS parameters = {};
-        parameters.Windowed = TRUE;
-        direct3d->CreateDevice(0, D3DDEVTYPE_HAL, nullptr, D3DCREATE_HARDWARE_VERTEXPROCESSING, &parameters,
-                               device_.Receive());
-    }
-
     struct Options {
         UINT width = D3DX_DEFAULT_NONPOW2, height = D3DX_DEFAULT_NONPOW2, levels = 1;
         DWORD usage = 0;
@@ -47,7 +39,7 @@ class TextureFromFile : public TemporaryFolder {
     }
 
     Recording recording_;
-    DevicePtr<IDirect3DDevice9> device_;
+    DevicePtr<IDirect3DDevice9> device_ = recording_.MakeDevice(D3DCREATE_HARDWARE_VERTEXPROCESSING);
     DevicePtr<IDirect3DTexture9> texture_;
     D3DXIMAGE_INFO info_ = {};
 };
