@@ -1,4 +1,4 @@
-// Every call that the program makes of the device, the codes that it may answer, and what is reported then.
+// Every call that the program makes of the device, the codes that it may answer, and acts that make them.
 #pragma once
 #include <string>
 #include <vector>
@@ -16,24 +16,21 @@ const std::vector<CallCodes>& CodesOfCalls();
 /// Empty for a call that is not in the list.
 std::vector<HRESULT> CodesOf(const std::string& method);
 
-/// A call that is refused, and what the program does when it is.
-struct FailingCall {
+/// Calls whose refusal is not reported by the code's name, by design.
+struct QuietCall {
     const char* method;
-    const char* report;   // "warning" or "error", and the text; %s stands for the code's name; "" for nothing
-    void (*act)(WholeProgram& program);
-    std::vector<HRESULT> codes = {};   // of this row; empty: all that the call may answer
-    int nth = 1;                       // which call of the act's
-};
-/// While the program is made.
-const std::vector<FailingCall>& FailingStart();
-/// Of a program that plays.
-const std::vector<FailingCall>& FailingCalls();
-
-/// Calls whose refusal is not reported, by design.
-struct SilentCall {
-    const char* method;
+    bool reported;   // in other words
     const char* reason;
 };
-const std::vector<SilentCall>& SilentCalls();
+const std::vector<QuietCall>& QuietCalls();
+
+/// What a program that plays can be asked to do; together, with SetEveryState, they make every call.
+struct Act {
+    const char* name;
+    void (*run)(WholeProgram& program);
+};
+const std::vector<Act>& Acts();
+/// Sets what stays set: an act for a program that ends behind it.
+void SetEveryState(WholeProgram& program);
 
 }   // namespace sparkrig

@@ -66,6 +66,8 @@ class Canvas {
     HRESULT Draw(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const std::vector<Vertex>& vertices) {
         return DrawBytes(fvf, type, primitives, vertices.data(), vertices.size() * sizeof(Vertex), sizeof(Vertex));
     }
+    HRESULT DrawBytes(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const void* vertices, std::size_t bytes,
+                      UINT stride);
     /// Fills the rectangle of whole pixels with one colour; texture coordinates run from 0 to 1.
     void Fill(const RECT& pixels, D3DCOLOR diffuse, D3DCOLOR specular = 0xFF000000, float z = 0.5f);
     void FillAll(D3DCOLOR diffuse, D3DCOLOR specular = 0xFF000000, float z = 0.5f);
@@ -75,9 +77,6 @@ class Canvas {
     std::vector<D3DCOLOR> Pixels() { return ReadBackBuffer(*device_); }
 
   private:
-    HRESULT DrawBytes(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const void* vertices, std::size_t bytes,
-                      UINT stride);
-
     UINT width_, height_;
     SDL_Window* window_;
     DevicePtr<IDirect3DDevice9> device_;

@@ -3,7 +3,9 @@
 
 #include <bit>
 #include <cmath>
+#include <random>
 
+#include "tests/platform/d3d9_gl/fixed_function.h"
 #include "tests/platform/d3d9_gl/matrices.h"
 #include "tests/support/canvas.h"
 
@@ -13,17 +15,6 @@ namespace {
 constexpr D3DCOLOR kFront = Argb(255, 200, 100, 50);
 constexpr UINT kSize = 64;
 
-struct PlainPoint {
-    static constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_DIFFUSE;
-    D3DVECTOR position;
-    D3DCOLOR diffuse = kFront;
-};
-struct SizedPoint {
-    static constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_PSIZE | D3DFVF_DIFFUSE;
-    D3DVECTOR position;
-    float size;
-    D3DCOLOR diffuse = kFront;
-};
 struct FinalPoint {
     static constexpr DWORD kFvf = D3DFVF_XYZRHW | D3DFVF_PSIZE | D3DFVF_DIFFUSE;
     float x, y, z, rhw, size;
@@ -45,6 +36,16 @@ class Points : public testing::Test {
     Box Draw(const std::vector<Vertex>& vertices, D3DPRIMITIVETYPE type = D3DPT_POINTLIST, UINT count = 1) {
         canvas_.Clear(0);
         EXPECT_EQ(canvas_.Draw<Vertex>(Vertex::kFvf, type, count, vertices), D3D_OK);
+        return Covered();
+    }
+    Box DrawBytes(DWORD fvf, const std::vector<BYTE>& vertex) {
+        canvas_.Clear(0);
+        EXPECT_EQ(
+            canvas_.DrawBytes(fvf, D3DPT_POINTLIST, 1, vertex.data(), vertex.size(), static_cast<UINT>(vertex.size())),
+            D3D_OK);
+        return Covered();
+    }
+    Box Covered() {
         const auto pixels = canvas_.Pixels();
         Box box;
         UINT covered = 0;
@@ -77,47 +78,46 @@ class Points : public testing::Test {
     Canvas canvas_;
 };
 
-TEST_F(Points, HaveTheSizeOfTheStateOrTheVertex) {
-    // Clip coordinates to screen: (1 + x) * 32, (1 - y) * 32.
-    const D3DVECTOR place = {-0.29f, 0.17f, 0.5f};
-    Set(D3DRS_POINTSIZE, 7.3f);
-    ExpectSquare(Draw<PlainPoint>({{place}}), 22.72, 26.56, 7.3, "state");
-    ExpectSquare(Draw<SizedPoint>({{place, 12.6f}}), 22.72, 26.56, 12.6, "vertex");
-    ExpectSquare(Draw<FinalPoint>({{30.3f, 20.2f, 0.5f, 1, 9.7f}}), 30.3, 20.2, 9.7, "final position");
-}
-
-TEST_F(Points, StayBetweenTheLimits) {
-    const D3DVECTOR place = {0.013f, 0.021f, 0.5f};
-    Set(D3DRS_POINTSIZE_MIN, 5.4f);
-    Set(D3DRS_POINTSIZE_MAX, 20.6f);
-    ExpectSquare(Draw<SizedPoint>({{place, 2.0f}}), 32.416, 31.328, 5.4, "smallest");
-    ExpectSquare(Draw<SizedPoint>({{place, 33.0f}}), 32.416, 31.328, 20.6, "largest");
-    Set(D3DRS_POINTSIZE_MAX, 1000.0f);   // the device's own limit is 256
-    const D3DVECTOR aside = {-4.5f, 0.021f, 0.5f};
-    const D3DMATRIX wide = Scaling(0.5f, 0.5f, 1);
-    canvas_->SetTransform(D3DTS_PROJECTION, &wide);
-    ExpectSquare(Draw<SizedPoint>({{aside, 900.0f}}), -40.0, 31.664, 256, "device limit");
-}
-
-TEST_F(Points, ScaleWithDistance) {
-    const D3DMATRIX view = Translation(0.3f, -0.2f, 1.5f), projection = Perspective(0.5f, 50);
-    canvas_->SetTransform(D3DTS_VIEW, &view);
-    canvas_->SetTransform(D3DTS_PROJECTION, &projection);
-    canvas_->SetRenderState(D3DRS_POINTSCALEENABLE, TRUE);
-    constexpr struct {
-        float a, b, c, depth;
-    } kRows[] = {{1, 0, 0, 0.8f}, {0, 1, 0, 1.9f}, {0, 0, 1, 0.4f}, {0.3f, 0.2f, 0.1f, 2.6f}};
-    for (const auto& row : kRows) {
-        Set(D3DRS_POINTSCALE_A, row.a);
-        Set(D3DRS_POINTSCALE_B, row.b);
-        Set(D3DRS_POINTSCALE_C, row.c);
-        const double z = row.depth + 1.5, distance = std::sqrt(0.3 * 0.3 + 0.2 * 0.2 + z * z);
-        const double size = kSize * 0.27 * std::sqrt(1 / (row.a + row.b * distance + row.c * distance * distance));
-        ExpectSquare(Draw<SizedPoint>({{{0, 0, row.depth}, 0.27f}}), (1 + 0.3 / z) * 32, (1 + 0.2 / z) * 32, size,
-                     "distance " + std::to_string(distance));
+TEST_F(Points, HaveTheSizeOfTheReference) {
+    std::mt19937 random(9);
+    const auto in = [&](double from, double to) {
+        return static_cast<float>(std::uniform_real_distribution<double>(from, to)(random));
+    };
+    fixed::Scene scene;
+    scene.vertex.diffuse = kFront;
+    scene.state.projection = Perspective(0.3f, 20);
+    scene.state.viewport.Height = kSize;
+    canvas_->SetTransform(D3DTS_PROJECTION, &scene.state.projection);
+    int sure = 0;
+    for (int round = 0; round < 200; ++round) {
+        fixed::Vertex& vertex = scene.vertex;
+        const bool scaled = round % 3 == 0;
+        vertex.final_position = round % 5 == 0;
+        vertex.position = {in(-0.6, 0.6), in(-0.6, 0.6), in(0.5, 3), 1};
+        if (vertex.final_position) vertex.position = {in(10, 50), in(10, 50), 0.5f, 0.7f};
+        vertex.size.reset();
+        if (round % 2 == 0) vertex.size = scaled ? in(0.1, 0.6) : in(1, 40);
+        const std::pair<D3DRENDERSTATETYPE, float> kStates[] = {
+            {D3DRS_POINTSIZE, scaled ? in(0.1, 0.6) : in(1, 40)},
+            {D3DRS_POINTSIZE_MIN, in(1, 5)},
+            {D3DRS_POINTSIZE_MAX, round % 7 == 0 ? 1000 : in(20, 60)},
+            {D3DRS_POINTSCALE_A, in(0, 1)},
+            {D3DRS_POINTSCALE_B, in(0, 1)},
+            {D3DRS_POINTSCALE_C, in(0.1, 1)}};
+        for (const auto& [state, value] : kStates) scene.state.SetRenderState(state, std::bit_cast<DWORD>(value));
+        scene.state.SetRenderState(D3DRS_POINTSCALEENABLE, scaled);
+        for (const auto& [state, value] : kStates) Set(state, value);
+        canvas_->SetRenderState(D3DRS_POINTSCALEENABLE, scaled);
+        const fixed::Vec clip = fixed::Times(fixed::EyePosition(scene), scene.state.projection);
+        const double x = vertex.final_position ? vertex.position[0] : (1 + clip[0] / clip[3]) * kSize / 2,
+                     y = vertex.final_position ? vertex.position[1] : (1 - clip[1] / clip[3]) * kSize / 2,
+                     size = fixed::PointSize(scene);
+        const auto tie = [](double edge) { return std::abs(edge - std::round(edge)) < 0.02; };
+        if (tie(x - size / 2) || tie(x + size / 2) || tie(y - size / 2) || tie(y + size / 2)) continue;
+        ++sure;
+        ExpectSquare(DrawBytes(vertex.Fvf(), vertex.Bytes()), x, y, size, "round " + std::to_string(round));
     }
-    // Final positions are not scaled.
-    ExpectSquare(Draw<FinalPoint>({{30.3f, 20.2f, 0.5f, 1, 9.7f}}), 30.3, 20.2, 9.7, "final position");
+    EXPECT_GT(sure, 150);
 }
 
 TEST_F(Points, ReachIntoTheViewportAndAreDroppedBehindItsDepth) {

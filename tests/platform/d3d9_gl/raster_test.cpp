@@ -69,6 +69,16 @@ TEST(Raster, GivesPixelsOnAnEdgeToTheLeftAndTheTop) {
     }
 }
 
+TEST(Raster, IsFlatInTheColourOfTheFirstVertex) {
+    Canvas canvas(4, 4);
+    canvas->SetRenderState(D3DRS_SHADEMODE, D3DSHADE_FLAT);
+    canvas.Draw<ScreenVertex>(
+        ScreenVertex::kFvf, D3DPT_TRIANGLELIST, 1,
+        {{-1, -1, 0, 1, kFront, 0, 0, 0}, {9, -1, 0, 1, kBack, 0, 0, 0}, {-1, 9, 0, 1, 0xFFFFFFFF, 0, 0, 0}});
+    EXPECT_EQ(canvas.PixelArgb(0, 0), kFront);
+    EXPECT_EQ(canvas.PixelArgb(3, 2), kFront);
+}
+
 TEST(Raster, CullsByTheWindingSeenOnTheScreen) {
     constexpr struct {
         DWORD mode;

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/d3d9_gl/device_hooks.h"
-#include "tests/platform/d3d9_gl/point_canvas.h"
+#include "tests/support/canvas.h"
 
 namespace sparkrig {
 namespace {

@@ -1,0 +1,59 @@
+// The fixed function on the processor, in double, for one vertex that is drawn as a point over everything: slow,
+// obvious, written from the rules of the interface, and what OpenGL's pixels are compared with.
+#pragma once
+#include <array>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+#include "platform/d3d9/device_state.h"
+
+namespace sparkrig::fixed {
+
+using Colour = std::array<double, 4>;   // r, g, b, a in 0..1
+using Vec = std::array<double, 4>;
+Colour From(D3DCOLOR argb);
+double Dot(const Vec& a, const Vec& b);   // of the first three
+Vec Times(const Vec& v, const D3DMATRIX& m);
+
+/// What the vertex format names is there, and in its order.
+struct Vertex {
+    bool final_position = false;
+    std::array<float, 4> position = {};   // w: rhw of a final one
+    std::vector<float> weights;           // three, with indices, or none
+    std::array<BYTE, 4> indices = {};
+    std::optional<std::array<float, 3>> normal;
+    std::optional<float> size;
+    std::optional<D3DCOLOR> diffuse, specular;
+    std::vector<std::vector<float>> sets;
+
+    DWORD Fvf() const;
+    std::vector<BYTE> Bytes() const;
+};
+
+/// Sampled at the nearest texel, wrapped.
+struct Texture {
+    static constexpr UINT kSize = 4;
+    std::array<D3DCOLOR, kSize * kSize> texels;
+    bool is_signed = false;   // du and dv in the two low bytes
+};
+
+struct Scene {
+    DeviceState state{false};
+    std::array<const Texture*, kTextureStages> textures = {};
+    Vertex vertex;
+    D3DCOLOR back = 0;
+    bool alpha_in_target = false;   // else it reads as 1
+};
+
+struct Seen {
+    Colour colour;
+    bool sure = true;   // not within rounding of a step: a texel's edge, a cone, a limit
+};
+Seen PixelOf(const Scene& scene);
+
+/// Before the projection; and the point's edge in pixels.
+Vec EyePosition(const Scene& scene);
+double PointSize(const Scene& scene);
+
+}   // namespace sparkrig::fixed
