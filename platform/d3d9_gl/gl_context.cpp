@@ -2,6 +2,7 @@
 
 #include <SDL.h>
 #include <epoxy/gl.h>
+#include <malloc.h>
 
 #include <optional>
 
@@ -30,6 +31,14 @@ GlLimits ReadLimits() {
         glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY_EXT, &limits.max_anisotropy);
     }
     return limits;
+}
+
+// Software OpenGL takes the memory of a scene from the top of the heap and frees it when it has drawn. The C library
+// would give it back to the system each time, and each of its pages would be fetched and cleared again for the next
+// scene.
+void KeepFreedMemory(const std::string& renderer) {
+    constexpr int kKeptBytes = 64 << 20;
+    if (renderer.find("llvmpipe") != std::string::npos) mallopt(M_TRIM_THRESHOLD, kKeptBytes);
 }
 
 // A current context of the needed version, or null with the reason set.
@@ -72,6 +81,7 @@ GlContext::GlContext(SDL_Window* window, void* context)
       context_(context),
       limits_(ReadLimits()),
       ring_(std::make_unique<StreamRing>()) {
+    KeepFreedMemory(limits_.renderer);
     glClipControl(GL_UPPER_LEFT, GL_ZERO_TO_ONE);
     glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
     glFrontFace(GL_CW);
