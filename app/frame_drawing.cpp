@@ -61,6 +61,11 @@ void DrawEffects(Engine& engine, LoopState& loop) {
 
 }   // namespace
 
+void ShowBackgroundPicture(Engine& engine, TesterState& state) {
+    const std::string why_not = LoadBackgroundPicture(*engine.gfx, engine.background, state.background_path);
+    if (!why_not.empty()) state.Note("Background picture: " + why_not);
+}
+
 void BeginPlaying(Engine& engine, TesterState& state, LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
     engine.effects.Init(gfx, 0);
@@ -69,7 +74,7 @@ void BeginPlaying(Engine& engine, TesterState& state, LoopState& loop) {
     PlaceCameraAtHome(loop.camera);
     gfx.SetProjection(1.0f, 2000.0f, 0.7854f, -1.0f);
     gfx.SetCullingMode(-1);
-    LoadBackgroundPicture(gfx, engine.background, state.background_path);
+    ShowBackgroundPicture(engine, state);
     loop.show_backdrop = !engine.background.HasSurface();
     state.clock.Restart();
     loop.rate.Restart(state.clock.Now());

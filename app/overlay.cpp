@@ -8,7 +8,17 @@ namespace sparkrig {
 
 namespace {
 
-constexpr float kMargin = 13, kSpeedFromRight = 70, kDrawsFromRight = 140;
+constexpr float kMargin = 13, kNoticeTop = 34, kTextSize = 2, kSpeedFromRight = 70, kDrawsFromRight = 140;
+
+/// Broken into lines of the width of the window.
+void PrintNotice(Engine& engine, const std::string& text, float width) {
+    const float advance = kTextSize * engine.font->Advance('0');
+    const std::size_t columns = static_cast<std::size_t>(std::max(width / advance, 1.0f));
+    float y = kNoticeTop;
+    for (std::size_t i = 0; i < text.size(); i += columns, y += kMargin) {
+        engine.gfx->Printf(1, y, "%s", text.substr(i, columns).c_str());
+    }
+}
 
 void PrintLines(Engine& engine, const TesterState& state, const LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
@@ -18,6 +28,7 @@ void PrintLines(Engine& engine, const TesterState& state, const LoopState& loop)
     gfx.PrintfCentred(width - kSpeedFromRight, kMargin, "Spd:%.2f", static_cast<double>(loop.speed));
     gfx.PrintfCentred(static_cast<float>(half_width), kMargin, "%s",
                       engine.effects.GetEffectName(state.current_effect).c_str());
+    if (state.clock.FrameTime() < state.notice.until) PrintNotice(engine, state.notice.text, width);
     gfx.Printf(1, height - kMargin, "NrPart:%i/%i", loop.drawn_particles, loop.most_drawn_particles);
     gfx.Printf(width - kDrawsFromRight, height - kMargin, "NrDraws:%i", engine.effects.DrawCallCount());
 }
@@ -40,7 +51,7 @@ void EndText(Engine& engine) {
 
 void DrawOverlay(Engine& engine, const TesterState& state, const LoopState& loop) {
     const auto draw = [&] {
-        BeginText(engine, 2.0f);
+        BeginText(engine, kTextSize);
         if (!loop.show_overlay) return;
         PrintLines(engine, state, loop);
         engine.gfx->DrawText();

@@ -7,6 +7,11 @@ TesterState& Tester() {
     return state;
 }
 
+void TesterState::Note(const std::string& text) {
+    constexpr double kSecondsShown = 10;
+    notice = {text, clock.Now() + kSecondsShown};
+}
+
 void TesterState::ReadClientSize() {
     RECT client;
     GetClientRect(window, client);

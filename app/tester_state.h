@@ -1,5 +1,7 @@
 // What the window procedure, the commands and the frame loop share.
 #pragma once
+#include <string>
+
 #include "app/clock.h"
 #include "platform/window/window.h"
 #include "scene/camera.h"
@@ -14,6 +16,12 @@ struct PendingClick {
     int button = -1;   // 0 the left button, -1 none
     int pressed = 0;
     int x = 0, y = 0;   // client area
+};
+
+/// A sentence that the overlay shows for a while.
+struct Notice {
+    std::string text;
+    double until = 0;   // on the clock
 };
 
 /// The program-wide settings and state.
@@ -35,7 +43,9 @@ struct TesterState {
     double last_click_time = -1.0;
     int initialised = 0;
     FrameClock clock;
+    Notice notice;
 
+    void Note(const std::string& text);
     /// Takes over the size of the window's client area.
     void ReadClientSize();
     /// Nothing is drawn until the window can be seen and used again.

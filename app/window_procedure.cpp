@@ -7,8 +7,14 @@ namespace sparkrig {
 
 namespace {
 
-int LowWord(LPARAM lParam) { return static_cast<std::int16_t>(lParam & 0xFFFF); }
-int HighWord(LPARAM lParam) { return static_cast<std::int16_t>((lParam >> 16) & 0xFFFF); }
+void Paint(HWND window) {
+    char text[100];
+    LoadStringA(kWindowText, text, sizeof(text));
+    RECT client;
+    GetClientRect(window, client);
+    DrawTextA(BeginPaint(window), text, client, DT_CENTER);
+    EndPaint(window);
+}
 
 void RecordClick(TesterState& state, LPARAM lParam) {
     constexpr double kDoubleClickSeconds = 0.3;
@@ -31,6 +37,7 @@ LRESULT WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
             state.window_visible = wParam != SIZE_MINIMIZED && wParam != SIZE_MAXHIDE;
             state.ReadClientSize();
             return 0;
+        case WM_PAINT: Paint(window); return 0;
         case WM_ACTIVATEAPP: state.application_active = static_cast<int>(wParam); return 0;
         case WM_COMMAND:
             if ((wParam & 0xFFFF) != kCommandExit) break;

@@ -33,6 +33,7 @@ need_packages() {
 
 BUILD_PACKAGES=(g++ cmake ninja-build ccache pkg-config libsdl2-dev libepoxy-dev libgl1-mesa-dri libegl1 libegl-mesa0
     libegl-dev libgl1 libgl-dev libopengl-dev libstb-dev libglm-dev glslang-dev spirv-tools libspirv-cross-c-shared-dev
-    libfmt-dev libcli11-dev libtbb-dev libtomlplusplus-dev nlohmann-json3-dev liblzma-dev libpng-dev)
-TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xdotool openbox x11-utils xz-utils)
+    libfmt-dev libcli11-dev libtbb-dev libtomlplusplus-dev nlohmann-json3-dev liblzma-dev libpng-dev libimgui-dev
+    libfontconfig-dev libx11-dev fonts-dejavu-core fonts-unifont)
+TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xdotool openbox x11-utils imagemagick xz-utils)
 FUZZ_PACKAGES=(clang libclang-rt-14-dev)

@@ -39,10 +39,14 @@ Device::Device(std::shared_ptr<GlContext> context, const PresentWindow& window, 
       presenter_(context_, window),
       pipeline_(context_),
       behaviour_(behaviour),
-      state_(/*auto_depth=*/false) {}
+      state_(/*auto_depth=*/false) {
+    presenter_.OfferPicture([this] { return DrawPresented(); });
+}
 
 Device::~Device() {
-    if (quad_indices_ != 0 && context_->Activate()) glDeleteBuffers(1, &quad_indices_);
+    const bool active = context_->Activate();
+    presenter_.OfferPicture(nullptr);
+    if (quad_indices_ != 0 && active) glDeleteBuffers(1, &quad_indices_);
 }
 
 // Everything for complete parameters: screen, swap chain, states.
@@ -68,7 +72,10 @@ bool Device::CreateSwapChain() {
     desc.Height = parameters_.BackBufferHeight;
     desc.Format = parameters_.BackBufferFormat;
     desc.Usage = D3DUSAGE_RENDERTARGET;
-    back_buffer_ = DevicePtr(OwnSurface::Create(context_, SurfaceKind::SwapChain, desc, /*lockable=*/false));
+    const auto shown = std::exchange(
+        back_buffer_, DevicePtr(OwnSurface::Create(context_, SurfaceKind::SwapChain, desc, /*lockable=*/false)));
+    // A window that is uncovered before the next frame still has its picture.
+    if (presented_ && shown && back_buffer_) presenter_.Copy(*shown, *back_buffer_);
     depth_.Reset();
     if (parameters_.EnableAutoDepthStencil) {
         desc.Format = parameters_.AutoDepthStencilFormat;
@@ -135,7 +142,16 @@ HRESULT Device::Present(const RECT* source, const RECT* destination, HWND window
     if (const HRESULT result = CheckPresent(life_, state_.in_scene, whole); FAILED(result)) return result;
     if (!blind_ && presenter_.Present(*back_buffer_, !parameters_.Windowed)) pipeline_.ForgetGl();
     ++context_->frame;
+    presented_ = true;
     return D3D_OK;
+}
+
+// The back buffer keeps what it showed until the next frame is drawn. The window draws its own things over it.
+bool Device::DrawPresented() {
+    pipeline_.ForgetGl();
+    if (!presented_ || in_scene_ || !context_->Activate()) return false;
+    presenter_.DrawPicture(*back_buffer_, !parameters_.Windowed);
+    return true;
 }
 
 HRESULT Device::GetDeviceCaps(D3DCAPS9* caps) {

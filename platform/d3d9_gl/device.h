@@ -120,6 +120,7 @@ class Device final : public RefCounted<IDirect3DDevice9> {
 
     // Life (device.cpp)
     HRESULT ApplyParameters(D3DPRESENT_PARAMETERS parameters);
+    bool DrawPresented();
     bool CreateSwapChain();
     bool DefaultPoolHeld() const;
     void StartAnew();
@@ -152,6 +153,7 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     DeviceLife life_ = DeviceLife::Operational;
     bool blind_ = false;   // draws, clears and presents nothing
     bool lost_by_minimising_ = false;
+    bool presented_ = false;   // the back buffer holds a frame that was shown
 
     DeviceState state_;
     Bound bound_;

@@ -77,8 +77,10 @@ HRESULT Direct3D::CreateDevice(UINT adapter, D3DDEVTYPE type, HWND focus_window,
         GetClientRect(window, area);
         return area;
     };
+    const auto set_picture = [window](std::function<bool()> draw) { SetWindowPicture(window, std::move(draw)); };
     Device* made = nullptr;
-    const HRESULT result = Device::Create({NativeWindow(window), client_area}, behaviour, *parameters, &made);
+    const HRESULT result =
+        Device::Create({NativeWindow(window), client_area, set_picture}, behaviour, *parameters, &made);
     *device = made;
     return result;
 }

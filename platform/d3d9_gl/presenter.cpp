@@ -2,6 +2,7 @@
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
@@ -32,6 +33,16 @@ void main() {
     pixel_color = vec4(Looked(colour.r, 0), Looked(colour.g, 1), Looked(colour.b, 2), 1.0);
 }
 )";
+
+/// The whole of a surface over the rectangle of a framebuffer.
+void Blit(Surface& from, GLuint framebuffer, const RECT& to) {
+    const GLint width = static_cast<GLint>(from.Desc().Width), height = static_cast<GLint>(from.Desc().Height);
+    const bool same_size = to.right == width && std::max(to.top, to.bottom) == height;
+    glDisable(GL_SCISSOR_TEST);
+    glBlitNamedFramebuffer(from.Framebuffer(), framebuffer, 0, 0, width, height, to.left, to.top, to.right, to.bottom,
+                           GL_COLOR_BUFFER_BIT, same_size ? GL_NEAREST : GL_LINEAR);
+    glEnable(GL_SCISSOR_TEST);
+}
 
 int SwapInterval(DWORD presentation_interval) {
     switch (presentation_interval) {
@@ -90,30 +101,29 @@ void Presenter::SetGammaRamp(const D3DGAMMARAMP& ramp) {
 }
 
 bool Presenter::Present(Surface& back_buffer, bool full_screen) {
-    const RECT client = window_.client_area();
-    const GLint width = client.right - client.left, height = client.bottom - client.top;
-    bool touched = false;
-    if (width > 0 && height > 0) {
-        touched = full_screen && ramp_changes_ && CreateRampProgram();
-        if (touched) {
-            DrawThroughRamp(back_buffer, width, height);
-        } else {
-            Blit(back_buffer, width, height);
-        }
-    }
+    const bool touched = DrawPicture(back_buffer, full_screen);
     SDL_GL_SwapWindow(window_.native);
     return touched;
 }
 
+bool Presenter::DrawPicture(Surface& back_buffer, bool full_screen) {
+    const RECT client = window_.client_area();
+    const GLint width = client.right - client.left, height = client.bottom - client.top;
+    if (width <= 0 || height <= 0) return false;
+    const bool through_ramp = full_screen && ramp_changes_ && CreateRampProgram();
+    if (through_ramp) {
+        DrawThroughRamp(back_buffer, width, height);
+    } else {
+        ShowIn(back_buffer, width, height);
+    }
+    return through_ramp;
+}
+
 // The window's rows run from the bottom up, those of the back buffer from the top down.
-void Presenter::Blit(Surface& back_buffer, GLint width, GLint height) {
-    const GLint from_width = static_cast<GLint>(back_buffer.Desc().Width);
-    const GLint from_height = static_cast<GLint>(back_buffer.Desc().Height);
-    const GLenum filter = from_width == width && from_height == height ? GL_NEAREST : GL_LINEAR;
-    glDisable(GL_SCISSOR_TEST);
-    glBlitNamedFramebuffer(back_buffer.Framebuffer(), 0, 0, from_height, from_width, 0, 0, 0, width, height,
-                           GL_COLOR_BUFFER_BIT, filter);
-    glEnable(GL_SCISSOR_TEST);
+void Presenter::ShowIn(Surface& back_buffer, GLint width, GLint height) { Blit(back_buffer, 0, {0, height, width, 0}); }
+
+void Presenter::Copy(Surface& from, Surface& to) {
+    Blit(from, to.Framebuffer(), {0, 0, static_cast<LONG>(to.Desc().Width), static_cast<LONG>(to.Desc().Height)});
 }
 
 bool Presenter::CreateRampProgram() {

@@ -12,6 +12,8 @@ struct PresentWindow {
     SDL_Window* native = nullptr;
     /// The client area in window coordinates; empty while minimised. What the window has above it (its menu) stays.
     std::function<RECT()> client_area;
+    /// Takes over how the frame presented last is drawn again; null when the device goes.
+    std::function<void(std::function<bool()>)> set_picture;
 };
 
 class Presenter {
@@ -27,9 +29,14 @@ class Presenter {
 
     /// True when OpenGL states were changed on the way.
     bool Present(Surface& back_buffer, bool full_screen);
+    /// Draws the back buffer into the window without showing it yet. True as above.
+    bool DrawPicture(Surface& back_buffer, bool full_screen);
+    /// Stretches one picture over another.
+    static void Copy(Surface& from, Surface& to);
+    void OfferPicture(std::function<bool()> draw) { window_.set_picture(std::move(draw)); }
 
   private:
-    void Blit(Surface& back_buffer, GLint width, GLint height);
+    void ShowIn(Surface& back_buffer, GLint width, GLint height);
     void DrawThroughRamp(Surface& back_buffer, GLint width, GLint height);
     bool CreateRampProgram();
 

@@ -19,6 +19,7 @@ void QueueSize(HWND window, WPARAM type) {
     RECT client;
     GetClientRect(window, client);
     Messages().Post({window, WM_SIZE, type, PackWords(client.right, client.bottom)});
+    if (type != SIZE_MINIMIZED) Messages().Post({window, WM_PAINT, 0, 0});   // the system fills it anew
 }
 
 WPARAM ShownSizeType(HWND window) {
@@ -49,6 +50,7 @@ void QueueWindowEvent(const SDL_WindowEvent& event) {
             pressed_keys.fill(0);
             Messages().Post({window, WM_ACTIVATEAPP, 0, 0});
             break;
+        case SDL_WINDOWEVENT_EXPOSED: Messages().Post({window, WM_PAINT, 0, 0}); break;
         case SDL_WINDOWEVENT_CLOSE: Messages().Post({window, WM_CLOSE, 0, 0}); break;
         default: break;
     }
@@ -73,12 +75,11 @@ void QueueKey(const SDL_KeyboardEvent& event) {
 
 void QueueText(const SDL_TextInputEvent& event) {
     for (const char* character = event.text; *character && !text_is_merged; ++character) {
-        if (static_cast<unsigned char>(*character) >= 0x80) continue;   // nothing here is named with such letters
         MSG* last = Messages().Last();
         if (last && last->message == WM_KEYDOWN && last->character == 0) {
             last->character = *character;
         } else {
-            Messages().Post({WindowFromId(event.windowID), WM_CHAR, static_cast<WPARAM>(*character), 1});
+            Messages().Post({WindowFromId(event.windowID), WM_CHAR, static_cast<std::uint8_t>(*character), 1});
         }
     }
 }
@@ -109,6 +110,10 @@ void QueueEvent(const SDL_Event& event) {
             break;
         case SDL_MOUSEBUTTONDOWN:
         case SDL_MOUSEBUTTONUP: QueueButton(event.button); break;
+        case SDL_MOUSEWHEEL:
+            Messages().Post({WindowFromId(event.wheel.windowID), WM_MOUSEWHEEL,
+                             static_cast<WPARAM>(PackWords(0, event.wheel.y * WHEEL_DELTA)), 0});
+            break;
         case SDL_QUIT: Messages().Post({FirstWindow(), WM_CLOSE, 0, 0}); break;   // the session ends
         default: break;
     }

@@ -14,6 +14,10 @@ bool Replaces(const MSG& message, const MSG& last) {
 }   // namespace
 
 void MessageQueue::Post(const MSG& message) {
+    if (message.message == WM_PAINT) {
+        std::erase_if(waiting_,
+                      [&](const MSG& waiting) { return waiting.message == WM_PAINT && waiting.hwnd == message.hwnd; });
+    }
     MSG* last = Last();
     if (last && Replaces(message, *last)) {
         *last = message;

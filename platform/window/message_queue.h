@@ -10,7 +10,7 @@ namespace sparkrig {
 class MessageQueue {
   public:
     /// A mouse move replaces the one that waits at the end, a new size the one of the same type: only the newest is of
-    /// interest.
+    /// interest. Of the WM_PAINT of a window one waits.
     void Post(const MSG& message);
     /// In front of everything that waits.
     void PostFirst(const MSG& message) { waiting_.push_front(message); }

@@ -7,8 +7,9 @@ namespace sparkrig {
 
 namespace {
 
-// While a window is dragged its end has to be asked for.
-constexpr int kDragPollMilliseconds = 50;
+// While a window is dragged its end has to be asked for. Else SDL holds a change of the focus back for a moment, so as
+// not to report one that is undone at once, and delivers it when it is next asked, not when a wait without end wakes.
+constexpr int kDragPollMilliseconds = 50, kFocusPollMilliseconds = 200;
 
 bool VideoRuns() { return SDL_WasInit(SDL_INIT_VIDEO) != 0; }
 
@@ -32,14 +33,16 @@ bool GetMessageA(MSG& message) {
     while (!PeekMessageA(message, PM_REMOVE)) {
         if (!VideoRuns()) return false;   // nothing will ever come
         SDL_Event event;
-        if (SDL_WaitEventTimeout(&event, AnyWindowDragged() ? kDragPollMilliseconds : -1) != 0) QueueEvent(event);
+        if (SDL_WaitEventTimeout(&event, AnyWindowDragged() ? kDragPollMilliseconds : kFocusPollMilliseconds) != 0) {
+            QueueEvent(event);
+        }
     }
     return message.message != WM_QUIT;
 }
 
 void TranslateMessage(const MSG& message) {
     if (message.message != WM_KEYDOWN || message.character == 0) return;
-    Messages().PostFirst({message.hwnd, WM_CHAR, static_cast<WPARAM>(message.character), message.lParam});
+    Messages().PostFirst({message.hwnd, WM_CHAR, static_cast<std::uint8_t>(message.character), message.lParam});
 }
 
 LRESULT DispatchMessageA(const MSG& message) {

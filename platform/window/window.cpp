@@ -39,7 +39,17 @@ void DestroyNativeWindows(std::vector<std::unique_ptr<Window>>& windows) {
     windows.clear();
 }
 
+void TakeOffFrame(Window& window) {
+    int top = 0, left = 0, bottom = 0, right = 0;
+    if (window.whole_width <= 0 || SDL_GetWindowBordersSize(window.native, &top, &left, &bottom, &right) != 0) return;
+    SDL_SetWindowSize(window.native, std::max(window.whole_width - left - right, 1),
+                      std::max(window.whole_height - top - bottom, 1));
+    window.whole_width = window.whole_height = 0;
+}
+
 bool IsMinimised(HWND window) { return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MINIMIZED) != 0; }
+
+}   // namespace
 
 void ChooseOpenGL() {
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 4);
@@ -47,8 +57,6 @@ void ChooseOpenGL() {
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
     SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);   // frames are drawn into a buffer of our own and copied
 }
-
-}   // namespace
 
 bool StartVideo() {
     if (SDL_WasInit(SDL_INIT_VIDEO) != 0) return true;
@@ -108,8 +116,15 @@ HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, in
     SDL_Window* native = SDL_CreateWindow(title, x, y, std::max(width, 1), std::max(height, 1),
                                           SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN);
     if (!native) return nullptr;
-    auto window = std::make_unique<Window>(Window{native, window_class->second});
+    const HWND window = AddWindow(native, window_class->second);
     if (sized) window->whole_width = width, window->whole_height = height;
+    return window;
+}
+
+HWND AddWindow(SDL_Window* native, WNDPROC procedure) {
+    auto window = std::make_unique<Window>();
+    window->native = native;
+    window->procedure = procedure;
     return System().windows.emplace_back(std::move(window)).get();
 }
 
@@ -119,6 +134,7 @@ void DestroyWindow(HWND window) {
     SDL_HideWindow(window->native);
     window->procedure(window, WM_DESTROY, 0, 0);
     Messages().Forget(window);
+    window->gui.reset();
     System().destroyed.push_back(std::move(*place));
     System().windows.erase(place);
 }
@@ -127,11 +143,8 @@ void ShowWindow(HWND window) { SDL_ShowWindow(window->native); }
 
 void UpdateWindow(HWND window) {
     SDL_PumpEvents();
-    int top = 0, left = 0, bottom = 0, right = 0;
-    if (window->whole_width <= 0 || SDL_GetWindowBordersSize(window->native, &top, &left, &bottom, &right) != 0) return;
-    SDL_SetWindowSize(window->native, std::max(window->whole_width - left - right, 1),
-                      std::max(window->whole_height - top - bottom, 1));
-    window->whole_width = window->whole_height = 0;
+    TakeOffFrame(*window);
+    if (!DriverIsInvisible()) RedrawWindow(window);
 }
 
 void GetClientRect(HWND window, RECT& rectangle) {
@@ -144,13 +157,6 @@ void ShowCursor(bool show) {
     SDL_ShowCursor(System().cursor_counter >= 0 ? SDL_ENABLE : SDL_DISABLE);
 }
 
-void RedrawWindow(HWND window) {
-    SDL_Surface* surface = SDL_GetWindowSurface(window->native);
-    if (!surface) return;
-    SDL_FillRect(surface, nullptr, SDL_MapRGB(surface->format, 255, 255, 255));
-    SDL_UpdateWindowSurface(window->native);
-}
-
 SDL_Window* NativeWindow(HWND window) { return window->native; }
 
 bool IsForegroundWindow(HWND window) {
@@ -159,6 +165,7 @@ bool IsForegroundWindow(HWND window) {
 
 LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {
     if (message == WM_CLOSE) DestroyWindow(window);
+    if (message == WM_PAINT) EndPaint(BeginPaint(window));
     return 0;
 }
 

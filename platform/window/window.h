@@ -2,6 +2,7 @@
 // SDL events become the numbered messages below; mouse moves that wait are merged.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "platform/system/win_types.h"
@@ -15,11 +16,13 @@ using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
 using WNDPROC = LRESULT (*)(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-inline constexpr UINT WM_DESTROY = 0x02, WM_SIZE = 0x05, WM_CLOSE = 0x10, WM_QUIT = 0x12, WM_ACTIVATEAPP = 0x1C,
-                      WM_KEYDOWN = 0x100, WM_KEYUP = 0x101, WM_CHAR = 0x102, WM_COMMAND = 0x111, WM_MOUSEMOVE = 0x200,
-                      WM_LBUTTONDOWN = 0x201, WM_LBUTTONUP = 0x202, WM_ENTERMENULOOP = 0x211, WM_EXITMENULOOP = 0x212,
-                      WM_ENTERSIZEMOVE = 0x231, WM_EXITSIZEMOVE = 0x232;
+inline constexpr UINT WM_DESTROY = 0x02, WM_SIZE = 0x05, WM_PAINT = 0x0F, WM_CLOSE = 0x10, WM_QUIT = 0x12,
+                      WM_ACTIVATEAPP = 0x1C, WM_KEYDOWN = 0x100, WM_KEYUP = 0x101, WM_CHAR = 0x102, WM_COMMAND = 0x111,
+                      WM_MOUSEMOVE = 0x200, WM_LBUTTONDOWN = 0x201, WM_LBUTTONUP = 0x202, WM_MOUSEWHEEL = 0x20A,
+                      WM_ENTERMENULOOP = 0x211, WM_EXITMENULOOP = 0x212, WM_ENTERSIZEMOVE = 0x231,
+                      WM_EXITSIZEMOVE = 0x232;
 inline constexpr WPARAM SIZE_RESTORED = 0, SIZE_MINIMIZED = 1, SIZE_MAXIMIZED = 2, SIZE_MAXSHOW = 3, SIZE_MAXHIDE = 4;
+inline constexpr int WHEEL_DELTA = 120;   // one notch, in the high word of WM_MOUSEWHEEL's wParam
 inline constexpr int CW_USEDEFAULT = static_cast<int>(0x80000000u);
 inline constexpr UINT PM_NOREMOVE = 0, PM_REMOVE = 1;
 
@@ -36,6 +39,10 @@ struct WNDCLASSEXA {
     const char* lpszClassName;   // copied
 };
 
+/// The two signed 16-bit numbers of a position or a size.
+inline int LowWord(LPARAM words) { return static_cast<std::int16_t>(words & 0xFFFF); }
+inline int HighWord(LPARAM words) { return static_cast<std::int16_t>((words >> 16) & 0xFFFF); }
+
 /// False when the class has no name or no procedure. A class of the same name is replaced.
 bool RegisterClassExA(const WNDCLASSEXA& window_class);
 
@@ -46,7 +53,7 @@ HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, in
 /// ends, since the device outlives its window.
 void DestroyWindow(HWND window);
 void ShowWindow(HWND window);
-/// Lets the system place and size the window, so that its client area is the final one.
+/// Lets the system place and size the window, so that its client area is the final one, and sends WM_PAINT.
 void UpdateWindow(HWND window);
 /// Empty (0 x 0) while the window is minimised.
 void GetClientRect(HWND window, RECT& rectangle);
@@ -64,9 +71,21 @@ LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 /// Keeps a counter, starting at 0; the cursor shows while it is not negative.
 void ShowCursor(bool show);
-/// Erases the window to its class's background. Only without a device on it.
+/// Sends WM_PAINT.
 void RedrawWindow(HWND window);
-/// Prints "caption: text" on the error stream and, where there is a display, shows it in a modal box with an OK button.
+
+/// For WM_PAINT. What is drawn until EndPaint shows on the background (white) until a device presents a frame; from
+/// then on EndPaint shows that frame again.
+using HDC = HWND;
+HDC BeginPaint(HWND window);
+/// Draws one line at the top of a rectangle of the client area, in its middle.
+inline constexpr UINT DT_CENTER = 1;
+void DrawTextA(HDC context, const char* text, const RECT& area, UINT format);
+void EndPaint(HWND window);
+
+/// Prints "caption: text" on the error stream and, where there is a display, shows it in a box of its own with an OK
+/// button until that is pressed. The box is no wider and no higher than the screen; a longer text scrolls. Any bytes
+/// can be shown.
 void MessageBoxA(HWND window, const char* text, const char* caption);
 
 /// For the keyboard alone: marks the keys, by the system's scan codes, that have gone down since the last call, and
@@ -75,6 +94,10 @@ void AddPressedKeys(std::span<std::uint8_t> keys);
 
 /// For the device layer alone: the window that OpenGL draws into.
 SDL_Window* NativeWindow(HWND window);
+/// For the device layer alone, with its OpenGL context current: how to draw the frame presented last into the window
+/// without showing it yet, false when there is none. Afterwards the device knows nothing of what it has told OpenGL.
+/// Empty: the device goes.
+void SetWindowPicture(HWND window, std::function<bool()> draw_picture);
 
 /// For the keyboard layer: turns what the system has into queued messages and dispatches none.
 void CollectEvents();

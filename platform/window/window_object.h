@@ -2,19 +2,32 @@
 #pragma once
 #include <SDL2/SDL_video.h>
 
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "platform/window/gui.h"
 #include "platform/window/message_queue.h"
 
 namespace sparkrig {
+
+/// A line that the window procedure draws while it paints.
+struct PaintedText {
+    std::string text;
+    RECT area;
+};
 
 struct Window {
     SDL_Window* native;
     WNDPROC procedure;
     // The size that the whole window was asked to have; 0 x 0 once its frame has been taken off the client area.
     int whole_width = 0, whole_height = 0;
-    bool dragged = false;   // between WM_ENTERSIZEMOVE and WM_EXITSIZEMOVE
+    bool dragged = false;                 // between WM_ENTERSIZEMOVE and WM_EXITSIZEMOVE
+    std::function<bool()> draw_picture;   // the device's: draws the frame presented last; false when there is none
+    void* device_context = nullptr;       // borrowed, the device's OpenGL context
+    std::vector<PaintedText> painted;     // since BeginPaint
+    std::unique_ptr<Gui> gui;             // made when it is first needed
 };
 
 /// Starts SDL's video part once. False when there is none.
@@ -27,6 +40,15 @@ MessageQueue& Messages();
 
 /// All windows that have not been destroyed.
 const std::vector<std::unique_ptr<Window>>& Windows();
+
+/// Sets the attributes of the OpenGL contexts made from now on.
+void ChooseOpenGL();
+
+/// Takes over a native window.
+HWND AddWindow(SDL_Window* native, WNDPROC procedure);
+
+/// Shows the device's picture, or what was painted where there is none, and widgets above it.
+void ShowContents(HWND window, const std::function<void(Gui&)>& widgets);
 
 /// False once the window has been destroyed.
 bool IsWindow(HWND window);

@@ -214,5 +214,17 @@ TEST_F(AutomationTest, DataComesFromTheFolderThatWinsFirst) {
     EXPECT_EQ(first_effect("named"), "named");
 }
 
+TEST_F(AutomationTest, ABackgroundPictureThatCannotBeReadIsSaidInThePicture) {
+    const std::string setting = "['Software\\Vantrell\\Sparkrig']\nBgrdTexturePath = '" + Path("bad.png") + "'\n";
+    EXPECT_EQ(Run({"--capture", "without.png"}), 0);
+    std::system(("mkdir -p " + Path("config/sparkrig")).c_str());
+    Write("config/sparkrig/registry.toml", setting);
+    Write("bad.png", "no picture");
+    EXPECT_EQ(Run({"--capture", "with.png"}), 0);
+    EXPECT_NE(ReadAll(Path("with.png")), ReadAll(Path("without.png")));
+    EXPECT_THAT(ReadAll(Path("logfile.txt")), HasSubstr("D3DXGetImageInfoFromFile failed"));
+    EXPECT_EQ(ReadAll(Path("config/sparkrig/registry.toml")), setting);
+}
+
 }   // namespace
 }   // namespace sparkrig

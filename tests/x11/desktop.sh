@@ -96,6 +96,30 @@ ends_with() {
     [ $code -eq "$1" ] || fail "ended with $code instead of $1: $(cat "$work/err")"
 }
 
+# Ticks of 1/100 s.
+processor_time() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; }
+used_in_a_second() {
+    local before
+    before=$(processor_time)
+    sleep 1
+    echo $(($(processor_time) - before))
+}
+# Each look takes a second.
+rests() { [ "$(used_in_a_second)" -le 1 ]; }
+works() { [ "$(used_in_a_second)" -ge 5 ]; }
+
+# colour_at X Y: of the screen, as "rr gg bb".
+colour_at() { echo $(import -silent -window root -crop "1x1+$1+$2" -depth 8 rgb:- | od -An -tx1); }
+shows_at() { [ "$(colour_at "$1" "$2")" = "$3" ]; }
+
+# cover: another window takes the focus.
+cover() {
+    xev -name cover -geometry 200x150+900+750 >/dev/null &
+    pids+=($!)
+    until_true 20 xdotool search --name '^cover$' >/dev/null || fail "no other window"
+    until_true 2 rests || fail "the program goes on without the focus"
+}
+
 has_ended() { ! kill -0 "$program_pid" 2>/dev/null; }
 
 finish() {

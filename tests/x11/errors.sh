@@ -4,6 +4,8 @@
 
 box_is_open() { xwininfo -root -tree 2>/dev/null | grep -qF '"KRN Error (DirectX8)"'; }
 
+box_is_gone() { ! box_is_open; }
+
 # shows_box TEXT: the box is there, TEXT has been said, and Return closes it.
 shows_box() {
     until_true 60 box_is_open || fail "no message box"
@@ -14,7 +16,7 @@ shows_box() {
 }
 closes_with_return() {
     xdotool key Return
-    ! box_is_open
+    box_is_gone
 }
 
 start_desktop
@@ -31,4 +33,17 @@ echo '}' >>"$work/data/cfg/effects.cfg"
 xdotool keydown r
 shows_box 'ConfigFileReader:'
 xdotool keyup r
+
+# However long the text, the box stays on the screen, and it ends with its program.
+write_effects one
+long=$(printf '長い名前 %s ' $(seq 1 50))
+sed -i "s/Life = 0/CountType = \"$long\"/" "$work/data/cfg/effects.cfg"
+"$program" --data "$work/data" >"$work/out" 2>"$work/err" &
+program_pid=$!
+pids+=("$program_pid")
+until_true 60 box_is_open || fail "no message box for a long text"
+width=$(xwininfo -name 'KRN Error (DirectX8)' | sed -n 's/ *Width: //p')
+[ "$width" -gt 300 ] && [ "$width" -lt 1280 ] || fail "the box is $width wide"
+kill -KILL "$program_pid"
+until_true 20 box_is_gone || fail "a killed program leaves its box"
 finish

@@ -197,7 +197,7 @@ TEST_F(WindowTest, FocusAndSizeBecomeMessages) {
     PushWindowEvent(SDL_WINDOWEVENT_RESTORED);
     HandleAll();
     EXPECT_THAT(received, ElementsAre(Is(WM_ACTIVATEAPP, 0), Is(WM_ACTIVATEAPP, 1), Is(WM_SIZE, SIZE_MINIMIZED),
-                                      Is(WM_SIZE, SIZE_RESTORED)));
+                                      Is(WM_SIZE, SIZE_RESTORED), Is(WM_PAINT, 0)));
     EXPECT_EQ(received[3].lParam, (600 << 16) | 800);
 }
 
