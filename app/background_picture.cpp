@@ -1,7 +1,7 @@
 #include "app/background_picture.h"
 
 #include "base/error.h"
-#include "gfx/texture_loader.h"
+#include "gfx/textures/texture_loader.h"
 #include "platform/system/system.h"
 
 namespace sparkrig {

@@ -76,7 +76,7 @@ bool MakeTesterWindow(TesterState& state, WindowSize size) {
     char title[kTextBytes], class_name[kTextBytes];
     LoadStringA(kWindowTitle, title, kTextBytes);
     LoadStringA(kWindowClassName, class_name, kTextBytes);
-    RegisterClassExA({WindowProcedure, class_name});
+    RegisterClassExA({WindowProcedure, class_name, MainMenu(), ProgramIcon()});
     const bool sized = size == WindowSize::Resolution;
     state.window = CreateWindowExA(class_name, title, CW_USEDEFAULT, 0, sized ? state.resolution_x : CW_USEDEFAULT,
                                    sized ? state.resolution_y : CW_USEDEFAULT);

@@ -35,12 +35,14 @@ int PlayInWindow(Engine& engine, TesterState& state, const Options& options, Jou
     if (!effect) return kWrongUsage;
     state.current_effect = *effect;
     if (!options.effect.empty()) StartCurrentEffect(engine.effects, state, {0, 0, 0});
+    state.engine = &engine;
     RunFrameLoop(engine, state, loop, options.repeat, journal);
     return kNormalEnd;
 }
 
-int ShowError(Engine& engine, const TesterState& state, const ErrorRecord& error) {
+int ShowError(Engine& engine, TesterState& state, const ErrorRecord& error) {
     const std::string text = std::string(error.class_name) + ": " + error.message;
+    state.engine = nullptr;
     engine.ShutDown();
     ShowCursor(true);
     RedrawWindow(state.window);
@@ -62,6 +64,7 @@ int RunTester(const Options& options) {
     Engine engine;
     try {
         const int end = PlayInWindow(engine, state, options, journal ? &*journal : nullptr);
+        state.engine = nullptr;
         engine.ShutDown();
         return end;
     } catch (const ErrorRecord& error) {

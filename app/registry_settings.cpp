@@ -7,6 +7,8 @@ namespace sparkrig {
 
 namespace {
 
+constexpr char kProgramKey[] = "Software\\Vantrell\\Sparkrig", kBackgroundValue[] = "BgrdTexturePath";
+
 /// Reads one value into a path buffer, which stays as it is when there is none. False when the key is missing.
 bool ReadValue(const char* key_path, const char* name, char (&buffer)[TesterState::kPathBytes], LONG& result) {
     RegistryKey key;
@@ -40,7 +42,14 @@ void ReadRegistrySettings(TesterState& state, KRN_Gfx& gfx, BasePathUse base_pat
     if (ReadReportedValue("Software\\Vantrell\\Kelpscope", "DefaultTexturePath", texture_path)) {
         gfx.SetDefaultTexturePath(texture_path);
     }
-    ReadReportedValue("Software\\Vantrell\\Sparkrig", "BgrdTexturePath", state.background_path);
+    ReadReportedValue(kProgramKey, kBackgroundValue, state.background_path);
+}
+
+void StoreBackgroundPath(const char* path) {
+    RegistryKey key;
+    if (RegCreateKeyExA(kProgramKey, KEY_WRITE, key) != ERROR_SUCCESS) return;
+    RegSetValueExA(key, kBackgroundValue, path);
+    RegCloseKey(key);
 }
 
 }   // namespace sparkrig

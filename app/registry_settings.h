@@ -10,4 +10,7 @@ enum class BasePathUse { Enter, Ignore };
 /// user has named a folder to work in.
 void ReadRegistrySettings(TesterState& state, KRN_Gfx& gfx, BasePathUse base_path_use);
 
+/// Writes the path of the background picture, for the next start. A failure is ignored: it is shown now.
+void StoreBackgroundPath(const char* path);
+
 }   // namespace sparkrig

@@ -9,6 +9,8 @@
 
 namespace sparkrig {
 
+struct Engine;
+
 inline constexpr D3DXVECTOR3 kCameraHome = {0, 200, 100};
 
 /// A left click that has not been acted on.
@@ -43,6 +45,7 @@ struct TesterState {
     double last_click_time = -1.0;
     int initialised = 0;
     FrameClock clock;
+    Engine* engine = nullptr;   // borrowed, while it plays in the window
     Notice notice;
 
     void Note(const std::string& text);

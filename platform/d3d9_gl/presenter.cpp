@@ -101,7 +101,8 @@ void Presenter::SetGammaRamp(const D3DGAMMARAMP& ramp) {
 }
 
 bool Presenter::Present(Surface& back_buffer, bool full_screen) {
-    const bool touched = DrawPicture(back_buffer, full_screen);
+    const bool by_picture = DrawPicture(back_buffer, full_screen);
+    const bool touched = window_.draw_menu() || by_picture;
     SDL_GL_SwapWindow(window_.native);
     return touched;
 }

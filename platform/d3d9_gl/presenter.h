@@ -12,6 +12,8 @@ struct PresentWindow {
     SDL_Window* native = nullptr;
     /// The client area in window coordinates; empty while minimised. What the window has above it (its menu) stays.
     std::function<RECT()> client_area;
+    /// Draws what stands above a picture that is about to be shown; true when OpenGL was used for it.
+    std::function<bool()> draw_menu;
     /// Takes over how the frame presented last is drawn again; null when the device goes.
     std::function<void(std::function<bool()>)> set_picture;
 };

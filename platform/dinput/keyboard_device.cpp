@@ -21,7 +21,7 @@ std::span<const std::uint8_t> SystemKeys() {
     int count = 0;
     const std::uint8_t* keys = SDL_GetKeyboardState(&count);
     std::copy_n(keys, std::min<std::size_t>(static_cast<std::size_t>(count), looked_at.size()), looked_at.begin());
-    AddPressedKeys(looked_at);
+    AdjustKeys(looked_at);
     return looked_at;
 }
 

@@ -16,7 +16,7 @@ namespace sparkrig {
 
 namespace {
 
-constexpr float kTextPixels = 16;
+constexpr float kTextPixels = 16, kShortestFrame = 1e-4f;   // seconds
 const ImVec2 kNowhere(-1e6f, -1e6f);
 
 /// Makes a context current and puts back the one that was.
@@ -123,7 +123,8 @@ Gui::Gui(SDL_Window* window, void* gl_context, bool owns_context)
       owns_context_(owns_context),
       context_(ImGui::CreateContext()),
       scale_(DesktopScale()),
-      fonts_((ImGui::SetCurrentContext(context_), *ImGui::GetIO().Fonts), kTextPixels * scale_) {
+      fonts_((ImGui::SetCurrentContext(context_), *ImGui::GetIO().Fonts), kTextPixels * scale_),
+      last_frame_(SDL_GetTicks64()) {
     SetUp(ImGui::GetIO());
     SetStyle(ImGui::GetStyle(), scale_);
     fonts_.Build();
@@ -157,22 +158,15 @@ float Gui::TextHeight(std::string_view text, float wrap_width) const {
     return fonts_.Font().CalcTextSizeA(LineHeight(), FLT_MAX, wrap_width, text.data(), text.data() + text.size()).y;
 }
 
-void Gui::Feed(const MSG& message) {
+void Gui::Feed(const MSG& message, POINT place) {
     ImGui::SetCurrentContext(context_);
     ImGuiIO& io = ImGui::GetIO();
-    const auto place = [&] {
-        return ImVec2(static_cast<float>(LowWord(message.lParam)), static_cast<float>(HighWord(message.lParam)));
-    };
+    const int wheel = HighWord(static_cast<LPARAM>(message.wParam));
     switch (message.message) {
-        case WM_MOUSEMOVE: io.MousePos = place(); break;
         case WM_LBUTTONDOWN:
-        case WM_LBUTTONUP:
-            io.MousePos = place();
-            io.MouseDown[0] = message.message == WM_LBUTTONDOWN;
-            break;
-        case WM_MOUSEWHEEL:
-            io.MouseWheel += static_cast<float>(HighWord(static_cast<LPARAM>(message.wParam))) / WHEEL_DELTA;
-            break;
+        case WM_LBUTTONUP: io.MouseDown[0] = message.message == WM_LBUTTONDOWN; [[fallthrough]];
+        case WM_MOUSEMOVE: io.MousePos = {static_cast<float>(place.x), static_cast<float>(place.y)}; break;
+        case WM_MOUSEWHEEL: io.MouseWheel += static_cast<float>(wheel) / WHEEL_DELTA; break;
         case WM_KEYDOWN:
         case WM_KEYUP: FeedKey(io, message.wParam, message.message == WM_KEYDOWN); break;
         case WM_CHAR: FeedByte(static_cast<char>(message.wParam)); break;
@@ -195,6 +189,9 @@ void Gui::RunOnce(const std::function<void()>& widgets) {
     int width = 0, height = 0;
     SDL_GetWindowSize(window_, &width, &height);
     io.DisplaySize = {static_cast<float>(std::max(width, 1)), static_cast<float>(std::max(height, 1))};
+    const std::uint64_t now = SDL_GetTicks64();
+    io.DeltaTime = std::max(static_cast<float>(now - last_frame_) / 1000, kShortestFrame);
+    last_frame_ = now;
     ImGui::NewFrame();
     widgets();
     ImGui::Render();

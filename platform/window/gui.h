@@ -33,7 +33,8 @@ class Gui {
     float TextHeight(std::string_view text, float wrap_width) const;
 
     /// Hands an input message to the widgets.
-    void Feed(const MSG& message);
+    ///   place  of the mouse, window coordinates
+    void Feed(const MSG& message, POINT place);
     /// Runs widgets for one frame, again when they have asked for new characters. Nothing is drawn.
     void Run(const std::function<void()>& widgets);
     /// Draws what the last Run made over the window's picture. What the device has told OpenGL is not known any more,
@@ -55,7 +56,8 @@ class Gui {
     ImGuiContext* context_;
     float scale_;
     GuiFonts fonts_;
-    std::string unfinished_;   // the bytes of a character that is being typed
+    std::uint64_t last_frame_;   // milliseconds
+    std::string unfinished_;     // the bytes of a character that is being typed
 };
 
 }   // namespace sparkrig

@@ -13,10 +13,15 @@ class ModalView {
     virtual void Key(WPARAM /*key*/) {}
     /// A byte of text.
     virtual void Character(char /*character*/) {}
+    /// The mouse moves or its left button changes; window coordinates. Widgets get it as well.
+    virtual void Mouse(UINT /*message*/, POINT /*place*/) {}
     /// The window is being closed.
     virtual void Close() = 0;
     virtual bool Done() const = 0;
 };
+
+/// Keyboard, mouse, and the commands of the system's menu.
+bool IsInput(UINT message);
 
 /// Runs a message loop until the view is done or the window is destroyed. Input to other windows is dropped, all other
 /// messages are dispatched. The view stands above the window's picture; nothing else is drawn.

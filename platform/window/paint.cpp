@@ -15,7 +15,7 @@ void DrawPainted(const Window& window, Gui& gui) {
     for (const PaintedText& line : window.painted) {
         const std::string text = gui.Show(line.text);
         const float middle = static_cast<float>(line.area.left + line.area.right) / 2;
-        list.AddText({middle - gui.TextWidth(text) / 2, static_cast<float>(line.area.top)},
+        list.AddText({middle - gui.TextWidth(text) / 2, static_cast<float>(line.area.top + StripHeight(window))},
                      ImGui::GetColorU32(ImGuiCol_Text), text.c_str());
     }
 }
@@ -31,10 +31,20 @@ void ShowContents(HWND window, const std::function<void(Gui&)>& widgets) {
     const bool has_picture = window->draw_picture && window->draw_picture();
     gui.Run([&] {
         if (!has_picture) DrawPainted(*window, gui);
+        if (StripHeight(*window) > 0 && !window->menu_state.in_use) DrawMenu(gui, window->menu, window->menu_state);
         if (widgets) widgets(gui);
     });
     gui.Draw();
     gui.Present();
+}
+
+bool DrawMenuBar(HWND window) {
+    if (StripHeight(*window) == 0) return false;
+    if (!window->gui) window->gui = Gui::Create(window->native, window->device_context);
+    if (!window->gui) return false;
+    window->gui->Run([&] { DrawMenu(*window->gui, window->menu, window->menu_state); });
+    window->gui->Draw();
+    return true;
 }
 
 HDC BeginPaint(HWND window) {

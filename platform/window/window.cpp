@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/window/gui_style.h"
 #include "platform/window/window_object.h"
 
 namespace sparkrig {
@@ -18,7 +19,7 @@ namespace {
 constexpr int kDefaultWidth = 1024, kDefaultHeight = 768;
 
 struct WindowSystem {
-    std::map<std::string, WNDPROC> classes;
+    std::map<std::string, WNDCLASSEXA> classes;
     std::vector<std::unique_ptr<Window>> windows;
     std::vector<std::unique_ptr<Window>> destroyed;   // a device may still hold its context on them
     int cursor_counter = 0;
@@ -101,7 +102,7 @@ HWND FirstWindow() { return System().windows.empty() ? nullptr : System().window
 
 bool RegisterClassExA(const WNDCLASSEXA& window_class) {
     if (!window_class.lpszClassName || !window_class.lpfnWndProc) return false;
-    System().classes[window_class.lpszClassName] = window_class.lpfnWndProc;
+    System().classes[window_class.lpszClassName] = window_class;
     return true;
 }
 
@@ -110,13 +111,18 @@ HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, in
     if (window_class == System().classes.end() || !StartVideo()) return nullptr;
     DestroyNativeWindows(System().destroyed);
     const bool sized = width != CW_USEDEFAULT;
-    if (!sized) width = kDefaultWidth, height = kDefaultHeight;
+    const WNDCLASSEXA& made_of = window_class->second;
+    const int strip = made_of.menu.empty() ? 0 : StripHeightAt(DesktopScale());
+    if (!sized) width = kDefaultWidth, height = kDefaultHeight + strip;
     if (x == CW_USEDEFAULT) x = y = static_cast<int>(SDL_WINDOWPOS_UNDEFINED);
     ChooseOpenGL();
     SDL_Window* native = SDL_CreateWindow(title, x, y, std::max(width, 1), std::max(height, 1),
                                           SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN);
     if (!native) return nullptr;
-    const HWND window = AddWindow(native, window_class->second);
+    const HWND window = AddWindow(native, made_of.lpfnWndProc);
+    window->menu = made_of.menu;
+    window->strip_height = strip;
+    SetClassAndIcon(native, class_name, made_of.icon);
     if (sized) window->whole_width = width, window->whole_height = height;
     return window;
 }
@@ -147,9 +153,20 @@ void UpdateWindow(HWND window) {
     if (!DriverIsInvisible()) RedrawWindow(window);
 }
 
+int StripHeightAt(float scale) {
+    constexpr float kHeight = 26;
+    return static_cast<int>(kHeight * scale);
+}
+
+int StripHeight(const Window& window) {
+    return (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0 ? 0 : window.strip_height;
+}
+
 void GetClientRect(HWND window, RECT& rectangle) {
     rectangle = {0, 0, 0, 0};
-    if (!IsMinimised(window)) SDL_GetWindowSize(window->native, &rectangle.right, &rectangle.bottom);
+    if (IsMinimised(window)) return;
+    SDL_GetWindowSize(window->native, &rectangle.right, &rectangle.bottom);
+    rectangle.bottom = std::max(rectangle.bottom - StripHeight(*window), 0);
 }
 
 void ShowCursor(bool show) {
@@ -163,7 +180,12 @@ bool IsForegroundWindow(HWND window) {
     return DriverIsInvisible() || (SDL_GetWindowFlags(window->native) & SDL_WINDOW_INPUT_FOCUS) != 0;
 }
 
-LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {
+LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_SYSCOMMAND) {
+        const POINT place = {LowWord(lParam), HighWord(lParam) + StripHeight(*window)};
+        if (wParam == SC_KEYMENU) TrackMenu(window, static_cast<char>(lParam), nullptr);
+        if (wParam == SC_MOUSEMENU) TrackMenu(window, 0, &place);
+    }
     if (message == WM_CLOSE) DestroyWindow(window);
     if (message == WM_PAINT) EndPaint(BeginPaint(window));
     return 0;

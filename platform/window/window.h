@@ -5,7 +5,7 @@
 #include <functional>
 #include <span>
 
-#include "platform/system/win_types.h"
+#include "platform/window/resources.h"
 
 struct SDL_Window;
 
@@ -18,10 +18,13 @@ using WNDPROC = LRESULT (*)(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 
 inline constexpr UINT WM_DESTROY = 0x02, WM_SIZE = 0x05, WM_PAINT = 0x0F, WM_CLOSE = 0x10, WM_QUIT = 0x12,
                       WM_ACTIVATEAPP = 0x1C, WM_KEYDOWN = 0x100, WM_KEYUP = 0x101, WM_CHAR = 0x102, WM_COMMAND = 0x111,
-                      WM_MOUSEMOVE = 0x200, WM_LBUTTONDOWN = 0x201, WM_LBUTTONUP = 0x202, WM_MOUSEWHEEL = 0x20A,
-                      WM_ENTERMENULOOP = 0x211, WM_EXITMENULOOP = 0x212, WM_ENTERSIZEMOVE = 0x231,
-                      WM_EXITSIZEMOVE = 0x232;
+                      WM_SYSCOMMAND = 0x112, WM_MOUSEMOVE = 0x200, WM_LBUTTONDOWN = 0x201, WM_LBUTTONUP = 0x202,
+                      WM_MOUSEWHEEL = 0x20A, WM_ENTERMENULOOP = 0x211, WM_EXITMENULOOP = 0x212,
+                      WM_ENTERSIZEMOVE = 0x231, WM_EXITSIZEMOVE = 0x232;
 inline constexpr WPARAM SIZE_RESTORED = 0, SIZE_MINIMIZED = 1, SIZE_MAXIMIZED = 2, SIZE_MAXSHOW = 3, SIZE_MAXHIDE = 4;
+// The menu is opened by the mouse, where lParam says, or by the keyboard, lParam the letter that was typed with Alt or
+// 0.
+inline constexpr WPARAM SC_MOUSEMENU = 0xF090, SC_KEYMENU = 0xF100;
 inline constexpr int WHEEL_DELTA = 120;   // one notch, in the high word of WM_MOUSEWHEEL's wParam
 inline constexpr int CW_USEDEFAULT = static_cast<int>(0x80000000u);
 inline constexpr UINT PM_NOREMOVE = 0, PM_REMOVE = 1;
@@ -36,7 +39,9 @@ struct MSG {
 
 struct WNDCLASSEXA {
     WNDPROC lpfnWndProc;
-    const char* lpszClassName;   // copied
+    const char* lpszClassName;   // copied; on X11 the class of the windows
+    MenuTemplate menu = {};      // borrowed, as the icon is
+    IconImage icon = {};
 };
 
 /// The two signed 16-bit numbers of a position or a size.
@@ -47,7 +52,8 @@ inline int HighWord(LPARAM words) { return static_cast<std::int16_t>((words >> 1
 bool RegisterClassExA(const WNDCLASSEXA& window_class);
 
 /// Width and height are those of the whole window, with its frame; CW_USEDEFAULT as width gives 1024 x 768 of client
-/// area. The window is hidden until ShowWindow. Null when the class is unknown or the system refuses.
+/// area. The menu of the class, if it has one, stands above the client area. The window is hidden until ShowWindow.
+/// Null when the class is unknown or the system refuses.
 HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, int width, int height);
 /// Hides the window and sends WM_DESTROY. What OpenGL drew into stays until the next window is made or the process
 /// ends, since the device outlives its window.
@@ -89,11 +95,15 @@ void EndPaint(HWND window);
 void MessageBoxA(HWND window, const char* text, const char* caption);
 
 /// For the keyboard alone: marks the keys, by the system's scan codes, that have gone down since the last call, and
-/// those that were held meanwhile, also when they are up again.
-void AddPressedKeys(std::span<std::uint8_t> keys);
+/// those that were held meanwhile, also when they are up again. Keys that went down for a menu or a dialog are taken
+/// out until they come up.
+void AdjustKeys(std::span<std::uint8_t> keys);
 
 /// For the device layer alone: the window that OpenGL draws into.
 SDL_Window* NativeWindow(HWND window);
+/// For the device layer alone: draws the window's menu over a picture that is about to be shown. False when there is
+/// nothing to draw; otherwise the device knows nothing of what it has told OpenGL.
+bool DrawMenuBar(HWND window);
 /// For the device layer alone, with its OpenGL context current: how to draw the frame presented last into the window
 /// without showing it yet, false when there is none. Afterwards the device knows nothing of what it has told OpenGL.
 /// Empty: the device goes.

@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "platform/window/gui.h"
+#include "platform/window/menu.h"
 #include "platform/window/message_queue.h"
 
 namespace sparkrig {
+
+class ModalView;
 
 /// A line that the window procedure draws while it paints.
 struct PaintedText {
@@ -23,7 +26,11 @@ struct Window {
     WNDPROC procedure;
     // The size that the whole window was asked to have; 0 x 0 once its frame has been taken off the client area.
     int whole_width = 0, whole_height = 0;
-    bool dragged = false;                 // between WM_ENTERSIZEMOVE and WM_EXITSIZEMOVE
+    bool dragged = false;   // between WM_ENTERSIZEMOVE and WM_EXITSIZEMOVE
+    MenuTemplate menu;
+    int strip_height = 0;   // of the menu bar
+    MenuState menu_state;
+    ModalView* modal = nullptr;           // what holds its input
     std::function<bool()> draw_picture;   // the device's: draws the frame presented last; false when there is none
     void* device_context = nullptr;       // borrowed, the device's OpenGL context
     std::vector<PaintedText> painted;     // since BeginPaint
@@ -43,6 +50,16 @@ const std::vector<std::unique_ptr<Window>>& Windows();
 
 /// Sets the attributes of the OpenGL contexts made from now on.
 void ChooseOpenGL();
+
+/// The height of the menu bar, and what it takes off the client area: nothing in full screen.
+int StripHeightAt(float scale);
+int StripHeight(const Window& window);
+
+/// For the keyboard: the keys that are down now are not down for it until they come up.
+void HideHeldKeys();
+
+/// Tells the desktop whose window it is.
+void SetClassAndIcon(SDL_Window* native, const char* class_name, const IconImage& icon);
 
 /// Takes over a native window.
 HWND AddWindow(SDL_Window* native, WNDPROC procedure);

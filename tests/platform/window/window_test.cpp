@@ -137,7 +137,7 @@ TEST_F(WindowTest, ATapIsSeenWithTheKeysHeldMeanwhile) {
     PushKey(SDL_KEYDOWN, SDLK_b, false);
     PushKey(SDL_KEYUP, SDLK_b, false);
     CollectEvents();
-    AddPressedKeys(keys);
+    AdjustKeys(keys);
     keys.fill(0);
     PushKey(SDL_KEYDOWN, SDLK_RIGHT, false);
     PushKey(SDL_KEYUP, SDLK_RIGHT, false);
@@ -145,7 +145,7 @@ TEST_F(WindowTest, ATapIsSeenWithTheKeysHeldMeanwhile) {
     PushKey(SDL_KEYDOWN, SDLK_c, false);
     PushKey(SDL_KEYUP, SDLK_c, false);
     CollectEvents();
-    AddPressedKeys(keys);
+    AdjustKeys(keys);
     EXPECT_TRUE(keys[SDL_SCANCODE_RIGHT] && keys[SDL_SCANCODE_LSHIFT] && keys[SDL_SCANCODE_C]);
     EXPECT_FALSE(keys[SDL_SCANCODE_B]);
 }
@@ -157,11 +157,11 @@ TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnce) {
     CollectEvents();
     std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
     keys[SDL_SCANCODE_UP] = 1;
-    AddPressedKeys(keys);
+    AdjustKeys(keys);
     EXPECT_TRUE(keys[SDL_SCANCODE_R] && keys[SDL_SCANCODE_UP]);
     EXPECT_FALSE(keys[SDL_SCANCODE_F5]);
     keys.fill(0);
-    AddPressedKeys(keys);
+    AdjustKeys(keys);
     EXPECT_FALSE(keys[SDL_SCANCODE_R]);
 }
 
