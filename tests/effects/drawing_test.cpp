@@ -269,7 +269,7 @@ TEST_F(Drawing, PreloadingGoesDepthFirstThroughParticlesMeshesSpecials) {
         {special_and_mesh + Particle("a", 1, "EmitEffect = \"q\""), "file q"},
         {special_and_mesh, "file m"}};
     for (const auto& [blocks, first] : kRows) {
-        system.LoadEffects(WriteEffectsFile(effect("e", blocks) + others).c_str(), false);
+        system.LoadEffects(EffectsFileOf(effect("e", blocks) + others).Name(), false);
         try {
             system.PreloadEffect("e");
             ADD_FAILURE() << first;

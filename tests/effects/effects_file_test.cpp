@@ -427,7 +427,8 @@ TEST_F(EffectsFile, ACheckFindsEveryMistakeAtItsPlace) {
     Reports places([](const Report& report) {
         return std::to_string(report.place.line) + ":" + std::to_string(report.place.column) + " " + report.message;
     });
-    const std::string file = WriteEffectsFile(kManyMistakes);
+    const EffectsFileOf text(kManyMistakes);
+    const std::string file = text.Name();
     std::string things;
     for (const NamedThing& thing : CheckEffectsFile(file.c_str(), reporter, definitions))
         things += thing.name + "@" + std::to_string(thing.place.line) + ":" + std::to_string(thing.place.column) + " ";
