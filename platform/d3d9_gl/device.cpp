@@ -149,7 +149,7 @@ HRESULT Device::Present(const RECT* source, const RECT* destination, HWND window
 // The back buffer keeps what it showed until the next frame is drawn. The window draws its own things over it.
 bool Device::DrawPresented() {
     pipeline_.ForgetGl();
-    if (!presented_ || in_scene_ || !context_->Activate()) return false;
+    if (!presented_ || state_.in_scene || !context_->Activate()) return false;
     presenter_.DrawPicture(*back_buffer_, !parameters_.Windowed);
     return true;
 }
