@@ -64,6 +64,10 @@ class TextDataFileReader : public TextFileReaderBase {
     [[noreturn]] void Error(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
     void Warning(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
 
+  protected:
+    /// For readers with rules of their own: the whole file. Seek moves on behind what they took.
+    std::string_view Content() const { return {reinterpret_cast<const char*>(content_.data()), content_.size()}; }
+
   private:
     class Token;
 

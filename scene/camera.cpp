@@ -6,11 +6,16 @@ KRN_Target3dObject::KRN_Target3dObject() { SetName("KRN_Target3dObject"); }
 
 int KRN_Target3dObject::Animate(double time, bool force, bool update_parent) {
     KRN_3dObject::Animate(time, force, update_parent);
+    // Only its place counts, not where it looks in turn: two nodes may look at each other.
+    if (target_) target_->KRN_3dObject::Animate(AnimationTime(time), true, false);
+    TurnToTarget();
+    return 1;
+}
+
+void KRN_Target3dObject::TurnToTarget() {
     const D3DXMATRIX& world = WorldMatrix();
     eye_ = {world.m[3][0], world.m[3][1], world.m[3][2]};
     if (target_) {
-        // Only its place counts, not where it looks in turn: two nodes may look at each other.
-        target_->KRN_3dObject::Animate(AnimationTime(time), true, false);
         const D3DXMATRIX& place = target_->WorldMatrix();
         direction_ = D3DXVECTOR3(place.m[3][0], place.m[3][1], place.m[3][2]) - eye_;
     } else {
@@ -18,7 +23,6 @@ int KRN_Target3dObject::Animate(double time, bool force, bool update_parent) {
         direction_ = {-world.m[2][0], -world.m[2][1], -world.m[2][2]};
     }
     ApplyOrientation(nullptr);
-    return 1;
 }
 
 void KRN_Target3dObject::SetEye(float x, float y, float z, bool apply) {

@@ -1,3 +1,4 @@
+// Nodes that look somewhere.
 #pragma once
 #include "scene/object_3d.h"
 
@@ -15,9 +16,13 @@ class KRN_Target3dObject : public KRN_3dObject {
     /// Turns view direction and up vector about an axis (radians).
     void RotateView(const D3DXVECTOR3& axis, float angle);
     void TurnAroundUp(float angle);
+    void Write(File& file) const override;
+    void Read(File& file) override;
     /// Places the node and its target, and takes the eye from where it stands. It looks at its target; without one down
     /// its own z axis, whose y axis is then the up vector.
     int Animate(double time, bool force, bool update_parent) override;
+    /// The same for a node and a target that stand in their places already.
+    void TurnToTarget();
     /// Called whenever the orientation changed.
     virtual void ApplyOrientation(const D3DXMATRIX*) {}
 
@@ -25,7 +30,7 @@ class KRN_Target3dObject : public KRN_3dObject {
     KRN_3dObject* Target() const { return target_; }
     void SetTarget(KRN_3dObject* target) { target_ = target; }
     const String& TargetName() const { return target_name_; }
-    void SetTargetName(const char* name) { target_name_ = name; }
+    void SetTargetName(const String& name) { target_name_ = name; }
 
     const D3DXVECTOR3& Eye() const { return eye_; }
     const D3DXVECTOR3& ViewDirection() const { return direction_; }
@@ -34,6 +39,7 @@ class KRN_Target3dObject : public KRN_3dObject {
   protected:
     ~KRN_Target3dObject() = default;
 
+    friend struct SceneRecords;
     String target_name_;
     KRN_3dObject* target_ = nullptr;
     D3DXVECTOR3 eye_;
@@ -45,6 +51,8 @@ class KRN_Camera : public KRN_Target3dObject {
   public:
     KRN_Camera();
     ~KRN_Camera() = default;
+    void Write(File& file) const override;
+    void Read(File& file) override;
 
     float fov = 0.7854f;   // radians
 };

@@ -23,6 +23,13 @@ ViewPlane MakePlane(float a, float b, float c, float d) {
     return {unit * (-d / length), -unit};
 }
 
+/// One of the eight corners, moved by the matrix.
+D3DXVECTOR3 Corner(const KRN_ClipObject& bounds, int i, const D3DXMATRIX& matrix) {
+    const D3DXVECTOR3 &low = bounds.box_minimum, &high = bounds.box_maximum;
+    D3DXVECTOR3 corner(i & 1 ? high.x : low.x, i & 2 ? high.y : low.y, i & 4 ? high.z : low.z);
+    return *D3DXVec3TransformCoord(&corner, &corner, &matrix);
+}
+
 enum class Verdict { Visible, Invisible, Open };
 
 Verdict TestSphere(const ViewPlane (&planes)[6], const D3DXVECTOR3& centre, float radius) {
@@ -36,11 +43,9 @@ Verdict TestSphere(const ViewPlane (&planes)[6], const D3DXVECTOR3& centre, floa
 }
 
 Verdict TestBox(const ViewPlane (&planes)[6], const KRN_ClipObject& bounds, const D3DXMATRIX& world) {
-    const D3DXVECTOR3 &low = bounds.box_minimum, &high = bounds.box_maximum;
     int outside[6] = {};   // corners outside each plane
     for (int i = 0; i < 8; ++i) {
-        D3DXVECTOR3 corner(i & 1 ? high.x : low.x, i & 2 ? high.y : low.y, i & 4 ? high.z : low.z);
-        D3DXVec3TransformCoord(&corner, &corner, &world);
+        const D3DXVECTOR3 corner = Corner(bounds, i, world);
         bool inside_all = true;
         for (int p = 0; p < 6; ++p) {
             const bool is_outside = Outside(planes[p], corner) > 0;
@@ -63,6 +68,28 @@ float LargestScale(const D3DXMATRIX& matrix) {
 }
 
 }   // namespace
+
+D3DXVECTOR3 Smaller(const D3DXVECTOR3& a, const D3DXVECTOR3& b) {
+    return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
+}
+
+D3DXVECTOR3 Larger(const D3DXVECTOR3& a, const D3DXVECTOR3& b) {
+    return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
+}
+
+KRN_ClipObject TransformedBounds(const KRN_ClipObject& bounds, const D3DXMATRIX& matrix) {
+    KRN_ClipObject moved;
+    moved.clip_mode = bounds.clip_mode;
+    D3DXVec3TransformCoord(&moved.sphere_centre, &bounds.sphere_centre, &matrix);
+    moved.sphere_radius = bounds.sphere_radius * LargestScale(matrix);
+    moved.box_minimum = moved.box_maximum = Corner(bounds, 0, matrix);
+    for (int i = 1; i < 8; ++i) {
+        const D3DXVECTOR3 corner = Corner(bounds, i, matrix);
+        moved.box_minimum = Smaller(moved.box_minimum, corner);
+        moved.box_maximum = Larger(moved.box_maximum, corner);
+    }
+    return moved;
+}
 
 void ComputeViewPlanes(const D3DXMATRIX& view, const D3DXMATRIX& projection, ViewPlane (&planes)[6]) {
     D3DXMATRIX clip;

@@ -14,6 +14,13 @@ class KRN_ClipObject {
     D3DXVECTOR3 box_minimum, box_maximum;
 };
 
+/// Of each component the smaller or the larger one.
+D3DXVECTOR3 Smaller(const D3DXVECTOR3& a, const D3DXVECTOR3& b);
+D3DXVECTOR3 Larger(const D3DXVECTOR3& a, const D3DXVECTOR3& b);
+
+/// The box around the eight corners moved by the matrix; the sphere's centre moved, its radius times the largest scale.
+KRN_ClipObject TransformedBounds(const KRN_ClipObject& bounds, const D3DXMATRIX& matrix);
+
 /// A plane of the view frustum; a point x lies outside when normal . (x - point) > 0.
 struct ViewPlane {
     D3DXVECTOR3 point, normal;

@@ -10,6 +10,8 @@ class KRN_Light : public KRN_Target3dObject {
     KRN_Light();
     ~KRN_Light() = default;
 
+    void Write(File& file) const override;
+    void Read(File& file) override;
     /// Puts eye and direction into the record; `extra`, if given, moves them.
     void ApplyOrientation(const D3DXMATRIX* extra) override;
 

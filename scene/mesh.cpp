@@ -54,14 +54,28 @@ void KRN_MeshBase::ComputeBounds() {
     box_minimum = box_maximum = count > 0 ? PositionOf(*geometry_, 0) : D3DXVECTOR3();
     for (std::uint32_t i = 1; i < count; ++i) {
         const D3DXVECTOR3 p = PositionOf(*geometry_, i);
-        box_minimum = {std::min(box_minimum.x, p.x), std::min(box_minimum.y, p.y), std::min(box_minimum.z, p.z)};
-        box_maximum = {std::max(box_maximum.x, p.x), std::max(box_maximum.y, p.y), std::max(box_maximum.z, p.z)};
+        box_minimum = Smaller(box_minimum, p);
+        box_maximum = Larger(box_maximum, p);
     }
     sphere_centre = (box_minimum + box_maximum) * 0.5f;
+    MeasureRadius();
+}
+
+void KRN_MeshBase::MeasureRadius() {
+    const std::uint32_t count = geometry_ ? geometry_->VertexCount() : 0;
     sphere_radius = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
         sphere_radius = std::max(sphere_radius, D3DXVec3Length(PositionOf(*geometry_, i) - sphere_centre));
     }
+}
+
+int KRN_MeshBase::Animate(double time, bool force, bool update_parent) {
+    if (visible || update_parent) {
+        const double t = Loops() ? AnimationTime(time) : time;
+        for (MeshMaterial& material : materials_) material.Animate(t);
+        for (TextureRecord& textures : textures_) textures.Animate(t);
+    }
+    return KRN_3dObject::Animate(time, force, update_parent);
 }
 
 void KRN_MeshBase::Clear() {
@@ -70,6 +84,23 @@ void KRN_MeshBase::Clear() {
     influences = 0;
     bones.clear();
     bone_nodes.clear();
+}
+
+bool KRN_Mesh::CopyMeshTo(KRN_Mesh& target, bool keep_node, bool keep_materials) const {
+    if (!keep_materials) {
+        target.materials_ = materials_;
+        target.textures_ = textures_;
+    }
+    target.geometry_ = geometry_;
+    if (!geometry_) return false;
+    if (!keep_node) CopyNode(*this, target, true);
+    static_cast<KRN_ClipObject&>(target) = *this;
+    target.textured = textured;
+    target.influences = influences;
+    target.bones = bones;
+    target.bone_nodes = bone_nodes;
+    target.reflection_stage = reflection_stage;
+    return true;
 }
 
 }   // namespace sparkrig

@@ -49,8 +49,13 @@ class KRN_MeshBase : public KRN_3dClipObject, public KRN_VertexListBase {
     void SortByGroup();
     /// The smallest box around the vertices and the sphere around its centre; both are tested from now on.
     void ComputeBounds();
+    /// The distance of the farthest vertex from the sphere's centre.
+    void MeasureRadius();
     /// Lets go of geometry, materials and skin.
     void Clear();
+
+    /// A visible mesh's materials and maps move first.
+    int Animate(double time, bool force, bool update_parent) override;
 
     /// Null for none.
     MeshGeometry* Geometry() const { return geometry_.get(); }
@@ -77,6 +82,7 @@ class KRN_MeshBase : public KRN_3dClipObject, public KRN_VertexListBase {
     ~KRN_MeshBase() = default;
 
   private:
+    friend class KRN_Mesh;
     std::shared_ptr<MeshGeometry> geometry_;
     // One each for each attribute group
     std::vector<MeshMaterial> materials_;
@@ -87,6 +93,12 @@ class KRN_Mesh : public KRN_MeshBase {
   public:
     KRN_Mesh() { SetName("KRN_Mesh"); }
     ~KRN_Mesh() = default;
+    void Write(File& file) const override;
+    int Reserved(std::uint32_t) override { return 1; }
+    /// Makes `target` draw this mesh's geometry, with its bones, volume and what else belongs to it. What is kept of
+    /// the target: its node or none of it, its materials or none. False, and a target without geometry, when this mesh
+    /// has none.
+    bool CopyMeshTo(KRN_Mesh& target, bool keep_node, bool keep_materials) const;
 };
 
 }   // namespace sparkrig

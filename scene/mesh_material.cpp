@@ -24,4 +24,9 @@ void MeshMaterial::Animate(double t) {
     transparency = value[0];
 }
 
+void TextureRecord::Animate(double t) {
+    time = t;
+    for (MapSlot& slot : slots) slot.values = slot.animation.ValuesAt(t);
+}
+
 }   // namespace sparkrig

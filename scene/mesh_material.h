@@ -56,16 +56,25 @@ enum class MapRole : std::uint32_t { None = 0, Diffuse = 1, Bump = 2, Reflection
 
 /// One map of a material. Without a file the slot is free.
 struct MapSlot {
-    String file;
+    bool InUse() const { return file.GetLength() > 0; }
+    bool IsReflection() const { return role == MapRole::Reflection || role == MapRole::OldReflection; }
+
+    String file;   // as the scene names it
+    String path;   // under which it is opened; empty when it was not found
     MapRole role = MapRole::None;
     float factor = 1;
     KRN_TextMatrixAni animation;
+    TextureMatrixValues values;                // of the animation at the time that was set last
     std::shared_ptr<DeviceResource> texture;   // copies of the slot share it
 };
 
 /// The maps of one group. A reflection map stands first.
 struct TextureRecord {
     static constexpr int kSlots = 4;
+
+    void Animate(double t);
+
+    double time = 0;   // that was set last; an image sequence shows its frame
     // Of an image sequence
     std::uint32_t playback = 0;   // 0 in a loop, 1 back and forth, 2 once
     float start = 0, frame_seconds = 0;

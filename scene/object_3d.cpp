@@ -178,9 +178,13 @@ void KRN_3dObject::RebuildFromCurrent(bool force) {
 
 // ---- Hierarchy
 
-void KRN_3dObject::SetParent(KRN_3dObject* parent) {
+void KRN_3dObject::HangOn(KRN_3dObject* parent) {
     node_.parent = parent;
     node_.dirty = true;
+}
+
+void KRN_3dObject::SetParent(KRN_3dObject* parent) {
+    HangOn(parent);
     for (const KRN_3dObject* above = parent; above; above = above->node_.parent) {
         if (above != this) continue;
         node_.parent = nullptr;

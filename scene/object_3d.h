@@ -12,6 +12,8 @@
 
 namespace sparkrig {
 
+class File;
+
 enum class ObjectKind : std::uint32_t { None = 0, Mesh = 1, Bone = 2, Helper = 4, Camera = 8, Light = 32 };
 
 /// The rest pose.
@@ -32,10 +34,18 @@ struct InheritFlags {
 class KRN_3dObject : public KRN_ResourceBase {
   public:
     KRN_3dObject();
+    ~KRN_3dObject() = default;
 
     /// Reports carry the node's name in front.
     [[noreturn]] void Error(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
     void Warning(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
+
+    // ---- Files: its record of a binary scene, in the newest version.
+    virtual void Write(File& file) const;
+    /// Drops what the node was. Its own errors are those of a record that is none.
+    virtual void Read(File& file);
+    /// Reserved; a mesh answers 1.
+    virtual int Reserved(std::uint32_t) { return 0; }
 
     // ---- Animation
     /// Places the node as its tracks, or else its rest pose, have it at a time (seconds), relative to its parent. An
@@ -49,7 +59,9 @@ class KRN_3dObject : public KRN_ResourceBase {
     void RebuildLookupTables();
     /// The animation repeats after its length.
     void SetLooping(bool loops);
+    bool Loops() const { return node_.loops; }
     void SetAnimationLength(float seconds);
+    float AnimationLength() const { return node_.length; }
     /// A frozen node stays where it is.
     void SetFrozen(bool frozen) { node_.frozen = frozen; }
 
@@ -65,9 +77,12 @@ class KRN_3dObject : public KRN_ResourceBase {
     KRN_3dObject* Parent() const { return node_.parent; }
     /// Null for none. A parent that descends from this node is refused with a warning: the node has none then.
     void SetParent(KRN_3dObject* parent);
+    /// The same without looking for a ring: the caller knows that there is none.
+    void HangOn(KRN_3dObject* parent);
     const String& ParentName() const { return node_.parent_name; }
-    void SetParentName(const char* name) { node_.parent_name = name; }
+    void SetParentName(const String& name) { node_.parent_name = name; }
     void SetInheritance(const InheritFlags& inherits);
+    const InheritFlags& Inheritance() const { return node_.inherits; }
     /// Makes the node part of `target` a copy of the source's, its keys included or without any.
     static void CopyNode(const KRN_3dObject& source, KRN_3dObject& target, bool with_keys);
 
@@ -75,7 +90,7 @@ class KRN_3dObject : public KRN_ResourceBase {
     ObjectKind Kind() const { return node_.kind; }
     void SetKind(ObjectKind kind) { node_.kind = kind; }
     const String& Name() const { return node_.name; }
-    void SetNodeName(const char* name) { node_.name = name; }
+    void SetNodeName(const String& name) { node_.name = name; }
     const NodeTransform& RestPose() const { return node_.transform; }
     void SetRestPose(const NodeTransform& transform);
     const D3DXMATRIX& WorldMatrix() const { return node_.world; }
@@ -89,11 +104,11 @@ class KRN_3dObject : public KRN_ResourceBase {
     const D3DXQUATERNION& CurrentRotation() const { return node_.rotation; }
 
   protected:
-    ~KRN_3dObject() = default;
     /// The time of the node's own animation: in a loop below its length, never negative otherwise.
     double AnimationTime(double time) const;
 
   private:
+    friend struct SceneRecords;   // the tables of a binary scene's fields
     /// All of a node but its tracks: what CopyNode copies as it is.
     struct Fields {
         ObjectKind kind = ObjectKind::None;
