@@ -198,6 +198,8 @@ void ReadBinaryScene(const BinarySceneSource& source, KRN_3dScene& scene) {
     scene.header.binary = true;
     scene.header.version = source.version;
     BinarySceneReader(source).Read(scene);
+    scene.header.name = scene.Name();
+    scene.SetNodeName(source.name.c_str());
     scene.SortBlendedMeshes();
     scene.LinkHierarchy();
     scene.render_settings.words[0] = 0;
@@ -219,7 +221,10 @@ void KRN_Mesh::Write(File& file) const {
 
 void KRN_3dScene::Write(File& file) const {
     RecordWriter archive(file);
-    SceneRecords::Node(archive, *this);
+    KRN_3dObject node;
+    CopyNode(*this, node, true);
+    node.SetNodeName(header.name);
+    SceneRecords::Node(archive, node);
     SceneRecords::Volume(archive, *this);
     SceneRecords::Settings(archive, *this);
     WriteList(meshes, file);

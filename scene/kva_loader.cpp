@@ -1,6 +1,8 @@
 #include "scene/kva_loader.h"
 
 #include <bit>
+#include <string>
+#include <unordered_map>
 
 #include "base/numeric.h"
 #include "scene/kva_materials.h"
@@ -10,6 +12,8 @@
 namespace sparkrig {
 
 namespace {
+
+constexpr std::size_t kLongestCloneLine = 4096;   // of clones of clones; a longer one counts as a ring
 
 /// A colour of a file, its components 0 to 1.
 void ReadByteColour(KvaText& text, D3DCOLOR& colour) {
@@ -177,6 +181,7 @@ KRN_MaterialInfo* KVALoader::MaterialOf(const KVA_MeshLoadInfo& info) {
 // ---- When all is read
 
 void KVALoader::FinishScene() {
+    const SourceFileScope no_line(file_name_.c_str());   // what is reported now is about the whole
     KRN_3dScene& scene = *scene_;
     scene.header.version = version_number_;
     scene.header.first_frame = times_.first_frame;
@@ -205,25 +210,22 @@ void KVALoader::FinishKeys() {
     for (KRN_Light& light : scene_->lights) FinishExportedKeys(light, times_);
 }
 
-/// The info of the mesh that a clone has its geometry from, over other clones. Null in a ring, or where none is built.
-const KVA_MeshLoadInfo* KVALoader::SourceOf(const KVA_MeshLoadInfo& clone) const {
-    const KVA_MeshLoadInfo* info = &clone;
-    for (std::size_t steps = 0; info && info->mesh->clone_source.GetLength() > 0; ++steps) {
-        if (steps > mesh_infos_.size()) return nullptr;
-        const KRN_Mesh* source = scene_->FindMesh(info->mesh->clone_source.c_str(), false);
-        info = nullptr;
-        for (const KVA_MeshLoadInfo& candidate : mesh_infos_)
-            if (candidate.mesh == source) info = &candidate;
-    }
-    return info;
-}
-
 void KVALoader::BuildCloneMaterials() {
+    std::unordered_map<std::string, const KVA_MeshLoadInfo*> by_name;   // the first of each name
+    for (const KVA_MeshLoadInfo& info : mesh_infos_) by_name.try_emplace(LowerCase(info.mesh->Name()), &info);
+    // The info of the mesh that a clone has its geometry from, over other clones; null in a ring or for a missing one.
+    const auto source_of = [&](const KVA_MeshLoadInfo* info) {
+        for (std::size_t steps = 0; info && info->mesh->clone_source.GetLength() > 0; ++steps) {
+            const auto place = by_name.find(LowerCase(info->mesh->clone_source));
+            info = place == by_name.end() || steps > kLongestCloneLine ? nullptr : place->second;
+        }
+        return info;
+    };
     for (const KVA_MeshLoadInfo& info : mesh_infos_) {
         if (info.mesh->clone_source.GetLength() == 0) continue;
         KRN_MaterialInfo* material = MaterialOf(info);
         if (material) LoadMaps(*material, times_, flags_, files_, *this);
-        const KVA_MeshLoadInfo* source = SourceOf(info);
+        const KVA_MeshLoadInfo* source = source_of(&info);
         SetCloneMaterials(material, info, source ? *source : KVA_MeshLoadInfo{}, *info.mesh);
     }
 }

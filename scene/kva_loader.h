@@ -1,7 +1,6 @@
 // Reads an exported text scene ("3DSMAX_KVAEXPORT").
 #pragma once
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "scene/kva_text.h"
@@ -31,7 +30,6 @@ class KVALoader : public KvaText {
     void FinishScene();
     void FinishKeys();
     void BuildCloneMaterials();
-    const KVA_MeshLoadInfo* SourceOf(const KVA_MeshLoadInfo& clone) const;
     void MeasureScene();
     KRN_MaterialInfo* MaterialOf(const KVA_MeshLoadInfo& info);
     void Ended(bool whole) { cut_short_ |= !whole; }

@@ -12,10 +12,10 @@ namespace sparkrig {
 
 namespace {
 
-std::string DirectoryOf(const char* file_name) {
-    const std::string name = file_name;
-    const std::size_t last = name.find_last_of("/\\");
-    return last == std::string::npos ? "" : name.substr(0, last + 1);
+/// Where the file's own name begins.
+std::size_t NameStart(const std::string& path) {
+    const std::size_t last = path.find_last_of("/\\");
+    return last == std::string::npos ? 0 : last + 1;
 }
 
 }   // namespace
@@ -28,9 +28,12 @@ void LoadScene(KRN_3dScene& scene, const char* file_name, int flags, const MapFi
     std::uint8_t start[4];
     file.Read(start, sizeof start);
     const SceneLoadFlags load_flags = SceneLoadFlags::FromWord(flags);
+    const std::string path = file_name;
+    scene.SetNodeName(file_name);
     if (IsBinaryScene(start)) {
-        ReadBinaryScene({file, start[3], file_name, DirectoryOf(file_name), load_flags}, scene);
+        ReadBinaryScene({file, start[3], path, path.substr(0, NameStart(path)), load_flags}, scene);
     } else {
+        scene.header.name = path.substr(NameStart(path)).c_str();
         KVALoader(load_flags, files).Load(scene, file_name);
     }
     scene.file_size = file.GetSize();

@@ -24,12 +24,6 @@ auto* FindIn(const List& list, const char* name, bool case_sensitive) {
     return static_cast<decltype(&list[0])>(nullptr);
 }
 
-std::string LowerCase(const String& text) {
-    std::string lower(View(text));
-    for (char& c : lower) c = AsciiLower(c);
-    return lower;
-}
-
 /// Which nodes hang together, so that a ring is seen before it is closed.
 class Trees {
   public:
@@ -53,6 +47,12 @@ class Trees {
 };
 
 }   // namespace
+
+std::string LowerCase(const String& text) {
+    std::string lower(View(text));
+    for (char& c : lower) c = AsciiLower(c);
+    return lower;
+}
 
 KRN_3dScene::KRN_3dScene() { SetName("KRN_3dScene"); }
 

@@ -10,6 +10,7 @@
 #include <array>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "base/dyna_mem.h"
@@ -55,10 +56,14 @@ class NodeList {
     DynaMem<std::unique_ptr<Node>, N, 1> slots_;
 };
 
+/// For names whose letter case does not count.
+std::string LowerCase(const String& text);
+
 /// What stands in a file beside the scene itself.
 struct SceneHeader {
     bool binary = false;
     int version = 100;   // as the file writes it: 211 for 2.11, 106
+    String name;         // of the scene's record, which stays when the file is given another name
     float first_frame = 0, frame_speed = 30;
     std::uint32_t spare_value = 0;
     String sound, spare_name;
