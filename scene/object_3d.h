@@ -34,7 +34,7 @@ struct InheritFlags {
 class KRN_3dObject : public KRN_ResourceBase {
   public:
     KRN_3dObject();
-    ~KRN_3dObject() = default;
+    virtual ~KRN_3dObject() = default;
 
     /// Reports carry the node's name in front.
     [[noreturn]] void Error(const char* format, ...) const override __attribute__((format(printf, 2, 3)));
