@@ -88,7 +88,7 @@ inline constexpr char kTracePrefix[] = "trace:";
 struct EmitSettings {
     String name;                            // empty: nothing
     const VisualEffect* effect = nullptr;   // borrowed; none for a trace
-    std::int32_t trace_number = 0;          // from 1; 0 when the name is not a trace
+    std::int32_t trace_number = 0;          // 1 to 4, the edge of the ribbon; 0 when the name is not a trace
     float per_time = 0;                     // emissions per second
     bool random = true, local = false;
     D3DXVECTOR3 volume;   // of the box around the emitter in which children start
@@ -153,6 +153,7 @@ struct SpecialEffect : SubEffect {
     SpecialEffect() : SubEffect(SubEffectKind::Special) {}
 
     std::uint32_t second_colour = 0xFF000000;   // packed ARGB
+    std::shared_ptr<KRN_Texture> texture;       // as a particle's; none where no name is given
     std::int32_t point_count = 32;
     float point_size = 1;
     String texture_name;

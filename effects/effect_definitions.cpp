@@ -1,6 +1,7 @@
 #include "effects/effect_definitions.h"
 
 #include "base/numeric.h"
+#include "effects/trace_effect_set.h"
 
 namespace sparkrig {
 namespace {
@@ -30,7 +31,7 @@ std::vector<const SubEffect*> ResolveEmitEffects(EffectDefinitions& definitions)
         EmitSettings& emit = sub.emit;
         if (emit.name.GetLength() == 0) return;
         if (emit.name.StartsWith(kTracePrefix)) {
-            emit.trace_number = ++counters[PositiveMod(sub.trace.id, kTraceCounters)];
+            emit.trace_number = counters[PositiveMod(sub.trace.id, kTraceCounters)]++ % kTraceChannels + 1;
             return;
         }
         emit.effect = definitions.effects.Find(emit.name);

@@ -27,7 +27,7 @@ void ForEachSubEffect(const VisualEffect& effect, Visit visit) {
 SubEffect* FindSubEffect(const VisualEffect& effect, SubEffectKind kind, int index);
 
 /// Binds the emit names to the effects, and numbers the traces: three counters, chosen by the trace's id, count up
-/// through all effects in name order. Returns those whose effect there is none of.
+/// through all effects in name order, from 1 to 4 and again. Returns those whose effect there is none of.
 std::vector<const SubEffect*> ResolveEmitEffects(EffectDefinitions& definitions);
 
 }   // namespace sparkrig

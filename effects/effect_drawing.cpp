@@ -1,10 +1,13 @@
 #include "effects/effect_drawing.h"
 
 #include <algorithm>
+#include <limits>
+
+#include "effects/effect_textures.h"
+#include "effects/packed_colour.h"
 #include "gfx/device/with_restore.h"
 #include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
-#include "gfx/textures/texture_catalogue.h"
 
 namespace sparkrig {
 namespace {
@@ -16,32 +19,26 @@ constexpr int kAlphaShift = 24;
 
 }   // namespace
 
-void LoadParticleTexture(KRN_Gfx& gfx, ParticleEffect& sub) {
-    const char* name = sub.texture_name.c_str();
-    if (!sub.texture && *name) {
-        KRN_Texture* shared = gfx.Catalogue().GetTexture(name);
-        if (shared) sub.texture = std::shared_ptr<KRN_Texture>(shared, [](KRN_Texture*) {});   // the catalogue's own
-    }
-    if (!sub.texture) sub.texture = std::make_shared<KRN_Texture>();
-    if (!sub.texture->HasSurface()) gfx.LoadTexture(sub.texture.get(), name, 0, 0);
-}
-
 void EffectDrawing::Init(KRN_Gfx& gfx, int buffer_mode) {
     gfx_ = &gfx;
     particles_.Init(gfx, kParticlesPerBatch, false, buffer_mode);
+    specials_.Init(gfx);
+    traces_.Init(gfx, buffer_mode);
 }
 
 void EffectDrawing::Release() {
     particles_.Release();
+    specials_.Release();
+    traces_.Release();
     order_ = {};
 }
 
 void EffectDrawing::ResetCounters() {
-    drawn_particles_ = 0;
+    drawn_particles_ = other_draws_ = 0;
     particles_.StartFrame();
 }
 
-void EffectDrawing::Draw(const EffectSimulation& simulation) {
+void EffectDrawing::Draw(EffectSimulation& simulation) {
     ResetCounters();
     before_ = RememberStates();
     const auto draw = [&] {
@@ -49,6 +46,7 @@ void EffectDrawing::Draw(const EffectSimulation& simulation) {
         gfx_->SetLighting(false, nullptr);
         BuildOrder(simulation);
         DrawInOrder(simulation);
+        DrawTraces(simulation.Traces());
     };
     WithRestore(draw, [this] { RestoreStates(); });
 }
@@ -135,7 +133,7 @@ void EffectDrawing::DrawInOrder(const EffectSimulation& simulation) {
         if (look.batch != batch || look.animated || particles_.IsFull()) {
             SubEffect& sub = *instances.Group(group).sub;
             if (sub.kind != SubEffectKind::Particle) {
-                particles_.Flush();
+                DrawOther(GetInstance(instances, record.id));
                 batch = kNoBatch;
                 continue;
             }
@@ -148,6 +146,33 @@ void EffectDrawing::DrawInOrder(const EffectSimulation& simulation) {
     particles_.Flush();
 }
 
+/// What is no particle ends the batch.
+void EffectDrawing::DrawOther(const VisualEffectObject& object) {
+    const SubEffect& sub = *object.sub_effect;
+    particles_.Flush();
+    if (sub.kind != SubEffectKind::Special) return;
+    const auto& special = static_cast<const SpecialEffect&>(sub);
+    if (special.type == SpecialType::None) return;
+    gfx_->SetBlendingMode(sub.blend_mode, static_cast<int>(ColourByte(object.alpha)), 0);
+    gfx_->SetZBufferMode(sub.use_z_buffer ? before_.z_buffer_mode : 0);
+    gfx_->SetZWrite(sub.write_z_buffer && before_.z_write);
+    Count(special.point_count, 1);
+    specials_.DrawSpecialEffect(object, object.Age());
+}
+
+void EffectDrawing::DrawTraces(TraceEffectSet& traces) {
+    gfx_->SetZBufferMode(before_.z_buffer_mode);   // a trail says itself when it goes without
+    traces_.DrawTraces(traces);
+    Count(traces.Count(), traces.Count());
+}
+
+/// A definition may ask for more points than an int holds.
+void EffectDrawing::Count(int drawn, int draws) {
+    constexpr std::int64_t kMost = std::numeric_limits<int>::max();
+    drawn_particles_ = static_cast<int>(std::min(kMost, std::int64_t{drawn_particles_} + std::max(drawn, 0)));
+    other_draws_ += draws;
+}
+
 /// Ends the batch that waits unless the particle may join it, and makes states and texture the particle's.
 void EffectDrawing::BeginParticle(ParticleEffect& sub, Look& look, float age) {
     if (particles_.IsFull()) particles_.Flush();
@@ -158,7 +183,7 @@ void EffectDrawing::BeginParticle(ParticleEffect& sub, Look& look, float age) {
 }
 
 void EffectDrawing::PrepareLook(ParticleEffect& sub, Look& look, float age) {
-    LoadParticleTexture(*gfx_, sub);
+    LoadEffectTexture(*gfx_, sub.texture_name.c_str(), sub.texture);
     look.texture = sub.texture.get();
     look.texture->Update(age);
     look.animated = look.texture->SequenceFrames() > 0;

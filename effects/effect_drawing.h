@@ -6,6 +6,8 @@
 #include "effects/draw_order.h"
 #include "effects/effect_particle_system.h"
 #include "effects/effect_simulation.h"
+#include "effects/special_effect_renderer.h"
+#include "effects/trace_drawing.h"
 #include "effects/view_volume.h"
 
 namespace sparkrig {
@@ -17,12 +19,12 @@ class EffectDrawing {
     void Init(KRN_Gfx& gfx, int buffer_mode);
     void Release();
     /// Draws into the scene that has begun, and leaves the device's states as they were.
-    void Draw(const EffectSimulation& simulation);
+    void Draw(EffectSimulation& simulation);
     /// The part of Draw before anything is drawn: what is visible, and in which order.
     void BuildOrder(const EffectSimulation& simulation);
     // Of the last Draw.
     int DrawnParticles() const { return drawn_particles_; }
-    int DrawCalls() const { return particles_.DrawCalls(); }
+    int DrawCalls() const { return particles_.DrawCalls() + other_draws_; }
     void ResetCounters();
 
     KRN_Gfx& Gfx() { return *gfx_; }
@@ -46,6 +48,9 @@ class EffectDrawing {
     RegroupTraits TraitsOf(const InstanceGroup& group) const;
 
     void DrawInOrder(const EffectSimulation& simulation);
+    void DrawOther(const VisualEffectObject& object);
+    void DrawTraces(TraceEffectSet& traces);
+    void Count(int drawn, int draws);
     void BeginParticle(ParticleEffect& sub, Look& look, float age);
     void PrepareLook(ParticleEffect& sub, Look& look, float age);
     void ChooseStates(const ParticleEffect& sub);
@@ -54,6 +59,8 @@ class EffectDrawing {
 
     KRN_Gfx* gfx_ = nullptr;   // borrowed
     EffectParticleSystem particles_;
+    SpecialEffectRenderer specials_;
+    TraceDrawing traces_;
     DrawOrder order_;
     std::vector<int> groups_;             // with instances, by sort class
     std::vector<KeyedPlace> elements_;    // of one class: depth and lane
@@ -63,9 +70,7 @@ class EffectDrawing {
     std::optional<ViewVolume> view_;                                        // of the frame
     States before_ = {};
     int drawn_particles_ = 0;
+    int other_draws_ = 0;   // of specials and trails
 };
-
-/// Loads the picture of a particle sub-effect at its first use: of the texture catalogue, or else of a file.
-void LoadParticleTexture(KRN_Gfx& gfx, ParticleEffect& sub);
 
 }   // namespace sparkrig

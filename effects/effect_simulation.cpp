@@ -2,6 +2,7 @@
 
 #include <tbb/parallel_for.h>
 
+#include <cstring>
 #include <optional>
 
 #include "base/numeric.h"
@@ -12,7 +13,6 @@
 namespace sparkrig {
 namespace {
 
-constexpr int kTraceBlocks = 2048;
 constexpr int kTraceIds = 3;                 // trail blocks of one started effect
 constexpr int kWorthThreads = 10000;         // instances
 constexpr std::size_t kTasksTogether = 16;   // blocks that a thread takes at once
@@ -150,8 +150,13 @@ bool EffectSimulation::Refuse(const VisualEffect& effect, int limit, const char*
 }
 
 void EffectSimulation::Emit(const VisualEffectObject& emitter, double offset) {
-    const VisualEffect* effect = emitter.sub_effect->emit.effect;
-    if (effect) Start(*effect, EmitPosition(emitter), offset);
+    const SubEffect& sub = *emitter.sub_effect;
+    if (sub.emit.effect) return Start(*sub.emit.effect, EmitPosition(emitter), offset);
+    const TraceSettings& trace = sub.trace;
+    traces_.AddTracePoint(sub.emit.name.c_str() + std::strlen(kTracePrefix), emitter.trace_key,
+                          sub.emit.trace_number - 1, emitter.position, trace.life_time,
+                          trace.life_time - static_cast<float>(offset),
+                          {trace.flag, sub.blend_mode, sub.use_z_buffer, trace.texture_scale});
 }
 
 // ---- Updating
@@ -180,6 +185,7 @@ void EffectSimulation::Update(float elapsed_seconds) {
     for (const Emission& emission : schedule_.Emissions())
         Emit(GetInstance(instances_, emission.emitter), emission.offset);
     WriteStarted();
+    traces_.UpdateTraces(elapsed_seconds);
 }
 
 /// The blocks of all groups, one group after the other.
@@ -223,6 +229,7 @@ void EffectSimulation::RemoveDead(InstanceGroup& group, std::span<const BlockTas
 
 void EffectSimulation::Clear() {
     instances_.Clear();
+    traces_.ClearTraces();
     system_time_ = 0;
     trace_key_counter_ = 0;
     warned_ = false;

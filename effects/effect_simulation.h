@@ -8,6 +8,7 @@
 #include "effects/effect_instance.h"
 #include "effects/emission_schedule.h"
 #include "effects/instance_store.h"
+#include "effects/trace_effect_set.h"
 
 namespace sparkrig {
 
@@ -43,6 +44,7 @@ class EffectSimulation {
     void Rebind(const std::vector<Binding>& bindings, EffectDefinitions& definitions);
 
     const InstanceStore& Instances() const { return instances_; }
+    TraceEffectSet& Traces() { return traces_; }
     double SystemTime() const { return system_time_; }
     void SetDetailLevel(int level);
     int DetailLevel() const { return detail_level_; }
@@ -80,6 +82,7 @@ class EffectSimulation {
     InstanceStore instances_;
     std::vector<BlockTask> tasks_;
     EmissionSchedule schedule_;
+    TraceEffectSet traces_{kTraceBlocks};
     double system_time_ = 0;
     std::int32_t trace_key_counter_ = 0;
     int detail_level_ = 100;

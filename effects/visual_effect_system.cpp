@@ -4,6 +4,7 @@
 #include <cstring>
 #include <set>
 
+#include "effects/effect_textures.h"
 #include "effects/effects_file.h"
 #include "effects/motion.h"
 #include "effects/visual_effect_system_parts.h"
@@ -12,6 +13,8 @@
 
 namespace sparkrig {
 namespace {
+
+VisualEffectSystem* current = nullptr;   // borrowed
 
 VisualEffect& FindEffect(const ErrorClass& reporter, const EffectDefinitions& definitions, const char* name) {
     VisualEffect* effect = definitions.effects.Find(name);
@@ -30,7 +33,10 @@ class Preloading {
         while (!waiting_.empty()) {
             SubEffect& sub = *waiting_.back();
             waiting_.pop_back();
-            if (sub.kind == SubEffectKind::Particle) LoadParticleTexture(Gfx(), static_cast<ParticleEffect&>(sub));
+            if (sub.kind == SubEffectKind::Particle) {
+                auto& particle = static_cast<ParticleEffect&>(sub);
+                LoadEffectTexture(Gfx(), particle.texture_name.c_str(), particle.texture);
+            }
             if (sub.emit.name.GetLength() > 0) Enter(sub.emit.name.c_str());
         }
     }
@@ -92,7 +98,11 @@ VisualEffectSystem::VisualEffectSystem() : parts_(std::make_unique<VisualEffectS
     SetName("VisualEffectSystem");
 }
 
-VisualEffectSystem::~VisualEffectSystem() = default;
+VisualEffectSystem::~VisualEffectSystem() {
+    if (current == this) current = nullptr;
+}
+
+VisualEffectSystem* VisualEffectSystem::Current() { return current; }
 
 void VisualEffectSystem::LoadEffects(const char* file, bool keep_instances) {
     if (!keep_instances) Clear();
@@ -139,6 +149,7 @@ void VisualEffectSystem::StartEffect(const char* name, const D3DXVECTOR3& positi
 void VisualEffectSystem::Update(float elapsed_seconds) { parts_->simulation.Update(elapsed_seconds); }
 
 void VisualEffectSystem::Init(KRN_Gfx& gfx, int mode) {
+    current = this;
     parts_->drawing.Init(gfx, mode);
     gfx.Catalogue().Load("cfg/texCatalogue.cfg", "", false);
 }

@@ -48,6 +48,8 @@ class VisualEffectSystem : public ErrorClass {
     void Init(KRN_Gfx& gfx, int mode);
     /// With keep_instances running instances go on with the new definitions.
     void LoadEffects(const char* file, bool keep_instances);
+    /// The one that was set up last, for the whole program; null before.
+    static VisualEffectSystem* Current();
     int GetEffectCount() const;
     /// In file order; empty for a wrong index. Good until the next load.
     const String& GetEffectName(int index) const;

@@ -1,0 +1,334 @@
+// Built as motion_lanes.cpp is.
+#include "effects/special_shapes.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/numeric.h"
+#include "base/random.h"
+#include "effects/exponential.h"
+#include "effects/sine.h"
+#include "effects/vector_code.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr double kTurn = 6.2832;   // not the exact value, like the next: authored shapes are tuned to these
+constexpr float kTurnF = 6.2832f, kThirdTurn = 2.0944f;
+
+/// The points, one array for each number. Positions are along the shape's axes, from its own position.
+struct Points {
+    alignas(64) float forward[kSpecialPoints], up[kSpecialPoints], side[kSpecialPoints];
+    alignas(64) std::uint32_t colour[kSpecialPoints];
+};
+
+/// For each point how far it has come, 0 to 1, and where its random numbers begin.
+struct Progress {
+    alignas(64) float f[kSpecialPoints];
+    alignas(64) std::int32_t k[kSpecialPoints];
+};
+
+struct Axes {
+    D3DXVECTOR3 forward, up, side;
+};
+
+// ---- Progress
+
+/// Points that start afresh again and again: period = spread x T[i] + least, phase = period x T[i + 1] + age.
+void FindCycles(const RandomTable& table, int first, int count, double spread, double least, double age,
+                Progress& progress) {
+    for (int i = 0; i < count; ++i) {
+        const double period = spread * table.values[i] + least;
+        const double phase = period * table.values[i + 1] + age, cycle = std::trunc(phase / period);
+        const double f = (phase - period * cycle) / period;
+        progress.f[first + i] = static_cast<float>(f > 0 ? (f < 1 ? f : 1) : 0);
+        progress.k[first + i] = static_cast<std::int32_t>(cycle - 256 * std::trunc(cycle / 256));
+    }
+}
+
+/// From 0 to 1 along a line of `count` points; a single one is at 0.
+void FindLine(int first, int count, Progress& progress) {
+    const float last = count > 1 ? static_cast<float>(count - 1) : 1.0f;
+    for (int i = 0; i < count; ++i) progress.f[first + i] = static_cast<float>(i) / last;
+}
+
+/// Once a second.
+float Burst(double age) {
+    const double f = WrapFloat(age, 1.0);
+    return static_cast<float>(f >= 0 && f <= 1 ? f : 0);
+}
+
+// ---- Colours
+
+std::uint32_t Channel(std::uint32_t colour, int shift) { return colour >> shift & 255u; }
+constexpr int kRed = 16, kGreen = 8, kBlue = 0, kAlpha = 24;
+
+std::uint32_t Byte(float value) { return static_cast<std::uint32_t>(static_cast<std::int32_t>(value)) & 255u; }
+
+/// From the second colour towards the first, and to black: w of the second, all times `fade`.
+std::uint32_t Mixed(const SpecialShape& shape, float w, float fade) {
+    const auto channel = [&](int shift) {
+        const auto first = static_cast<float>(Channel(shape.first, shift));
+        const auto second = static_cast<float>(Channel(shape.second, shift));
+        return Byte((first * (1 - w) + second * w) * fade) << shift;
+    };
+    return (shape.first & 0xFF000000u) | channel(kRed) | channel(kGreen) | channel(kBlue);
+}
+
+float Eighth(float f) {
+    const float a = (1 - f) * (1 - f), b = a * a;
+    return b * b;
+}
+
+/// fade(f) from 1 at the start to 0 at the end.
+template <class Fade>
+void ColourRamp(const SpecialShape& shape, const Progress& progress, int count, Fade fade, Points& points) {
+    for (int i = 0; i < count; ++i) {
+        const float f = progress.f[i];
+        points.colour[i] = Mixed(shape, Eighth(f), fade(f));
+    }
+}
+constexpr auto kLinearFade = [](float f) { return 1 - f; };
+constexpr auto kSquareFade = [](float f) { return 1 - f * f; };
+
+// ---- Flame and smoke
+
+/// Both rise alike; a flame's points draw together and spread as they rise.
+template <bool kFlame>
+int Rising(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    const float height = shape.scale.z, spread = shape.scale.x;
+    Progress progress;
+    FindCycles(table, 0, count, 0.2, 0.5, 0.6 * shape.age, progress);
+    for (int i = 0; i < count; ++i) {
+        const float f = progress.f[i];
+        const float* T = table.values + ((progress.k[i] + i + shape.seed) & (kSpecialPoints - 1));
+        float sway_1, sway_2, cosine;
+        SineAndCosine(kTurnF * f * (3 * T[2] + 1) + kTurnF * T[4], sway_1, cosine);
+        SineAndCosine(kTurnF * f * (3 * T[3] + 1) + kTurnF * T[5], sway_2, cosine);
+        const float wobble_1 = 1.5f * (2 * T[8] - 1) + 0.3f * T[12] * sway_1;
+        const float wobble_2 = 1.5f * (2 * T[9] - 1) + 0.3f * T[13] * sway_2;
+        const float radius = (kFlame ? std::sqrt(f) : 0.2f) * (0.2f * T[7] + 0.4f) * spread;
+        points.forward[i] = radius * wobble_1 * (kFlame ? Exponential(-(2 + 2.5f * T[10]) * f) : 1);
+        points.side[i] = radius * wobble_2 * (kFlame ? Exponential(-(2 + 2.5f * T[11]) * f) : 1);
+        points.up[i] = (0.4f * T[6] + 0.5f) * height * f;
+    }
+    const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
+    for (int i = 0; i < count; ++i) {
+        const float f = progress.f[i];
+        const auto a = static_cast<std::uint32_t>(65536 * f), b = static_cast<std::uint32_t>(65536 * (1 - f));
+        const auto channel = [&](int shift) {
+            const std::uint32_t sum =
+                (Channel(shape.first, shift) * b >> 16) + (Channel(shape.second, shift) * a >> 16);
+            return (sum < 255 ? sum : 255) << shift;
+        };
+        const float shown = kFlame ? (1 - Exponential(-20 * f)) * (1 - f) : (1 - Exponential(-5 * f)) * (1 - f) / 0.6f;
+        points.colour[i] = Byte(alpha * shown) << kAlpha | channel(kRed) | channel(kGreen) | channel(kBlue);
+    }
+    return count;
+}
+
+// ---- Helix, snake
+
+int Helix(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    const float length = shape.scale.z, radius = shape.scale.x;
+    Progress progress;
+    FindCycles(table, 0, count, 0.2, 0.5, shape.age, progress);
+    const double phase = shape.age * kTurn;
+    for (int i = 0; i < count; ++i) {
+        const float f = progress.f[i], r = (1 - Exponential(-f)) * radius;
+        const double angle = f * kTurn + phase;
+        points.forward[i] = static_cast<float>(Sine(angle)) * r;
+        points.side[i] = static_cast<float>(Cosine(angle)) * r;
+        points.up[i] = f * length;
+    }
+    ColourRamp(shape, progress, count, kLinearFade, points);
+    return count;
+}
+
+/// A line backwards along the forward axis that swings once over its length.
+void Swinging(const SpecialShape& shape, const Progress& progress, int first, int count, float length, float amplitude,
+              float* swing, Points& points) {
+    const double age = shape.age;
+    for (int i = first; i < first + count; ++i) {
+        swing[i] = amplitude * static_cast<float>(Sine(kTurn * (progress.f[i] + age)));
+        points.forward[i] = -progress.f[i] * length;
+    }
+}
+
+int Snake(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
+    Progress progress;
+    FindLine(0, count, progress);
+    Swinging(shape, progress, 0, count, shape.scale.z, shape.scale.x, points.side, points);
+    std::fill_n(points.up, count, 0.0f);
+    ColourRamp(shape, progress, count, kSquareFade, points);
+    return count;
+}
+
+// ---- Wave, jelly
+
+/// `rows` lines of `each` points side by side.
+void Sheet(const SpecialShape& shape, int rows, int each, Progress& progress, Points& points) {
+    for (int row = 0; row < rows; ++row) {
+        const float offset = static_cast<float>(row - rows / 2) / static_cast<float>(rows) * shape.scale.z;
+        FindLine(row * each, each, progress);
+        std::fill_n(points.side + row * each, each, offset);
+    }
+    Swinging(shape, progress, 0, rows * each, shape.scale.x, shape.scale.y, points.up, points);
+}
+
+int Wave(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
+    const float length = shape.scale.x, width = shape.scale.z;
+    if (!(length > 0) || !(width > 0)) return 0;
+    const int rows = TruncateToInt(std::sqrt(static_cast<double>(count) * width / length));
+    if (rows < 1 || rows > count) return 0;
+    const int each = count / rows;
+    Progress progress;
+    Sheet(shape, rows, each, progress, points);
+    ColourRamp(shape, progress, rows * each, kSquareFade, points);
+    return rows * each;
+}
+
+int Jelly(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    const float length = shape.scale.x, width = shape.scale.z;
+    const int sheet = count / 5, drops = count - sheet;
+    Progress progress;
+    Sheet(shape, 1, sheet, progress, points);
+    FindCycles(table, sheet, drops, 0.1, 0.3, shape.age, progress);
+    for (int drop = 0; drop < drops; ++drop) {
+        const int i = sheet + drop;
+        const float f = progress.f[i];
+        const float* T = table.values + ((progress.k[i] + drop) & (kSpecialPoints - 1));
+        float sine, cosine;
+        SineAndCosine(kTurnF * T[2], sine, cosine);
+        const float radius = width * f * (1 - (1 - T[3]) * (1 - T[3]));
+        points.up[i] = radius * sine;
+        points.side[i] = radius * cosine;
+        points.forward[i] = -length * f * f / 3.0f;
+    }
+    ColourRamp(shape, progress, count, kSquareFade, points);
+    return count;
+}
+
+// ---- Firework, splash
+
+int Firework(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    const float radius = shape.scale.x, height = shape.scale.z;
+    const float f = Burst(shape.age), expansion = 1 - Exponential(-f), rest = (1 - f) * (1 - f);
+    std::fill_n(points.colour, count, Mixed(shape, 1 - rest * rest, 1 - f * f));
+    const int base = static_cast<int>(*table.At(shape.seed) * kSpecialPoints);
+    for (int i = 0; i < count; ++i) {
+        const float* T = table.values + ((base + i) & (kSpecialPoints - 1));
+        float sine, cosine, steepness, unused;
+        SineAndCosine(kTurnF * T[1], sine, cosine);
+        SineAndCosine(kTurnF * 0.5f * T[3], unused, steepness);
+        const float r = T[2] * expansion;
+        points.side[i] = radius * r * cosine;
+        points.up[i] = radius * r * sine;
+        points.forward[i] = height * r * steepness;
+    }
+    return count;
+}
+
+int Splash(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    constexpr int kSprays = 4;
+    const int each = count / kSprays;
+    const float size = shape.scale.x, f = Burst(shape.age), fall = 0.25f * f * f;
+    const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
+    std::fill_n(points.colour, kSprays * each, (shape.first & 0xFFFFFFu) | Byte(alpha * (1 - f * f)) << kAlpha);
+    for (int spray = 0; spray < kSprays; ++spray) {
+        const float* S = table.At(4 * shape.seed + 1 + spray);   // of the whole spray
+        const float azimuth = kTurnF * S[0], elevation = kThirdTurn * S[1], scale = S[2];
+        for (int j = 0; j < each; ++j) {
+            const float* T = table.values + ((4 * each * shape.seed + 4 + spray * each + j) & (kSpecialPoints - 1));
+            const float radius = (0.5f * T[2] + 0.75f) * scale;
+            float sine, cosine, steepness, unused;
+            SineAndCosine(azimuth + 0.5f * (2 * T[0] - 1), sine, cosine);
+            SineAndCosine(elevation + 0.5f * (2 * T[1] - 1), unused, steepness);
+            const int i = spray * each + j;
+            points.forward[i] = size * f * radius * cosine;
+            points.side[i] = size * f * radius * sine;
+            points.up[i] = size * (f * radius * steepness - fall);
+        }
+    }
+    return kSprays * each;
+}
+
+// ---- All shapes
+
+enum class Side { UpTimesForward, ForwardTimesUp, Helix };
+
+struct ShapeRow {
+    SpecialType type;
+    int (*write)(const SpecialShape&, const RandomTable&, int count, Points&);
+    bool unit_forward;
+    Side side;
+    float D3DXVECTOR3::*size;   // the scale that the size of a point goes with
+    float size_factor;
+};
+// clang-format off
+constexpr ShapeRow kShapes[] = {
+    // type                 points          unit   side axis              size
+    {SpecialType::Flame,    Rising<true>,  false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
+    {SpecialType::Helix,    Helix,         false, Side::Helix,           &D3DXVECTOR3::x, 1},
+    {SpecialType::Snake,    Snake,         true,  Side::UpTimesForward,  &D3DXVECTOR3::x, 2},
+    {SpecialType::Wave,     Wave,          true,  Side::UpTimesForward,  &D3DXVECTOR3::z, 2},
+    {SpecialType::Jelly,    Jelly,         true,  Side::UpTimesForward,  &D3DXVECTOR3::z, 2},
+    {SpecialType::Firework, Firework,      true,  Side::UpTimesForward,  &D3DXVECTOR3::x, 1 / 5.0f},
+    {SpecialType::Splash,   Splash,        false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1 / 5.0f},
+    {SpecialType::Smoke,    Rising<false>, false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
+};
+// clang-format on
+
+const ShapeRow* RowOf(SpecialType type) {
+    const auto row = std::ranges::find(kShapes, type, &ShapeRow::type);
+    return row == std::end(kShapes) ? nullptr : row;
+}
+
+Axes AxesOf(const SpecialShape& shape, const ShapeRow& row) {
+    Axes axes = {shape.forward, shape.up, {}};
+    const float length = D3DXVec3Length(axes.forward);
+    if (row.unit_forward && length > 0) axes.forward = axes.forward * (1 / length);
+    switch (row.side) {
+        case Side::UpTimesForward: axes.side = D3DXVec3Cross(axes.up, axes.forward); break;
+        case Side::ForwardTimesUp: axes.side = D3DXVec3Cross(axes.forward, axes.up); break;
+        case Side::Helix: {   // two axes across the length, the first of them level
+            const float level = axes.up.x * axes.up.x + axes.up.y * axes.up.y, across = std::sqrt(level);
+            axes.forward = level > 0 ? D3DXVECTOR3(axes.up.y / across, -axes.up.x / across, 0) : D3DXVECTOR3(1, 0, 0);
+            axes.side = D3DXVec3Cross(axes.forward, axes.up);
+        }
+    }
+    return axes;
+}
+
+void WritePoints(const D3DXVECTOR3& p, const Axes& axes, const Points& points, int count, KRN_PointVertex* out) {
+    const auto& [d, u, n] = axes;
+    for (int i = 0; i < count; ++i) {
+        const float along = points.forward[i], rise = points.up[i], aside = points.side[i];
+        out[i] = {p.x + along * d.x + aside * n.x + rise * u.x, p.y + along * d.y + aside * n.y + rise * u.y,
+                  p.z + along * d.z + aside * n.z + rise * u.z, points.colour[i]};
+    }
+}
+
+}   // namespace
+
+void RandomTable::Draw() {
+    for (int i = 0; i < kSpecialPoints; ++i) values[i] = static_cast<float>(Random01());
+    std::copy_n(values, kRepeated, values + kSpecialPoints);
+}
+
+SPARKRIG_VECTOR_CODE int WriteShape(const SpecialShape& shape, const RandomTable& table, KRN_PointVertex* out) {
+    const ShapeRow* row = RowOf(shape.type);
+    const int count = std::min(shape.count, kSpecialPoints);
+    if (!row || count <= 0 || !std::isfinite(shape.age)) return 0;
+    Points points;
+    const int written = row->write(shape, table, count, points);
+    WritePoints(shape.position, AxesOf(shape, *row), points, written, out);
+    return written;
+}
+
+float ShapePointSize(SpecialType type, const D3DXVECTOR3& scale, float point_size) {
+    const ShapeRow* row = RowOf(type);
+    return row ? static_cast<float>(TruncateToInt(scale.*row->size * row->size_factor * point_size)) : 0;
+}
+
+}   // namespace sparkrig

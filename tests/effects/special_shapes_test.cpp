@@ -1,0 +1,254 @@
+// Each shape beside a slow reference of its formula, point by point, in double.
+#include "effects/special_shapes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "base/random.h"
+
+namespace sparkrig {
+namespace {
+
+constexpr double kTurn = 6.2832;
+
+struct Vec {
+    double x = 0, y = 0, z = 0;
+};
+Vec operator+(const Vec& a, const Vec& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+Vec operator*(double s, const Vec& v) { return {s * v.x, s * v.y, s * v.z}; }
+Vec Cross(const Vec& a, const Vec& b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
+Vec ToVec(const D3DXVECTOR3& v) { return {v.x, v.y, v.z}; }
+Vec Unit(const Vec& v) { return 1 / std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z) * v; }
+
+struct Colour {
+    double a, r, g, b;
+};
+Colour Unpacked(std::uint32_t c) {
+    return {static_cast<double>(c >> 24), static_cast<double>(c >> 16 & 255), static_cast<double>(c >> 8 & 255),
+            static_cast<double>(c & 255)};
+}
+struct Point {
+    Vec place;
+    Colour colour;
+};
+
+class Reference {
+  public:
+    Reference(const SpecialShape& shape, const RandomTable& table) : s_(shape), table_(table) {
+        D_ = ToVec(s_.forward), U_ = ToVec(s_.up), P_ = ToVec(s_.position);
+        c1_ = Unpacked(s_.first), c2_ = Unpacked(s_.second);
+        n_ = std::min(s_.count, 256);
+        Sx_ = s_.scale.x, Sy_ = s_.scale.y, Sz_ = s_.scale.z, t_ = s_.age;
+    }
+    std::vector<Point> Points() {
+        switch (s_.type) {
+            case SpecialType::Flame:
+            case SpecialType::Smoke: Rising(); break;
+            case SpecialType::Helix: Helix(); break;
+            case SpecialType::Snake:
+                for (int i = 0; i < n_; ++i) Swing(Sz_, Sx_, Cross(U_, Unit(D_)), {}, n_ > 1 ? i / (n_ - 1.0) : 0);
+                break;
+            case SpecialType::Wave: Wave(); break;
+            case SpecialType::Jelly: Jelly(); break;
+            case SpecialType::Firework: Firework(); break;
+            case SpecialType::Splash: Splash(); break;
+            case SpecialType::None: break;
+        }
+        return points_;
+    }
+
+  private:
+    double T(int k) const { return table_.values[k % 256]; }
+    static double Wrap(double a, double p) { return a - std::trunc(a / p) * p; }
+    Colour Ramp(double f, double fade) const {
+        const double w = std::pow(1 - f, 8);
+        return {c1_.a, (c1_.r * (1 - w) + c2_.r * w) * fade, (c1_.g * (1 - w) + c2_.g * w) * fade,
+                (c1_.b * (1 - w) + c2_.b * w) * fade};
+    }
+
+    void Rising() {
+        const bool flame = s_.type == SpecialType::Flame;
+        const Vec N = Cross(D_, U_);
+        for (int i = 0; i < n_; ++i) {
+            const double p = 0.2 * T(i) + 0.5, q = p * T(i + 1) + 0.6 * t_, f = Wrap(q, p) / p;
+            const int k = static_cast<int>(q / p) + i + s_.seed;
+            const double m1 = 1.5 * (2 * T(k + 8) - 1) +
+                              0.3 * T(k + 12) * std::sin(kTurn * f * (3 * T(k + 2) + 1) + kTurn * T(k + 4));
+            const double m2 = 1.5 * (2 * T(k + 9) - 1) +
+                              0.3 * T(k + 13) * std::sin(kTurn * f * (3 * T(k + 3) + 1) + kTurn * T(k + 5));
+            const double rho = (flame ? std::sqrt(f) : 0.2) * (0.2 * T(k + 7) + 0.4) * Sx_;
+            const double s1 = rho * m1 * (flame ? std::exp(-(2 + 2.5 * T(k + 10)) * f) : 1);
+            const double s2 = rho * m2 * (flame ? std::exp(-(2 + 2.5 * T(k + 11)) * f) : 1);
+            const double h = (0.4 * T(k + 6) + 0.5) * Sz_ * f;
+            const auto mix = [&](double a, double b) { return std::min(255.0, a * (1 - f) + b * f); };
+            const double alpha =
+                flame ? c1_.a * (1 - std::exp(-20 * f)) * (1 - f) : c1_.a * (1 - std::exp(-5 * f)) * (1 - f) / 0.6;
+            points_.push_back(
+                {P_ + s1 * D_ + s2 * N + h * U_, {alpha, mix(c1_.r, c2_.r), mix(c1_.g, c2_.g), mix(c1_.b, c2_.b)}});
+        }
+    }
+
+    void Helix() {
+        const Vec A = U_;
+        const double s = A.x * A.x + A.y * A.y;
+        const Vec V1 = s > 0 ? 1 / std::sqrt(s) * Vec{A.y, -A.x, 0} : Vec{1, 0, 0}, V2 = Cross(V1, A);
+        for (int i = 0; i < n_; ++i) {
+            const double p = 0.2 * T(i) + 0.5, f = Wrap(p * T(i + 1) + t_, p) / p;
+            const double r = (1 - std::exp(-f)) * Sx_, a = f * kTurn + t_ * kTurn;
+            points_.push_back({P_ + std::sin(a) * r * V1 + std::cos(a) * r * V2 + f * Sz_ * A, Ramp(f, 1 - f)});
+        }
+    }
+
+    void Swing(double length, double amplitude, const Vec& across, const Vec& offset, double f) {
+        points_.push_back({P_ + offset + -f * length * Unit(D_) + amplitude * std::sin(kTurn * (f + t_)) * across,
+                           Ramp(f, 1 - f * f)});
+    }
+
+    void Wave() {
+        if (Sx_ <= 0 || Sz_ <= 0) return;
+        const int rows = static_cast<int>(std::sqrt(n_ * Sz_ / Sx_));
+        if (rows == 0) return;
+        const Vec N = Cross(U_, Unit(D_));
+        const int m = n_ / rows;
+        for (int j = 0; j < rows; ++j)
+            for (int k = 0; k < m; ++k)
+                Swing(Sx_, Sy_, U_, (static_cast<double>(j - rows / 2) / rows * Sz_) * N, m > 1 ? k / (m - 1.0) : 0);
+    }
+
+    void Jelly() {
+        const int m = n_ / 5;
+        const Vec N = Cross(U_, Unit(D_));
+        for (int k = 0; k < m; ++k) Swing(Sx_, Sy_, U_, {}, m > 1 ? k / (m - 1.0) : 0);
+        for (int d = 0; d < n_ - m; ++d) {
+            const double p = 0.1 * T(d) + 0.3, q = t_ + p * T(d + 1), f = Wrap(q, p) / p;
+            const int c = static_cast<int>(q / p);
+            const double a = kTurn * T(c + d + 2), g = 1 - std::pow(1 - T(c + d + 3), 2), r = Sz_ * f * g;
+            points_.push_back(
+                {P_ + r * std::sin(a) * U_ + r * std::cos(a) * N + -(Sx_ * f * f / 3) * Unit(D_), Ramp(f, 1 - f * f)});
+        }
+    }
+
+    void Firework() {
+        const double f = Wrap(t_, 1), e = 1 - std::exp(-f), w = std::pow(1 - f, 4), fade = 1 - f * f;
+        const Colour colour = {c1_.a, (c2_.r * (1 - w) + c1_.r * w) * fade, (c2_.g * (1 - w) + c1_.g * w) * fade,
+                               (c2_.b * (1 - w) + c1_.b * w) * fade};
+        const Vec N = Cross(U_, Unit(D_));
+        const int b = static_cast<int>(T(s_.seed) * 256);
+        for (int i = 0; i < n_; ++i) {
+            const int k = b + i;
+            const double a = kTurn * T(k + 1), r = T(k + 2), beta = kTurn * 0.5 * T(k + 3);
+            points_.push_back(
+                {P_ + Sx_ * r * e * (std::cos(a) * N + std::sin(a) * U_) + Sz_ * r * e * std::cos(beta) * Unit(D_),
+                 colour});
+        }
+    }
+
+    void Splash() {
+        const int m = n_ / 4;
+        const double f = Wrap(t_, 1), drop = 0.25 * f * f;
+        const Vec N = Cross(D_, U_);
+        for (int w = 0; w < 4; ++w) {
+            const int c = 4 * s_.seed + 2 + w;
+            const double A = kTurn * T(c - 1), B = 2.0944 * T(c), G = T(c + 1);
+            for (int j = 0; j < m; ++j) {
+                const int k = 4 * m * s_.seed + 5 + w * m + j;
+                const double a = A + 0.5 * (2 * T(k - 1) - 1), beta = B + 0.5 * (2 * T(k) - 1);
+                const double rho = (0.5 * T(k + 1) + 0.75) * G;
+                points_.push_back({P_ + Sx_ * f * rho * std::cos(a) * D_ + Sx_ * f * rho * std::sin(a) * N +
+                                       Sx_ * (f * rho * std::cos(beta) - drop) * U_,
+                                   {c1_.a * (1 - f * f), c1_.r, c1_.g, c1_.b}});
+            }
+        }
+    }
+
+    const SpecialShape& s_;
+    const RandomTable& table_;
+    Vec P_, D_, U_;
+    Colour c1_, c2_;
+    int n_;
+    double Sx_, Sy_, Sz_, t_;
+    std::vector<Point> points_;
+};
+
+SpecialShape RandomShape(SpecialType type, std::mt19937& generator) {
+    const auto between = [&](float low, float high) {
+        return std::uniform_real_distribution<float>(low, high)(generator);
+    };
+    SpecialShape shape;
+    shape.type = type;
+    shape.position = {between(-50, 50), between(-50, 50), between(-50, 50)};
+    D3DXMATRIX axes;
+    const D3DXVECTOR3 axis(between(-1, 1), between(-1, 1), between(-1, 1));
+    D3DXMatrixRotationAxis(&axes, &axis, generator() % 4 == 0 ? 0 : between(-3, 3));
+    shape.forward = {axes.m[0][0], axes.m[0][1], axes.m[0][2]};
+    shape.up = {axes.m[2][0], axes.m[2][1], axes.m[2][2]};
+    shape.age = between(0, generator() % 3 == 0 ? 200 : 3);
+    shape.scale = {between(0.5f, 60), between(0.5f, 60), between(0.5f, 60)};
+    shape.count = static_cast<int>(generator() % 3 == 0 ? generator() % 8 : generator() % 300);
+    shape.first = static_cast<std::uint32_t>(generator());
+    shape.second = static_cast<std::uint32_t>(generator());
+    shape.seed = static_cast<int>(generator() % 101);
+    return shape;
+}
+
+constexpr SpecialType kTypes[] = {SpecialType::None,     SpecialType::Flame,  SpecialType::Helix,
+                                  SpecialType::Snake,    SpecialType::Wave,   SpecialType::Jelly,
+                                  SpecialType::Firework, SpecialType::Splash, SpecialType::Smoke};
+
+TEST(SpecialShapes, AreThoseOfTheSlowReference) {
+    std::mt19937 generator(7);
+    SeedRandom(3);
+    for (int round = 0; round < 900; ++round) {
+        RandomTable table;
+        table.Draw();
+        const SpecialShape shape = RandomShape(kTypes[round % 9], generator);
+        KRN_PointVertex found[kSpecialPoints];
+        const std::vector<Point> expected = Reference(shape, table).Points();
+        ASSERT_EQ(static_cast<std::size_t>(WriteShape(shape, table, found)), expected.size()) << round;
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            const auto& [place, colour] = expected[i];
+            const Colour c = Unpacked(found[i].diffuse);
+            const double tolerance = 2e-3;   // of angles after some minutes
+            ASSERT_NEAR(found[i].x, place.x, tolerance) << "type " << round % 9 << " round " << round << " point " << i;
+            ASSERT_NEAR(found[i].y, place.y, tolerance) << round;
+            ASSERT_NEAR(found[i].z, place.z, tolerance) << round;
+            for (const auto& [byte, value] :
+                 {std::pair(c.a, colour.a), {c.r, colour.r}, {c.g, colour.g}, {c.b, colour.b}})
+                ASSERT_NEAR(byte, value - 0.5, 1.6) << round;   // truncated; 65536ths are truncated twice
+        }
+    }
+}
+
+TEST(SpecialShapes, OddInputsHaveResults) {
+    RandomTable table;
+    table.Draw();
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN(), kInfinity = std::numeric_limits<float>::infinity();
+    for (const SpecialType type : kTypes) {
+        for (const int count : {-1, 0, 1, 2, 3, 5, 256, 257, 1000000000}) {
+            for (const float scale : {0.0f, -3.0f, 1e-30f, 1e30f, kNan, kInfinity}) {
+                for (const double age : {0.0, -5.0, 1e30, 1e300, double{kNan}}) {
+                    SpecialShape shape;
+                    shape.type = type;
+                    shape.count = count;
+                    shape.age = age;
+                    shape.seed = 100;
+                    shape.scale = {scale, 2, 3};
+                    std::vector<KRN_PointVertex> points(kSpecialPoints);
+                    const int written = WriteShape(shape, table, points.data());
+                    EXPECT_LE(written, std::clamp(count, 0, kSpecialPoints));
+                    (void)ShapePointSize(type, shape.scale, scale);
+                }
+            }
+        }
+    }
+    EXPECT_EQ(ShapePointSize(SpecialType::Snake, {3, 4, 5}, 1.3f), 7);   // 7.8, whole
+    EXPECT_EQ(ShapePointSize(SpecialType::Wave, {3, 4, 5}, 1), 10);
+    EXPECT_EQ(ShapePointSize(SpecialType::Splash, {30, 4, 5}, 2), 12);
+}
+
+}   // namespace
+}   // namespace sparkrig
