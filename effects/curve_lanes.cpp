@@ -35,7 +35,7 @@ void HoldFirstKey(int count, CurvePlaces& places) {
 void FindInLoop(const VectorCurve& curve, int count, double* times, CurvePlaces& places) {
     const CurveKey<3>* keys = curve.Keys().data();
     const std::int32_t last = curve.KeyCount() - 1;
-    const double first_time = keys[0].time, loop_end = curve.LoopEnd(), period = loop_end - first_time;
+    const double first_time = keys[0].time, loop_end = curve.Seam(), period = loop_end - first_time;
     if (!(period > 0) || last == 0) return HoldFirstKey(count, places);
     for (int i = 0; i < count; ++i) times[i] = first_time + WrapFloat(times[i], period);
     FindSegments(curve, count, times, places.from);

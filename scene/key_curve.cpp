@@ -97,7 +97,7 @@ template <int Components>
 inline typename KeyCurve<Components>::Place KeyCurve<Components>::Find(double time) const {
     const Key& first = keys_.front();
     const Key& last = keys_.back();
-    const double loop_end = LoopEnd();
+    const double loop_end = Seam();
     if (loop_) {
         const double period = loop_end - first.time;
         if (!(period > 0) || keys_.size() == 1) return {first};

@@ -43,11 +43,8 @@ class KeyCurve {
     std::vector<Key>& Keys() { return keys_; }
     const std::vector<Key>& Keys() const { return keys_; }
     const Key& GetKey(int index) const { return keys_[static_cast<std::size_t>(index)]; }
-    const std::vector<Key>& Keys() const { return keys_; }
-    CurveMode Mode() const { return mode_; }
-    bool Loops() const { return loop_; }
-    /// Of a curve with keys.
-    float LoopEnd() const { return loop_end_ > keys_.back().time ? loop_end_ : keys_.back().time; }
+    /// Where the loop of a curve with keys begins again: its end, and not before the last key.
+    float Seam() const { return loop_end_ > keys_.back().time ? loop_end_ : keys_.back().time; }
 
     /// The value at a time, held before the first and after the last key of a curve without loop. Zeros for a curve
     /// without keys.

@@ -36,7 +36,7 @@ class FileReports {
             if (text == about_place + file_ + "'") return;
         const bool is_error = report.kind == ReportKind::Error;
         std::string line = prefix + (is_error ? "error: " : "warning: ") + std::string(text);
-        if (report.line > 0 && file_ == report.file) line += " (line " + std::to_string(report.line) + ")";
+        if (report.place.line > 0 && file_ == report.file) line += " (line " + std::to_string(report.place.line) + ")";
         for (char& c : line)
             if (c == '\n' || c == '\r') c = ' ';   // a line stays one, whatever a file names its nodes
         std::fprintf(stderr, "%s\n", line.c_str());
