@@ -1,3 +1,4 @@
+// The check that every compiled effect from outside goes through before it is used.
 #pragma once
 #include <string>
 

@@ -1,3 +1,4 @@
+// Compiling effect text by a process of its own.
 #pragma once
 #include <string>
 #include <vector>

@@ -1,3 +1,4 @@
+// The expressions that states of a pass take their values from, in postfix order.
 #pragma once
 #include <span>
 

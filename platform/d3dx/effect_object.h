@@ -1,3 +1,4 @@
+// The effect that programs hold: ID3DXEffect over a checked file, its values and its passes.
 #pragma once
 #include <memory>
 #include <vector>

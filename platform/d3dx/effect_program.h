@@ -1,3 +1,4 @@
+// What an effect does to a device, pass by pass.
 #pragma once
 #include <memory>
 #include <vector>

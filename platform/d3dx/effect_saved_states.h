@@ -1,3 +1,4 @@
+// What an effect changes of a device, kept at Begin and put back at End.
 #pragma once
 #include <tuple>
 #include <variant>

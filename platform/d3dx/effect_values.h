@@ -1,3 +1,4 @@
+// The values of an effect's parameters, alone or shared in a pool.
 #pragma once
 #include <map>
 #include <memory>

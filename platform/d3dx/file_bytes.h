@@ -1,3 +1,4 @@
+// Reading numbers out of picture files of any byte order.
 #pragma once
 #include <cstring>
 

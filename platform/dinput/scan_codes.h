@@ -1,3 +1,4 @@
+// From SDL's keys by place to the key codes of the keyboard device.
 #pragma once
 #include <cstdint>
 #include <span>

@@ -1,3 +1,4 @@
+// From SDL's events to numbered messages.
 #pragma once
 #include <SDL2/SDL_events.h>
 

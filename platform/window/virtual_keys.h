@@ -1,3 +1,4 @@
+// From SDL's keys to the numbers and characters of key messages.
 #pragma once
 #include <SDL2/SDL_keycode.h>
 

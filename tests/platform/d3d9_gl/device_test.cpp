@@ -2,46 +2,12 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
-#include <bit>
-
 #include "platform/d3d9_gl/device_hooks.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
 
 namespace sparkrig {
 namespace {
-
-TEST(Device, StartsWithTheDocumentedStates) {
-    constexpr struct {
-        D3DRENDERSTATETYPE state;
-        DWORD value;
-    } kRows[] = {{D3DRS_ZENABLE, 1},
-                 {D3DRS_FILLMODE, 3},
-                 {D3DRS_SRCBLEND, 2},
-                 {D3DRS_DESTBLEND, 1},
-                 {D3DRS_ZFUNC, 4},
-                 {D3DRS_ALPHAFUNC, 8},
-                 {D3DRS_FOGEND, std::bit_cast<DWORD>(1.0f)},
-                 {D3DRS_TEXTUREFACTOR, 0xFFFFFFFF},
-                 {D3DRS_DIFFUSEMATERIALSOURCE, 1},
-                 {D3DRS_SPECULARMATERIALSOURCE, 2},
-                 {D3DRS_POINTSIZE_MAX, std::bit_cast<DWORD>(64.0f)},
-                 {D3DRS_COLORWRITEENABLE, 0xF},
-                 {D3DRS_CLIPPING, 1},
-                 {D3DRS_PATCHEDGESTYLE, 0}};
-    Canvas canvas(4, 4);
-    DWORD value = 77;
-    for (const auto& row : kRows) {
-        EXPECT_EQ(canvas->GetRenderState(row.state, &value), D3D_OK);
-        EXPECT_EQ(value, row.value) << row.state;
-    }
-    canvas->GetTextureStageState(0, D3DTSS_COLOROP, &value);
-    EXPECT_EQ(value, D3DTOP_MODULATE);
-    canvas->GetTextureStageState(5, D3DTSS_TEXCOORDINDEX, &value);
-    EXPECT_EQ(value, 5u);
-    canvas->GetSamplerState(15, D3DSAMP_MAGFILTER, &value);
-    EXPECT_EQ(value, D3DTEXF_POINT);
-}
 
 TEST(Device, KeepsStatesAndRefusesWrongOnes) {
     Canvas canvas(4, 4);

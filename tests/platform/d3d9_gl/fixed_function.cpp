@@ -1,7 +1,7 @@
 #include "tests/platform/d3d9_gl/fixed_function.h"
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace sparkrig::fixed {
 
@@ -213,17 +213,16 @@ class Pipeline {
         return t;
     }
 
-    D3DCOLOR TexelAt(DWORD stage) {
+    D3DCOLOR TexelAt(DWORD stage, const std::array<double, 2>& shift) {
         const Vec t = Coordinate(stage);
         std::size_t place[2];
         for (std::size_t i = 0; i < 2; ++i) {
-            const double texel = (t[i] + shift_[i]) * Texture::kSize, inside = texel - std::floor(texel);
+            const double texel = (t[i] + shift[i]) * Texture::kSize, inside = texel - std::floor(texel);
             const bool near_edge = texel != 0 && std::abs(inside - 0.5) > 0.47;   // a missing coordinate is exactly 0
             if (near_edge || !(std::abs(texel) < 200)) sure_ = false;
             const long wrapped = std::lround(std::fmod(std::floor(std::clamp(texel, -1e6, 1e6)), Texture::kSize));
             place[i] = static_cast<std::size_t>((wrapped + Texture::kSize) % Texture::kSize);
         }
-        shift_ = {};
         return scene_.textures[stage]->texels[place[1] * Texture::kSize + place[0]];
     }
 
@@ -286,7 +285,8 @@ class Pipeline {
             if (op == D3DTOP_DISABLE) break;
             if (!textured && op != D3DTOP_SELECTARG2 && (row[D3DTSS_COLORARG1] & D3DTA_SELECTMASK) == D3DTA_TEXTURE)
                 break;
-            const D3DCOLOR texel = textured ? TexelAt(stage) : 0;
+            const auto shift = std::exchange(shift_, {});
+            const D3DCOLOR texel = textured ? TexelAt(stage, shift) : 0;
             texel_ = textured ? fixed::From(texel) : Colour{1, 1, 1, diffuse_[3]};
             if (op == D3DTOP_BUMPENVMAP) {
                 const auto number = [&](int i) { return double{std::bit_cast<float>(row[D3DTSS_BUMPENVMAT00 + i])}; };
@@ -369,7 +369,7 @@ class Pipeline {
     Vec eye_ = {}, n_ = {};
     double w_ = 1, depth_ = 0;
     Colour diffuse_ = {}, specular_ = {}, current_ = {}, temp_ = {}, texel_ = {}, back_ = {};
-    std::array<double, 2> shift_ = {};   // of the next coordinate, by a bump stage
+    std::array<double, 2> shift_ = {};   // of the next stage's coordinate, by a bump stage
 };
 
 }   // namespace

@@ -150,14 +150,6 @@ TEST_F(EffectDrawingTest, CallsOutOfOrderAreRefused) {
     EXPECT_EQ(Load("float lonely;")->Begin(nullptr, 0), D3DERR_INVALIDCALL);
 }
 
-TEST_F(EffectDrawingTest, FailuresOfTheDeviceAreAnswered) {
-    const auto effect = Load(kEverything);
-    recording_.Fail("SetSamplerState", D3DERR_DEVICELOST);
-    effect->Begin(nullptr, 0);
-    EXPECT_EQ(effect->BeginPass(0), D3DERR_DEVICELOST);
-    EXPECT_EQ(effect->End(), D3D_OK);
-}
-
 TEST_F(EffectDrawingTest, TechniquesAreValidatedOnThisDevice) {
     const char* const source = R"(
 float4 V(float4 p : POSITION) : POSITION { return p; }
