@@ -13,15 +13,13 @@
 namespace sparkrig {
 namespace {
 
-void Little(std::string& out, UINT value, int bytes) {
-    for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> 8 * i & 0xFF);
-}
+void Append(std::string& out, UINT value, int bytes) { out += Little(value, bytes); }
 
 void Big(std::string& out, UINT value) {
     for (int shift = 24; shift >= 0; shift -= 8) out += static_cast<char>(value >> shift & 0xFF);
 }
 
-void Append(void* context, void* data, int size) {
+void AppendData(void* context, void* data, int size) {
     static_cast<std::string*>(context)->append(static_cast<const char*>(data), static_cast<std::size_t>(size));
 }
 
@@ -64,8 +62,8 @@ TestPicture TestPicture::Pattern(UINT width, UINT height, bool alpha) {
 
 std::string PngFile(const TestPicture& picture, int channels) {
     std::string file;
-    stbi_write_png_to_func(Append, &file, static_cast<int>(picture.width), static_cast<int>(picture.height), channels,
-                           Channels(picture, channels).data(), 0);
+    stbi_write_png_to_func(AppendData, &file, static_cast<int>(picture.width), static_cast<int>(picture.height),
+                           channels, Channels(picture, channels).data(), 0);
     return file;
 }
 
@@ -94,8 +92,8 @@ std::string PalettePngFile(const TestPicture& picture, D3DCOLOR first, D3DCOLOR 
 
 std::string JpgFile(const TestPicture& picture, int channels) {
     std::string file;
-    stbi_write_jpg_to_func(Append, &file, static_cast<int>(picture.width), static_cast<int>(picture.height), channels,
-                           Channels(picture, channels).data(), 95);
+    stbi_write_jpg_to_func(AppendData, &file, static_cast<int>(picture.width), static_cast<int>(picture.height),
+                           channels, Channels(picture, channels).data(), 95);
     return file;
 }
 
@@ -103,23 +101,23 @@ std::string BmpFile(const TestPicture& picture, D3DFORMAT format) {
     const bool masks = format == D3DFMT_R5G6B5 || format == D3DFMT_A8R8G8B8;
     const UINT header = format == D3DFMT_A8R8G8B8 ? 108 : 40, bytes = PixelBytes(format);
     std::string info;
-    Little(info, header, 4);
-    Little(info, picture.width, 4);
-    Little(info, picture.height, 4);
-    Little(info, 1, 2);
-    Little(info, bytes * 8, 2);
-    Little(info, masks ? 3 : 0, 4);
+    Append(info, header, 4);
+    Append(info, picture.width, 4);
+    Append(info, picture.height, 4);
+    Append(info, 1, 2);
+    Append(info, bytes * 8, 2);
+    Append(info, masks ? 3 : 0, 4);
     info.append(20, '\0');
     if (format == D3DFMT_R5G6B5)
-        for (const UINT mask : {0xF800u, 0x7E0u, 0x1Fu}) Little(info, mask, 4);
+        for (const UINT mask : {0xF800u, 0x7E0u, 0x1Fu}) Append(info, mask, 4);
     if (format == D3DFMT_A8R8G8B8) {
-        for (const UINT mask : {0xFF0000u, 0xFF00u, 0xFFu, 0xFF000000u}) Little(info, mask, 4);
+        for (const UINT mask : {0xFF0000u, 0xFF00u, 0xFFu, 0xFF000000u}) Append(info, mask, 4);
         info.append(52, '\0');
     }
     std::string file = "BM";
-    Little(file, 0, 4);
-    Little(file, 0, 4);
-    Little(file, static_cast<UINT>(14 + info.size()), 4);
+    Append(file, 0, 4);
+    Append(file, 0, 4);
+    Append(file, static_cast<UINT>(14 + info.size()), 4);
     file += info;
     for (UINT y = picture.height; y-- > 0;) {
         std::string row = Stored(format, &picture.pixels[y * picture.width], picture.width);
@@ -135,8 +133,8 @@ std::string TgaFile(const TestPicture& picture, D3DFORMAT format, bool packed) {
     std::string file(2, '\0');
     file += static_cast<char>((format == D3DFMT_L8 ? 3 : 2) + (packed ? 8 : 0));
     file.append(9, '\0');
-    Little(file, picture.width, 2);
-    Little(file, picture.height, 2);
+    Append(file, picture.width, 2);
+    Append(file, picture.height, 2);
     file += static_cast<char>(bytes * 8);
     file += static_cast<char>(0x20 | alpha_bits);   // rows from the top
     const std::string data = Stored(format, picture.pixels.data(), picture.pixels.size());
@@ -152,17 +150,36 @@ std::string TgaFile(const TestPicture& picture, D3DFORMAT format, bool packed) {
 std::string DdsHead(const DdsFields& fields) {
     std::string file = "DDS ";
     for (const UINT value : {124u, 0x1007u, fields.height, fields.width, 0u, 0u, fields.mip_count})
-        Little(file, value, 4);
+        Append(file, value, 4);
     file.append(44, '\0');
     for (const UINT value : {32u, fields.flags, fields.four_cc, fields.bits, fields.r, fields.g, fields.b, fields.a,
                              0x1000u, fields.caps2, 0u, 0u, 0u})
-        Little(file, value, 4);
+        Append(file, value, 4);
     return file;
 }
 
 std::string DdsFile(const TestPicture& picture) {
     return DdsHead({picture.width, picture.height, 1, 0x41, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000}) +
            Stored(D3DFMT_A8R8G8B8, picture.pixels.data(), picture.pixels.size());
+}
+
+FileBytes BytesOf(const std::string& file) { return {reinterpret_cast<const BYTE*>(file.data()), file.size()}; }
+
+std::vector<D3DCOLOR> Decoded(const std::string& file) {
+    D3DXIMAGE_INFO info = {};
+    Image image;
+    if (FAILED(ReadImageInfo(BytesOf(file), info)) || FAILED(DecodeImage(BytesOf(file), info, image))) return {};
+    return {image.Pixels().begin(), image.Pixels().end()};
+}
+
+std::string Little(UINT value, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i) text += static_cast<char>(i < 4 ? value >> 8 * i & 0xFF : 0);
+    return text;
+}
+
+std::string With(std::string file, std::size_t place, const std::string& bytes) {
+    return file.replace(place, bytes.size(), bytes);
 }
 
 }   // namespace sparkrig

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/d3d9/d3d9_constants.h"
+#include "platform/d3dx/image_file.h"
 
 namespace sparkrig {
 
@@ -36,5 +36,12 @@ struct DdsFields {
 std::string DdsHead(const DdsFields& fields);
 /// An uncompressed A8R8G8B8 file with one level.
 std::string DdsFile(const TestPicture& picture);
+
+FileBytes BytesOf(const std::string& file);
+/// The pixels that the layer's readers find; none when the file is refused.
+std::vector<D3DCOLOR> Decoded(const std::string& file);
+/// A number as files hold it, and a file with other bytes at a place.
+std::string Little(UINT value, int bytes);
+std::string With(std::string file, std::size_t place, const std::string& bytes);
 
 }   // namespace sparkrig

@@ -1,28 +1,12 @@
 // BMP and TGA files in their many shapes, written byte by byte, beside their pixels.
 #include <gtest/gtest.h>
 
-#include "platform/d3dx/image_file.h"
+#include "tests/support/picture_files.h"
 
 namespace sparkrig {
 namespace {
 
 using namespace std::string_literals;
-
-std::string Little(UINT value, int bytes) {
-    std::string text;
-    for (int i = 0; i < bytes; ++i) text += static_cast<char>(i < 4 ? value >> 8 * i & 0xFF : 0);
-    return text;
-}
-
-FileBytes BytesOf(const std::string& file) { return {reinterpret_cast<const BYTE*>(file.data()), file.size()}; }
-
-/// Empty when the file is refused.
-std::vector<D3DCOLOR> Decoded(const std::string& file) {
-    D3DXIMAGE_INFO info = {};
-    Image image;
-    if (FAILED(ReadImageInfo(BytesOf(file), info)) || FAILED(DecodeImage(BytesOf(file), info, image))) return {};
-    return {image.Pixels().begin(), image.Pixels().end()};
-}
 
 struct FileRow {
     const char* name;
@@ -108,11 +92,7 @@ TEST(BmpFile, RefusesWhatDoesNotFitTogether) {
         {"data beyond the end", 10, Little(0xFFFFFFF0, 4)}, {"2 bits", 28, Little(2, 2)},
         {"runs of 4 bits in 8", 30, Little(2, 4)},          {"masks in 8 bits", 30, Little(3, 4)},
         {"the lowest height", 22, Little(0x80000000, 4)}};
-    for (const auto& [name, place, bytes] : kRows) {
-        std::string file = whole;
-        file.replace(place, bytes.size(), bytes);
-        EXPECT_TRUE(Decoded(file).empty()) << name;
-    }
+    for (const auto& [name, place, bytes] : kRows) EXPECT_TRUE(Decoded(With(whole, place, bytes)).empty()) << name;
 }
 
 // ---- TGA

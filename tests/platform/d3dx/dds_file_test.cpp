@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/d3dx/dds_file.h"
-#include "platform/d3dx/image_file.h"
 #include "platform/d3dx/pixel_formats.h"
 #include "tests/support/picture_files.h"
 
 namespace sparkrig {
 namespace {
-
-FileBytes BytesOf(const std::string& file) { return {reinterpret_cast<const BYTE*>(file.data()), file.size()}; }
 
 TEST(DdsFile, KnowsEachPixelFormat) {
     const struct {
