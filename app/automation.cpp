@@ -110,7 +110,7 @@ std::string Describe(const ErrorRecord& error) {
 /// A device in a window that nobody sees. False with a sentence on the error stream.
 bool StartUnseen(Engine& engine, TesterState& state, const Options& options) try {
     HideFromDisplay();
-    if (!MakeTesterWindow(state, WindowSize::Resolution)) {
+    if (!MakeTesterWindow(state, WindowSize::Picture)) {
         std::fprintf(stderr, "sparkrig: OpenGL 4.5 is needed, and no surface for it can be made here\n");
         return false;
     }

@@ -76,8 +76,9 @@ bool MakeTesterWindow(TesterState& state, WindowSize size) {
     char title[kTextBytes], class_name[kTextBytes];
     LoadStringA(kWindowTitle, title, kTextBytes);
     LoadStringA(kWindowClassName, class_name, kTextBytes);
-    RegisterClassExA({WindowProcedure, class_name, MainMenu(), ProgramIcon()});
-    const bool sized = size == WindowSize::Resolution;
+    RegisterClassExA(
+        {WindowProcedure, class_name, size == WindowSize::Picture ? MenuTemplate() : MainMenu(), ProgramIcon()});
+    const bool sized = size != WindowSize::ChosenBySystem;
     state.window = CreateWindowExA(class_name, title, CW_USEDEFAULT, 0, sized ? state.resolution_x : CW_USEDEFAULT,
                                    sized ? state.resolution_y : CW_USEDEFAULT);
     if (!state.window) return false;

@@ -34,7 +34,11 @@ struct Engine {
 /// Reads "/full", "/resx" and "/resy". True when one of the two sizes is given.
 bool ReadWindowOptions(TesterState& state, const std::string& command_line);
 
-enum class WindowSize { Resolution, ChosenBySystem };
+enum class WindowSize {
+    Whole,     // the resolution is that of the window with its frame and menu
+    Picture,   // that of the client area; there is no menu
+    ChosenBySystem,
+};
 
 /// Registers the window class, makes the window and shows it. False when the system refuses.
 bool MakeTesterWindow(TesterState& state, WindowSize size);

@@ -19,6 +19,8 @@ void Journal::Write(const Engine& engine, const TesterState& state, const LoopSt
     line.Add("overlay", loop.show_overlay);
     line.Add("backdrop", loop.show_backdrop);
     line.Add("live", engine.effects.LiveInstanceCount());
+    line.Add("detail", engine.effects.DetailLevel());
+    line.Add("background", engine.background.HasSurface() ? state.background_path : "");
     line.AddList("eye", eye_values);
     line.AddList("view", view_values);
     line.AddList("up", up_values);

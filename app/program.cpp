@@ -60,7 +60,7 @@ int RunTester(const Options& options) {
     TesterState& state = Tester();
     const bool size_given = ReadWindowOptions(state, options.command_line);
     const bool sized = state.windowed && size_given;
-    if (!MakeTesterWindow(state, sized ? WindowSize::Resolution : WindowSize::ChosenBySystem)) return kErrorEnd;
+    if (!MakeTesterWindow(state, sized ? WindowSize::Whole : WindowSize::ChosenBySystem)) return kErrorEnd;
     Engine engine;
     try {
         const int end = PlayInWindow(engine, state, options, journal ? &*journal : nullptr);

@@ -20,7 +20,7 @@ class PlayerTest : public testing::Test {
         Tester() = {};
         Tester().resolution_x = 160;
         Tester().resolution_y = 90;
-        EXPECT_TRUE(MakeTesterWindow(Tester(), WindowSize::Resolution));
+        EXPECT_TRUE(MakeTesterWindow(Tester(), WindowSize::Picture));
         engine_.Start(Tester(), 1);
         player_.Load();
         player_.Loop().show_overlay = false;

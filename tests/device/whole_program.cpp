@@ -50,7 +50,7 @@ WholeProgram::WholeProgram(BackEnd back_end, State state) : back_end_(back_end) 
     Tester() = {};
     Tester().resolution_x = kWidth;
     Tester().resolution_y = kHeight;
-    MakeTesterWindow(Tester(), WindowSize::Resolution);
+    MakeTesterWindow(Tester(), WindowSize::Picture);
     engine.gfx.emplace(back_end == BackEnd::OpenGlAlone ? Direct3DCreate9 : Recording::Create, Environment());
     if (state == State::Started) Start();
 }

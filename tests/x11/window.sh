@@ -6,14 +6,15 @@ start_desktop
 write_effects only
 start_program /resx:500 /resy:400
 
-# The size asked for is that of the whole window, with its frame.
+# The size asked for is that of the whole window, with its frame and its menu.
 extents=$(xprop -id "$window" _NET_FRAME_EXTENTS | sed 's/.*= //; s/,//g')
 read -r left right top bottom <<<"$extents"
-client="\"client\":[$((500 - left - right)),$((400 - top - bottom))]"
+menu=26
+client="\"client\":[$((500 - left - right)),$((400 - top - bottom - menu))]"
 until_true 20 tells "$client" || fail "the window with its frame is not 500 x 400: $(tail -n 1 "$journal")"
 
 xdotool windowsize "$window" 420 310
-until_true 20 tells '"client":[420,310]' || fail "the new size did not arrive"
+until_true 20 tells '"client":[420,284]' || fail "the new size did not arrive"
 
 # A drag by the title bar pauses, and ends the pause of the Pause key as well.
 hold Pause -- '"paused":true'
@@ -47,7 +48,7 @@ xdotool windowminimize --sync "$window"
 until_true 2 rests || fail "the minimised program goes on"
 xdotool windowmap --sync "$window"
 xdotool windowactivate --sync "$window"
-until_true 20 tells '"client":[420,310]' || fail "the size after restoring is wrong"
+until_true 20 tells '"client":[420,284]' || fail "the size after restoring is wrong"
 hold Return -- '"live":1'
 
 # The close box.
