@@ -34,7 +34,9 @@ class SceneInput {
 
     /// What was loaded, written and read again prints the same, and is the same bytes when it is written once more.
     void ConvertAndCompare() {
+        scene_.SetSceneTime(scene_.header.StartTime(), true);
         const std::string first = Save(scene_);
+        scene_.SetSceneTime(7.5, true);
         KRN_3dScene again;
         LoadScene(again, OutputName());
         if (Save(again) != first) std::abort();

@@ -24,6 +24,22 @@ constexpr std::uint32_t kLeastNodeBytes = 200;
 
 // ---- Reading
 
+/// The place of the first number that is not below the limit; their count for none. Mostly there is none.
+std::size_t FirstNotBelow(const std::vector<std::uint16_t>& numbers, std::uint32_t limit) {
+    std::uint16_t highest = 0;
+    for (const std::uint16_t number : numbers) highest = std::max(highest, number);
+    if (highest < limit) return numbers.size();
+    const auto place = std::ranges::find_if(numbers, [limit](std::uint16_t number) { return number >= limit; });
+    return static_cast<std::size_t>(place - numbers.begin());
+}
+
+/// Whether decoding writes every byte of a vertex: nothing but the first coordinate pair stands behind the normal.
+bool AllIsStored(DWORD format, DWORD stored) {
+    constexpr DWORD kStored =
+        D3DFVF_POSITION_MASK | D3DFVF_NORMAL | D3DFVF_LASTBETA_UBYTE4 | 1u << D3DFVF_TEXCOUNT_SHIFT;
+    return format == stored && (format & ~kStored) == 0;
+}
+
 class BinarySceneReader {
   public:
     explicit BinarySceneReader(const BinarySceneSource& source)
@@ -121,6 +137,7 @@ void BinarySceneReader::ReadGeometry(KRN_Mesh& mesh) {
                                                   .groups = static_cast<std::uint32_t>(mesh.MaterialCount()),
                                                   .format = format,
                                                   .system_memory = source_.flags.system_memory,
+                                                  .clear_vertices = !AllIsStored(format, stored),
                                                   .make_records = false});
     ReadVertices(mesh, stored, geometry);
     ReadFaces(mesh, geometry);
@@ -151,17 +168,15 @@ void BinarySceneReader::ReadFaces(const KRN_Mesh& mesh, MeshGeometry& geometry) 
     const std::size_t faces = geometry.FaceCount();
     const std::uint8_t* indices = Take(6 * faces);
     const std::uint8_t* groups = Take(2 * faces);
-    for (std::size_t i = 0; i < 3 * faces; ++i) {
-        geometry.indices[i] = LoadLittleEndian<std::uint16_t>(indices + 2 * i);
-        if (geometry.indices[i] >= geometry.VertexCount())
-            mesh.Error("Invalid face %i in mesh '%s'", static_cast<int>(i / 3), mesh.Name().c_str());
-    }
-    for (std::size_t i = 0; i < faces; ++i) {
-        geometry.groups[i] = LoadLittleEndian<std::uint16_t>(groups + 2 * i);
-        if (geometry.groups[i] >= mesh.MaterialCount())
-            mesh.Error("Invalid group %i of face %i in mesh '%s'", geometry.groups[i], static_cast<int>(i),
-                       mesh.Name().c_str());
-    }
+    for (std::size_t i = 0; i < 3 * faces; ++i) geometry.indices[i] = LoadLittleEndian<std::uint16_t>(indices + 2 * i);
+    for (std::size_t i = 0; i < faces; ++i) geometry.groups[i] = LoadLittleEndian<std::uint16_t>(groups + 2 * i);
+    const std::size_t bad_index = FirstNotBelow(geometry.indices, geometry.VertexCount());
+    if (bad_index < 3 * faces)
+        mesh.Error("Invalid face %i in mesh '%s'", static_cast<int>(bad_index / 3), mesh.Name().c_str());
+    const std::size_t bad_group = FirstNotBelow(geometry.groups, static_cast<std::uint32_t>(mesh.MaterialCount()));
+    if (bad_group < faces)
+        mesh.Error("Invalid group %i of face %i in mesh '%s'", geometry.groups[bad_group], static_cast<int>(bad_group),
+                   mesh.Name().c_str());
 }
 
 // ---- Writing

@@ -1,6 +1,7 @@
 #include "scene/mesh.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace sparkrig {
@@ -29,6 +30,7 @@ MeshGeometry& KRN_MeshBase::CreateGeometry(const GeometryRequest& request) {
         Error("Number of vertices too high: %i - only 65535 allowed", static_cast<int>(request.vertices));
     }
     geometry_ = std::make_shared<MeshGeometry>(request.format, request.vertices, request.faces);
+    if (request.clear_vertices) std::ranges::fill(geometry_->vertices, std::uint8_t{0});
     geometry_->system_memory = request.system_memory;
     if (request.make_records) {
         SetGroupCount(request.groups);
@@ -63,10 +65,12 @@ void KRN_MeshBase::ComputeBounds() {
 
 void KRN_MeshBase::MeasureRadius() {
     const std::uint32_t count = geometry_ ? geometry_->VertexCount() : 0;
-    sphere_radius = 0;
+    float largest = 0;   // squared
     for (std::uint32_t i = 0; i < count; ++i) {
-        sphere_radius = std::max(sphere_radius, D3DXVec3Length(PositionOf(*geometry_, i) - sphere_centre));
+        const D3DXVECTOR3 offset = PositionOf(*geometry_, i) - sphere_centre;
+        largest = std::max(largest, D3DXVec3Dot(offset, offset));
     }
+    sphere_radius = std::sqrt(largest);
 }
 
 int KRN_MeshBase::Animate(double time, bool force, bool update_parent) {

@@ -41,7 +41,8 @@ class KRN_MeshBase : public KRN_3dClipObject, public KRN_VertexListBase {
         std::uint32_t groups = 1;                // attribute groups, one material each
         DWORD format = 0;                        // vertex format
         bool system_memory = false;
-        bool make_records = true;   // grey materials; otherwise the present ones must fit
+        bool clear_vertices = true;   // to zeros; otherwise their bytes are the caller's to write
+        bool make_records = true;     // grey materials; otherwise the present ones must fit
     };
     /// Geometry of zeros, to be filled. What does not fit is an error of the mesh.
     MeshGeometry& CreateGeometry(const GeometryRequest& request);

@@ -182,7 +182,8 @@ void MeshBuilder::BuildFace(std::size_t index) {
         ++invalid_faces_;
         return;
     }
-    const D3DXVECTOR3 unit = normal * (1 / length);
+    D3DXVECTOR3 unit;
+    D3DXVec3Normalize(&unit, &normal);
     const int submaterials = static_cast<int>(info_.submaterial_groups.size());
     const int material_id = submaterials > 0 ? PositiveMod(face.material_id, submaterials) : 0;
     const bool textured = index < raw_.texture_faces.size();

@@ -28,7 +28,17 @@ void SortFaces(MeshGeometry& geometry) {
     }
 }
 
+/// Whether all faces are of one group and use all vertices, so that there is nothing to move.
+bool AllInOneGroup(const MeshGeometry& geometry) {
+    const auto& groups = geometry.groups;
+    if (groups.empty() || groups.front() != groups.back()) return false;   // they are sorted
+    std::vector<std::uint8_t> used(geometry.VertexCount());
+    for (const std::uint16_t index : geometry.indices) used[index] = 1;
+    return std::ranges::find(used, 0) == used.end();
+}
+
 void SortVertices(MeshGeometry& geometry) {
+    if (AllInOneGroup(geometry)) return;
     std::vector<std::uint32_t> lowest(geometry.VertexCount(), std::numeric_limits<std::uint16_t>::max() + 1u);
     for (std::size_t i = 0; i < geometry.indices.size(); ++i) {
         std::uint32_t& group = lowest[geometry.indices[i]];
@@ -49,11 +59,15 @@ void MakeRanges(MeshGeometry& geometry) {
     const auto& groups = geometry.groups;
     geometry.ranges.clear();
     for (std::uint32_t first = 0, end = 0; first < groups.size(); first = end) {
-        while (end < groups.size() && groups[end] == groups[first]) ++end;
-        const auto begin = geometry.indices.begin();
-        const auto [low, high] = std::minmax_element(begin + 3 * static_cast<std::ptrdiff_t>(first),
-                                                     begin + 3 * static_cast<std::ptrdiff_t>(end));
-        geometry.ranges.push_back({groups[first], first, end - first, *low, *high - *low + 1u});
+        const bool last = groups[first] == groups.back();
+        end = last ? static_cast<std::uint32_t>(groups.size()) : end;
+        while (!last && groups[end] == groups[first]) ++end;
+        std::uint16_t low = 0xFFFF, high = 0;
+        for (std::size_t i = 3 * std::size_t{first}; i < 3 * std::size_t{end}; ++i) {
+            low = std::min(low, geometry.indices[i]);
+            high = std::max(high, geometry.indices[i]);
+        }
+        geometry.ranges.push_back({groups[first], first, end - first, low, high - low + 1u});
     }
 }
 
@@ -64,12 +78,12 @@ MeshGeometry::MeshGeometry(DWORD format, std::uint32_t vertex_count, std::uint32
       vertices(static_cast<std::size_t>(vertex_count) * static_cast<std::size_t>(layout.stride)),
       indices(3 * static_cast<std::size_t>(face_count)),
       groups(face_count),
-      vertex_count_(vertex_count) {
-    std::ranges::fill(vertices, std::uint8_t{0});
-}
+      vertex_count_(vertex_count) {}
 
 bool MeshGeometry::SortByGroup() {
-    if (std::ranges::any_of(indices, [this](std::uint16_t index) { return index >= vertex_count_; })) return false;
+    std::uint32_t highest = 0;
+    for (const std::uint16_t index : indices) highest = std::max<std::uint32_t>(highest, index);
+    if (!indices.empty() && highest >= vertex_count_) return false;
     if (!std::ranges::is_sorted(groups)) SortFaces(*this);
     SortVertices(*this);
     MakeRanges(*this);

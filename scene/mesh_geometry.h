@@ -18,7 +18,7 @@ struct GroupRange {
 struct MeshGeometry {
     static constexpr std::uint32_t kMostVertices = 65535;
 
-    /// Zeros, in the given numbers.
+    /// Zeros, in the given numbers; the vertices' bytes are the caller's to write.
     MeshGeometry(DWORD format, std::uint32_t vertex_count, std::uint32_t face_count);
 
     std::uint32_t VertexCount() const { return vertex_count_; }

@@ -69,18 +69,26 @@ std::uint32_t KeyTrack<Data>::Write(File& file) const {
 template <class Data>
 bool KeyTrack<Data>::RebuildLookup() {
     lookup_.clear();
-    for (const Key* key = Head(); key; key = key->next.get()) lookup_.push_back({key, key->time});
+    hint_ = 0;
+    ascending_ = true;
+    for (const Key* key = Head(); key; key = key->next.get()) {
+        ascending_ &= lookup_.empty() ? key->time == key->time : lookup_.back().time <= key->time;
+        lookup_.push_back({key, key->time});
+    }
     return lookup_.size() == count_;
 }
 
 template <class Data>
 const KRN_KeyBase<Data>& KeyTrack<Data>::FindActive(double t) const {
     if (lookup_.empty()) return *head_;
+    if (ascending_ && hint_ + 1 < lookup_.size() && lookup_[hint_].time <= t && t < lookup_[hint_ + 1].time)
+        return *lookup_[hint_].key;
     std::size_t low = 0, high = lookup_.size();
     while (high - low > 1) {
         const std::size_t middle = (low + high) / 2;
         (lookup_[middle].time <= t ? low : high) = middle;
     }
+    hint_ = low;
     return *lookup_[low].key;
 }
 

@@ -53,6 +53,8 @@ class KeyTrack {
     Key* tail_ = nullptr;
     std::uint32_t count_ = 0;
     std::vector<Lookup> lookup_;
+    bool ascending_ = false;         // the times of the table
+    mutable std::size_t hint_ = 0;   // the place found last: time mostly runs on
 };
 
 /// How a track goes on behind its last key: it stays, or it goes back to the first key until the animation's length.
