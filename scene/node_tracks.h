@@ -41,6 +41,8 @@ class KeyTrack {
     /// To be called when the keys or their times have changed: evaluation sees the first key alone without a table.
     /// False when there are not as many keys as Count says.
     bool RebuildLookup();
+    /// Whether the times of the table do not fall, and are numbers.
+    bool IsAscending() const { return ascending_ || lookup_.empty(); }
     /// The last key whose time is not above t, or the first key. Of a track with keys; O(log n).
     const Key& FindActive(double t) const;
 

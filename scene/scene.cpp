@@ -79,13 +79,14 @@ KRN_Mesh* KRN_3dScene::FindMesh(const char* name, bool case_sensitive) const {
 
 // ---- Time
 
-std::vector<KRN_3dObject*> KRN_3dScene::NodesByDepth() const {
-    std::vector<KRN_3dObject*> nodes, line;
+std::vector<KRN_3dScene::Settling> KRN_3dScene::NodesByDepth() const {
+    std::vector<Settling> nodes, line;
     std::unordered_map<const KRN_3dObject*, bool> placed;
     ForEachNode([&](KRN_3dObject& node) {
         for (KRN_3dObject* n = &node; n && !placed[n]; n = n->Parent()) {
             placed[n] = true;
-            line.push_back(n);
+            const bool looks = dynamic_cast<KRN_Target3dObject*>(n) != nullptr;
+            line.push_back({n, !looks && !dynamic_cast<KRN_MeshBase*>(n), looks});
         }
         nodes.insert(nodes.end(), line.rbegin(), line.rend());
         line.clear();
@@ -96,13 +97,11 @@ std::vector<KRN_3dObject*> KRN_3dScene::NodesByDepth() const {
 void KRN_3dScene::SetSceneTime(double time, bool include_helpers) {
     const double t = time * static_cast<double>(speed);
     if (settling_order_.empty()) settling_order_ = NodesByDepth();
-    for (KRN_3dObject* node : settling_order_) {
-        const bool is_helper = !dynamic_cast<KRN_MeshBase*>(node) && !dynamic_cast<KRN_Target3dObject*>(node);
-        if (is_helper && !include_helpers) continue;
-        if (dynamic_cast<KRN_Target3dObject*>(node)) {
-            node->KRN_3dObject::Animate(t, true, false);
-        } else {
-            node->Animate(t, true, false);
+    for (const Settling& place : settling_order_) {
+        if (place.looks) {
+            place.node->KRN_3dObject::Animate(t, true, false);
+        } else if (!place.is_helper || include_helpers) {
+            place.node->Animate(t, true, false);
         }
     }
     for (KRN_Camera& camera : cameras) camera.TurnToTarget();

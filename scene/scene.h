@@ -137,10 +137,15 @@ class KRN_3dScene : public KRN_3dClipObject {
 
     template <class Action>
     void ForEachNode(Action action) const;
-    std::vector<KRN_3dObject*> NodesByDepth() const;
+    /// A node and what it takes to place it.
+    struct Settling {
+        KRN_3dObject* node;
+        bool is_helper, looks;   // looks: at a target, when all stand
+    };
+    std::vector<Settling> NodesByDepth() const;
     void ForgetNode(const KRN_3dObject& node);
 
-    std::vector<KRN_3dObject*> settling_order_;   // parents first; empty when it has to be made anew
+    std::vector<Settling> settling_order_;   // parents first; empty when it has to be made anew
 };
 
 }   // namespace sparkrig

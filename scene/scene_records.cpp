@@ -129,6 +129,9 @@ void SceneRecords::Node(A& a, Ref<A, KRN_3dObject> node) {
     a.Words(fields.length);
     if constexpr (A::kReads) {
         node.RebuildLookupTables();
+        const NodeTracks& tracks = node.tracks_;
+        if (!tracks.position.IsAscending() || !tracks.rotation.IsAscending() || !tracks.scale.IsAscending())
+            node.Warning("Keys in wrong order");
         node.KRN_3dObject::Animate(0, true, false);
         fields.dirty = true;
         fields.manual_matrix = false;
