@@ -51,7 +51,7 @@ void Curve(A& a, Track& curve) {
     auto count = static_cast<std::uint32_t>(curve.Keys().size());
     CurveMode mode = curve.Mode();
     bool loops = curve.Loops();
-    float loop_end = curve.LoopEnd();
+    float loop_end = curve.GivenLoopEnd();
     a.Words(count);
     a.Words(mode);
     a.U8(loops);

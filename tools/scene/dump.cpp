@@ -114,7 +114,7 @@ void WriteCurve(JsonWriter& json, const char* key, const KeyCurve<Components>& c
     if (curve.IsEmpty()) return void(json.Null());
     json.BeginObject();
     WriteWord(json, "type", kCurveModes, curve.Mode());
-    json.Member("loop", curve.Loops()).Member("loop_end", curve.LoopEnd()).Key("keys").BeginArray();
+    json.Member("loop", curve.Loops()).Member("loop_end", curve.GivenLoopEnd()).Key("keys").BeginArray();
     for (const auto& k : curve.Keys()) {
         json.BeginObject().Member("time", k.time);
         WriteComponents(json, "value", k.value);
