@@ -30,8 +30,10 @@ class KeyCurve {
     void SetLoop(bool on, float end_time);
     /// As it was set.
     float GivenLoopEnd() const { return loop_end_; }
+    bool Loops() const { return loop_; }
     /// What a file holds beside the two modes is kept and counts as Linear.
     void SetMode(CurveMode mode) { mode_ = mode; }
+    CurveMode Mode() const { return mode_; }
     /// A flag of files that means nothing here; kept.
     bool spare_flag = false;
     /// Catmull-Rom slopes for uneven intervals. To be called after the last key and after SetLoop.
@@ -40,6 +42,7 @@ class KeyCurve {
     int KeyCount() const { return static_cast<int>(keys_.size()); }
     bool IsEmpty() const { return keys_.empty(); }
     std::vector<Key>& Keys() { return keys_; }
+    const std::vector<Key>& Keys() const { return keys_; }
     const Key& GetKey(int index) const { return keys_[static_cast<std::size_t>(index)]; }
     /// Where the loop of a curve with keys begins again: its end, and not before the last key.
     float Seam() const { return loop_end_ > keys_.back().time ? loop_end_ : keys_.back().time; }
