@@ -17,12 +17,15 @@ void ReportFailure(const KRN_Gfx& gfx, const char* file, HRESULT result, ID3DXBu
               static_cast<const char*>(errors->GetBufferPointer()));
 }
 
-DevicePtr<ID3DXEffect> Compile(const KRN_Gfx& gfx, const char* file, DWORD flags, bool use_pool) {
+/// `remarks` gets what the compiler says about an effect that it made: the functions that can not run.
+DevicePtr<ID3DXEffect> Compile(const KRN_Gfx& gfx, const char* file, DWORD flags, bool use_pool, std::string& remarks) {
     DevicePtr<ID3DXEffect> effect;
     DevicePtr<ID3DXBuffer> errors;
     const HRESULT result = D3DXCreateEffectFromFileA(gfx.Device(), file, flags, use_pool ? gfx.EffectPool() : nullptr,
                                                      effect.Receive(), errors.Receive());
     if (FAILED(result)) ReportFailure(gfx, file, result, errors.Get());
+    if (errors) remarks = static_cast<const char*>(errors->GetBufferPointer());
+    while (remarks.ends_with('\n')) remarks.pop_back();
     return effect;
 }
 
@@ -91,10 +94,12 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
         gfx_.Warning("Shader effect file '%s' not found", file);
         return false;
     }
-    effect.registry_index_ = registry_->Add(Describe(gfx_, Compile(gfx_, file, flags, use_pool)), key);
+    std::string remarks;
+    effect.registry_index_ = registry_->Add(Describe(gfx_, Compile(gfx_, file, flags, use_pool, remarks)), key);
     effect.registry_ = registry_;
     effect.Data()->not_valid = !effect.SelectTechnique();
     effect.Data()->technique = effect.Technique();
+    if (!effect.IsValid() && !remarks.empty()) gfx_.Warning("%s", remarks.c_str());   // why not
     if (!effect.IsValid()) gfx_.Warning("Shader could not be validated for this GPU: '%s'", file);
     return true;
 }

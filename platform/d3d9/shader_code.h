@@ -30,8 +30,14 @@ enum VertexInput : int {
 };
 inline constexpr int kVertexInputs = 15;
 
-enum Varying : int { kVaryingColor0 = 0, kVaryingColor1 = 1, kVaryingTexCoord0 = 2 /* .. 9 */, kVaryingFog = 10 };
-inline constexpr int kVaryings = 11;
+enum Varying : int {
+    kVaryingColor0 = 0,
+    kVaryingColor1 = 1,
+    kVaryingTexCoord0 = 2,   // .. 9 for set 7
+    kVaryingFog = 10,
+    kVaryingExtra = 11,   // .. 23 for functions that agree on further ones
+};
+inline constexpr int kVaryings = 24;
 
 inline constexpr int kVertexGlobalsBinding = 0;
 inline constexpr int kPixelGlobalsBinding = 1;

@@ -39,8 +39,9 @@ class EffectChecker {
         const EffectParameter& parameter = effect_.parameters[index];
         if (!GoodVariable(parameter.variable) || !GoodAnnotations(parameter.annotations)) return false;
         if (parameter.parent < -1 || parameter.parent >= static_cast<std::int64_t>(index)) return false;
-        if (parameter.parent >= 0 && !IsParameter(static_cast<DWORD>(parameter.parent), VariableClass::Structure))
+        if (parameter.parent >= 0 && !CanBeParent(effect_.parameters[static_cast<std::size_t>(parameter.parent)]))
             return false;
+        if (!ElementsFollow(index)) return false;
         if (parameter.function < -1 || parameter.function >= static_cast<std::int64_t>(effect_.functions.size()))
             return false;
         if (parameter.variable.kind != VariableClass::Sampler && !parameter.states.empty()) return false;
@@ -74,6 +75,23 @@ class EffectChecker {
     }
 
   private:
+    static bool IsObjectArray(const EffectVariable& variable) {
+        return !IsNumeric(variable.kind) && variable.elements > 0;
+    }
+    static bool CanBeParent(const EffectParameter& parameter) {
+        return parameter.variable.kind == VariableClass::Structure || IsObjectArray(parameter.variable);
+    }
+    /// The elements of an array of objects stand right behind it.
+    bool ElementsFollow(std::size_t index) const {
+        const EffectVariable& variable = effect_.parameters[index].variable;
+        if (!IsObjectArray(variable) || variable.kind == VariableClass::Structure) return true;
+        if (variable.elements > effect_.parameters.size() - index - 1) return false;
+        for (std::size_t i = index + 1; i <= index + variable.elements; ++i)
+            if (effect_.parameters[i].parent != static_cast<std::int32_t>(index) ||
+                effect_.parameters[i].variable.kind != variable.kind || effect_.parameters[i].variable.elements > 0)
+                return false;
+        return true;
+    }
     bool IsParameter(DWORD index, VariableClass kind) const {
         return index < effect_.parameters.size() && effect_.parameters[index].variable.kind == kind;
     }
@@ -114,12 +132,16 @@ class EffectChecker {
 
     bool GoodValue(const StateAssignment& state) const {
         switch (state.type) {
-            case StateType::Matrix: return RefersTo(state, VariableClass::Matrix);
+            case StateType::Matrix:
+                if (state.value == ValueKind::Constant) return state.matrix.size() == 16;
+                return RefersTo(state, VariableClass::Matrix);
             case StateType::Texture: return state.value == ValueKind::Null || RefersTo(state, VariableClass::Texture);
             case StateType::Sampler: return RefersTo(state, VariableClass::Sampler);
             case StateType::Shader:
                 if (state.value == ValueKind::Function) return GoodFunctionReference(state);
-                return state.value == ValueKind::Null || RefersTo(state, VariableClass::Shader);
+                return state.value == ValueKind::Null ||
+                       (RefersTo(state, VariableClass::Shader) &&
+                        (state.expression.empty() || GoodExpression(state.expression)));
             default:
                 return state.value == ValueKind::Constant ||
                        (state.value == ValueKind::Expression && GoodExpression(state.expression));
@@ -141,7 +163,7 @@ class EffectChecker {
         int depth = 0;
         for (const ExpressionStep& step : steps) {
             if (!InRange(step.code) || std::ranges::any_of(step.swizzle, [](BYTE c) { return c > 3; })) return false;
-            if (step.code == ExpressionCode::Parameter &&
+            if ((step.code == ExpressionCode::Parameter || step.code == ExpressionCode::Element) &&
                 (step.parameter >= effect_.parameters.size() ||
                  !IsNumeric(effect_.parameters[step.parameter].variable.kind)))
                 return false;

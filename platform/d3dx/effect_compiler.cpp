@@ -68,7 +68,7 @@ bool Start(const std::string& program, const std::string& input, const OutputFil
     posix_spawn_file_actions_adddup2(&actions, output.Descriptor(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
     // "--" ends the options: a file may be called --help.
-    const char* const arguments[] = {program.c_str(), "--", input.c_str(), "-", nullptr};
+    const char* const arguments[] = {program.c_str(), "-o", "-", "--", input.c_str(), nullptr};
     const int failed =
         posix_spawnp(&child.process, program.c_str(), &actions, nullptr, const_cast<char* const*>(arguments), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -140,8 +140,7 @@ bool CompileEffect(const std::string& path, std::vector<BYTE>& compiled, std::st
     } else if (!WIFEXITED(state)) {
         errors += FaultLine(path, "the effect compiler crashed on this file");
     } else if (WEXITSTATUS(state) == 0 && output.Read(compiled)) {
-        errors.clear();
-        return true;
+        return true;   // with warnings, if it gave some
     } else if (errors.empty()) {
         errors = FaultLine(path, "the effect compiler gave no reason");
     }

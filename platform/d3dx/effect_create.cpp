@@ -39,6 +39,14 @@ bool LoadEffectFile(const std::string& path, EffectFile& effect, std::string& er
     return false;
 }
 
+/// The functions that the layer can not run, whether the effect was compiled now or long ago.
+std::string Warnings(const EffectFile& effect) {
+    std::string text;
+    for (const EffectFunction& function : effect.functions)
+        if (!function.unsupported.empty()) text += function.unsupported + "\n";
+    return text;
+}
+
 }   // namespace
 
 HRESULT D3DXCreateEffectFromFileA(IDirect3DDevice9* device, const char* file, DWORD, ID3DXEffectPool* pool,
@@ -48,10 +56,10 @@ HRESULT D3DXCreateEffectFromFileA(IDirect3DDevice9* device, const char* file, DW
     if (!device || !file || !effect) return D3DERR_INVALIDCALL;
     EffectFile loaded;
     std::string text;
-    if (!LoadEffectFile(ResolvePath(file), loaded, text)) {
-        if (errors) *errors = new TextBuffer(std::move(text));
-        return D3DXERR_INVALIDDATA;
-    }
+    const bool good = LoadEffectFile(ResolvePath(file), loaded, text);
+    if (good) text = Warnings(loaded);
+    if (errors && !text.empty()) *errors = new TextBuffer(std::move(text));
+    if (!good) return D3DXERR_INVALIDDATA;
     *effect = new Effect(device, std::move(loaded), static_cast<EffectPool*>(pool));
     return D3D_OK;
 }

@@ -1,5 +1,7 @@
-// The expressions that states of a pass take their values from, in postfix order.
+// The arithmetic of states and initial values: one set of operations, for fxc while it compiles an effect and for the
+// passes that depend on parameters.
 #pragma once
+#include <algorithm>
 #include <span>
 
 #include "platform/d3dx/effect_file.h"
@@ -8,31 +10,39 @@ namespace sparkrig {
 
 using ExpressionValue = std::array<float, 4>;
 
-/// The first four components of a numeric variable's `words`, as floats; a scalar stands in all four.
+/// Up to four components of a numeric variable's `words` from `first` on, as floats; a scalar stands in all four.
 ExpressionValue LoadVariable(const EffectVariable& variable, std::span<const DWORD> words);
+/// The element that an Element step picks; outside of the variable, all zero.
+ExpressionValue LoadElement(const EffectVariable& variable, std::span<const DWORD> words, float index);
 
-/// One step's result for its operands; a step of one operand takes `left`.
-ExpressionValue ApplyStep(const ExpressionStep& step, const ExpressionValue& left, const ExpressionValue& right);
-
-/// How many operands a step takes.
+/// How many operands a step takes, 0 to 3.
 int OperandCount(ExpressionCode code);
 
-/// The value that a checked expression leaves. `load(parameter)` gives the value of a parameter.
-template <class Load>
-ExpressionValue EvaluateExpression(std::span<const ExpressionStep> steps, const Load& load) {
-    std::array<ExpressionValue, kExpressionDepth> stack;
+/// One component of an operation. Divisions by zero and functions outside of their domain give 0.
+double Compute(ExpressionCode code, double a, double b, double c);
+
+/// One step's result for its operands; further ones than it takes do not count.
+ExpressionValue ApplyStep(const ExpressionStep& step, const ExpressionValue& a, const ExpressionValue& b,
+                          const ExpressionValue& c);
+
+/// The value that a checked expression leaves. `load(parameter)` gives the value of a parameter, `element(parameter,
+/// index)` that of one of its elements.
+template <class Load, class Element>
+ExpressionValue EvaluateExpression(std::span<const ExpressionStep> steps, const Load& load, const Element& element) {
+    std::array<ExpressionValue, kExpressionDepth> stack = {};
     std::size_t depth = 0;
     for (const ExpressionStep& step : steps) {
-        if (step.code == ExpressionCode::Constant) {
-            stack[depth++] = step.constant;
-        } else if (step.code == ExpressionCode::Parameter) {
-            stack[depth++] = load(step.parameter);
-        } else {
-            const ExpressionValue right = stack[depth - 1];
-            depth -= static_cast<std::size_t>(OperandCount(step.code));
-            stack[depth] = ApplyStep(step, stack[depth], right);
-            ++depth;
+        depth -= static_cast<std::size_t>(OperandCount(step.code));
+        ExpressionValue& top = stack[depth];
+        switch (step.code) {
+            case ExpressionCode::Constant: top = step.constant; break;
+            case ExpressionCode::Parameter: top = load(step.parameter); break;
+            case ExpressionCode::Element: top = element(step.parameter, top[0]); break;
+            default:
+                top = ApplyStep(step, top, stack[std::min<std::size_t>(depth + 1, kExpressionDepth - 1)],
+                                stack[std::min<std::size_t>(depth + 2, kExpressionDepth - 1)]);
         }
+        ++depth;
     }
     return stack[0];
 }

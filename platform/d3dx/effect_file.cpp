@@ -9,8 +9,8 @@ namespace {
 
 // Each walk names the fields of a record in the order of the file. The constants are the fewest bytes that an element
 // of a list takes: those of its numbers, and the counts of its texts and lists.
-constexpr std::size_t kWordBytes = 4, kVariableBytes = 26, kStepBytes = 25, kStateBytes = 35, kParameterBytes = 47,
-                      kBindingBytes = 8, kFunctionBytes = 30, kPassBytes = 12, kTechniqueBytes = 12;
+constexpr std::size_t kWordBytes = 4, kVariableBytes = 26, kStepBytes = 25, kStateBytes = 39, kParameterBytes = 47,
+                      kBindingBytes = 8, kFunctionBytes = 34, kPassBytes = 12, kTechniqueBytes = 12;
 
 constexpr auto kWalkWord = [](auto& archive, DWORD& word) { archive.Number(word); };
 
@@ -27,6 +27,7 @@ constexpr auto kWalkStep = [](auto& archive, ExpressionStep& step) {
 constexpr auto kWalkState = [](auto& archive, StateAssignment& state) {
     AllFields(archive, state.group, state.state, state.index, state.type, state.value, state.constant, state.reference);
     archive.List(state.expression, kStepBytes, kWalkStep);
+    archive.List(state.matrix, kWordBytes, kWalkWord);
 };
 
 constexpr auto kWalkParameter = [](auto& archive, EffectParameter& parameter) {
@@ -44,7 +45,7 @@ constexpr auto kWalkSampler = [](auto& archive, SamplerBinding& binding) {
 };
 
 constexpr auto kWalkFunction = [](auto& archive, EffectFunction& function) {
-    AllFields(archive, function.stage, function.version, function.unsupported, function.code.glsl,
+    AllFields(archive, function.stage, function.version, function.call, function.unsupported, function.code.glsl,
               function.code.globals_bytes, function.code.varyings, function.code.writes_point_size);
     archive.List(function.globals, kBindingBytes, kWalkGlobal);
     archive.List(function.samplers, kBindingBytes, kWalkSampler);

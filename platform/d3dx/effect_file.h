@@ -14,7 +14,7 @@
 namespace sparkrig {
 
 inline constexpr DWORD kEffectMagic = 0x4F584653;   // "SFXO"
-inline constexpr DWORD kEffectVersion = 1;
+inline constexpr DWORD kEffectVersion = 2;
 
 // The limits that compiler and reader hold to.
 inline constexpr DWORD kMaxGlobalsBytes = 65536;   // of one function's block of globals
@@ -87,22 +87,25 @@ enum class StateType : BYTE {
     Last = Shader,
 };
 
+/// Those from Negate on work on each component by itself.
 enum class ExpressionCode : BYTE {
-    Constant,
-    Parameter,
-    Negate,
-    Add,
-    Subtract,
-    Multiply,
-    Divide,
+    // clang-format off
+    Constant, Parameter,
+    Element,   // of a parameter: a row of a matrix, a component of a vector; takes its index
     Swizzle,
-    Last = Swizzle
+    Negate, Not, Complement, Absolute, Sign, Floor, Ceiling, Round, Truncate, Fraction, Saturate,
+    SquareRoot, InverseRoot, Exp, Exp2, Log, Log2, Log10, Sine, Cosine, Tangent, ArcSine, ArcCosine, ArcTangent,
+    Add, Subtract, Multiply, Divide, Modulo, Less, LessEqual, Equal, NotEqual, And, Or,
+    BitAnd, BitOr, BitXor, ShiftLeft, ShiftRight, Minimum, Maximum, Power, Step, ArcTangent2,
+    Select, Lerp, Clamp, SmoothStep,
+    Last = SmoothStep
+    // clang-format on
 };
 
 /// One step of an expression in postfix order. Values are four floats wide; a scalar stands in all four.
 struct ExpressionStep {
     ExpressionCode code = ExpressionCode::Constant;
-    DWORD parameter = 0;                  // Parameter
+    DWORD parameter = 0;                  // Parameter, Element
     std::array<float, 4> constant = {};   // Constant
     std::array<BYTE, 4> swizzle = {};     // Swizzle: the component that each of the four takes
 };
@@ -117,14 +120,15 @@ struct StateAssignment {
     ValueKind value = ValueKind::Null;
     std::array<DWORD, 4> constant = {};       // Constant: as the type says; one word, or four for a vector
     DWORD reference = 0;                      // Parameter, Function
-    std::vector<ExpressionStep> expression;   // Expression
+    std::vector<ExpressionStep> expression;   // Expression; Parameter of an array of shaders: the element
+    std::vector<DWORD> matrix;                // Constant of a transform: 16 floats
 };
 
 struct EffectParameter {
     EffectVariable variable;
     std::string semantic;
     bool shared = false;
-    std::int32_t parent = -1;     // the structure that it is a member of
+    std::int32_t parent = -1;     // what it is a member of, or the array of structures or objects, an element
     std::int32_t function = -1;   // initial value of a shader parameter
     std::vector<EffectVariable> annotations;
     std::vector<StateAssignment> states;   // of a sampler
@@ -146,7 +150,8 @@ enum class FunctionStage : BYTE { Vertex, Pixel, Last = Pixel };
 struct EffectFunction {
     FunctionStage stage = FunctionStage::Vertex;
     DWORD version = 0;         // 0xMMmm, such as 0x0101
-    std::string unsupported;   // why the layer cannot run it, such as an unknown version; then without code
+    std::string call;          // "vs_1_1 Entry(2)", as the effect asks for it
+    std::string unsupported;   // why the layer cannot run it, as a whole message; then without code
     ShaderCode code;
     std::vector<GlobalBinding> globals;
     std::vector<SamplerBinding> samplers;

@@ -246,7 +246,7 @@ HRESULT Effect::SetTexture(D3DXHANDLE parameter, IDirect3DTexture9* texture) {
 HRESULT Effect::ValidateTechnique(D3DXHANDLE technique) {
     const D3DXHandleTag* found =
         Find(technique ? technique : GetTechnique(static_cast<UINT>(technique_)), Kind::Technique);
-    return found && program_.CanRun(found->index) ? D3D_OK : D3DERR_INVALIDCALL;
+    return found && program_.WhyNot(found->index).empty() ? D3D_OK : D3DERR_INVALIDCALL;
 }
 
 HRESULT Effect::SetTechnique(D3DXHANDLE technique) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <map>
 #include <optional>
 
@@ -52,21 +53,46 @@ void EffectProgram::CreateFunction(const EffectFunction& source, const D3DCAPS9&
 const EffectFunction* EffectProgram::FunctionOf(const StateAssignment& state) const {
     if (state.type != StateType::Shader || state.value == ValueKind::Null) return nullptr;
     if (state.value == ValueKind::Function) return &file_.functions[state.reference];
-    const std::int32_t function = file_.parameters[state.reference].function;
+    return FunctionOf(state.expression.empty() ? state.reference : ChosenElement(state));
+}
+
+const EffectFunction* EffectProgram::FunctionOf(DWORD parameter) const {
+    const std::int32_t function = file_.parameters[parameter].function;
     return function < 0 ? nullptr : &file_.functions[static_cast<std::size_t>(function)];
 }
 
-bool EffectProgram::CanRun(std::size_t technique) const {
+/// An index beside the array's elements is moved to the nearest.
+DWORD EffectProgram::ChosenElement(const StateAssignment& state) const {
+    const DWORD elements = file_.parameters[state.reference].variable.elements;
+    const float index = ValueOf(state)[0];
+    return state.reference + (elements == 0 ? 0 : 1 + static_cast<DWORD>(std::clamp(index, 0.0f, elements - 1.0f)));
+}
+
+std::vector<const EffectFunction*> EffectProgram::PossibleFunctions(const StateAssignment& state) const {
+    std::vector<const EffectFunction*> functions;
+    if (state.type == StateType::Shader && state.value == ValueKind::Parameter && !state.expression.empty()) {
+        for (DWORD i = 1; i <= file_.parameters[state.reference].variable.elements; ++i)
+            functions.push_back(FunctionOf(state.reference + i));
+    } else {
+        functions.push_back(FunctionOf(state));
+    }
+    std::erase(functions, nullptr);
+    return functions;
+}
+
+std::string EffectProgram::WhyNot(std::size_t technique) const {
     for (const EffectPass& pass : file_.techniques[technique].passes) {
         for (const StateAssignment& state : pass.states) {
-            const EffectFunction* function = FunctionOf(state);
-            if (!function) continue;
-            const bool pixel = function->stage == FunctionStage::Pixel;
-            if (pixel != (state.group == StateGroup::PixelShader)) return false;
-            if (!functions_[static_cast<std::size_t>(function - file_.functions.data())].usable) return false;
+            for (const EffectFunction* function : PossibleFunctions(state)) {
+                const bool pixel = function->stage == FunctionStage::Pixel;
+                if (pixel != (state.group == StateGroup::PixelShader)) return "a function is of the other stage";
+                if (!function->unsupported.empty()) return function->unsupported;
+                if (!functions_[static_cast<std::size_t>(function - file_.functions.data())].usable)
+                    return "the device does not take '" + function->call + "'";
+            }
         }
     }
-    return true;
+    return {};
 }
 
 void EffectProgram::CollectSamplerKeys(DWORD parameter, DWORD sampler, std::vector<StateKey>& keys) const {
@@ -81,7 +107,7 @@ void EffectProgram::CollectKeys(const StateAssignment& state, std::vector<StateK
         case StateGroup::Material: return keys.push_back({state.group, 0, state.index});
         default: keys.push_back({state.group, state.state, state.index});
     }
-    if (const EffectFunction* function = FunctionOf(state))
+    for (const EffectFunction* function : PossibleFunctions(state))
         for (const SamplerBinding& binding : function->samplers)
             CollectSamplerKeys(binding.parameter, binding.sampler, keys);
 }
@@ -144,6 +170,12 @@ void SetMember(D3DMATERIAL9& material, MaterialMember member, const std::array<D
     }
 }
 
+D3DMATRIX MatrixOf(const std::vector<DWORD>& words) {
+    D3DMATRIX matrix = {};
+    std::memcpy(&matrix, words.data(), sizeof matrix);
+    return matrix;
+}
+
 /// A number parameter as it is, so that all 32 bits of an integer survive; otherwise none.
 const ExpressionStep* PlainParameter(const StateAssignment& state) {
     const bool plain = state.expression.size() == 1 && state.expression[0].code == ExpressionCode::Parameter &&
@@ -160,10 +192,17 @@ std::array<DWORD, 4> EffectProgram::Evaluate(const StateAssignment& state) const
         const DWORD word = values_[step->parameter]->words[0];
         if (variable.kind == VariableClass::Scalar && variable.number == NumberType::Int) return {word};
     }
+    return WordsOf(state.type, ValueOf(state));
+}
+
+ExpressionValue EffectProgram::ValueOf(const StateAssignment& state) const {
     const auto load = [this](DWORD parameter) {
         return LoadVariable(file_.parameters[parameter].variable, values_[parameter]->words);
     };
-    return WordsOf(state.type, EvaluateExpression(state.expression, load));
+    const auto element = [this](DWORD parameter, float index) {
+        return LoadElement(file_.parameters[parameter].variable, values_[parameter]->words, index);
+    };
+    return EvaluateExpression(state.expression, load, element);
 }
 
 HRESULT EffectProgram::Apply(const StateAssignment& state, DWORD index, WholeStates& whole) {
@@ -179,6 +218,7 @@ HRESULT EffectProgram::Apply(const StateAssignment& state, DWORD index, WholeSta
                 state.value == ValueKind::Null ? DevicePtr<IDirect3DTexture9>() : values_[state.reference]->texture);
         case StateGroup::Sampler: return ApplySampler(state.reference, index);
         case StateGroup::Transform: {
+            if (state.value == ValueKind::Constant) return SetState(device_, key, MatrixOf(state.matrix));
             const EffectVariable& variable = file_.parameters[state.reference].variable;
             return SetState(device_, key, MatrixOf(variable, values_[state.reference]->words, 0));
         }

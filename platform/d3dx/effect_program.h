@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/d3dx/effect_expression.h"
 #include "platform/d3dx/effect_saved_states.h"
 #include "platform/d3dx/effect_values.h"
 
@@ -17,8 +18,8 @@ class EffectProgram {
     const EffectFile& File() const { return file_; }
     ParameterValue& Value(std::size_t parameter) { return *values_[parameter]; }
 
-    /// Whether the device can run every pass of a technique.
-    bool CanRun(std::size_t technique) const;
+    /// What keeps the device from running every pass of a technique; empty when it can.
+    std::string WhyNot(std::size_t technique) const;
     /// Everything that the passes of a technique may change, each once.
     const std::vector<StateKey>& ChangedStates(std::size_t technique) const { return changed_[technique]; }
     HRESULT ApplyPass(const EffectPass& pass);
@@ -37,10 +38,16 @@ class EffectProgram {
     };
     struct WholeStates;   // lights and material that a pass puts together from members
 
+    const EffectFunction* FunctionOf(DWORD parameter) const;
+    DWORD ChosenElement(const StateAssignment& state) const;
+    /// All that FunctionOf may answer, whatever the parameters hold.
+    std::vector<const EffectFunction*> PossibleFunctions(const StateAssignment& state) const;
+
     void CreateFunction(const EffectFunction& source, const D3DCAPS9& caps, Function& function);
     void CollectKeys(const StateAssignment& state, std::vector<StateKey>& keys) const;
     void CollectSamplerKeys(DWORD parameter, DWORD sampler, std::vector<StateKey>& keys) const;
 
+    ExpressionValue ValueOf(const StateAssignment& state) const;
     std::array<DWORD, 4> Evaluate(const StateAssignment& state) const;
     /// `index` stands for the state's own: a sampler's states apply to the sampler that it is used as.
     HRESULT Apply(const StateAssignment& state, DWORD index, WholeStates& whole);

@@ -15,18 +15,19 @@ void RemoveAll(std::string& text, const std::string& part) {
 }   // namespace
 
 FxcResult FxcFolder::Run(const std::string& arguments) const {
-    const std::string command = "'" SPARKRIG_FXC "' " + arguments + " >/dev/null 2>'" + Path() + "errors'";
+    const std::string command = "'" SPARKRIG_FXC "' " + arguments + " >'" + Path() + "output' 2>'" + Path() + "errors'";
     const int state = std::system(command.c_str());
     FxcResult result;
     result.code = WIFEXITED(state) ? WEXITSTATUS(state) : 128;
     result.errors = ReadFile(Path() + "errors");
     RemoveAll(result.errors, Path());
+    result.output = ReadFile(Path() + "output");
     return result;
 }
 
 FxcResult FxcFolder::Compile(const std::string& name) const {
     const std::string output = Path() + "out.fxo";
-    FxcResult result = Run("'" + Path() + name + "' '" + output + "'");
+    FxcResult result = Run("'" + Path() + name + "' -o '" + output + "'");
     if (result.code != 0) return result;
     const std::string bytes = ReadFile(output);
     std::string fault;

@@ -10,7 +10,8 @@ namespace sparkrig {
 struct FxcResult {
     int code = -1;        // exit code; 128 and more for a signal
     std::string errors;   // with the folder taken away, so that a file is its name
-    EffectFile effect;    // of a successful run
+    std::string output;
+    EffectFile effect;   // of a successful run
 };
 
 /// A folder for sources, gone at the end.

@@ -29,19 +29,33 @@ TEST(FxcProgram, SaysHowItEnded) {
     const struct {
         std::string arguments;
         int code;
-    } rows[] = {{good + " " + out, 0},
-                {"-- " + good + " " + out, 0},
-                {good + " -", 0},
+    } rows[] = {{good + " -o " + out, 0},
+                {"-o " + out + " -- " + good, 0},
+                {good + " -o -", 0},
+                {"--info " + good, 0},
                 {"--help", 0},
-                {bad + " " + out, 1},
-                {"missing.fx " + out, 1},
-                {good + " /no/such/folder/x.fxo", 1},
-                {"'" + folder.Path() + "' " + out, 1},
+                {bad + " -o " + out, 1},
+                {"--info " + bad, 1},
+                {"missing.fx -o " + out, 1},
+                {good + " -o /no/such/folder/x.fxo", 1},
+                {"'" + folder.Path() + "' -o " + out, 1},
                 {"", 2},
                 {good, 2},
-                {good + " " + out + " third", 2},
-                {"--unknown " + good + " " + out, 2}};
+                {good + " --info -o " + out, 2},
+                {"--unknown " + good + " -o " + out, 2}};
     for (const auto& row : rows) EXPECT_EQ(folder.Run(row.arguments).code, row.code) << row.arguments;
+}
+
+TEST(FxcProgram, DescribesTheSampleEffects) {
+    const FxcFolder folder;
+    for (const char* const source : {"shader/EffectParticle.fx", "tests/fxc/info/everything.fx"}) {
+        const FxcResult result = folder.Run(std::string("--info ") + source);
+        const std::string name = std::filesystem::path(source).stem().string();
+        EXPECT_EQ(result.output, ReadFile("tests/fxc/info/" + name + ".txt")) << source;
+        folder.Run(std::string(source) + " -o '" + folder.Path() + "x.fxo'");
+        EXPECT_EQ(folder.Run("--info '" + folder.Path() + "x.fxo'").output,
+                  result.output);   // compiled, it says the same
+    }
 }
 
 TEST(FxcProgram, LeavesNoOutputAfterErrors) {

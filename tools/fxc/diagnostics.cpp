@@ -5,7 +5,7 @@
 namespace sparkrig::fxc {
 
 namespace {
-constexpr int kMostErrors = 50;   // further ones are consequences
+constexpr int kMostMessages = 50;   // further ones are consequences
 }
 
 int Diagnostics::AddFile(std::string name) {
@@ -18,11 +18,26 @@ void Diagnostics::Error(const Place& place, ErrorCode code, std::string_view mes
 }
 
 void Diagnostics::ErrorInLine(int file, int line, ErrorCode code, std::string_view message) {
-    if (count_++ >= kMostErrors) return;
+    ++errors_;
+    Add(file, line, "error", code, message);
+}
+
+void Diagnostics::Warning(const Place& place, ErrorCode code, std::string_view message) {
+    Add(place.file, place.line, "warning", code, fmt::format("{} (column {})", message, place.column));
+}
+
+void Diagnostics::Return(const Mark& mark) {
+    text_.resize(mark.text);
+    count_ = mark.count;
+    errors_ = mark.errors;
+}
+
+void Diagnostics::Add(int file, int line, const char* kind, ErrorCode code, std::string_view message) {
+    if (count_++ >= kMostMessages) return;
     std::string printable(message);
     for (char& c : printable)
         if (static_cast<unsigned char>(c) < ' ') c = '?';   // bytes of a source that is no text
-    text_ += fmt::format("{}({}): error X{}: {}\n", FileName(file), line, static_cast<int>(code), printable);
+    text_ += fmt::format("{}({}): {} X{}: {}\n", FileName(file), line, kind, static_cast<int>(code), printable);
 }
 
 }   // namespace sparkrig::fxc

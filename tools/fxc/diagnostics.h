@@ -23,14 +23,25 @@ class Diagnostics {
     void Error(const Place& place, ErrorCode code, std::string_view message);
     /// The same for a place whose column is not known.
     void ErrorInLine(int file, int line, ErrorCode code, std::string_view message);
-    bool Failed() const { return !text_.empty(); }
-    /// A line "file(line): error X0000: message" for each error, in the order of their finding.
+    /// The same, for what does not keep the effect from being made.
+    void Warning(const Place& place, ErrorCode code, std::string_view message);
+    bool Failed() const { return errors_ > 0; }
+    /// What an attempt reports can be taken back.
+    struct Mark {
+        std::size_t text = 0;
+        int count = 0, errors = 0;
+    };
+    Mark Here() const { return {text_.size(), count_, errors_}; }
+    void Return(const Mark& mark);
+    /// A line "file(line): error X0000: message" for each error, or with "warning", in the order of their finding.
     const std::string& Text() const { return text_; }
 
   private:
+    void Add(int file, int line, const char* kind, ErrorCode code, std::string_view message);
+
     std::vector<std::string> files_;
     std::string text_;
-    int count_ = 0;
+    int count_ = 0, errors_ = 0;
 };
 
 }   // namespace sparkrig::fxc

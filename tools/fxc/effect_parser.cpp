@@ -1,14 +1,18 @@
 #include "tools/fxc/effect_parser.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <set>
 
 #include <fmt/format.h>
 
+#include "tools/fxc/code_names.h"
+#include "tools/fxc/constants.h"
 #include "tools/fxc/cursor.h"
 #include "tools/fxc/expression_parser.h"
+#include "tools/fxc/initial_values.h"
 #include "tools/fxc/state_parser.h"
+#include "tools/fxc/token_tools.h"
 #include "tools/fxc/type_parser.h"
 
 namespace sparkrig::fxc {
@@ -21,14 +25,12 @@ struct Usages {
     bool constant = false;
 };
 
-DWORD NumberWord(NumberType number, double value) {
-    if (number == NumberType::Float) return std::bit_cast<DWORD>(static_cast<float>(value));
-    if (number == NumberType::Bool) return value != 0 ? 1 : 0;
-    if (std::isnan(value)) return 0;
-    // An unsigned number keeps its bits.
-    const double whole = std::trunc(std::clamp(value, -2147483648.0, 4294967295.0));
-    return whole < 0 ? static_cast<DWORD>(static_cast<std::int32_t>(whole)) : static_cast<DWORD>(whole);
-}
+/// What stands after a name: the sizes of an array.
+struct Dimensions {
+    Tokens tokens;        // with their brackets
+    DWORD elements = 0;   // all together; 0 for a single value
+    bool open = false;    // "[]": as many as there are values
+};
 
 class EffectParser {
   public:
@@ -41,41 +43,70 @@ class EffectParser {
                 ParseTechnique();
             else if (cursor_.Peek().IsName("typedef"))
                 ParseTypedef();
-            else if (cursor_.Peek().IsName("struct") && cursor_.Peek(2).Is("{"))
-                ParseStructure();
             else
                 ParseDeclaration();
         }
+        AppendInitialisation();
         return std::move(effect_);
     }
 
   private:
     // ---- Structures and typedefs
 
-    void ParseTypedef() {
-        const std::size_t start = cursor_.Position();
-        cursor_.Take();
-        ParseUsages();
-        std::optional<Type> type = AcceptType(cursor_, effect_.symbols);
-        if (!type) return cursor_.Fail(cursor_.Peek(), "expected a type");
-        const std::string name = cursor_.ExpectName("a name for the type");
-        if (cursor_.Peek().Is("[")) return cursor_.Fail(cursor_.Peek(), "a name for an array type is not supported");
-        cursor_.Expect(";", "after the typedef");
-        Append(cursor_.Since(start));
-        effect_.symbols.types[name] = std::move(*type);
+    bool StructureFollows() const {
+        return cursor_.Peek().IsName("struct") && (cursor_.Peek(1).Is("{") || cursor_.Peek(2).Is("{"));
     }
 
-    void ParseStructure() {
+    /// "struct NAME { members }"; the code gets it as a declaration of its own.
+    Type ParseStructure() {
         const std::size_t start = cursor_.Position();
-        cursor_.Take();
-        const std::string name = cursor_.ExpectName("the name of the structure");
+        const Token word = cursor_.Take();
+        std::string name;
+        if (cursor_.Peek().Is("{"))
+            name = fmt::format("fxc_structure_{}", effect_.symbols.structures.size());
+        else
+            name = cursor_.ExpectName("the name of the structure");
+        const std::size_t open = cursor_.Position();
         cursor_.Expect("{", "after the name of the structure");
         std::vector<StructureMember> members;
-        while (!cursor_.AtEnd() && !cursor_.Peek().Is("}")) ParseMember(members);
+        while (!cursor_.AtEnd() && !cursor_.Peek().Is("}"))
+            if (!cursor_.Accept(";")) ParseMember(members);
         cursor_.Expect("}", "after the members");
-        cursor_.Expect(";", "after the structure");
-        Append(cursor_.Since(start));
+        Tokens code = {word, MadeAt(word, TokenKind::Identifier, name, false)};
+        const Tokens body = cursor_.Since(open);
+        code.insert(code.end(), body.begin(), body.end());
+        code.push_back(MadeAt(word, TokenKind::Symbol, ";"));
+        if (start < open) Append(code);
         effect_.symbols.structures[name] = std::move(members);
+        Type type;
+        type.kind = VariableClass::Structure;
+        type.structure = name;
+        type.spelling = {MadeAt(word, TokenKind::Identifier, name)};
+        return type;
+    }
+
+    void ParseTypedef() {
+        const Token word = cursor_.Take();
+        ParseUsages();
+        std::optional<Type> type = StructureFollows() ? ParseStructure() : AcceptType(cursor_, effect_.symbols);
+        if (!type) return cursor_.Fail(cursor_.Peek(), "expected a type");
+        do {
+            const std::string name = cursor_.ExpectName("a name for the type");
+            const Dimensions dimensions = ParseDimensions();
+            Type named = *type;
+            if (dimensions.elements > 0) named.elements = dimensions.elements * std::max<DWORD>(1, type->elements);
+            Tokens code = {word};
+            code.insert(code.end(), type->spelling.begin(), type->spelling.end());
+            code.push_back(MadeAt(word, TokenKind::Identifier, name, false));
+            code.insert(code.end(), dimensions.tokens.begin(), dimensions.tokens.end());
+            code.push_back(MadeAt(word, TokenKind::Symbol, ";"));
+            for (Token& token : code) token.place = word.place;
+            for (std::size_t i = 1; i <= type->spelling.size(); ++i) code[i].joined = false;
+            if (name != type->structure) Append(code);
+            named.spelling = {MadeAt(word, TokenKind::Identifier, name)};
+            effect_.symbols.types[name] = std::move(named);
+        } while (cursor_.Accept(","));
+        cursor_.Expect(";", "after the typedef");
     }
 
     void ParseMember(std::vector<StructureMember>& members) {
@@ -84,11 +115,12 @@ class EffectParser {
         if (!type) return cursor_.Fail(cursor_.Peek(), "expected the type of a member");
         do {
             StructureMember member{cursor_.ExpectName("the name of a member"), *type, 0};
-            member.elements = ParseArraySize();
+            member.elements = std::max(ParseDimensions().elements, type->elements);
             while (cursor_.Accept(":")) {
                 cursor_.ExpectName("a semantic");
                 if (cursor_.Accept("(")) cursor_.SkipPast("(", ")");
             }
+            if (cursor_.Accept("<")) cursor_.SkipPast("<", ">");
             members.push_back(std::move(member));
         } while (cursor_.Accept(","));
         cursor_.Expect(";", "after the member");
@@ -102,7 +134,9 @@ class EffectParser {
                                                         "volatile",        "inline",       "linear",    "centroid",
                                                         "nointerpolation", "noperspective"};
         const auto accept_any = [&] {
-            return std::ranges::any_of(kWithoutMeaning, [&](auto word) { return cursor_.AcceptWord(word); });
+            // Before another word only: some are names of later models.
+            return cursor_.Peek(1).kind == TokenKind::Identifier &&
+                   std::ranges::any_of(kWithoutMeaning, [&](auto word) { return cursor_.AcceptWord(word); });
         };
         while (true) {
             if (cursor_.AcceptWord("shared"))
@@ -121,75 +155,233 @@ class EffectParser {
         while (cursor_.Accept("[")) cursor_.SkipPast("[", "]");   // attributes of a function
         const Usages usages = ParseUsages();
         const std::size_t type_start = cursor_.Position();
-        std::optional<Type> type = AcceptType(cursor_, effect_.symbols);
+        const bool structure = StructureFollows();
+        std::optional<Type> type = structure ? ParseStructure() : AcceptType(cursor_, effect_.symbols);
+        if (structure && cursor_.Accept(";")) return;
         if (!type && !cursor_.AcceptWord("void")) {
             const Token& token = cursor_.Peek();
             return cursor_.Fail(token, token.kind == TokenKind::Identifier
                                            ? fmt::format("unknown type '{}'", token.text)
                                            : fmt::format("unexpected '{}'", token.text));
         }
-        const Tokens type_tokens = cursor_.Since(type_start);
+        const Tokens type_tokens = structure ? type->spelling : cursor_.Since(type_start);
         const Token name = cursor_.Peek();
-        cursor_.ExpectName("a name");
-        if (cursor_.Peek().Is("(")) return ParseFunction(start, type_tokens, name);
+        if (name.kind == TokenKind::Identifier && cursor_.Peek(1).Is("(")) {
+            cursor_.Take();
+            return ParseFunction(start, type, type_tokens, name);
+        }
         if (!type) return cursor_.Fail(name, "a variable can not be void");
-        if (usages.is_static) return ParseStatic(start, usages, name);
-        ParseParameter(usages, *type, name);
-        while (cursor_.Accept(",")) {
+        do {
             const Token next = cursor_.Peek();
             cursor_.ExpectName("a name");
-            ParseParameter(usages, *type, next);
-        }
+            if (usages.is_static)
+                ParseStatic(usages, *type, next);
+            else
+                ParseParameter(usages, *type, next);
+        } while (cursor_.Accept(","));
         cursor_.Expect(";", fmt::format("after '{}'", name.text));
     }
 
-    /// The functions' own: it goes to the compiler as it is.
-    void ParseStatic(std::size_t start, const Usages& usages, const Token& name) {
-        if (usages.constant && cursor_.Peek().Is("=") && cursor_.Peek(2).Is(";")) {
-            const std::size_t here = cursor_.Position();
-            cursor_.Take();
-            if (cursor_.Peek().kind == TokenKind::Number) {
-                const std::vector<double> value = ParseConstants(cursor_, effect_);
-                if (!value.empty()) effect_.symbols.constants[name.text] = value[0];
+    Dimensions ParseDimensions() {
+        Dimensions dimensions;
+        const std::size_t begin = cursor_.Position();
+        while (cursor_.Accept("[")) {
+            if (cursor_.Accept("]")) {
+                dimensions.open = true;
+                continue;
             }
-            cursor_.Rewind(here);
+            const Token start = cursor_.Peek();
+            const Constant size = ParseExpression(cursor_, effect_, Parameters::Known).constant;
+            cursor_.Expect("]", "after the size of the array");
+            const double count = size.values.size() == 1 ? size.values[0] * std::max<DWORD>(dimensions.elements, 1) : 0;
+            if (count < 1 || count > kMaxElements || count != std::floor(count))
+                cursor_.Fail(start, fmt::format("the size of an array is a constant from 1 to {}", kMaxElements));
+            else
+                dimensions.elements = static_cast<DWORD>(count);
         }
-        while (!cursor_.AtEnd() && !cursor_.Peek().Is(";")) cursor_.Take();
-        cursor_.Expect(";", fmt::format("after '{}'", name.text));
-        Append(cursor_.Since(start));
+        dimensions.tokens = cursor_.Since(begin);
+        return dimensions;
     }
 
-    DWORD ParseArraySize() {
-        if (!cursor_.Accept("[")) return 0;
-        const Token start = cursor_.Peek();
-        const Expression size = ParseExpression(cursor_, effect_);
-        cursor_.Expect("]", "after the size of the array");
-        const bool good = size.IsConstant() && size.values.size() == 1 && size.values[0] >= 1 &&
-                          size.values[0] <= kMaxElements && size.values[0] == std::floor(size.values[0]);
-        if (!good) cursor_.Fail(start, fmt::format("the size of an array is a constant from 1 to {}", kMaxElements));
-        if (cursor_.Peek().Is("[")) cursor_.Fail(cursor_.Peek(), "arrays of arrays are not supported");
-        return good ? static_cast<DWORD>(size.values[0]) : 1;
+    /// The tokens of an initial value, up to the comma or semicolon behind it.
+    Tokens SkipValue() {
+        const std::size_t start = cursor_.Position();
+        while (!cursor_.AtEnd() && !cursor_.Peek().Is(";") && !cursor_.Peek().Is(",")) {
+            const Token& token = cursor_.Take();
+            if (token.Is("(")) cursor_.SkipPast("(", ")");
+            if (token.Is("{")) cursor_.SkipPast("{", "}");
+            if (token.Is("[")) cursor_.SkipPast("[", "]");
+        }
+        return cursor_.Since(start);
+    }
+
+    /// The constant at the cursor, if it is one; the cursor stays where it is.
+    std::optional<Constant> TryConstant() {
+        const Diagnostics::Mark mark = cursor_.Errors().Here();
+        Cursor trial = cursor_;
+        const Constant constant = ParseConstant(trial, effect_);
+        const bool good = !trial.Failed() && (trial.Peek().Is(";") || trial.Peek().Is(","));
+        cursor_.Errors().Return(mark);
+        return good ? std::optional(constant) : std::nullopt;
+    }
+
+    /// Kept for the evaluation of later constants.
+    void Remember(const Token& name, const Type& type, DWORD elements, const Constant& constant) {
+        if (!IsNumeric(type.kind)) return;
+        if (elements == 0) {
+            if (const std::optional<Constant> converted = Converted(constant, type))
+                effect_.symbols.constants[name.text] = *converted;
+            return;
+        }
+        Constant array = constant;
+        array.rows = type.rows;
+        array.columns = type.columns;
+        array.elements = elements;
+        array.values.resize(std::size_t{elements} * type.rows * type.columns);
+        effect_.symbols.constants[name.text] = std::move(array);
+    }
+
+    /// The functions' own.
+    void ParseStatic(const Usages& usages, const Type& type, const Token& name) {
+        const Dimensions dimensions = ParseDimensions();
+        EffectParameter unused;
+        ParseSemantics(0, unused);
+        if (cursor_.Accept("<")) ParseAnnotations(unused.annotations);
+        Tokens value;
+        if (cursor_.Accept("=")) {
+            const std::optional<Constant> constant = TryConstant();
+            const DWORD size = type.rows * type.columns;
+            const DWORD filled = constant ? static_cast<DWORD>(constant->values.size()) / size : 0;
+            if (usages.constant && constant)
+                Remember(name, type, dimensions.open ? filled : std::max(dimensions.elements, type.elements),
+                         *constant);
+            value = SkipValue();
+        }
+        DeclareStatic(usages.constant, type, name, dimensions, value);
+    }
+
+    /// Values of parameters and functions are given when a function begins: the compiler takes only constants.
+    void DeclareStatic(bool constant, const Type& type, const Token& name, const Dimensions& dimensions,
+                       const Tokens& value) {
+        const bool late = std::ranges::any_of(value, [&](const Token& token) {
+            const bool parameter =
+                effect_.symbols.parameters.contains(token.text) && !effect_.symbols.constants.contains(token.text);
+            return token.kind == TokenKind::Identifier &&
+                   (parameter || declared_functions_.contains(token.text) || late_.contains(token.text));
+        });
+        Tokens line = {MadeAt(name, TokenKind::Identifier, "static")};
+        if (constant && !late && !value.empty()) line.push_back(MadeAt(name, TokenKind::Identifier, "const", false));
+        const Tokens declarator = Declarator(type, name, name.text, dimensions.tokens);
+        line.insert(line.end(), declarator.begin(), declarator.end());
+        if (!late && !value.empty()) {
+            line.push_back(MadeAt(name, TokenKind::Symbol, "="));
+            line.insert(line.end(), value.begin(), value.end());
+        }
+        line.push_back(MadeAt(name, TokenKind::Symbol, ";"));
+        Append(line);
+        if (!late) return;
+        late_.insert(name.text);
+        Initialise(type, name, dimensions.tokens, value);
+    }
+
+    /// TYPE NAME [dimensions], with the name's place.
+    static Tokens Declarator(const Type& type, const Token& at, const std::string& name, const Tokens& dimensions) {
+        Tokens tokens = type.spelling;
+        for (Token& token : tokens) token.joined = false;
+        tokens.push_back(MadeAt(at, TokenKind::Identifier, name, false));
+        tokens.insert(tokens.end(), dimensions.begin(), dimensions.end());
+        for (Token& token : tokens) token.place = at.place;
+        return tokens;
+    }
+
+    /// { TYPE fxc_value [dimensions] = VALUE; NAME = fxc_value; }
+    void Initialise(const Type& type, const Token& name, const Tokens& dimensions, const Tokens& value) {
+        const auto add = [&](TokenKind kind, const std::string& text) {
+            initialisation_.push_back(MadeAt(name, kind, text, false));
+        };
+        const auto add_all = [&](const Tokens& tokens) {
+            initialisation_.insert(initialisation_.end(), tokens.begin(), tokens.end());
+        };
+        add(TokenKind::Symbol, "{");
+        add_all(Declarator(type, name, "fxc_value", dimensions));
+        add(TokenKind::Symbol, "=");
+        add_all(value);
+        add(TokenKind::Symbol, ";");
+        add(TokenKind::Identifier, name.text);
+        add(TokenKind::Symbol, "=");
+        add(TokenKind::Identifier, "fxc_value");
+        add(TokenKind::Symbol, ";");
+        add(TokenKind::Symbol, "}");
+    }
+
+    /// void fxc_initialise() { ... }
+    void AppendInitialisation() {
+        Token at;
+        if (!effect_.code.empty()) at = effect_.code.back();
+        Tokens code = {MadeAt(at, TokenKind::Identifier, "void", false),
+                       MadeAt(at, TokenKind::Identifier, "fxc_initialise", false)};
+        for (const char* symbol : {"(", ")", "{"}) code.push_back(MadeAt(at, TokenKind::Symbol, symbol));
+        code.insert(code.end(), initialisation_.begin(), initialisation_.end());
+        code.push_back(MadeAt(at, TokenKind::Symbol, "}"));
+        Append(code);
     }
 
     void ParseParameter(const Usages& usages, const Type& type, const Token& name) {
         const DWORD index = static_cast<DWORD>(effect_.file.parameters.size());
         const auto [place, is_new] = effect_.symbols.parameters.try_emplace(name.text, index);
         if (!is_new) return cursor_.Fail(name, fmt::format("'{}' stands for another parameter already", name.text));
+        Dimensions dimensions = ParseDimensions();
         EffectParameter parameter;
         parameter.shared = usages.shared;
         parameter.variable = MakeVariable(type, name.text);
-        parameter.variable.elements = ParseArraySize();
-        const bool structure = type.kind == VariableClass::Structure;
-        if (parameter.variable.elements > 0 && !IsNumeric(type.kind))
-            return cursor_.Fail(name, "only numbers can be an array");
+        parameter.variable.elements =
+            type.elements > 0 ? type.elements * std::max<DWORD>(1, dimensions.elements) : dimensions.elements;
         ParseSemantics(index, parameter);
         if (cursor_.Accept("<")) ParseAnnotations(parameter.annotations);
-        if (IsNumeric(type.kind) || structure) Declare(type, name, parameter.variable.elements);
-        if (type.kind == VariableClass::Sampler) effect_.samplers[name.text] = type.shape;
-        ParseInitialValue(type, name, parameter);
-        parameter.variable.words.resize(IsNumeric(type.kind) ? parameter.variable.WordCount() : 0);
         effect_.file.parameters.push_back(std::move(parameter));
-        if (structure) AddMembers(index, type, name, 0);
+        if (IsNumeric(type.kind))
+            ParseNumbers(usages, type, name, dimensions, index);
+        else if (type.kind == VariableClass::Structure)
+            ParseStructureValue(type, name, dimensions, index);
+        else
+            ParseObjects(type, name, index);
+    }
+
+    // ---- Numbers and structures
+
+    void ParseNumbers(const Usages& usages, const Type& type, const Token& name, Dimensions& dimensions, DWORD index) {
+        EffectVariable variable = effect_.file.parameters[index].variable;
+        Tokens value;
+        if (cursor_.Accept("=")) {
+            const bool listed = cursor_.Peek().Is("{");
+            const std::optional<Constant> tried = TryConstant();
+            const bool computed = usages.constant && !tried;   // by a function, when one begins
+            if (tried && dimensions.open) {
+                variable.elements = static_cast<DWORD>(tried->values.size() / variable.WordsPerElement());
+                dimensions.tokens = {MadeAt(name, TokenKind::Symbol, "["),
+                                     MadeAt(name, TokenKind::Number, std::to_string(variable.elements)),
+                                     MadeAt(name, TokenKind::Symbol, "]")};
+            }
+            const std::size_t start = cursor_.Position();
+            if (!computed) StoreValue(cursor_, name, ParseConstant(cursor_, effect_), listed, variable);
+            if (computed) SkipValue();
+            value = cursor_.Since(start);
+            if (usages.constant && tried) Remember(name, type, variable.elements, *tried);
+        }
+        if (variable.elements > kMaxElements) return cursor_.Fail(name, "the array is too large");
+        variable.words.resize(variable.WordCount());
+        effect_.file.parameters[index].variable = std::move(variable);
+        // What nothing changes is a constant for the functions too, such as the size of an array.
+        if (usages.constant && !value.empty()) return DeclareStatic(true, type, name, dimensions, value);
+        Declare(type, name, dimensions.tokens);
+        effect_.places[CodeName(name.text)] = index;
+    }
+
+    void ParseStructureValue(const Type& type, const Token& name, const Dimensions& dimensions, DWORD index) {
+        AddMembers(index, type.structure, name, 0);
+        Declare(type, name, dimensions.tokens);
+        FindPlaces(index, CodeName(name.text));
+        if (cursor_.Accept("=")) StoreMembers(cursor_, name, ParseConstant(cursor_, effect_), effect_.file, index);
     }
 
     static EffectVariable MakeVariable(const Type& type, const std::string& name) {
@@ -202,25 +394,129 @@ class EffectParser {
         return variable;
     }
 
-    void AddMembers(DWORD parent, const Type& type, const Token& name, int depth) {
+    /// A parameter below another: a member of a structure, or an element of an array of structures or objects.
+    DWORD AddChild(DWORD parent, EffectVariable variable, const Token& name) {
+        constexpr std::size_t kMostParameters = 65536;
+        if (effect_.file.parameters.size() >= kMostParameters) cursor_.Fail(name, "too many members");
+        EffectParameter& child = effect_.file.parameters.emplace_back();
+        child.variable = std::move(variable);
+        child.parent = static_cast<std::int32_t>(parent);
+        if (IsNumeric(child.variable.kind)) child.variable.words.resize(child.variable.WordCount());
+        return static_cast<DWORD>(effect_.file.parameters.size() - 1);
+    }
+
+    /// Elements of an array, called NAME[0] and so on.
+    DWORD AddElement(DWORD array, DWORD element, const Token& name) {
+        EffectVariable variable = effect_.file.parameters[array].variable;
+        variable.name = fmt::format("{}[{}]", variable.name, element);
+        variable.elements = 0;
+        return AddChild(array, std::move(variable), name);
+    }
+
+    void AddMembers(DWORD parent, const std::string& structure, const Token& name, int depth) {
         constexpr int kDeepest = 16;
         if (depth > kDeepest) return cursor_.Fail(name, "the structures are nested too deeply");
-        const auto found = effect_.symbols.structures.find(type.structure);
-        if (found == effect_.symbols.structures.end()) return;
-        constexpr std::size_t kMostParameters = 65536;
-        for (const StructureMember& member : found->second) {
-            if (effect_.file.parameters.size() >= kMostParameters) return cursor_.Fail(name, "too many members");
-            const DWORD index = static_cast<DWORD>(effect_.file.parameters.size());
-            EffectParameter& parameter = effect_.file.parameters.emplace_back();
-            parameter.variable = MakeVariable(member.type, member.name);
-            parameter.variable.elements = member.elements;
-            parameter.parent = static_cast<std::int32_t>(parent);
+        const DWORD elements = effect_.file.parameters[parent].variable.elements;
+        for (DWORD i = 0; i < elements && !cursor_.Failed(); ++i)
+            AddMembers(AddElement(parent, i, name), structure, name, depth + 1);
+        if (elements > 0) return;
+        for (const StructureMember& member : effect_.symbols.structures[structure]) {
+            if (cursor_.Failed()) return;
+            EffectVariable variable = MakeVariable(member.type, member.name);
+            variable.elements = member.elements;
             const bool nested = member.type.kind == VariableClass::Structure;
-            if (!IsNumeric(member.type.kind) && (!nested || member.elements > 0))
+            if (!nested && !IsNumeric(member.type.kind))
                 return cursor_.Fail(name, "a parameter's structure holds numbers and structures only");
-            if (!nested) parameter.variable.words.resize(parameter.variable.WordCount());
-            if (nested) AddMembers(index, member.type, name, depth + 1);
+            const DWORD child = AddChild(parent, std::move(variable), name);
+            if (nested) AddMembers(child, member.type.structure, name, depth + 1);
         }
+    }
+
+    /// The paths of a structure's numbers in the code: "lights[1].colour".
+    void FindPlaces(DWORD structure, const std::string& path) {
+        std::vector<std::pair<DWORD, std::string>> paths = {{structure, path}};
+        for (std::size_t i = structure + 1; i < effect_.file.parameters.size(); ++i) {
+            const EffectParameter& child = effect_.file.parameters[i];
+            const auto parent =
+                std::ranges::find(paths, static_cast<DWORD>(child.parent), &std::pair<DWORD, std::string>::first);
+            if (parent == paths.end()) continue;
+            const bool element = effect_.file.parameters[parent->first].variable.elements > 0;
+            const std::string& name = child.variable.name;
+            std::string own = parent->second + (element ? name.substr(name.rfind('[')) : "." + CodeName(name));
+            if (IsNumeric(child.variable.kind)) effect_.places[own] = static_cast<DWORD>(i);
+            if (child.variable.kind == VariableClass::Structure)
+                paths.emplace_back(static_cast<DWORD>(i), std::move(own));
+        }
+    }
+
+    // ---- Textures, samplers, shaders and strings
+
+    /// One object, or an array with a list of values.
+    void ParseObjects(const Type& type, const Token& name, DWORD index) {
+        const DWORD elements = effect_.file.parameters[index].variable.elements;
+        if (elements == 0) return ParseObject(type, index, CodeName(name.text));
+        const bool listed = cursor_.Accept("=");
+        if (listed) cursor_.Expect("{", "before the values");
+        for (DWORD i = 0; i < elements && !cursor_.Failed(); ++i) {
+            const DWORD element = AddElement(index, i, name);
+            const std::string code_name = fmt::format("fxc_{}_{}", name.text, i);
+            if (type.kind == VariableClass::Sampler) AddSampler(type, element, code_name);
+            if (listed && !cursor_.Peek().Is("}")) ParseObjectValue(type, element);
+            if (listed) cursor_.Accept(",");
+        }
+        if (listed) cursor_.Expect("}", "after the values");
+    }
+
+    void ParseObject(const Type& type, DWORD index, const std::string& code_name) {
+        if (type.kind == VariableClass::Sampler) AddSampler(type, index, code_name);
+        if (type.kind == VariableClass::Sampler && cursor_.Peek().Is("{"))   // the older form, without a sign
+            return ParseSamplerStates(index);
+        if (cursor_.Accept("=")) ParseObjectValue(type, index);
+    }
+
+    void AddSampler(const Type& type, DWORD index, const std::string& code_name) {
+        effect_.samplers[code_name] = type.shape;
+        effect_.places[code_name] = index;
+    }
+
+    void ParseSamplerStates(DWORD index) {
+        std::vector<StateAssignment> states;
+        ParseStates(cursor_, effect_, StateOwner::Sampler, states);
+        effect_.file.parameters[index].states = std::move(states);
+    }
+
+    void ParseObjectValue(const Type& type, DWORD index) {
+        switch (type.kind) {
+            case VariableClass::Sampler:
+                if (!cursor_.AcceptWord("sampler_state")) return cursor_.Fail(cursor_.Peek(), "expected sampler_state");
+                return ParseSamplerStates(index);
+            case VariableClass::Texture:
+                if (!cursor_.AcceptWord("NULL") && !cursor_.Accept("0"))
+                    cursor_.Fail(cursor_.Peek(), "a texture starts as NULL");
+                return;
+            case VariableClass::Shader: return ParseShaderValue(type, index);
+            default: effect_.file.parameters[index].variable.text = ParseString();
+        }
+    }
+
+    void ParseShaderValue(const Type& type, DWORD index) {
+        if (cursor_.AcceptWord("NULL")) return;
+        const FunctionStage stage =
+            type.spelling[0].text == "vertexshader" ? FunctionStage::Vertex : FunctionStage::Pixel;
+        const bool assembly = cursor_.Peek().IsName("asm");
+        if (!assembly && !cursor_.AcceptWord("compile")) return cursor_.Fail(cursor_.Peek(), "expected compile");
+        const DWORD function =
+            assembly ? ParseAssembly(cursor_, effect_, stage) : ParseCompile(cursor_, effect_, stage);
+        effect_.file.parameters[index].function = static_cast<std::int32_t>(function);
+    }
+
+    std::string ParseString() {
+        std::string text;
+        const bool braces = cursor_.Accept("{");
+        if (cursor_.Peek().kind != TokenKind::String) cursor_.Fail(cursor_.Peek(), "expected a string");
+        while (cursor_.Peek().kind == TokenKind::String) text += cursor_.Take().text;
+        if (braces) cursor_.Expect("}", "after the string");
+        return text;
     }
 
     void ParseSemantics(DWORD index, EffectParameter& parameter) {
@@ -261,54 +557,23 @@ class EffectParser {
                 return cursor_.Fail(start, "an annotation is a number or a string");
             const Token name = cursor_.Peek();
             EffectVariable variable = MakeVariable(*type, cursor_.ExpectName("the name of an annotation"));
-            variable.elements = ParseArraySize();
+            const Dimensions dimensions = ParseDimensions();
+            variable.elements = dimensions.elements;
             cursor_.Expect("=", "before the value of the annotation");
-            ParseValue(name, variable);
-            cursor_.Expect(";", "after the annotation");
+            ParseAnnotationValue(name, variable);
+            if (!cursor_.Peek().Is(">")) cursor_.Expect(";", "after the annotation");
             annotations.push_back(std::move(variable));
         }
         cursor_.Expect(">", "after the annotations");
     }
 
-    void ParseInitialValue(const Type& type, const Token& name, EffectParameter& parameter) {
-        if (type.kind == VariableClass::Sampler && cursor_.Peek().Is("{"))   // the older form, without a sign
-            return ParseStates(cursor_, effect_, StateOwner::Sampler, parameter.states);
-        if (!cursor_.Accept("=")) return;
-        switch (type.kind) {
-            case VariableClass::Sampler:
-                if (!cursor_.AcceptWord("sampler_state")) return cursor_.Fail(cursor_.Peek(), "expected sampler_state");
-                return ParseStates(cursor_, effect_, StateOwner::Sampler, parameter.states);
-            case VariableClass::Texture:
-                if (!cursor_.AcceptWord("NULL")) cursor_.Fail(cursor_.Peek(), "a texture starts as NULL");
-                return;
-            case VariableClass::Shader: return ParseShaderValue(type, parameter);
-            case VariableClass::Structure:
-                return cursor_.Fail(cursor_.Peek(), "an initial value of a structure is not supported");
-            default: ParseValue(name, parameter.variable);
-        }
-    }
-
-    void ParseShaderValue(const Type& type, EffectParameter& parameter) {
-        if (cursor_.AcceptWord("NULL")) return;
-        if (!cursor_.AcceptWord("compile")) return cursor_.Fail(cursor_.Peek(), "expected compile");
-        const bool vertex = type.spelling[0].text == "vertexshader";
-        parameter.function = static_cast<std::int32_t>(
-            ParseCompile(cursor_, effect_, vertex ? FunctionStage::Vertex : FunctionStage::Pixel));
-    }
-
-    void ParseValue(const Token& name, EffectVariable& variable) {
+    void ParseAnnotationValue(const Token& name, EffectVariable& variable) {
         if (variable.kind == VariableClass::String) {
-            if (cursor_.Peek().kind != TokenKind::String) return cursor_.Fail(cursor_.Peek(), "expected a string");
-            while (cursor_.Peek().kind == TokenKind::String) variable.text += cursor_.Take().text;
+            variable.text = ParseString();
             return;
         }
         const bool listed = cursor_.Peek().Is("{");
-        std::vector<double> values = ParseConstants(cursor_, effect_);
-        const std::size_t wanted = variable.WordCount();
-        if (values.size() == 1 && !listed) values.resize(wanted, values[0]);
-        if (values.size() != wanted && !cursor_.Failed())
-            return cursor_.Fail(name, fmt::format("'{}' takes {} values, not {}", name.text, wanted, values.size()));
-        for (const double value : values) variable.words.push_back(NumberWord(variable.number, value));
+        StoreValue(cursor_, name, ParseConstant(cursor_, effect_), listed, variable);
     }
 
     // ---- Code for the compiler
@@ -316,31 +581,18 @@ class EffectParser {
     void Append(const Tokens& tokens) { effect_.code.insert(effect_.code.end(), tokens.begin(), tokens.end()); }
 
     /// A parameter as the functions see it: without value, semantic and register.
-    void Declare(const Type& type, const Token& name, DWORD elements) {
-        Tokens line = type.spelling;
-        Token token = name;
-        token.joined = false;
-        line.push_back(token);
-        const auto add = [&](TokenKind kind, const std::string& text) {
-            token.kind = kind;
-            token.text = text;
-            token.joined = true;
-            line.push_back(token);
-        };
-        if (elements > 0) {
-            add(TokenKind::Symbol, "[");
-            add(TokenKind::Number, std::to_string(elements));
-            add(TokenKind::Symbol, "]");
-        }
-        add(TokenKind::Symbol, ";");
-        for (Token& part : line) part.place = name.place;
+    void Declare(const Type& type, const Token& name, const Tokens& dimensions) {
+        Tokens line = Declarator(type, name, name.text, dimensions);
+        line.push_back(MadeAt(name, TokenKind::Symbol, ";"));
         Append(line);
     }
 
-    void ParseFunction(std::size_t start, const Tokens& result, const Token& name) {
+    void ParseFunction(std::size_t start, const std::optional<Type>& type, const Tokens& result, const Token& name) {
         cursor_.Take();
+        declared_functions_.insert(name.text);
         FunctionSignature signature;
         signature.result = result;
+        signature.result_type = type;
         while (!cursor_.AtEnd() && !cursor_.Peek().Is(")")) {
             ParseFunctionParameter(signature.parameters);
             if (!cursor_.Accept(",")) break;
@@ -351,47 +603,49 @@ class EffectParser {
         signature.result_semantic = cursor_.Since(semantic);
         const bool prototype = cursor_.Accept(";");
         if (!prototype) {
+            if (cursor_.Accept("<")) cursor_.SkipPast("<", ">");   // its annotations
             cursor_.Expect("{", fmt::format("before the body of '{}'", name.text));
             cursor_.SkipPast("{", "}");
         }
         Append(cursor_.Since(start));
-        if (!prototype) effect_.symbols.functions[name.text] = std::move(signature);
+        if (!prototype) effect_.symbols.functions[name.text].push_back(std::move(signature));
     }
 
     void ParseFunctionParameter(std::vector<FunctionParameter>& parameters) {
-        if (cursor_.AcceptWord("void")) return;
+        if (cursor_.Peek(1).Is(")") && cursor_.AcceptWord("void")) return;
         FunctionParameter parameter;
-        constexpr std::string_view kDirections[] = {
-            "in", "out", "inout", "const", "linear", "centroid", "nointerpolation", "row_major", "column_major"};
-        Tokens directions;
+        constexpr std::string_view kDirections[] = {"in",        "out",         "inout",           "const",
+                                                    "linear",    "centroid",    "nointerpolation", "noperspective",
+                                                    "row_major", "column_major"};
         while (cursor_.Peek().kind == TokenKind::Identifier) {
             if (cursor_.Peek().IsName("uniform"))
                 parameter.uniform = true;
             else if (std::ranges::count(kDirections, cursor_.Peek().text) > 0)
-                directions.push_back(cursor_.Peek());
+                parameter.direction.push_back(cursor_.Peek());
             else
                 break;
             cursor_.Take();
         }
-        const std::size_t declared = cursor_.Position();
-        if (!AcceptType(cursor_, effect_.symbols))
-            return cursor_.Fail(cursor_.Peek(), fmt::format("unknown type '{}'", cursor_.Peek().text));
+        const std::optional<Type> type = AcceptType(cursor_, effect_.symbols);
+        if (!type) return cursor_.Fail(cursor_.Peek(), fmt::format("unknown type '{}'", cursor_.Peek().text));
+        parameter.type = *type;
         parameter.name = cursor_.ExpectName("the name of a parameter");
-        while (cursor_.Accept("[")) cursor_.SkipPast("[", "]");
+        parameter.dimensions = ParseDimensions().tokens;
+        const std::size_t semantic = cursor_.Position();
         while (cursor_.Accept(":")) {
             cursor_.ExpectName("a semantic");
             if (cursor_.Accept("(")) cursor_.SkipPast("(", ")");
         }
-        parameter.declaration = directions;
-        const Tokens rest = cursor_.Since(declared);
-        parameter.declaration.insert(parameter.declaration.end(), rest.begin(), rest.end());
-        if (cursor_.Accept("=")) SkipDefaultValue();
+        parameter.semantic = cursor_.Since(semantic);
+        if (cursor_.Accept("=")) parameter.default_value = SkipDefaultValue();
         parameters.push_back(std::move(parameter));
     }
 
-    void SkipDefaultValue() {
+    Tokens SkipDefaultValue() {
+        const std::size_t start = cursor_.Position();
         while (!cursor_.AtEnd() && !cursor_.Peek().Is(",") && !cursor_.Peek().Is(")"))
             if (cursor_.Take().Is("(")) cursor_.SkipPast("(", ")");
+        return cursor_.Since(start);
     }
 
     // ---- Techniques
@@ -419,6 +673,9 @@ class EffectParser {
 
     Cursor cursor_;
     ParsedEffect effect_;
+    std::set<std::string, std::less<>> declared_functions_;
+    std::set<std::string, std::less<>> late_;   // static variables that get their value when a function begins
+    Tokens initialisation_;
 };
 
 }   // namespace

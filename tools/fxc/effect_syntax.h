@@ -2,6 +2,7 @@
 #pragma once
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct Type {
     VariableClass kind = VariableClass::Scalar;
     NumberType number = NumberType::Float;
     DWORD rows = 1, columns = 1;
+    DWORD elements = 0;   // of an array that a typedef names
     SamplerShape shape = SamplerShape::Unknown;
     std::string structure;   // of a structure
     Tokens spelling;         // in the language of the functions
@@ -28,15 +30,28 @@ struct StructureMember {
     DWORD elements = 0;
 };
 
+/// A value that is known while an effect is compiled: numbers, row by row and element by element.
+struct Constant {
+    std::vector<double> values;
+    DWORD rows = 1, columns = 1;
+    DWORD elements = 0;
+    bool whole = false;   // of integers, whose quotients are cut
+};
+
 /// A parameter of a function.
 struct FunctionParameter {
     std::string name;
     bool uniform = false;
-    Tokens declaration;   // without `uniform` and default value
+    Type type;
+    Tokens direction;    // in, out, inout and the ways of interpolation
+    Tokens dimensions;   // of an array
+    Tokens semantic;     // with its colon
+    Tokens default_value;
 };
 
 struct FunctionSignature {
-    Tokens result;   // its type
+    Tokens result;                     // its type
+    std::optional<Type> result_type;   // none for void
     Tokens result_semantic;
     std::vector<FunctionParameter> parameters;
 };
@@ -49,13 +64,16 @@ struct FunctionRequest {
     std::vector<Tokens> arguments;
 };
 
+/// What stands for the name of a function in assembly language.
+inline constexpr const char* kAssembly = "asm";
+
 /// The names that are visible in an effect.
 struct Symbols {
-    std::map<std::string, DWORD, std::less<>> parameters;   // index
-    std::map<std::string, double, std::less<>> constants;   // static const numbers
-    std::map<std::string, Type, std::less<>> types;         // typedefs
+    std::map<std::string, DWORD, std::less<>> parameters;     // index
+    std::map<std::string, Constant, std::less<>> constants;   // of static and const variables
+    std::map<std::string, Type, std::less<>> types;           // typedefs
     std::map<std::string, std::vector<StructureMember>, std::less<>> structures;
-    std::map<std::string, FunctionSignature, std::less<>> functions;
+    std::map<std::string, std::vector<FunctionSignature>, std::less<>> functions;   // all of one name
 };
 
 struct ParsedEffect {
@@ -63,7 +81,9 @@ struct ParsedEffect {
     Symbols symbols;
     std::vector<FunctionRequest> requests;
     std::map<DWORD, DWORD> sampler_registers;       // given by register(sN), by parameter
-    std::map<std::string, SamplerShape> samplers;   // by name
+    std::map<std::string, SamplerShape> samplers;   // by the name that the code has for them
+    std::map<std::string, DWORD> places;            // parameters by the path that the code has for them
+    std::set<std::string> unused_states;            // that were named
     Tokens code;                                    // declarations and functions for the compiler
 };
 

@@ -16,8 +16,9 @@ constexpr DWORD kSamplerCount = 16;
 
 class Translator {
   public:
-    Translator(const std::vector<std::uint32_t>& spirv, const TranslationRequest& request, Translation& out)
-        : compiler_(spirv), request_(request), out_(out), interface_(request.stage, request.version) {}
+    Translator(const std::vector<std::uint32_t>& spirv, const TranslationRequest& request, ExtraVaryings& extra,
+               Translation& out)
+        : compiler_(spirv), request_(request), out_(out), interface_(request.stage, request.version, extra) {}
 
     bool Run(std::string& error) {
         const auto active = compiler_.get_active_interface_variables();
@@ -60,11 +61,16 @@ class Translator {
             const std::string path = prefix + compiler_.get_member_name(id, i);
             const DWORD offset = base + compiler_.type_struct_member_offset(type, i);
             const spirv_cross::SPIRType& member = compiler_.get_type(type.member_types[i]);
-            if (member.basetype == spirv_cross::SPIRType::Struct && member.array.empty())
-                AddMembers(member.self, path + ".", offset);
-            else
+            if (member.basetype != spirv_cross::SPIRType::Struct) {
                 out_.globals.push_back(
                     {path, offset, static_cast<DWORD>(compiler_.get_declared_struct_member_size(type, i))});
+            } else if (member.array.empty()) {
+                AddMembers(member.self, path + ".", offset);
+            } else {
+                const DWORD stride = compiler_.type_struct_member_array_stride(type, i);
+                for (DWORD element = 0; element < member.array[0]; ++element)
+                    AddMembers(member.self, fmt::format("{}[{}].", path, element), offset + element * stride);
+            }
         }
     }
 
@@ -194,11 +200,11 @@ class Translator {
 
 }   // namespace
 
-bool TranslateFunction(const std::vector<std::uint32_t>& spirv, const TranslationRequest& request, Translation& out,
-                       std::string& error) try {
-    return Translator(spirv, request, out).Run(error);
-} catch (const spirv_cross::CompilerError& exception) {
-    error = exception.what();
+bool TranslateFunction(const std::vector<std::uint32_t>& spirv, const TranslationRequest& request, ExtraVaryings& extra,
+                       Translation& out, std::string& error) try {
+    return Translator(spirv, request, extra, out).Run(error);
+} catch (const spirv_cross::CompilerError&) {
+    error = kNotTranslatable;
     return false;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/d3dx/effect_file.h"
+#include "tools/fxc/stage_interface.h"
 
 namespace sparkrig::fxc {
 
@@ -34,8 +35,11 @@ struct TranslationRequest {
     std::map<std::string, DWORD> sampler_registers = {};   // given ones; the others get the first free, in order
 };
 
-/// On failure `error` says what is wrong with the function.
-bool TranslateFunction(const std::vector<std::uint32_t>& spirv, const TranslationRequest& request, Translation& out,
-                       std::string& error);
+inline constexpr const char* kNotTranslatable = "it uses the language in a way that can not be translated";
+
+/// `extra` holds the interpolants of all functions of the effect. On failure `error` says what is wrong with the
+/// function.
+bool TranslateFunction(const std::vector<std::uint32_t>& spirv, const TranslationRequest& request, ExtraVaryings& extra,
+                       Translation& out, std::string& error);
 
 }   // namespace sparkrig::fxc

@@ -4,6 +4,7 @@
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
 #include <glslang/SPIRV/GlslangToSpv.h>
+#include <glslang/SPIRV/spirv.hpp>
 
 #include <charconv>
 #include <string_view>
@@ -61,6 +62,11 @@ CodeError FirstError(std::string_view log) {
         return error;
     }
     log.remove_prefix(start + kMark.size());
+    if (log.find("Recursion detected") != std::string_view::npos) {
+        CodeError error;
+        error.message = "a function calls itself";
+        return error;
+    }
     return ParseMessage(log.substr(0, log.find('\n')));
 }
 
@@ -69,7 +75,28 @@ bool Fail(const char* log, CodeError& error) {
     return false;
 }
 
+/// The remainder of a division takes the sign of the dividend; the compiler asks for that of the divisor.
+void MendRemainders(std::vector<std::uint32_t>& spirv) {
+    constexpr std::size_t kHeader = 5;
+    for (std::size_t at = kHeader; at < spirv.size();) {
+        const std::uint32_t words = spirv[at] >> spv::WordCountShift, code = spirv[at] & spv::OpCodeMask;
+        if (words == 0) return;
+        if (code == spv::OpFMod) spirv[at] = words << spv::WordCountShift | spv::OpFRem;
+        if (code == spv::OpSMod) spirv[at] = words << spv::WordCountShift | spv::OpSRem;
+        at += words;
+    }
+}
+
 }   // namespace
+
+bool IsGoodGlsl(const std::string& text, FunctionStage stage) {
+    const EShLanguage language = stage == FunctionStage::Vertex ? EShLangVertex : EShLangFragment;
+    constexpr int kVersion = 450;
+    glslang::TShader shader(language);
+    const char* const source = text.c_str();
+    shader.setStrings(&source, 1);
+    return shader.parse(GetDefaultResources(), kVersion, ECoreProfile, false, false, EShMsgDefault);
+}
 
 bool CompileFunction(const std::string& text, const std::string& entry, FunctionStage stage,
                      std::vector<std::uint32_t>& spirv, CodeError& error) {
@@ -103,6 +130,7 @@ bool CompileFunction(const std::string& text, const std::string& entry, Function
     const std::string log = logger.getAllMessages();
     const bool complete = !spirv.empty() && log.find("Missing functionality") == std::string::npos &&
                           log.find("error:") == std::string::npos;
+    if (complete) MendRemainders(spirv);
     return complete || Fail(log.c_str(), error);
 }
 

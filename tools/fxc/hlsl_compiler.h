@@ -19,4 +19,7 @@ struct CodeError {
 bool CompileFunction(const std::string& text, const std::string& entry, FunctionStage stage,
                      std::vector<std::uint32_t>& spirv, CodeError& error);
 
+/// Whether the text that was made of a function is one.
+bool IsGoodGlsl(const std::string& text, FunctionStage stage);
+
 }   // namespace sparkrig::fxc

@@ -131,6 +131,7 @@ class Lexer {
         std::string content;
         Advance();
         while (!AtEnd() && Peek() != '"' && Peek() != '\n') {
+            if (SkipSplice()) continue;
             if (Peek() == '\\' && (Peek(1) == '"' || Peek(1) == '\\')) Advance();
             content += Peek();
             Advance();

@@ -1,5 +1,5 @@
-// fxc INPUT.fx OUTPUT.fxo: compiles an effect, to the standard output for "-". Ends with 0 done, 1 errors (on the error
-// stream), 2 wrong usage.
+// fxc FILE.fx -o FILE.fxo: compiles an effect, to the standard output for "-". fxc --info FILE: prints what it holds.
+// Ends with 0 done, 1 errors (on the error stream), 2 wrong usage.
 #include <sys/resource.h>
 
 #include <fmt/format.h>
@@ -11,7 +11,9 @@
 
 #include "platform/d3dx/effect_bytes.h"
 #include "platform/system/system.h"
+#include "tools/fxc/crash_report.h"
 #include "tools/fxc/effect_builder.h"
+#include "tools/fxc/effect_description.h"
 
 namespace {
 
@@ -42,10 +44,8 @@ bool WriteOutput(const std::string& output, const std::vector<sparkrig::BYTE>& b
 int Compile(const std::string& input, const std::string& output) {
     sparkrig::fxc::Diagnostics diagnostics;
     const std::optional<sparkrig::EffectFile> effect = sparkrig::fxc::BuildEffect(input, diagnostics);
-    if (!effect) {
-        std::fputs(diagnostics.Text().c_str(), stderr);
-        return kErrors;
-    }
+    std::fputs(diagnostics.Text().c_str(), stderr);
+    if (!effect) return kErrors;
     const std::vector<sparkrig::BYTE> bytes = sparkrig::WriteEffectFile(*effect);
     if (WriteOutput(output, bytes)) return kDone;
     const bool too_large = bytes.size() > sparkrig::kMostEffectBytes;
@@ -56,20 +56,46 @@ int Compile(const std::string& input, const std::string& output) {
     return kErrors;
 }
 
+/// What a source, or a compiled effect, holds.
+int Describe(const std::string& input) {
+    sparkrig::EffectFile effect;
+    std::vector<sparkrig::BYTE> bytes;
+    std::string fault;
+    if (!sparkrig::ReadEffectBytes(input, bytes) || !sparkrig::ReadEffectFile(bytes, effect, fault)) {
+        sparkrig::fxc::Diagnostics diagnostics;
+        std::optional<sparkrig::EffectFile> built = sparkrig::fxc::BuildEffect(input, diagnostics);
+        std::fputs(diagnostics.Text().c_str(), stderr);
+        if (!built) return kErrors;
+        effect = std::move(*built);
+    }
+    fmt::print("{}", sparkrig::fxc::DescribeEffect(effect));
+    return kDone;
+}
+
+int Run(const std::string& input, const std::string& output) try {
+    LimitResources();
+    return output.empty() ? Describe(input) : Compile(input, output);
+} catch (const std::exception& error) {
+    fmt::print(stderr, "{}(1): error X1000: {}\n", input, error.what());
+    return kErrors;
+}
+
 }   // namespace
 
 int main(int argc, char** argv) try {
     CLI::App app("Compiles an effect file (.fx) to the form that the program loads (.fxo).", "fxc");
     std::string input, output;
-    app.add_option("INPUT.fx", input, "The effect")->required();
-    app.add_option("OUTPUT.fxo", output, "The compiled effect; - for the standard output")->required();
+    bool info = false;
+    app.add_option("FILE", input, "The effect")->required();
+    auto* const out = app.add_option("-o", output, "Write the compiled effect to this file; - for the standard output");
+    app.add_flag("--info", info, "Print what the effect holds")->excludes(out);
     try {
         app.parse(argc, argv);
+        if (info == !output.empty()) throw CLI::ValidationError("either -o FILE.fxo or --info is wanted");
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kDone : kWrongUsage;
     }
-    LimitResources();
-    return Compile(input, output);
+    return sparkrig::fxc::RunGuarded([&] { return Run(input, output); }, kErrors);
 } catch (const std::exception& error) {
     fmt::print(stderr, "fxc: {}\n", error.what());
     return kErrors;

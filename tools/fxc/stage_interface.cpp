@@ -1,8 +1,10 @@
 #include "tools/fxc/stage_interface.h"
 
-#include <optional>
+#include <algorithm>
 
 #include <fmt/format.h>
+
+#include "platform/system/ascii.h"
 
 namespace sparkrig::fxc {
 
@@ -13,11 +15,15 @@ struct Semantic {
     int index = 0;
 };
 
-Semantic Split(const std::string& text) {
+/// "TexCoord3_centroid" is TEXCOORD, 3.
+Semantic Split(std::string text) {
     Semantic semantic;
+    std::ranges::transform(text, text.begin(), AsciiUpper);
+    constexpr std::string_view kCentroid = "_CENTROID";
+    if (text.ends_with(kCentroid)) text.resize(text.size() - kCentroid.size());
     std::size_t digits = text.size();
     while (digits > 0 && text[digits - 1] >= '0' && text[digits - 1] <= '9') --digits;
-    for (const char c : text.substr(0, digits)) semantic.word += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    semantic.word = text.substr(0, digits);
     for (const char c : text.substr(digits))
         semantic.index = semantic.index > 99 ? 99 : semantic.index * 10 + (c - '0');
     return semantic;
@@ -33,6 +39,11 @@ constexpr Slots kVertexInputSlots[] = {
     {"POSITION", kInputPosition, 1},  {"BLENDWEIGHT", kInputBlendWeight, 1}, {"BLENDINDICES", kInputBlendIndices, 1},
     {"NORMAL", kInputNormal, 1},      {"PSIZE", kInputPointSize, 1},         {"COLOR", kInputColor0, 2},
     {"TEXCOORD", kInputTexCoord0, 8},
+};
+// The usages that an element of a vertex can have. What no format carries reads as a missing element does.
+constexpr std::string_view kElementUsages[] = {
+    "POSITION", "BLENDWEIGHT", "BLENDINDICES", "NORMAL", "PSIZE", "TEXCOORD", "TANGENT",
+    "BINORMAL", "TESSFACTOR",  "POSITIONT",    "COLOR",  "FOG",   "DEPTH",    "SAMPLE",
 };
 constexpr Slots kVaryingSlots[] = {
     {"COLOR", kVaryingColor0, 2},
@@ -75,23 +86,35 @@ void StageInterface::Read(const StageVariable& variable, int row, const std::str
     before_ += fmt::format("    {} = {};\n", RowName(variable, row), Narrowed(variable, source));
 }
 
+std::optional<int> ExtraVaryings::PlaceOf(const std::string& semantic) {
+    const auto [place, added] = places_.try_emplace(semantic, kVaryingExtra + static_cast<int>(places_.size()));
+    return place->second < kVaryings ? std::optional(place->second) : std::nullopt;
+}
+
+std::optional<int> StageInterface::VaryingOf(const std::string& word, int index) {
+    if (const std::optional<int> slot = FindSlot(kVaryingSlots, {word, index}, 0)) return slot;
+    if (word.empty()) return std::nullopt;
+    return extra_.PlaceOf(word + std::to_string(index));
+}
+
 bool StageInterface::AddInput(const StageVariable& variable, std::string& unsupported) {
     const Semantic semantic = Split(variable.semantic);
     const bool vertex = stage_ == FunctionStage::Vertex;
-    if (!vertex && (semantic.word == "VPOS" || semantic.word == "VFACE")) {
+    if (!vertex && (semantic.word == kPixelPosition || semantic.word == "VFACE")) {
         // Pixel centres are whole numbers for effects, and front faces positive.
-        const bool position = semantic.word == "VPOS";
+        const bool position = semantic.word == kPixelPosition;
         Read(variable, 0, position ? "(gl_FragCoord - vec4(0.5, 0.5, 0.0, 0.0))" : "vec4(gl_FrontFacing ? 1.0 : -1.0)");
         return true;
     }
     for (int row = 0; row < variable.rows; ++row) {
         const std::optional<int> slot =
-            vertex ? FindSlot(kVertexInputSlots, semantic, row) : FindSlot(kVaryingSlots, semantic, row);
+            vertex ? FindSlot(kVertexInputSlots, semantic, row) : VaryingOf(semantic.word, semantic.index + row);
         if (!slot) {
-            const bool known = vertex && (semantic.word == "TANGENT" || semantic.word == "BINORMAL" ||
-                                          FindSlot(kVertexInputSlots, {semantic.word, 0}, 0));
-            if (known) unsupported = fmt::format("vertices have no {}", variable.semantic);
-            return known;
+            if (!vertex && !variable.semantic.empty()) unsupported = "it reads more than the stages can hand over";
+            if (!vertex) return !variable.semantic.empty();
+            if (std::ranges::find(kElementUsages, semantic.word) == std::end(kElementUsages)) return false;
+            Read(variable, row, "vec4(0.0, 0.0, 0.0, 1.0)");
+            continue;
         }
         const std::string name = fmt::format("{}_{}", vertex ? "vertex_input" : "varying", *slot);
         Declare(fmt::format("layout(location = {}) in vec4 {};\n", *slot, name));
@@ -129,8 +152,9 @@ bool StageInterface::AddOutput(const StageVariable& variable, std::string& unsup
         return true;
     }
     for (int row = 0; row < variable.rows; ++row) {
-        const std::optional<int> slot = FindSlot(kVaryingSlots, semantic, row);
-        if (!slot) return false;
+        const std::optional<int> slot = VaryingOf(semantic.word, semantic.index + row);
+        if (!slot && !variable.semantic.empty()) unsupported = "it writes more than the stages can hand over";
+        if (!slot) return !variable.semantic.empty();
         const std::string name = fmt::format("varying_{}", *slot);
         Declare(fmt::format("layout(location = {}) out vec4 {};\n", *slot, name));
         // Below version 3 colours leave the vertex stage as what a frame buffer can hold.

@@ -1,9 +1,14 @@
 #pragma once
+#include <map>
+#include <optional>
 #include <string>
 
 #include "platform/d3dx/effect_file.h"
 
 namespace sparkrig::fxc {
+
+/// VPOS, as the code has it.
+inline constexpr const char* kPixelPosition = "FXC_PIXEL";
 
 /// A variable through which a function meets what is before or after it, as GLSL names it.
 struct StageVariable {
@@ -15,11 +20,23 @@ struct StageVariable {
     bool indexed = false;   // rows are reached by [i]
 };
 
+/// Interpolants by semantics that have no fixed place, for all functions of one effect: the first one to name a
+/// semantic gives it the next free place.
+class ExtraVaryings {
+  public:
+    /// None when all places are taken.
+    std::optional<int> PlaceOf(const std::string& semantic);
+
+  private:
+    std::map<std::string, int> places_;
+};
+
 /// Collects the declarations, and the statements around the function, that connect its variables with the fixed
 /// places of the layer.
 class StageInterface {
   public:
-    StageInterface(FunctionStage stage, DWORD version) : stage_(stage), version_(version) {}
+    StageInterface(FunctionStage stage, DWORD version, ExtraVaryings& extra)
+        : stage_(stage), version_(version), extra_(extra) {}
 
     /// False for a semantic that the stage does not have; `unsupported` is set for one that the layer leaves out.
     bool AddInput(const StageVariable& variable, std::string& unsupported);
@@ -33,10 +50,12 @@ class StageInterface {
 
   private:
     void Declare(const std::string& line);
+    std::optional<int> VaryingOf(const std::string& word, int index);
     void Read(const StageVariable& variable, int row, const std::string& source);
 
     FunctionStage stage_;
     DWORD version_;
+    ExtraVaryings& extra_;
     std::string declarations_, before_, after_;
     DWORD varyings_ = 0;
     bool writes_point_size_ = false;

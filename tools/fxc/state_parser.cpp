@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/d3d9/d3d9_constants.h"
 #include "tools/fxc/expression_parser.h"
 #include "tools/fxc/state_table.h"
 
@@ -60,12 +61,13 @@ class StateParser {
         const DWORD index = ParseIndex();
         cursor_.Expect("=", fmt::format("after the state '{}'", name.text));
         if (!row || !BelongsHere(*row)) return Refuse(name);
+        if (row->unused) return PassOver(*row, name);
         state.group = row->group;
         state.state = row->state;
         state.type = row->type;
         if (owner_ == StateOwner::Pass) SettleIndex(*row, name, index, state);
         ParseValue(*row, state);
-        cursor_.Expect(";", fmt::format("after the value of '{}'", name.text));
+        ExpectEnd(name);
         std::erase_if(states, [&](const StateAssignment& other) {
             return other.group == state.group && other.state == state.state && other.index == state.index;
         });
@@ -77,26 +79,44 @@ class StateParser {
         return owner_ == StateOwner::Pass || row.group == StateGroup::SamplerState || row.group == StateGroup::Texture;
     }
 
+    /// The last value of a sampler may stand without a semicolon.
+    void ExpectEnd(const Token& name) {
+        if (owner_ == StateOwner::Sampler && cursor_.Peek().Is("}")) return;
+        cursor_.Expect(";", fmt::format("after the value of '{}'", name.text));
+    }
+
+    void SkipValue() {
+        while (!cursor_.AtEnd() && !cursor_.Peek().Is(";") && !cursor_.Peek().Is("}"))
+            if (cursor_.Take().Is("{")) cursor_.SkipPast("{", "}");
+    }
+
     /// Reports a name that is no state, and goes on behind its value.
     void Refuse(const Token& name) {
-        const bool constants = name.text.find("ShaderConstant") != std::string::npos;
         if (!cursor_.Failed())
-            cursor_.Errors().Error(name.place, constants ? ErrorCode::Unsupported : ErrorCode::Syntax,
-                                   constants ? fmt::format("'{}' is not supported: use a parameter", name.text)
-                                   : owner_ == StateOwner::Pass
+            cursor_.Errors().Error(name.place, ErrorCode::Syntax,
+                                   owner_ == StateOwner::Pass
                                        ? fmt::format("unknown state '{}'", name.text)
                                        : fmt::format("'{}' is no state of a sampler", name.text));
-        while (!cursor_.AtEnd() && !cursor_.Peek().Is(";") && !cursor_.Peek().Is("}")) cursor_.Take();
+        SkipValue();
         cursor_.Expect(";", "after the value");
+    }
+
+    /// A state that the device has no use for is named once.
+    void PassOver(const StateRow& row, const Token& name) {
+        if (!cursor_.Failed() && effect_.unused_states.insert(row.name).second)
+            cursor_.Errors().Warning(name.place, ErrorCode::Unsupported,
+                                     fmt::format("the state '{}' has no effect here", row.name));
+        SkipValue();
+        ExpectEnd(name);
     }
 
     DWORD ParseIndex() {
         if (!cursor_.Accept("[")) return 0;
-        const Expression index = ParseExpression(cursor_, effect_);
+        const Expression index = ParseExpression(cursor_, effect_, Parameters::Known);
         cursor_.Expect("]", "after the index");
-        const bool good = index.IsConstant() && !index.values.empty() && index.values[0] >= 0;
+        const bool good = index.IsConstant() && !index.Values().empty() && index.Values()[0] >= 0;
         if (!good) cursor_.Fail(index.start, "an index is a constant from 0");
-        return good ? ToWord(index.values[0]) : 0;
+        return good ? ToWord(index.Values()[0]) : 0;
     }
 
     void SettleIndex(const StateRow& row, const Token& name, DWORD index, StateAssignment& state) {
@@ -113,7 +133,7 @@ class StateParser {
         switch (row.type) {
             case StateType::Texture: return ParseReference(state, VariableClass::Texture, "a texture");
             case StateType::Sampler: return ParseReference(state, VariableClass::Sampler, "a sampler");
-            case StateType::Matrix: return ParseReference(state, VariableClass::Matrix, "a matrix");
+            case StateType::Matrix: return ParseMatrix(state);
             case StateType::Shader: return ParseShader(row, state);
             default: return ParseNumber(row, state);
         }
@@ -126,7 +146,7 @@ class StateParser {
         return true;
     }
 
-    /// <name>, (name), name or NULL.
+    /// <name>, (name), name or NULL; an element of an array by "[index]".
     void ParseReference(StateAssignment& state, VariableClass kind, const char* what) {
         const char* close = cursor_.Accept("<") ? ">" : cursor_.Accept("(") ? ")" : nullptr;
         const Token name = cursor_.Peek();
@@ -143,73 +163,66 @@ class StateParser {
             }
             state.value = ValueKind::Parameter;
             state.reference = found->second;
+            if (effect_.file.parameters[found->second].variable.elements > 0) ParseElement(name, state);
         }
         if (close) cursor_.Expect(close, fmt::format("after {}", what));
     }
 
-    void ParseShader(const StateRow& row, StateAssignment& state) {
-        if (cursor_.Peek().IsName("asm")) {
-            cursor_.Errors().Error(cursor_.Peek().place, ErrorCode::Unsupported,
-                                   "functions in assembly language are not supported");
-            cursor_.Take();
-            cursor_.Expect("{", "after asm");
-            return cursor_.SkipPast("{", "}");
+    /// The elements of an array of objects follow it. What is no constant is looked up when the pass begins.
+    void ParseElement(const Token& name, StateAssignment& state) {
+        const DWORD elements = effect_.file.parameters[state.reference].variable.elements;
+        if (!cursor_.Accept("[")) return cursor_.Fail(name, fmt::format("'{}' is an array", name.text));
+        const Expression index = ParseExpression(cursor_, effect_, Parameters::AtRunTime);
+        cursor_.Expect("]", "after the index");
+        if (!index.IsConstant() && state.type == StateType::Shader) {
+            state.expression = index.steps;
+            return;
         }
-        if (!cursor_.AcceptWord("compile")) return ParseReference(state, VariableClass::Shader, "a function");
+        const double element = index.Values().empty() ? -1 : index.Values()[0];
+        if (element < 0 || element >= elements || state.type == StateType::Matrix)
+            return cursor_.Fail(index.start, fmt::format("'{}' has no such element", name.text));
+        state.reference += 1 + static_cast<DWORD>(element);
+    }
+
+    void ParseMatrix(StateAssignment& state) {
+        const Token& first = cursor_.Peek(cursor_.Peek().Is("<") || cursor_.Peek().Is("(") ? 1 : 0);
+        if (effect_.symbols.parameters.contains(first.text) && !effect_.symbols.constants.contains(first.text))
+            return ParseReference(state, VariableClass::Matrix, "a matrix");
+        const Token start = cursor_.Peek();
+        const Constant constant = ParseConstant(cursor_, effect_);
+        if (constant.values.size() != 1 && constant.values.size() != 16)
+            return cursor_.Fail(start, "expected a matrix");
+        state.value = ValueKind::Constant;
+        for (std::size_t i = 0; i < 16; ++i)
+            state.matrix.push_back(FloatBits(constant.values[constant.values.size() == 1 ? 0 : i]));
+    }
+
+    void ParseShader(const StateRow& row, StateAssignment& state) {
+        const FunctionStage stage =
+            row.group == StateGroup::VertexShader ? FunctionStage::Vertex : FunctionStage::Pixel;
+        const bool assembly = cursor_.Peek().IsName("asm");
+        if (!assembly && !cursor_.AcceptWord("compile"))
+            return ParseReference(state, VariableClass::Shader, "a function");
         state.value = ValueKind::Function;
-        const bool vertex = row.group == StateGroup::VertexShader;
-        state.reference = ParseCompile(cursor_, effect_, vertex ? FunctionStage::Vertex : FunctionStage::Pixel);
+        state.reference = assembly ? ParseAssembly(cursor_, effect_, stage) : ParseCompile(cursor_, effect_, stage);
     }
 
     void ParseNumber(const StateRow& row, StateAssignment& state) {
-        if (AcceptNamedValue(row, state)) return;
+        Expression value;
         if (cursor_.Peek().Is("{")) {
-            state.value = ValueKind::Constant;
-            state.constant = ToConstant(row.type, ParseConstants(cursor_, effect_));
-            return;
-        }
-        const bool angle = cursor_.Accept("<");
-        const Expression value = ParseExpression(cursor_, effect_);
-        if (angle) cursor_.Expect(">", "after the name");
-        if (value.IsConstant()) {
-            state.value = ValueKind::Constant;
-            state.constant = ToConstant(row.type, value.values);
+            value.constant = ParseConstant(cursor_, effect_);
+        } else if (cursor_.Accept("<")) {
+            value = ParseOperand(cursor_, effect_, Parameters::AtRunTime);
+            cursor_.Expect(">", "after the name");
         } else {
-            state.value = ValueKind::Expression;
-            state.expression = value.steps;
+            value = ParseExpression(cursor_, effect_, Parameters::AtRunTime, &row);
         }
-    }
-
-    /// NAME | NAME | 2. Not taken when the first word is no name of a value.
-    bool AcceptNamedValue(const StateRow& row, StateAssignment& state) {
-        DWORD bits = 0;
-        bool named = false, first = true;
-        const std::size_t start = cursor_.Position();
-        do {
-            const Token& token = cursor_.Peek();
-            const bool word = token.kind == TokenKind::Identifier || token.kind == TokenKind::Number;
-            if (const NamedValue* value = word ? FindValue(row, token.text) : nullptr) {
-                cursor_.Take();
-                bits |= value->value;
-                named = true;
-            } else if (token.kind == TokenKind::Number) {
-                const std::vector<double> values = ParseExpression(cursor_, effect_).values;
-                bits |= values.empty() ? 0 : ToWord(values[0]);
-            } else if (first) {
-                return false;
-            } else {
-                cursor_.Fail(token, fmt::format("unknown value '{}' of '{}'", token.text, row.name));
-            }
-            named = named || (!first && !cursor_.Failed());
-            first = false;
-        } while (cursor_.Accept("|"));
-        if (!named) {   // one number: an expression may begin with it
-            cursor_.Rewind(start);
-            return false;
-        }
-        state.value = ValueKind::Constant;
-        state.constant = {row.type == StateType::Float ? FloatBits(bits) : bits};
-        return true;
+        state.value = value.IsConstant() ? ValueKind::Constant : ValueKind::Expression;
+        state.expression = value.steps;
+        if (value.IsConstant()) state.constant = ToConstant(row.type, value.Values());
+        // Between levels there is nothing finer than linear.
+        if (row.group == StateGroup::SamplerState && row.state == D3DSAMP_MIPFILTER)
+            state.constant[0] = std::min<DWORD>(state.constant[0], D3DTEXF_LINEAR);
     }
 
     Cursor& cursor_;
@@ -244,6 +257,19 @@ std::vector<Tokens> ParseArguments(Cursor& cursor) {
 }
 
 }   // namespace
+
+DWORD ParseAssembly(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
+    FunctionRequest request;
+    request.place = cursor.Take().place;
+    request.entry = kAssembly;
+    request.target = stage == FunctionStage::Vertex ? "vs_1_1" : "ps_1_1";
+    cursor.Expect("{", "after asm");
+    cursor.SkipPast("{", "}");
+    effect.requests.push_back(std::move(request));
+    effect.file.functions.emplace_back().stage = stage;
+    effect.file.functions.back().unsupported = "functions in assembly language are not supported";
+    return static_cast<DWORD>(effect.requests.size() - 1);
+}
 
 DWORD ParseCompile(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
     FunctionRequest request;

@@ -12,4 +12,7 @@ void ParseStates(Cursor& cursor, ParsedEffect& effect, StateOwner owner, std::ve
 /// Takes "compile target entry(arguments)" and gives the number of the function.
 DWORD ParseCompile(Cursor& cursor, ParsedEffect& effect, FunctionStage stage);
 
+/// The same for "asm { ... }", which the layer can not run.
+DWORD ParseAssembly(Cursor& cursor, ParsedEffect& effect, FunctionStage stage);
+
 }   // namespace sparkrig::fxc

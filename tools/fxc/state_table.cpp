@@ -80,6 +80,10 @@ constexpr DWORD Member(MaterialMember member) { return static_cast<DWORD>(member
 // The stencil states have no caller that would need a name for their numbers.
 constexpr DWORD kStencilFail = 53, kTwoSidedStencil = 185, kCcwStencilFail = 186;
 
+constexpr StateRow Unused(const char* name, StateGroup group = kRender) {
+    return {name, group, StateType::Int, 0, {}, true};
+}
+
 constexpr StateRow kRows[] = {
     {"ZEnable",                  kRender, StateType::Int,    D3DRS_ZENABLE,                  kDepth},
     {"FillMode",                 kRender, StateType::Int,    D3DRS_FILLMODE,                 kFill},
@@ -160,6 +164,21 @@ constexpr StateRow kRows[] = {
     {"DestBlendAlpha",           kRender, StateType::Int,    D3DRS_DESTBLENDALPHA,           kBlend},
     {"BlendOpAlpha",             kRender, StateType::Int,    D3DRS_BLENDOPALPHA,             kBlendOp},
 
+    Unused("Wrap8"), Unused("Wrap9"), Unused("Wrap10"), Unused("Wrap11"), Unused("Wrap12"), Unused("Wrap13"),
+    Unused("Wrap14"), Unused("Wrap15"), Unused("ColorWriteEnable1"), Unused("ColorWriteEnable2"),
+    Unused("ColorWriteEnable3"), Unused("SRGBWriteEnable"), Unused("AntialiasedLineEnable"),
+    Unused("PatchEdgeStyle"), Unused("PatchSegments"), Unused("DebugMonitorToken"), Unused("TweenFactor"),
+    Unused("PositionDegree"), Unused("PositionOrder"), Unused("NormalDegree"), Unused("NormalOrder"),
+    Unused("AdaptiveTess_X"), Unused("AdaptiveTess_Y"), Unused("AdaptiveTess_Z"), Unused("AdaptiveTess_W"),
+    Unused("EnableAdaptiveTessellation"), Unused("MinTessellationLevel"), Unused("MaxTessellationLevel"),
+    Unused("NPatchMode"), Unused("ClipPlane"), Unused("ZBias"), Unused("ZVisible"), Unused("EdgeAntialias"),
+    Unused("LinePattern"), Unused("SoftwareVertexProcessing"), Unused("VertexShaderConstant"),
+    Unused("VertexShaderConstantF"), Unused("VertexShaderConstantB"), Unused("VertexShaderConstantI"),
+    Unused("VertexShaderConstant1"), Unused("VertexShaderConstant2"), Unused("VertexShaderConstant3"),
+    Unused("VertexShaderConstant4"), Unused("PixelShaderConstant"), Unused("PixelShaderConstantF"),
+    Unused("PixelShaderConstantB"), Unused("PixelShaderConstantI"), Unused("PixelShaderConstant1"),
+    Unused("PixelShaderConstant2"), Unused("PixelShaderConstant3"), Unused("PixelShaderConstant4"),
+
     {"ColorOp",               kStage, StateType::Int,    D3DTSS_COLOROP,               kOperation},
     {"ColorArg0",             kStage, StateType::Int,    D3DTSS_COLORARG0,             kArgument},
     {"ColorArg1",             kStage, StateType::Int,    D3DTSS_COLORARG1,             kArgument},
@@ -190,6 +209,7 @@ constexpr StateRow kRows[] = {
     {"MaxMipLevel",   kSampler, StateType::Int,    D3DSAMP_MAXMIPLEVEL},
     {"MaxAnisotropy", kSampler, StateType::Int,    D3DSAMP_MAXANISOTROPY},
     {"SRGBTexture",   kSampler, StateType::Bool,   D3DSAMP_SRGBTEXTURE},
+    Unused("ElementIndex", kSampler), Unused("DMapOffset", kSampler),
 
     {"Texture",             StateGroup::Texture,   StateType::Texture, 0},
     {"Sampler",             StateGroup::Sampler,   StateType::Sampler, 0},
@@ -233,6 +253,15 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
 const StateRow* FindState(std::string_view name) {
     const auto* row = std::ranges::find_if(kRows, [&](const StateRow& r) { return EqualIgnoringCase(r.name, name); });
     return row == std::end(kRows) ? nullptr : row;
+}
+
+const StateRow* FindState(StateGroup group, DWORD state) {
+    const StateRow* found = nullptr;
+    for (const StateRow& row : kRows) {
+        const bool here = group == StateGroup::Transform ? row.state <= state : row.state == state;
+        if (row.group == group && here && !row.unused && (!found || row.state > found->state)) found = &row;
+    }
+    return found;
 }
 
 const NamedValue* FindValue(const StateRow& row, std::string_view name) {

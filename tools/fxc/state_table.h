@@ -18,10 +18,14 @@ struct StateRow {
     StateType type;
     DWORD state;
     std::span<const NamedValue> values = {};   // the names that its value may have
+    bool unused = false;                       // the device has no use for it
 };
 
 /// Null for an unknown name. Letter case does not matter.
 const StateRow* FindState(std::string_view name);
+
+/// The row of a state; of transforms, the one whose numbers begin at or before it.
+const StateRow* FindState(StateGroup group, DWORD state);
 
 /// Null when the state's values have no such name. TRUE and FALSE are values of every number.
 const NamedValue* FindValue(const StateRow& row, std::string_view name);

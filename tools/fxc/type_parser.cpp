@@ -1,5 +1,8 @@
 #include "tools/fxc/type_parser.h"
 
+#include <algorithm>
+
+#include "platform/system/ascii.h"
 #include "tools/fxc/state_table.h"
 
 namespace sparkrig::fxc {
@@ -55,7 +58,8 @@ void MakeVector(Type& type, DWORD columns) {
 }
 
 /// float, float3, float4x3.
-std::optional<Type> NumericType(const std::string& word) {
+std::optional<Type> NumericType(std::string word, LetterCase letters) {
+    if (letters == LetterCase::Any) std::ranges::transform(word, word.begin(), AsciiLower);
     for (const NumberWord& row : kNumberWords) {
         if (!word.starts_with(row.word)) continue;
         const std::string rest = word.substr(row.word.size());
@@ -103,17 +107,18 @@ std::optional<Type> TemplateType(Cursor& cursor) {
         }
         cursor.Expect(">", "after the dimensions");
     }
-    std::optional<Type> type = NumericType(word + std::to_string(first) + (matrix ? "x" + std::to_string(second) : ""));
+    std::optional<Type> type =
+        NumericType(word + std::to_string(first) + (matrix ? "x" + std::to_string(second) : ""), LetterCase::Any);
     if (!type) cursor.Fail(cursor.Peek(), "unknown type of numbers");
     return type;
 }
 
 }   // namespace
 
-std::optional<Type> BuiltInType(const std::string& word) {
-    if (std::optional<Type> type = NumericType(word)) return type;
+std::optional<Type> BuiltInType(const std::string& word, LetterCase letters) {
+    if (std::optional<Type> type = NumericType(word, letters)) return type;
     for (const ObjectWord& row : kObjectWords) {
-        if (!EqualIgnoringCase(word, row.word)) continue;
+        if (letters == LetterCase::Exact ? word != row.word : !EqualIgnoringCase(word, row.word)) continue;
         Type type;
         type.kind = row.kind;
         type.shape = row.shape;
@@ -126,9 +131,9 @@ std::optional<Type> BuiltInType(const std::string& word) {
 std::optional<Type> AcceptType(Cursor& cursor, const Symbols& symbols) {
     if (cursor.Peek().kind != TokenKind::Identifier) return std::nullopt;
     if (std::optional<Type> type = TemplateType(cursor)) return type;
-    cursor.AcceptWord("struct");
+    if (cursor.Peek(1).kind == TokenKind::Identifier) cursor.AcceptWord("struct");
     const std::string word = cursor.Peek().text;
-    std::optional<Type> type = BuiltInType(word);
+    std::optional<Type> type = BuiltInType(word, LetterCase::Exact);
     if (const auto found = symbols.types.find(word); !type && found != symbols.types.end()) type = found->second;
     if (!type && symbols.structures.contains(word)) {
         type = Type{};
@@ -136,6 +141,7 @@ std::optional<Type> AcceptType(Cursor& cursor, const Symbols& symbols) {
         type->structure = word;
         type->spelling = Spelled(word);
     }
+    if (!type) type = BuiltInType(word);
     if (type) cursor.Take();
     return type;
 }

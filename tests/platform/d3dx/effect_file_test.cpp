@@ -125,6 +125,7 @@ TEST(EffectFile, RefusesWhatIsOutOfRange) {
         [](EffectFile& e) { e.parameters[0].variable.words.pop_back(); },
         [](EffectFile& e) { e.parameters[0].variable.elements = kMaxElements + 1; },
         [](EffectFile& e) { e.parameters[3].variable.kind = static_cast<VariableClass>(99); },
+        [](EffectFile& e) { e.parameters[1].variable.elements = 1; },   // the element behind it is no texture
         [](EffectFile& e) { e.parameters[3].parent = 3; },
         [](EffectFile& e) { e.parameters[3].parent = 0; },
         [](EffectFile& e) { e.parameters[3].function = 1; },
@@ -170,7 +171,8 @@ TEST(EffectExpression, EvaluatesInPostfixOrder) {
         const float value = static_cast<float>(parameter);
         return ExpressionValue{value, value * 2, value * 3, value * 4};
     };
-    EXPECT_EQ(EvaluateExpression(steps, load), (ExpressionValue{16, 12, 0, 4}));   // division by 0 gives 0
+    const auto no_element = [](DWORD, float) { return ExpressionValue{}; };
+    EXPECT_EQ(EvaluateExpression(steps, load, no_element), (ExpressionValue{16, 12, 0, 4}));   // division by 0 gives 0
 }
 
 }   // namespace

@@ -1,0 +1,170 @@
+// The features of the effect language, one small effect each.
+#pragma once
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+
+/// With a body, the declarations stand before `float4 P(float2 uv : TEXCOORD0) : COLOR { body }`, drawn as ps_3_0;
+/// without, they are the whole effect.
+struct Feature {
+    const char *name, *declarations, *body;
+    Rgb pixel;
+};
+
+// clang-format off
+inline const Feature kFeatures[] = {
+    // ---- Numbers as the old hardware gave them
+    {"fmod of a negative number", "float a = -1.4;", "return float4(fmod(a, 1) + 0.8, -fmod(a, -1), a % 1 + 1, 1);", {102, 102, 153}},
+    {"fmod of a vector", "float2 a = float2(-0.7, 1.7);", "return float4(fmod(a, 0.5) + 0.4, (a % float2(0.5, 0.5)).x + 0.8, 1);", {51, 153, 153}},
+    {"lit", "float d = 0.4, h = 0.5;", "float4 l = lit(d, h, 2); return float4(l.y, l.z, lit(-d, h, 2).z + lit(d, h, 1).w * 0.2, l.x);", {102, 64, 51}},
+    {"pow and log of a negative number", "float a = -0.5;", "return float4(pow(a, 2), log2(a) + 1.2, log(a) + 0.69315, 1);", {64, 51, 0}},
+    {"pow of zero", "float a = 0;", "return float4(pow(a, 2), pow(a, 0) * 0.4, 0, 1);", {0, 102, 0}},
+    {"pow of vectors", "float3 a = 0.5; float e = 2;", "return float4(pow(a, e.xxx), 1);", {64, 64, 64}},
+    {"any and all of scalars", "float a = 2; bool b = true; int i = 0;", "return float4(any(a) ? 0.2 : 0, all(b) ? 0.4 : 0, any(i) ? 0 : 0.6, 1);", {51, 102, 153}},
+    {"any and all of vectors", "float3 a = float3(0, 1, 0);", "return float4(any(a) ? 0.2 : 0, all(a) ? 0 : 0.4, all(a < 2) ? 0.6 : 0, 1);", {51, 102, 153}},
+    {"a function of the effect's own called pow", "float pow(float a, float b) { return a * b; }", "return float4(pow(0.5, 0.4), 0, 0, 1);", {51, 0, 0}},
+    {"integer parameters and division", "int n = 7;", "return float4(n / 2 * 0.1, n % 4 * 0.1, 0, 1);", {77, 77, 0}},
+    {"saturate, lerp, step and smoothstep", "float a = 1.5;", "return float4(saturate(a) * 0.2, lerp(0.2, 0.6, 0.5), step(1, a) * smoothstep(0, 2, 1) * 0.4, 1);", {51, 102, 51}},
+    {"frac, floor, ceil, round, sign, abs", "float a = -1.6;", "return float4(frac(a), (ceil(a) + 2) * 0.2 + (round(a) + 2) * 0.3, sign(a) + abs(a), 1);", {102, 51, 153}},
+    {"sincos, modf, ldexp, distance, reflect", "float a = 0.5;", "float s, c, w; sincos(0, s, c); float f = modf(1.4, w); return float4(c * 0.2, f, ldexp(0.1, 2), 1);", {51, 102, 102}},
+    {"dst, faceforward, rsqrt, degrees", "float a = 4;", "float4 d = dst(float4(0, 0.5, 0.2, 0), float4(0, 0.4, 0, 0.6)); return float4(d.y, rsqrt(a) * 0.8, d.z + d.w * 0.5, 1);", {51, 102, 128}},
+    {"cross, dot, normalize, length, transpose, determinant", "float2x2 m = {1, 2, 3, 4};", "return float4(cross(float3(1, 0, 0), float3(0, 1, 0)).z * 0.2, length(float2(0.3, 0.4)), transpose(m)[0][1] * 0.1 + determinant(m) * 0.1, 1);", {51, 128, 26}},
+    {"log10, exp2, atan2, isnan", "float a = 10;", "return float4(log10(a) * 0.2, exp2(-1), atan2(0, 1) + 0.2, 1);", {51, 128, 51}},
+    {"clip", "float a = -1;", "clip(uv.x + 0.5); if (uv.y > 2) clip(a); return float4(0.2, 0.4, 0.6, 1);", {51, 102, 153}},
+    {"clip drops the pixel", "float a = -1;", "clip(float3(1, a, 1)); return 1;", {0, 0, 0}},
+    {"D3DCOLORtoUBYTE4", "", "int4 c = D3DCOLORtoUBYTE4(float4(0.2, 0.4, 0.6, 1)); return float4(c.x / 255.0, 0, 0, 1);", {153, 0, 0}},
+
+    // ---- Static variables
+    {"a static variable of a function's value", "float Half(float x) { return x * 0.5; } static float h = Half(0.8);", "return float4(h, 0, 0, 1);", {102, 0, 0}},
+    {"a static variable of a parameter's value", "float4 c = float4(0.2, 0.4, 0.6, 1); static float4 d = c * 0.5; static const float4 e = d + c * 0.5;", "return e;", {51, 102, 153}},
+    {"a static array of parameters", "float a = 0.2; static float w[3] = {a, a * 2, a * 3}; static const float2 o[2] = {float2(a, 0), {0, a}};", "return float4(w[0], w[1], w[2] * o[1].y * 5, 1);", {51, 102, 153}},
+    {"a static variable that a function changes", "static float n = 0.2; void Add() { n += 0.2; }", "Add(); Add(); return float4(n, 0, 0, 1);", {153, 0, 0}},
+    {"static const arrays in loops", "static const float w[4] = {0.1, 0.2, 0.1, 0.2}; static const int N = 4;", "float s = 0; for (int i = 0; i < N; i++) s += w[i]; return float4(s, 0, 0, 1);", {153, 0, 0}},
+    {"a global that a function assigns", "float g = 0.2; float4 k = 0.4; void Set() { g = 0.6; k.x += 0.4; }", "float before = g; Set(); return float4(before, g, k.x, 1);", {51, 153, 204}},
+    {"sizes of arrays from constants", "const int N = 2; static const int M = N * 2; float k[N] = {0.2, 0.4}; float w[M] = {0, 0, 0, 0.6};", "float s[N]; s[0] = k[N - 1]; return float4(k[0], s[0], w[M - 1], 1);", {51, 102, 153}},
+    {"a global const", "const float pi = 3.0; const float3 c = {0.2, 0.4, 0.6};", "return float4(c * pi / 3, 1);", {51, 102, 153}},
+
+    // ---- Entry points
+    {"a uniform float given a whole number", "float4 P(uniform float a, uniform float4 b, float2 uv : TEXCOORD0) : COLOR { return float4(a * 0.2, b.y * 0.4, uv.x, 1); } technique { pass { PixelShader = compile ps_2_0 P(2, 1); } }", "", {102, 102, 64}},
+    {"a uniform int given a float, a bool given a number", "float4 P(uniform int a, uniform bool b) : COLOR { return float4(a * 0.2, b ? 0.4 : 0, 0, 1); } technique { pass { PixelShader = compile ps_2_0 P(2.0, 1); } }", "", {102, 102, 0}},
+    {"a uniform parameter whose default is left out", "float4 P(uniform float a, uniform float b = 0.4, uniform bool c = true) : COLOR { return float4(a, b, c ? 0.6 : 0, 1); } technique { pass { PixelShader = compile ps_2_0 P(0.2); } }", "", {51, 102, 153}},
+    {"a uniform parameter without argument is a parameter", "float4 P(uniform float4 tint) : COLOR { return tint + 0.2; } technique { pass { PixelShader = compile ps_2_0 P(); } }", "", {51, 51, 51}},
+    {"a uniform sampler", "texture T; sampler S = sampler_state { Texture = <T>; }; float4 P(float2 uv : TEXCOORD0, uniform sampler2D s) : COLOR { return tex2D(s, uv); } technique { pass { PixelShader = compile ps_2_0 P(S); } }", "", {51, 102, 204}},
+    {"an entry point that is also called", "float4 Inner(float2 uv : TEXCOORD0) : COLOR { return float4(uv, 0, 1); } float4 Outer(float2 uv : TEXCOORD0) : COLOR { return Inner(uv) * 0.5; } technique { pass { PixelShader = compile ps_2_0 Inner(); } pass { PixelShader = compile ps_2_0 Outer(); } }", "", {32, 96, 0}},
+    {"an entry point called main", "float4 main() : COLOR { return float4(0.2, 0.4, 0.6, 1); } technique { pass { PixelShader = compile ps_2_0 main(); } }", "", {51, 102, 153}},
+    {"an entry point that is overloaded", "float F(float a) { return a; } float4 F(float2 uv : TEXCOORD0) : COLOR { return F(uv.x); } technique { pass { PixelShader = compile ps_2_0 F(); } }", "", {64, 64, 64}},
+    {"a shader variable", "PixelShader p = compile ps_2_0 P(); float4 P() : COLOR { return 0.2; } technique { pass { PixelShader = (p); } }", "", {51, 51, 51}},
+    {"old targets", "float4 P(float4 c : COLOR0) : COLOR0 { return c; } technique { pass { PixelShader = compile ps_1_1 P(); } }", "", {255, 102, 51}},
+    {"the pixel's number as float2", "float4 P(in float2 p : VPOS) : COLOR { return float4(p * 0.1, 0, 1); } technique { pass { PixelShader = compile ps_3_0 P(); } }", "", {77, 102, 0}},
+    {"the pixel's number as float3 in a structure", "struct I { float3 p : VPOS; float2 uv : TEXCOORD0; }; float4 P(I i) : COLOR { return float4(i.p.xy * 0.1, i.uv.x, 1); } technique { pass { PixelShader = compile ps_3_0 P(); } }", "", {77, 102, 64}},
+    {"the pixel's number as float4", "float4 P(float4 p : VPOS) : COLOR { return float4(p.xy * 0.1, 0, 1); } technique { pass { PixelShader = compile ps_3_0 P(); } }", "", {77, 102, 0}},
+    {"the face's side", "float4 P(float f : VFACE) : COLOR { return f > 0 ? 0.2 : 0.4; } technique { pass { CullMode = NONE; PixelShader = compile ps_3_0 P(); } }", "", {51, 51, 51}},
+    {"out parameters instead of a result", "void P(float2 uv : TEXCOORD0, out float4 c : COLOR0, out float d : DEPTH) { c = uv.xyxy; d = 0.1; } technique { pass { PixelShader = compile ps_2_0 P(); } }", "", {64, 191, 64}},
+    {"a structure as result", "struct O { float4 c : COLOR0; }; O P(float2 uv : TEXCOORD0) { O o; o.c = uv.xyxy; return o; } technique { pass { PixelShader = compile ps_2_0 P(); } }", "", {64, 191, 64}},
+    {"an inout colour", "void P(inout float4 c : COLOR0) { c *= 0.5; } technique { pass { PixelShader = compile ps_2_0 P(); } }", "", {128, 51, 26}},
+
+    // ---- Stages that meet by semantic
+    {"tangent and binormal of vertices that have none", "struct V { float4 p : POSITION; float3 t : TANGENT; float4 b : BINORMAL0; float3 n : NORMAL; }; struct O { float4 p : POSITION; float4 c : TEXCOORD0; }; O M(V v) { O o; o.p = v.p; o.c = float4(v.n + v.t, v.b.w); return o; } float4 P(float4 c : TEXCOORD0) : COLOR { return c; } technique { pass { VertexShader = compile vs_1_1 M(); PixelShader = compile ps_2_0 P(); } }", "", {51, 102, 153}},
+    {"any semantic between version 3 functions", "struct O { float4 p : POSITION0; float3 n : NORMAL; float4 w : POSITION1; float t : TEXCOORD9; float2 a : Tangent3; }; O M(float4 p : POSITION, float3 n : NORMAL) { O o; o.p = p; o.n = n; o.w = 0.4; o.t = 0.6; o.a = 1; return o; } float4 P(O o) : COLOR { return float4(o.n.x, o.w.y, o.t, o.a.x); } technique { pass { VertexShader = compile vs_3_0 M(); PixelShader = compile ps_3_0 P(); } }", "", {51, 102, 153}},
+    {"_centroid", "float4 P(float2 uv : TEXCOORD0_centroid, centroid float4 c : COLOR0_CENTROID) : COLOR { return float4(uv, c.z, 1); } technique { pass { PixelShader = compile ps_3_0 P(); } }", "", {64, 191, 51}},
+    {"structures in structures", "struct A { float2 uv : TEXCOORD0; float2 v[2] : TEXCOORD2; }; struct O { float4 p : POSITION; A a; float3x3 m : TEXCOORD4; }; O M(float4 p : POSITION) { O o; o.p = p; o.a.uv = 0.2; o.a.v[0] = 0.3; o.a.v[1] = 0.4; o.m = 0; o.m[1][2] = 0.6; return o; } float4 P(O o) : COLOR { return float4(o.a.uv.x, o.a.v[1].y, o.m[1].z, 1); } technique { pass { VertexShader = compile vs_2_0 M(); PixelShader = compile ps_2_0 P(); } }", "", {51, 102, 153}},
+    {"semantics in any letter case, with and without number", "struct O { float4 p : position0; float4 c : Color; float2 uv : TexCoord; }; O M(float4 p : Position, float2 uv : texcoord1) { O o; o.p = p; o.c = 0.2; o.uv = uv; return o; } float4 P(float4 c : color0, float2 uv : TEXCOORD0) : COLOR { return float4(c.x, uv, 1); } technique { pass { VertexShader = compile vs_2_0 M(); PixelShader = compile ps_2_0 P(); } }", "", {51, 102, 153}},
+    {"the position read in the pixel stage's structure", "struct O { float4 p : POSITION; float2 uv : TEXCOORD0; }; O M(float4 p : POSITION, float2 uv : TEXCOORD0) { O o = (O)0; o.p = p; o.uv = uv; return o; } float4 P(O o) : COLOR { return float4(o.uv, 0, 1); } technique { pass { VertexShader = compile vs_2_0 M(); PixelShader = compile ps_2_0 P(); } }", "", {64, 191, 0}},
+    {"position of three numbers", "float4x4 m = {1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1}; float4 M(float3 p : POSITION, out float4 c : COLOR0) : POSITION { c = 0.2; return mul(float4(p, 1), m); } technique { pass { VertexShader = compile vs_1_1 M(); } }", "", {51, 51, 51}},
+
+    // ---- Constants of initial values and states
+    {"intrinsic functions in initial values", "float3 a = normalize(float3(3, 4, 0)); float b = sqrt(0.04) + cos(0) * max(0.1, 0.2); float c = pow(2, -1);", "return float4(a.x, b, c, 1);", {153, 102, 128}},
+    {"conditions and comparisons in initial values", "static const int K = 3; float a = K > 2 ? 0.2 : 0.4; float b = (1 == 2) || !(K >= 3 && true) ? 0.1 : 0.6;", "return float4(a, b, 0, 1);", {51, 153, 0}},
+    {"elements and names of constants", "static const float2 C[2] = {0.2, 0.4, 0.6, 0.8}; const float4 D = float4(C[1], 0, 1); float3 a = float3(C[0].y, D.x, D[1]);", "return float4(a, 1);", {102, 153, 204}},
+    {"comma lists", "float3 a = (0.4, 0.2); float2 b = (1, 2, 0.6);", "return float4(a.xy, b.x, 1);", {51, 51, 153}},
+    {"flat and nested initial values", "float2x2 m = {{0.1, 0.2}, {0.3, 0.4}}; float2 v[2] = {{0.1, 0.2}, 0.3, 0.4}; float w[2] = {0.5, 0.6};", "return float4(m[0][1], v[1].y, w[1], 1);", {51, 102, 153}},
+    {"a scalar in braces for a vector", "float4 a = {0.2}; float b = {0.4}; float4 c = float4(0.6, 0.6, 0.6, 1).xyzw;", "return float4(a.x, b, c.z, 1);", {51, 102, 153}},
+    {"values of structures", "struct L { float3 c; float2 d[2]; float e; }; L l = {0.2, 0.4, 0.6, {1, 2}, {3, 4}, 0.5}; L k = {{0.2, 0.4, 0.6}, 1, 2, 3, 4, 0.5};", "return float4(l.c.xy, k.d[1].x * 0.2, l.e * 2);", {51, 102, 153}},
+    {"too many values for a vector", "float3 a = float4(0.2, 0.4, 0.6, 1); float2 b = {0.2, 0.4};", "return float4(a.xy, b.y, 1);", {51, 102, 102}},
+    {"matrices from constructors", "float2x2 m = float2x2(0.1, 0.2, 0.3, 0.4); float3x3 i = float3x3(float3(1,0,0), float3(0,0.5,0), float3(0,0,1)); float4x4 n = 0.6;", "return float4(m[0][1], i._m11, n[3][2], 1);", {51, 128, 153}},
+    {"whole number operators", "int a = 7 % 4 << 1 | 1; float b = 0xA & 6; int c = ~0 ^ -3;", "return float4(a * 0.1, b * 0.1, c * 0.1, 1);", {179, 51, 51}},
+    {"casts in initial values", "float a = (float)3 / 15; int b = (int)2.7; float2 c = (float2)0.4;", "return float4(a, b * 0.2, c.y, 1);", {51, 102, 102}},
+    {"states of expressions with functions", "float4 P() : COLOR { return 1; } technique { pass { TextureFactor = 1 > 0 ? 0xFF336699 : 0; ColorOp[0] = SELECTARG1; ColorArg1[0] = TFACTOR; ColorOp[1] = DISABLE; } }", "", {51, 102, 153}},
+    {"a state of a parameter and a function", "float4 c = float4(0.1, 0.2, 0.3, 0.5); float2 z = {1, 3}; technique { pass { TextureFactor = (c * max(1, 2)); ColorOp[0] = SELECTARG1; ColorArg1[0] = TFACTOR; CullMode = (z.x > 0 ? 1 : 2); } }", "", {51, 102, 153}},
+    {"a state of elements and vectors of parameters", "float4 k[2] = {0, 0, 0, 0, 0.1, 0.2, 0, 1}; int n = 1; float b = 0.6; technique { pass { TextureFactor = float4((k[n]).xy * 2, b, 1); ColorOp[0] = SELECTARG1; ColorArg1[0] = TFACTOR; } }", "", {51, 102, 153}},
+    {"a state of a constant's name", "static const int kMode = 1; technique { pass { CullMode = kMode; TextureFactor = (0xFF336699); ColorOp[0] = SELECTARG1; ColorArg1[0] = TFACTOR; } }", "", {51, 102, 153}},
+
+    // ---- Arrays of things
+    {"arrays of shaders", "float4 A() : COLOR { return 0.2; } float4 B() : COLOR { return 0.4; } int n = 1; PixelShader ps[2] = { compile ps_2_0 A(), compile ps_2_0 B() }; technique { pass { PixelShader = (ps[n]); } }", "", {102, 102, 102}},
+    {"arrays of textures and samplers", "texture T[2]; sampler S[2] = { sampler_state { Texture = <T[0]>; }, sampler_state { Texture = (T[1]); MinFilter = POINT; } };", "return tex2D(S[1], uv) * 0.5 + tex2D(S[0], uv) * 0.5;", {51, 102, 204}},
+    {"arrays of samplers of one texture", "texture T; sampler S[2] = { sampler_state { Texture = <T>; }, sampler_state { Texture = <T>; } };", "return tex2D(S[1], uv);", {51, 102, 204}},
+    {"arrays of structures", "struct L { float3 c; float2 d[2]; }; L l[2] = {{{0.2, 0, 0}, {0, 0, 0, 0}}, {{0, 0.4, 0}, {0, 0, 0, 0.6}}};", "float s = 0; for (int i = 0; i < 2; i++) s += l[i].c.x; return float4(s, l[1].c.y, l[1].d[1].y, 1);", {51, 102, 153}},
+    {"arrays of arrays", "float a[2][3] = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}}; static const float b[2][2] = {0.1, 0.2, 0.3, 0.4};", "float c[2][2]; c[1][0] = b[1][1]; return float4(a[0][1], c[1][0], a[1][2], 1);", {51, 102, 153}},
+    {"typedef struct", "typedef struct { float2 a; } Pair; typedef struct Tagged { float4 b; } TaggedPair; typedef float3 Colour; typedef float Weights[2];", "Pair p; p.a = 0.2; Tagged t; TaggedPair u; t.b = 0.4; u = t; Colour c = 0.6; Weights w; w[0] = 1; return float4(p.a.x, u.b.y, c.z * w[0], 1);", {51, 102, 153}},
+    {"a structure's variable beside it", "struct S { float2 a; float b; } s = {0.2, 0.4, 0.6}; struct { float c; } t;", "return float4(s.a, s.b, 1 + t.c);", {51, 102, 153}},
+    {"type words in any letter case", "Texture2D T; SAMPLER S = SAMPLER_STATE { TEXTURE = <T>; }; FLOAT a = 0.2; String s = \"x\"; Texture U;", "return float4(a, tex2D(S, uv).yz, 1);", {51, 102, 204}},
+
+    // ---- What the function compiler does not take
+    {"member names that later models reserve", "struct S { float sample; float2 line; float point; float Buffer; float triangle; float precise; float matrix1; }; float linear1 = 0.2; float technique1 = 0;", "S s; s.sample = 0.2; s.line = 0.4; s.point = 0.6; s.triangle = 1; s.Buffer = 1; s.precise = 1; return float4(s.sample, s.line.y, s.point * s.triangle, 1);", {51, 102, 153}},
+    {"parameters whose names later models reserve", "float sample = 0.2; float3 line = 0.4; float lineadj = 0.6; float Buffer = 1; float buffer = 1; float shared1 = 1; float common = 1; float varying = 1;", "return float4(sample, line.y, lineadj * Buffer * buffer, common * varying);", {51, 102, 153}},
+    {"names that GLSL reserves", "float input = 0.2, output = 0.4, uv_ = 0.6; float texture_0 = 1; float globals = 1; float vec4 = 1; float mix(float a) { return a; } float gl_x = 1;", "float filter = output; float active = 1; return float4(input * vec4, mix(filter), uv_ * globals * active, texture_0);", {51, 102, 153}},
+    {"vectors made of vectors are assigned", "float4 v = {0.2, 0.4, 0.6, 1};", "float2 a, b; float4(a, b) = v; return float4(a, b);", {51, 102, 153}},
+    {"matrix elements are read and assigned", "float4x4 m = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9, 1, 0, 0, 0, 0, 0, 0};", "float2x2 n = 0; n._m00_m11 = float2(0.2, 0.4); n._12 = 0.6; float3x3 k = (float3x3)m; k._11_21_31 = 0.1; return float4(n[0][0], n._22, n._12, 1) + float4(m._m00_m01_m02, 0) - float4(k._11_11, m._13, 0) - float4(0, 0.1, 0, 0);", {51, 102, 153}},
+    {"suffixes of numbers", "float a = 1f; half b = 2h; float c = 5L;", "return float4(a * 0.2f + 0h, b * 0.2h, c * .12 + 1.h - 1., 1L);", {51, 102, 153}},
+    {"a vector as an array", "float4 w = {0.2, 0.4, 0.6, 1}; float Sum(float x[4]) { return x[0]; }", "float a[4] = (float[4])w; float b[4]; b = (float[4])w; return float4(a[0], b[1], a[2], 1);", {51, 102, 153}},
+    {"matrices are cut to the size that is wanted", "float4x4 m = {0.2, 0, 0, 0.9, 0, 0.4, 0, 0.9, 0, 0, 0.6, 0.9, 9, 9, 9, 9}; float3x3 Cut(float4x4 a) { return a; } float D(float3x3 a) { return a[1][1]; }", "float3x3 a = m; float3x3 b; b = m; float2x2 c = (float2x2)m; return float4(mul(float3(1, 0, 0), a).x, D(m), b._33, c[0][0] * 5 + Cut(m)._21);", {51, 102, 153}},
+    {"mul of vectors and larger matrices", "float4x4 m = {0.2, 0, 0, 0, 0, 0.4, 0, 0, 0, 0, 0.6, 0, 9, 9, 9, 1};", "float3 a = mul(float3(1, 1, 1), (float3x3)m); float4 b = mul(float4(0, 0, 0, 1), m); return float4(a, b.w);", {51, 102, 153}},
+    {"a loop's variable read after it", "", "for (int i = 0; i < 3; i++) ; for (int j = 0; j < 2; ++j) { float x = j; } for (int i = 0; i < 1; i++) { } return float4(i * 0.2, j * 0.2, 0, 1);", {51, 102, 0}},
+    {"two loops of one variable", "", "float s = 0; for (int i = 0; i < 2; i++) s += 0.1; for (int i = 0; i < 4; i++) { s += 0.1; } return float4(s, i * 0.1, 0, 1);", {153, 102, 0}},
+    {"attributes of loops and branches", "int n = 3; bool b = true;", "float s = 0; [unroll] for (int i = 0; i < n; i++) s += 0.2; [loop] while (s > 0.5) s -= 0.2; [branch] if (b) { s *= 0.5; } [flatten] if (!b) s = 0; [unroll(4)] for (int k = 0; k < 2; k++) s += 0.1; return float4(s, 0, 0, 1);", {102, 0, 0}},
+    {"loops with a bound that is computed", "float f = 2.5;", "float s = 0; int n = f; for (float i = 0; i < f; i += 1) s += 0.1; do { s += 0.1; } while (s < 0.35); return float4(s, n * 0.2, 0, 1);", {102, 102, 0}},
+    {"half, double, min16float-less casts", "half4 a = half4(0.2h, 0.4, 0.6, 1); double d = 0.2; half3x3 m = 1;", "half3 h = a.rgb; double e = d; return half4(h * m[0], 1) + float4((half)0, 0, 0, e - d);", {51, 102, 153}},
+    {"vector comparisons as conditions", "float3 a = {0.2, 0.5, 0.7};", "float3 r = a > 0.4 ? float3(0.1, 0.4, 0.6) : float3(0.2, 0, 0); if (a.x < 0.3 && a.y) r.x += 0; bool3 b = a == a; return float4(r * b, 1);", {51, 102, 153}},
+    {"a condition that is a number", "float a = 2; int n = 0;", "float r = a ? 0.2 : 0; if (a) r += 0.2; if (!n) r += 0.2; while (n) n--; return float4(r, a && !n ? 0.4 : 0, 0, 1);", {153, 102, 0}},
+    {"lists of values in functions", "", "float2 o[2] = {0.1, 0.2, 0.3, 0.4}; float2x2 m = {{0.1, 0.2}, {0.3, 0.4}}; float3 v = {0.1, 0.2, 0.6}; float a[2][2] = {0.1, 0.2, 0.3, 0.2}; const float2 p[] = {{0, 0.1}, float2(0.1, 0.2)}; return float4(m[0][1] * 0.5 + o[0].x, o[1].y * v.z / 0.6, p[1].y + a[1][1] * 2, 1);", {51, 102, 153}},
+    {"a flat list of a static array", "static const float3 t[2] = {0.2, 0.4, 0.6, 0.1, 0.1, 0.1}; static const float4x4 m = {1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1};", "return float4(mul(float4(t[0], 1), m).rgb, 1);", {51, 102, 153}},
+    {"swizzles written and read in any form", "", "float4 c = 0; c.xy = float2(0.2, 0.4); c.b = c.x + c.y; c.zyx.x += 0; float s = 0.4; c.rg = s.xx - float2(0.2, 0); return float4(c.xyz, s.x + 0.6);", {51, 102, 153}},
+    {"out and inout parameters", "void F(in float a, out float b, inout float c) { b = a * 2; c += a; }", "float b, c = 0.4; F(0.2, b, c); return float4(0.2, b, c, 1);", {51, 102, 153}},
+    {"default values of parameters", "float F(float a, float b = 0.2) { return a + b; }", "return float4(F(0, 0.2), F(0.2), F(0.4), 1);", {51, 102, 153}},
+    {"functions declared before they are defined", "float F(float a); float G(float a) { return F(a); } float F(float a) { return a * 2; }", "return float4(G(0.1), 0, 0, 1);", {51, 0, 0}},
+    {"overloaded functions", "float F(float a) { return a; } float F(float2 a) { return a.y; } float F(float a, float b) { return b; }", "return float4(F(0.2), F(float2(0, 0.4)), F(0, 0.6), 1);", {51, 102, 153}},
+    {"a structure of zero", "struct S { float4 a; float2 b[2]; float3x3 m; int n; };", "S s = (S)0; s.a.x = 0.2; S t = s; return float4(t.a.x, s.b[1].x, s.m[0][0], 1 + s.n);", {51, 0, 0}},
+    {"structures with functions and arrays as parameters", "struct S { float a; float b; }; S Make(float a) { S s = {a, a * 2}; return s; } float Last(float w[3]) { return w[2]; }", "float w[3] = {0.1, 0.2, 0.6}; S s = Make(0.2); return float4(s.a, Make(0.2).b, Last(w), 1);", {51, 102, 153}},
+    {"volatile, extern, shared, row_major and column_major", "shared float a = 0.2; extern volatile float b = 0.4; row_major float2x2 m = {0, 0.6, 0, 0}; column_major float2x2 n = {0, 1, 0, 0}; uniform const float c = 1;", "return float4(a, b, m[0][1], n[0][1] * c);", {51, 102, 153}},
+    {"vector and matrix with brackets", "vector<float, 3> a = 0.2; matrix<float, 2, 2> m = {0, 0.4, 0, 0}; vector v = 0.6; matrix w = 1;", "vector<half, 2> b = a.xy; return float4(b.x, m[0][1], v.w, w[3][3]);", {51, 102, 153}},
+    {"a comma between expressions", "", "float a = 0, b = 0; a = 0.2, b = 0.4; for (int i = 0, j = 3; i < 2; i++, j--) a += 0; return float4(a, b, 0, 1);", {51, 102, 0}},
+    {"ternaries in ternaries and assignments in expressions", "float x = 0.5;", "float a, b; a = b = x > 1 ? 0.1 : x > 0.4 ? 0.2 : 0.3; return float4(a, b, 0, 1);", {51, 51, 0}},
+    {"a name that shadows", "float a = 0.2;", "float b = a; { float a = 0.4; b += a; } float uv2 = a; return float4(b, uv2, 0, 1);", {153, 51, 0}},
+    {"bit operators and shifts", "int a = 6;", "return float4(((a & 3) | 1) * 0.1, (a >> 1) * 0.1, (a ^ 7) * 0.2, 1);", {77, 77, 51}},
+    {"matrices times matrices and scalars", "float2x2 a = {1, 2, 3, 4};", "float2x2 b = mul(a, a) * 0.01; float2x2 c = a * 0.2; return float4(b[0][0], c[1][0] - 0.2, (-a)[0][1] + 2.6, 1);", {18, 102, 153}},
+    {"row and column vectors", "float2x3 m = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6};", "float3 a = mul(float2(0, 1), m); float2 b = mul(m, float3(0, 1, 0)); return float4(a.x, b.x, m[1].z, 1);", {102, 51, 153}},
+    {"a column of a matrix parameter that is indexed by a variable", "float4x4 m[3]; int n = 1; float4 k[4] = {0.1,0.1,0.1,0.1, 0.2,0.2,0.2,0.2, 0.3,0.3,0.3,0.3, 0.4,0.4,0.4,0.4};", "float4 c = k[n]; int i = 3; c.y = k[i].y; return float4(c.xy, m[n][i][2] + 0.6, 1);", {51, 102, 153}},
+    {"a vector's component by a variable", "float4 v = {0.2, 0.4, 0.6, 1};", "float r[3]; for (int i = 0; i < 3; i++) r[i] = v[i]; return float4(r[0], r[1], r[2], 1);", {51, 102, 153}},
+    {"an early return and discard", "float a = 1;", "if (a > 2) discard; if (a > 0) return float4(0.2, 0.4, 0.6, 1); return 0;", {51, 102, 153}},
+    {"string parameters and asserts in annotations", "string s <string a = \"b\"; int n[2] = {1, 2}; bool c = true; float4 d = {1, 2, 3, 4}; float3x3 m = 0;> = \"x\"; float x <string UIName = \"x\"; float UIMin = 0.0; float UIMax = 1e3; string UIWidget = \"slider\";> = 0.2;", "return float4(x, 0, 0, 1);", {51, 0, 0}},
+    {"annotations of textures and empty ones", "texture T : DIFFUSE < string ResourceName = \"a.dds\"; string ResourceType = \"2D\"; float2 Dimensions = {64, 64}; >; texture U < >; sampler S <string a = \"b\";> = sampler_state { Texture = (T); };", "return tex2D(S, uv);", {51, 102, 204}},
+    {"scripts of annotations", "float Script : STANDARDSGLOBAL < string UIWidget = \"none\"; string ScriptClass = \"object\"; string Script = \"Technique=Technique?Main:Other;\"; > = 0.8; float4 P() : COLOR { return 0.2; } technique Main < string Script = \"Pass=p0;\"; > { pass p0 < string Script = \"Draw=geometry;\"; > { PixelShader = compile ps_2_0 P(); } };", "", {51, 51, 51}},
+
+    // ---- Textures
+    {"projected, biased, chosen and graded look-ups", "texture T; sampler S = sampler_state { Texture = <T>; MinFilter = Point; MagFilter = Point; MipFilter = None; };", "return 0.25 * (tex2Dproj(S, float4(uv * 2, 0, 2)) + tex2Dbias(S, float4(uv, 0, 1)) + tex2Dlod(S, float4(uv, 0, 0)) + tex2Dgrad(S, uv, ddx(uv), ddy(uv)));", {51, 102, 204}},
+    {"tex2D with gradients", "texture T; sampler2D S = sampler_state { Texture = <T>; };", "return tex2D(S, uv, float2(0, 0), float2(0, 0));", {51, 102, 204}},
+    {"tex1D", "texture T; sampler1D S = sampler_state { Texture = <T>; };", "return tex1D(S, 0.25) * 0 + float4(0.2, 0.4, 0.6, 1);", {51, 102, 153}},
+    {"samplers as parameters of functions", "texture T; sampler S = sampler_state { Texture = <T>; }; float4 Look(sampler2D s, float2 uv) { return tex2D(s, uv); } float4 Twice(sampler s, float2 uv) { return Look(s, uv); }", "return Twice(S, uv);", {51, 102, 204}},
+    {"the old form of a sampler", "texture T; sampler S : register(s2) = sampler_state { texture = (T); AddressU = clamp; AddressV = Wrap; MinFilter = Linear; MipFilter = Anisotropic; MaxAnisotropy = 4; }; sampler2D U { Texture = <T>; };", "return tex2D(S, uv) * 0.5 + tex2D(U, uv) * 0.5;", {51, 102, 204}},
+    {"the texture of a sampler by its bare name", "texture T; sampler S = sampler_state { Texture = T; MipFilter = NONE };", "return tex2D(S, uv);", {51, 102, 204}},
+    {"a sampler bound by a pass", "texture T; sampler S : register(s0); float4 P(float2 uv : TEXCOORD0) : COLOR { return tex2D(S, uv); } technique { pass { Texture[0] = <T>; MinFilter[0] = Point; PixelShader = compile ps_2_0 P(); } }", "", {51, 102, 204}},
+    {"a sampler without texture", "sampler S; sampler2D W = sampler_state { MinFilter = Point; };", "return tex2D(S, uv) + tex2D(W, uv) + float4(0.2, 0.4, 0.6, 1);", {51, 102, 153}},
+    {"swizzled results of look-ups", "texture T; sampler S = sampler_state { Texture = <T>; };", "float a = tex2D(S, uv).a; float3 n = 2 * tex2D(S, uv) - 0.4; return float4(n.x, n.y, a, 1);", {0, 102, 153}},
+
+    // ---- Files
+    {"macros of macros, pasted and quoted", "#define JOIN(a, b) a##b\n#define VAL(x) JOIN(val, x)\n#define STR(x) #x\n#define SET(n, v) float n = v;\nSET(VAL(1), 0.2)\nstring s = STR(a b);\n#if defined(VAL) && !defined(NONE) && (1 + 1 == 2)\nfloat b = 0.4;\n#endif\n", "return float4(val1, b, 0, 1);", {51, 102, 0}},
+    {"pragmas, lines and empty directives", "#pragma warning(disable: 3571)\n#pragma pack_matrix(row_major)\n#line 5 \"other\"\n#\nfloat a = 0.2;", "return float4(a, 0, 0, 1);", {51, 0, 0}},
+    {"a macro with a comment and a line that goes on", "#define A 0.2 // a comment\n#define B \\\n  0.4\n#define C(x, \\\n  y) (x + y)\n", "return float4(A, B, C(0.2, 0.4), 1);", {51, 102, 153}},
+    {"techniques without names and passes without states", "float4 P() : COLOR { return 0.2; } technique { pass { } pass { PixelShader = compile ps_2_0 P(); }; }; technique Empty { }", "", {51, 51, 51}},
+    {"the words of techniques in any letter case", "float4 P() : COLOR { return 0.2; } Technique T0 { Pass P0 { PIXELSHADER = COMPILE ps_2_0 P(); ZENABLE = true; }; };", "", {51, 51, 51}},
+    {"a name used twice", "float4 P() : COLOR { return 0.2; } float P0 = 0; technique P0 { pass P0 { PixelShader = compile ps_2_0 P(); } } technique P1 { pass P0 { } }", "", {51, 51, 51}},
+    {"states by number", "technique { pass { CullMode = 1; ZEnable = 0; AlphaBlendEnable = 1; SrcBlend = 2; DestBlend = 2; TextureFactor = 0xFF336699; ColorOp[0] = 2; ColorArg1[0] = 3; } }", "", {51, 102, 153}},
+    {"states that the device does not need", "float4 P() : COLOR { return 0.2; } technique { pass { ColorWriteEnable1 = 15; ColorWriteEnable2 = RED | GREEN; ColorWriteEnable3 = 0xF; Wrap8 = 0; Wrap15 = U | V; SRGBWriteEnable = FALSE; AntialiasedLineEnable = TRUE; PatchEdgeStyle = CONTINUOUS; DebugMonitorToken = ENABLE; TweenFactor = 0; PositionDegree = CUBIC; NormalDegree = LINEAR; AdaptiveTess_X = 0; EnableAdaptiveTessellation = FALSE; NPatchMode = 0; MinTessellationLevel = 1; MaxTessellationLevel = 1; PixelShader = compile ps_2_0 P(); } }", "", {51, 51, 51}},
+    {"shader constants of a pass", "float4 P() : COLOR { return 0.2; } technique { pass { VertexShaderConstantF[0] = float4(1, 2, 3, 4); PixelShaderConstant[1] = {1, 2, 3, 4}; PixelShaderConstantB[0] = true; PixelShader = compile ps_2_0 P(); } }", "", {51, 51, 51}},
+    {"matrix constants for transforms", "technique { pass { WorldTransform[0] = {1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1}; ViewTransform = float4x4(1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1); TextureFactor = 0xFF336699; ColorOp[0] = SELECTARG1; ColorArg1[0] = TFACTOR; } }", "", {51, 102, 153}},
+    {"a technique with a name of its own for each pass' state index", "texture T; technique { pass { Texture[0] = <T>; ColorOp[0] = SELECTARG1; ColorArg1[0] = TEXTURE; ColorOp[1] = DISABLE; AlphaOp[0] = SELECTARG1; AddressU[0] = CLAMP; } }", "", {51, 102, 204}},
+    {"vertex function alone, drawn by the fixed stages", "float4 M(float4 p : POSITION, float4 c : COLOR0, out float4 o : COLOR0) : POSITION { o = c * 0.5; return p; } technique { pass { VertexShader = compile vs_1_1 M(); PixelShader = NULL; ColorOp[0] = SELECTARG1; ColorArg1[0] = DIFFUSE; } }", "", {128, 51, 26}},
+};
+// clang-format on
+
+}   // namespace sparkrig

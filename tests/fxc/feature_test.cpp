@@ -1,0 +1,88 @@
+// One small effect a feature of the language, compiled and drawn with OpenGL, with the pixel that it must give.
+#include <gtest/gtest.h>
+
+#include "platform/d3dx/d3dx_effect.h"
+#include "tests/fxc/feature_rows.h"
+#include "tests/fxc/fxc_run.h"
+#include "tests/support/canvas.h"
+
+namespace sparkrig {
+namespace {
+
+struct FeatureVertex {
+    static constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE | D3DFVF_TEX2;
+    float x, y, z, nx, ny, nz;
+    D3DCOLOR diffuse;
+    float u, v, u1, v1;
+};
+
+/// Draws every pass of an effect's first valid technique over a canvas: normal (0.2, 0.4, 0.6), diffuse colour
+/// (1, 0.4, 0.2, 0.6), coordinates (0.25, 0.75) and (0.4, 0.6), each texture with (0.2, 0.4, 0.8, 0.6) at the first.
+class FeatureCanvas : public Canvas {
+  public:
+    FeatureCanvas() : Canvas(8, 8) {
+        constexpr D3DCOLOR kOther = Argb(255, 255, 0, 255);
+        texture_ = MakeTexture(Device(), 2, 2, {kOther, kOther, Argb(153, 51, 102, 204), kOther});
+    }
+
+    std::string Draw(const std::string& file, Rgb& pixel) {
+        DevicePtr<ID3DXEffect> effect;
+        DevicePtr<ID3DXBuffer> errors;
+        if (FAILED(D3DXCreateEffectFromFileA(&Device(), file.c_str(), 0, nullptr, effect.Receive(), errors.Receive())))
+            return errors ? static_cast<const char*>(errors->GetBufferPointer()) : "no effect";
+        SetTextures(*effect, nullptr);
+        UINT technique = 0, passes = 0;
+        while (FAILED(effect->ValidateTechnique(effect->GetTechnique(technique))))
+            if (!effect->GetTechnique(++technique)) return "no valid technique";
+        effect->SetTechnique(effect->GetTechnique(technique));
+        Clear(0);
+        effect->Begin(&passes, 0);
+        for (UINT pass = 0; pass < passes; ++pass) {
+            if (FAILED(effect->BeginPass(pass))) return "a pass does not begin";
+            if (FAILED(DrawQuad())) return "a pass does not draw";
+            effect->EndPass();
+        }
+        effect->End();
+        pixel = Pixel(3, 4);
+        return {};
+    }
+
+  private:
+    void SetTextures(ID3DXEffect& effect, D3DXHANDLE parent) {
+        for (UINT i = 0; const D3DXHANDLE parameter = effect.GetParameter(parent, i); ++i) {
+            effect.SetTexture(parameter, texture_.Get());
+            SetTextures(effect, parameter);
+        }
+    }
+
+    HRESULT DrawQuad() {
+        const auto corner = [](float x, float y) {
+            return FeatureVertex{x, y, 0.5f, 0.2f, 0.4f, 0.6f, Argb(153, 255, 102, 51), 0.25f, 0.75f, 0.4f, 0.6f};
+        };
+        return Canvas::Draw<FeatureVertex>(
+            FeatureVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+            {corner(-1.1f, -1.1f), corner(-1.1f, 1.1f), corner(1.1f, -1.1f), corner(1.1f, 1.1f)});
+    }
+
+    DevicePtr<IDirect3DTexture9> texture_;
+};
+
+std::string SourceOf(const Feature& feature) {
+    if (!*feature.body) return feature.declarations;
+    return std::string(feature.declarations) + "\nfloat4 P(float2 uv : TEXCOORD0) : COLOR {" + feature.body +
+           "}\ntechnique { pass { PixelShader = compile ps_3_0 P(); } }\n";
+}
+
+TEST(FxcFeatures, GiveTheirPixel) {
+    const FxcFolder folder;
+    FeatureCanvas canvas;
+    for (const Feature& feature : kFeatures) {
+        folder.Write("t.fx", SourceOf(feature));
+        Rgb pixel;
+        EXPECT_EQ(canvas.Draw(folder.Path() + "t.fx", pixel), "") << feature.name;
+        EXPECT_TRUE(Near(pixel, feature.pixel, 1)) << feature.name << ": " << pixel << ", not " << feature.pixel;
+    }
+}
+
+}   // namespace
+}   // namespace sparkrig
