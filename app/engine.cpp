@@ -5,7 +5,7 @@
 #include "app/window_procedure.h"
 #include "base/random.h"
 #include "base/string.h"
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "platform/system/system.h"
 
 namespace sparkrig {
@@ -41,7 +41,7 @@ void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
     constexpr int kZBufferBits = 16, kNoVsync = 0, kMixedVertices = 1, kDefaultDevice = 0, kOneThread = 0;
     gfx->InitDevice(state.window, state.windowed, &mode, kZBufferBits, kNoVsync, kMixedVertices, kDefaultDevice,
                     kOneThread);
-    gfx->Parts().shader_effects.SetProgramFolder(BuiltInFolder());
+    gfx->SetShaderFolder(BuiltInFolder());
     video.emplace(state.clock).Serve(*gfx, kGeneratedVideo);
     input->Create(state.window, -1);
     input->CreateKeyboard(*keyboard, DISCL_NONEXCLUSIVE | DISCL_FOREGROUND);

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
+#include "gfx/textures/video_sources.h"
 
 namespace sparkrig {
 
@@ -91,7 +92,7 @@ VideoGenerator::VideoGenerator(const FrameClock& clock) : clock_(clock), places_
 }
 
 void VideoGenerator::Serve(KRN_Gfx& gfx, int slot) {
-    VideoSource& source = gfx.Parts().videos[slot];
+    VideoSource& source = gfx.Video(slot);
     source.format = D3DFMT_A8R8G8B8;
     source.width = source.height = kSide;
     source.update = [this](D3DLOCKED_RECT* locked) { Write(*locked); };

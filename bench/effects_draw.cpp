@@ -12,7 +12,6 @@
 #include "effects/effect_simulation.h"
 #include "effects/particle_vertices.h"
 #include "gfx/gfx.h"
-#include "gfx/gfx_parts.h"
 #include "gfx/textures/texture.h"
 #include "platform/window/window.h"
 #include "scene/camera.h"
@@ -54,7 +53,7 @@ struct Scene {
         for (int i = 0; i < 4; ++i) Define(effect, i);
         simulation.StartEffect(effect, {});
         gfx.BeginScene();
-        gfx.Parts().statistics.suppress_draws = true;
+        gfx.SuppressDraws(true);
     }
 
     void Define(VisualEffect& effect, int number) {

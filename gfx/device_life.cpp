@@ -38,27 +38,27 @@ void ChooseDisplayMode(GfxParts& parts, const DeviceRequest& request) {
 }
 
 void SetFirstStates(GfxParts& parts) {
-    parts.points.SetFillMode(static_cast<int>(D3DFILL_SOLID), nullptr);
-    parts.depth.SetMode(parts.presentation.z_buffer_bits > 0 ? 1 : 0);
+    parts.states.points.SetFillMode(static_cast<int>(D3DFILL_SOLID), nullptr);
+    parts.states.depth.SetMode(parts.presentation.z_buffer_bits > 0 ? 1 : 0);
     parts.targets.Fetch(parts.presentation.z_buffer_bits);
     SetWholeViewport(parts);
-    parts.transforms.SetProjection(1.0f, 10000.0f, Transforms::kFieldOfView, Transforms::kDerivedAspect);
-    parts.lighting.Set(true, nullptr);
-    parts.lighting.SetSpecular(false);
-    parts.blending.Set(1, 255, 0);
-    parts.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
-    parts.render_sources.Set(RenderSources::kTextureDiffuse, 0, 0);
+    parts.states.transforms.SetProjection(1.0f, 10000.0f, Transforms::kFieldOfView, Transforms::kDerivedAspect);
+    parts.states.lighting.Set(true, nullptr);
+    parts.states.lighting.SetSpecular(false);
+    parts.states.blending.Set(1, 255, 0);
+    parts.states.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
+    parts.states.render_sources.Set(kSourceTextureDiffuse, 0, 0);
 }
 
 void SetLastStates(GfxParts& parts) {
     parts.immediate.Create(parts.lists);
     parts.text_drawer.CreateVertexList();
-    parts.lighting.SetNormalizeNormals(true);
-    parts.bindings.SetSoftwareProcessing(false);
-    parts.samplers.SetDefaults();
-    parts.culling.Set(-1);
-    parts.fog.Set(FogSettings());
-    parts.fog.Enable(false);
+    parts.states.lighting.SetNormalizeNormals(true);
+    parts.states.bindings.SetSoftwareProcessing(false);
+    parts.states.samplers.SetDefaults();
+    parts.states.culling.Set(-1);
+    parts.states.fog.Set(FogSettings());
+    parts.states.fog.Enable(false);
 }
 
 // ---- Reset
@@ -73,17 +73,12 @@ bool WaitForDevice(GfxParts& parts) {
     return was_lost;
 }
 
-void ForgetDeviceStates(GfxParts& parts) {
-    parts.sender.Forget();
-    parts.bindings.Forget();
-}
-
 void ReleaseDefaultPool(GfxParts& parts) {
     parts.surfaces.ReleaseDefaultPool();
     parts.textures.ReleaseDefaultPool();
     parts.texture_stages.Forget();
     parts.shader_effects.OnLostDevice();
-    ForgetDeviceStates(parts);
+    parts.states.ForgetDevice();
     parts.pass_switch.Forget();
     parts.screen_buffers.Release();
     parts.targets.Release();
@@ -106,41 +101,41 @@ bool ResetUntilUsable(GfxParts& parts) {
 
 /// The viewport stays where it was; one that covered the whole back buffer, or that leaves the new one, becomes whole.
 void ReapplyViewport(GfxParts& parts, UINT old_width, UINT old_height) {
-    const D3DVIEWPORT9 kept = parts.transforms.Viewport();
+    const D3DVIEWPORT9 kept = parts.states.transforms.Viewport();
     const bool was_whole = kept.X == 0 && kept.Y == 0 && kept.Width == old_width && kept.Height == old_height;
     const bool fits = kept.X + kept.Width <= parts.targets.Width() && kept.Y + kept.Height <= parts.targets.Height();
-    if (was_whole || !fits || FAILED(parts.transforms.SetViewport(kept))) SetWholeViewport(parts);
+    if (was_whole || !fits || FAILED(parts.states.transforms.SetViewport(kept))) SetWholeViewport(parts);
 }
 
 void ReapplyStates(GfxParts& parts, UINT old_width, UINT old_height) {
-    const D3DCOLOR texture_factor = parts.texture_factor.Colour();
+    const D3DCOLOR texture_factor = parts.states.texture_factor.Colour();
     ReapplyViewport(parts, old_width, old_height);
-    parts.transforms.SetProjection(parts.transforms.Near(), parts.transforms.Far(), Transforms::kFieldOfView,
-                                   Transforms::kDerivedAspect);
-    parts.transforms.Set(D3DTS_VIEW, parts.transforms.View());
-    parts.lighting.Reapply();
-    parts.render_sources.Reapply();   // before the blending mode, which may set the same stage
-    parts.blending.Reapply(0);
-    parts.texture_factor.Set(texture_factor);   // the two before may have left their own
-    parts.culling.Set(parts.culling.Mode());
-    parts.fog.Set(parts.fog.Settings());
-    parts.fog.Enable(parts.fog.Enabled());
-    parts.sender.SendRenderState(D3DRS_CLIPPING, kClipping);
-    parts.alpha_test.Reapply();
-    parts.sender.SendRenderState(D3DRS_PATCHEDGESTYLE, kPatchEdgeStyle);
-    parts.points.Reapply();
-    parts.depth.Reapply();
-    parts.samplers.Reapply();
+    parts.states.transforms.SetProjection(parts.states.transforms.Near(), parts.states.transforms.Far(),
+                                          Transforms::kFieldOfView, Transforms::kDerivedAspect);
+    parts.states.transforms.Set(D3DTS_VIEW, parts.states.transforms.View());
+    parts.states.lighting.Reapply();
+    parts.states.render_sources.Reapply();   // before the blending mode, which may set the same stage
+    parts.states.blending.Reapply(0);
+    parts.states.texture_factor.Set(texture_factor);   // the two before may have left their own
+    parts.states.culling.Set(parts.states.culling.Mode());
+    parts.states.fog.Set(parts.states.fog.Settings());
+    parts.states.fog.Enable(parts.states.fog.Enabled());
+    parts.states.sender.SendRenderState(D3DRS_CLIPPING, kClipping);
+    parts.states.alpha_cutoff.Reapply();
+    parts.states.sender.SendRenderState(D3DRS_PATCHEDGESTYLE, kPatchEdgeStyle);
+    parts.states.points.Reapply();
+    parts.states.depth.Reapply();
+    parts.states.samplers.Reapply();
     parts.gamma.Reapply();
 }
 
 /// What creation set and the program may have changed since, beyond the states above.
 void ReapplyRest(GfxParts& parts) {
-    parts.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
-    parts.lighting.ReapplyMaterial();
-    parts.lights.Reapply();
-    parts.transforms.Set(D3DTS_WORLD, parts.transforms.World());
-    parts.bindings.SetSoftwareProcessing(false);
+    parts.states.sender.SendRenderState(D3DRS_DITHERENABLE, DWORD{TRUE});
+    parts.states.lighting.ReapplyMaterial();
+    parts.states.lights.Reapply();
+    parts.states.transforms.Set(D3DTS_WORLD, parts.states.transforms.World());
+    parts.states.bindings.SetSoftwareProcessing(false);
 }
 
 }   // namespace
@@ -149,11 +144,10 @@ void InitDevice(GfxParts& parts, const DeviceRequest& request) {
     ChooseDisplayMode(parts, request);
     const D3DPRESENT_PARAMETERS parameters = PresentParameters(parts);
     parts.graphics.Create(parts.presentation.window, request.choice, parameters);
-    ForgetDeviceStates(parts);
+    parts.states.ForgetDevice();
     SetFirstStates(parts);
     parts.graphics.CreateEffectPool();
-    parts.created_at = parts.graphics.Environment().seconds();
-    parts.frames.SetLastPresent(parts.created_at);
+    parts.frames.Start(parts.graphics.Environment().seconds());
     SetLastStates(parts);
 }
 
@@ -177,7 +171,7 @@ int ResetDevice(GfxParts& parts, const D3DDISPLAYMODE* mode, int vsync) {
 }
 
 int SetViewport(GfxParts& parts, const D3DVIEWPORT9& viewport) {
-    const HRESULT result = parts.transforms.SetViewport(viewport);
+    const HRESULT result = parts.states.transforms.SetViewport(viewport);
     if (SUCCEEDED(result)) return 1;
     if (!parts.presentation.windowed) parts.graphics.Require(result, "SetViewPort failed: ");
     parts.graphics.Reporter().Warning("SetViewPort failed: %s", DXGetErrorString9(result));

@@ -60,7 +60,7 @@ D3DFORMAT KRN_Gfx::AlphaFormat() const { return AlphaFormatOf(DisplayFormat()); 
 D3DFORMAT KRN_Gfx::OpaqueFormat() const { return OpaqueFormatOf(DisplayFormat()); }
 D3DFORMAT KRN_Gfx::DisplayFormat() const { return parts_->presentation.mode.Format; }
 bool KRN_Gfx::HardwareVertexProcessing() const { return parts_->graphics.HardwareProcessing(); }
-double KRN_Gfx::DeviceSeconds() const { return parts_->graphics.Environment().seconds() - parts_->created_at; }
+double KRN_Gfx::DeviceSeconds() const { return parts_->graphics.Environment().seconds() - parts_->frames.Created(); }
 IDirect3DDevice9* KRN_Gfx::Device() const { return parts_->graphics.Device(); }
 ID3DXEffectPool* KRN_Gfx::EffectPool() const { return parts_->graphics.EffectPool(); }
 
@@ -72,45 +72,51 @@ void KRN_Gfx::ReadBackBuffer(std::vector<D3DCOLOR>& pixels, UINT& width, UINT& h
 
 // ---- States
 
-int KRN_Gfx::SetBlendingMode(int mode, int alpha, int stage) { return parts_->blending.Set(mode, alpha, stage); }
-int KRN_Gfx::BlendingMode() const { return parts_->blending.Mode(); }
-int KRN_Gfx::BlendingAlpha() const { return parts_->blending.Alpha(); }
+int KRN_Gfx::SetBlendingMode(int mode, int alpha, int stage) { return parts_->states.blending.Set(mode, alpha, stage); }
+int KRN_Gfx::BlendingMode() const { return parts_->states.blending.Mode(); }
+int KRN_Gfx::BlendingAlpha() const { return parts_->states.blending.Alpha(); }
 int KRN_Gfx::SetRenderSource(int source, int stage, D3DCOLOR colour) {
-    return parts_->render_sources.Set(source, stage, colour);
+    return parts_->states.render_sources.Set(source, stage, colour);
 }
-void KRN_Gfx::SetCullingMode(int mode) { parts_->culling.Set(mode); }
-int KRN_Gfx::CullingMode() const { return parts_->culling.Mode(); }
-void KRN_Gfx::SetZBufferMode(int mode) { parts_->depth.SetMode(mode); }
-int KRN_Gfx::ZBufferMode() const { return parts_->depth.Mode(); }
-void KRN_Gfx::SetZWrite(bool on) { parts_->depth.SetWrite(on); }
-bool KRN_Gfx::ZWrite() const { return parts_->depth.Write(); }
-void KRN_Gfx::PushZBufferOff() { parts_->depth.PushOff(); }
-void KRN_Gfx::PopZBufferOff() { parts_->depth.PopOff(); }
-int KRN_Gfx::SetMipmapMode(int mode, float bias, int stage) { return parts_->samplers.SetMipmaps(mode, bias, stage); }
-int KRN_Gfx::MipmapMode() const { return parts_->samplers.MipmapMode(); }
-float KRN_Gfx::MipmapBias() const { return parts_->samplers.MipmapBias(); }
-int KRN_Gfx::SetTextureFilter(int preset, int stage) { return parts_->samplers.SetPreset(preset, stage); }
-int KRN_Gfx::SetAddressModeU(DWORD mode, int stage) { return parts_->samplers.SetAddressU(mode, stage); }
-int KRN_Gfx::SetAddressModeV(DWORD mode, int stage) { return parts_->samplers.SetAddressV(mode, stage); }
-void KRN_Gfx::SetFillMode(int mode, const PointSpriteSettings* settings) { parts_->points.SetFillMode(mode, settings); }
+void KRN_Gfx::SetCullingMode(int mode) { parts_->states.culling.Set(mode); }
+int KRN_Gfx::CullingMode() const { return parts_->states.culling.Mode(); }
+void KRN_Gfx::SetZBufferMode(int mode) { parts_->states.depth.SetMode(mode); }
+int KRN_Gfx::ZBufferMode() const { return parts_->states.depth.Mode(); }
+void KRN_Gfx::SetZWrite(bool on) { parts_->states.depth.SetWrite(on); }
+bool KRN_Gfx::ZWrite() const { return parts_->states.depth.Write(); }
+void KRN_Gfx::PushZBufferOff() { parts_->states.depth.PushOff(); }
+void KRN_Gfx::PopZBufferOff() { parts_->states.depth.PopOff(); }
+int KRN_Gfx::SetMipmapMode(int mode, float bias, int stage) {
+    return parts_->states.samplers.SetMipmaps(mode, bias, stage);
+}
+int KRN_Gfx::MipmapMode() const { return parts_->states.samplers.MipmapMode(); }
+float KRN_Gfx::MipmapBias() const { return parts_->states.samplers.MipmapBias(); }
+int KRN_Gfx::SetTextureFilter(int preset, int stage) { return parts_->states.samplers.SetPreset(preset, stage); }
+int KRN_Gfx::SetAddressModeU(DWORD mode, int stage) { return parts_->states.samplers.SetAddressU(mode, stage); }
+int KRN_Gfx::SetAddressModeV(DWORD mode, int stage) { return parts_->states.samplers.SetAddressV(mode, stage); }
+void KRN_Gfx::SetFillMode(int mode, const PointSpriteSettings* settings) {
+    parts_->states.points.SetFillMode(mode, settings);
+}
 void KRN_Gfx::SetPointSprite(const PointSpriteSettings& settings, bool device_limit) {
-    parts_->points.Apply(settings, device_limit);
+    parts_->states.points.Apply(settings, device_limit);
 }
-void KRN_Gfx::SetLighting(bool on, const D3DCOLOR* colour) { parts_->lighting.Set(on, colour); }
-bool KRN_Gfx::Lighting() const { return parts_->lighting.On(); }
-void KRN_Gfx::EndLightingOverride() { parts_->lighting.EndOverride(); }
-void KRN_Gfx::PushLightingOff() { parts_->lighting.PushOff(); }
-void KRN_Gfx::PopLightingOff() { parts_->lighting.PopOff(); }
-void KRN_Gfx::SetAmbient(D3DCOLOR colour) { parts_->lighting.SetAmbient(colour); }
-void KRN_Gfx::SetSpecular(bool on) { parts_->lighting.SetSpecular(on); }
-void KRN_Gfx::SetNormalizeNormals(bool on) { parts_->lighting.SetNormalizeNormals(on); }
-void KRN_Gfx::SetAlphaTest(int mode, int reference) { parts_->alpha_test.Set(mode, reference); }
-void KRN_Gfx::SetTextureFactor(D3DCOLOR colour) { parts_->texture_factor.Set(colour); }
-void KRN_Gfx::SetFog(const FogSettings& settings) { parts_->fog.Set(settings); }
-void KRN_Gfx::SetFogEnable(bool on) { parts_->fog.Enable(on); }
-bool KRN_Gfx::FogEnable() const { return parts_->fog.Enabled(); }
-const FogSettings& KRN_Gfx::Fog() const { return parts_->fog.Settings(); }
-void KRN_Gfx::SetMaterial(const D3DMATERIAL9& material) { parts_->lighting.SetMaterial(material); }
+void KRN_Gfx::SetLighting(bool on, const D3DCOLOR* colour) { parts_->states.lighting.Set(on, colour); }
+bool KRN_Gfx::Lighting() const { return parts_->states.lighting.On(); }
+void KRN_Gfx::EndLightingOverride() { parts_->states.lighting.EndOverride(); }
+void KRN_Gfx::PushLightingOff() { parts_->states.lighting.PushOff(); }
+void KRN_Gfx::PopLightingOff() { parts_->states.lighting.PopOff(); }
+void KRN_Gfx::SetAmbient(D3DCOLOR colour) { parts_->states.lighting.SetAmbient(colour); }
+void KRN_Gfx::SetSpecular(bool on) { parts_->states.lighting.SetSpecular(on); }
+void KRN_Gfx::SetNormalizeNormals(bool on) { parts_->states.lighting.SetNormalizeNormals(on); }
+void KRN_Gfx::SetAlphaTest(int mode, int reference) { parts_->states.alpha_cutoff.Set(mode, reference); }
+void KRN_Gfx::SetTextureFactor(D3DCOLOR colour) { parts_->states.texture_factor.Set(colour); }
+void KRN_Gfx::SetFog(const FogSettings& settings) { parts_->states.fog.Set(settings); }
+void KRN_Gfx::SetFogEnable(bool on) { parts_->states.fog.Enable(on); }
+bool KRN_Gfx::FogEnable() const { return parts_->states.fog.Enabled(); }
+const FogSettings& KRN_Gfx::Fog() const { return parts_->states.fog.Settings(); }
+void KRN_Gfx::SetMaterial(const D3DMATERIAL9& material) { parts_->states.lighting.SetMaterial(material); }
+const D3DMATERIAL9& KRN_Gfx::Material() const { return parts_->states.lighting.Material(); }
+void KRN_Gfx::LockMaterial(int lock, bool on) { parts_->states.lighting.LockMaterial(lock, on); }
 int KRN_Gfx::SetLight(int index, KRN_Light& light, double time, bool evaluate) {
     if (light.off) return 0;
     if (evaluate) {
@@ -119,33 +125,33 @@ int KRN_Gfx::SetLight(int index, KRN_Light& light, double time, bool evaluate) {
         light.record.Position = light.Eye();
         light.record.Direction = light.ViewDirection();
     }
-    parts_->lights.Set(index, light.record);
+    parts_->states.lights.Set(index, light.record);
     return 1;
 }
-void KRN_Gfx::SetLightEnable(int index, bool on) { parts_->lights.SetEnable(index, on); }
-void KRN_Gfx::SetVertexFormat(DWORD fvf) { parts_->bindings.SetVertexFormat(fvf); }
+void KRN_Gfx::SetLightEnable(int index, bool on) { parts_->states.lights.SetEnable(index, on); }
+void KRN_Gfx::SetVertexFormat(DWORD fvf) { parts_->states.bindings.SetVertexFormat(fvf); }
 void KRN_Gfx::SetStreamSource(IDirect3DVertexBuffer9* buffer, UINT stride) {
-    parts_->bindings.SetStreamSource(buffer, stride);
+    parts_->states.bindings.SetStreamSource(buffer, stride);
 }
-void KRN_Gfx::SetIndices(IDirect3DIndexBuffer9* buffer) { parts_->bindings.SetIndices(buffer); }
+void KRN_Gfx::SetIndices(IDirect3DIndexBuffer9* buffer) { parts_->states.bindings.SetIndices(buffer); }
 void KRN_Gfx::SetRenderTarget(IDirect3DSurface9* surface, DWORD index) { parts_->targets.Set(surface, index); }
 bool KRN_Gfx::SetGammaRamp(const D3DGAMMARAMP* ramp, bool calibrate) { return parts_->gamma.Set(ramp, calibrate); }
 void KRN_Gfx::SetColourOverride(const D3DCOLOR* colour) { parts_->meshes.SetColourOverride(colour); }
-void KRN_Gfx::SetSoftwareVertexProcessing(bool on) { parts_->bindings.SetSoftwareProcessing(on); }
+void KRN_Gfx::SetSoftwareVertexProcessing(bool on) { parts_->states.bindings.SetSoftwareProcessing(on); }
 
 // ---- Transforms and view
 
 void KRN_Gfx::SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DXMATRIX& matrix) {
-    parts_->transforms.Set(kind, matrix);
+    parts_->states.transforms.Set(kind, matrix);
 }
-void KRN_Gfx::ResetWorldTransform() { parts_->transforms.Set(D3DTS_WORLD, kIdentityMatrix); }
-const D3DXMATRIX& KRN_Gfx::WorldMatrix() const { return parts_->transforms.World(); }
-const D3DXMATRIX& KRN_Gfx::ViewMatrix() const { return parts_->transforms.View(); }
-const D3DXMATRIX& KRN_Gfx::ProjectionMatrix() const { return parts_->transforms.Projection(); }
+void KRN_Gfx::ResetWorldTransform() { parts_->states.transforms.Set(D3DTS_WORLD, kIdentityMatrix); }
+const D3DXMATRIX& KRN_Gfx::WorldMatrix() const { return parts_->states.transforms.World(); }
+const D3DXMATRIX& KRN_Gfx::ViewMatrix() const { return parts_->states.transforms.View(); }
+const D3DXMATRIX& KRN_Gfx::ProjectionMatrix() const { return parts_->states.transforms.Projection(); }
 void KRN_Gfx::SetProjection(float z_near, float z_far, float fov, float aspect) {
-    parts_->transforms.SetProjection(z_near, z_far, fov, aspect);
+    parts_->states.transforms.SetProjection(z_near, z_far, fov, aspect);
 }
-void KRN_Gfx::SetMirroredProjection() { parts_->transforms.MirrorProjection(); }
+void KRN_Gfx::SetMirroredProjection() { parts_->states.transforms.MirrorProjection(); }
 
 int KRN_Gfx::SetViewPort(int x1, int y1, int x2, int y2, float min_z, float max_z) {
     const D3DVIEWPORT9 viewport = {static_cast<DWORD>(x1),
@@ -157,23 +163,23 @@ int KRN_Gfx::SetViewPort(int x1, int y1, int x2, int y2, float min_z, float max_
     return SetViewport(*parts_, viewport);
 }
 
-const D3DVIEWPORT9& KRN_Gfx::Viewport() const { return parts_->transforms.Viewport(); }
+const D3DVIEWPORT9& KRN_Gfx::Viewport() const { return parts_->states.transforms.Viewport(); }
 
 void KRN_Gfx::SetView(const KRN_Camera& camera) {
-    parts_->transforms.SetView(camera.Eye(), camera.ViewDirection(), camera.Up());
+    parts_->states.transforms.SetView(camera.Eye(), camera.ViewDirection(), camera.Up());
 }
 
-D3DXVECTOR3 KRN_Gfx::CameraPosition() const { return parts_->transforms.CameraPosition(); }
+D3DXVECTOR3 KRN_Gfx::CameraPosition() const { return parts_->states.transforms.CameraPosition(); }
 float KRN_Gfx::DistanceToCamera(const D3DXVECTOR3& point) const {
-    const D3DXVECTOR3 offset = point - parts_->transforms.CameraPosition();
+    const D3DXVECTOR3 offset = point - parts_->states.transforms.CameraPosition();
     return D3DXVec3Length(offset);
 }
-D3DXVECTOR3 KRN_Gfx::PixelRay(int x, int y) const { return parts_->transforms.PixelRay(x, y); }
+D3DXVECTOR3 KRN_Gfx::PixelRay(int x, int y) const { return parts_->states.transforms.PixelRay(x, y); }
 bool KRN_Gfx::SphereInView(const D3DXVECTOR3& centre, float radius) const {
-    return SphereVisible(parts_->transforms.Planes(), centre, radius);
+    return SphereVisible(parts_->states.transforms.Planes(), centre, radius);
 }
 bool KRN_Gfx::BoundsInView(const KRN_ClipObject& bounds, const D3DXMATRIX& world) const {
-    return BoundsVisible(parts_->transforms.Planes(), bounds, world);
+    return BoundsVisible(parts_->states.transforms.Planes(), bounds, world);
 }
 
 // ---- Textures
@@ -188,6 +194,13 @@ void KRN_Gfx::CreateTexture(KRN_Texture* texture, UINT width, UINT height, int m
     parts_->texture_loader.CreateTexture(texture, width, height, mode, format, mip_levels);
 }
 void KRN_Gfx::SetTexture(KRN_Texture* texture, int stage) { parts_->texture_stages.SetTexture(texture, stage); }
+void KRN_Gfx::SetStagesInUse(int count) { parts_->texture_stages.SetStagesInUse(count); }
+VideoSource& KRN_Gfx::Video(int index) {
+    if (!VideoSources::IsSlot(index)) Error("Invalid video source: %i", index);
+    return parts_->videos[index];
+}
+TextureSettings& KRN_Gfx::TextureOptions() { return parts_->texture_loader.Settings(); }
+UINT KRN_Gfx::CreatedTextures() const { return parts_->textures.Created(); }
 void KRN_Gfx::UpdateVideoSource(int index) { parts_->videos.Update(*this, index); }
 KRN_TextureCatalogue& KRN_Gfx::Catalogue() { return parts_->catalogue; }
 
@@ -196,6 +209,13 @@ KRN_TextureCatalogue& KRN_Gfx::Catalogue() { return parts_->catalogue; }
 bool KRN_Gfx::LoadShaderEffect(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool) {
     return parts_->shader_effects.Load(effect, file, required, flags, use_pool);
 }
+bool KRN_Gfx::LoadShaderEffect(KRN_ShaderEffect& effect, const ShaderSearchList& candidates, bool required, DWORD flags,
+                               bool use_pool) {
+    return parts_->shader_effects.Load(effect, candidates, required, flags, use_pool);
+}
+void KRN_Gfx::SetShaderFolder(const char* folder) { parts_->shader_effects.SetProgramFolder(folder); }
+void KRN_Gfx::SetShaderSharing(bool on) { parts_->shader_effects.SetSharing(on); }
+void KRN_Gfx::SetGameTimeSource(float (*source)()) { parts_->shader_effects.SetGameTimeSource(source); }
 void KRN_Gfx::SetShaderEffect(KRN_ShaderEffect* effect) { parts_->effects.SetCurrent(effect); }
 void KRN_Gfx::SetShaderEffect2D(KRN_ShaderEffect* effect) { parts_->effects.SetFor2D(effect); }
 KRN_ShaderEffect* KRN_Gfx::EffectForDraw() const { return parts_->effects.ForDraw(); }
@@ -208,6 +228,7 @@ void KRN_Gfx::InitPostRenderEffects() { parts_->post_render.Init(); }
 void KRN_Gfx::ReleasePostRenderEffects() { sparkrig::ReleasePostRenderEffects(*parts_); }
 bool KRN_Gfx::PostRenderEffects() const { return parts_->post_render.On(); }
 void KRN_Gfx::SetMultisampleTarget(bool wish) { parts_->post_render.SetMultisampleTarget(wish); }
+bool KRN_Gfx::MultisampleTarget() const { return parts_->post_render.MultisampleTarget(); }
 IDirect3DTexture9* KRN_Gfx::SceneTexture() { return parts_->post_render.SceneTexture(); }
 bool KRN_Gfx::DrawScene(KRN_ShaderEffect& effect) { return sparkrig::DrawScene(*parts_, effect); }
 IDirect3DTexture9* KRN_Gfx::GetScreenCopy(bool viewport_only) {
@@ -235,14 +256,17 @@ void KRN_Gfx::DrawTexture2D(const Quad2D& rectangle, const Quad2D& source, D3DCO
     parts_->screen.Draw(rectangle, &source, colour, z);
 }
 void KRN_Gfx::DrawFullScreenTexture(D3DCOLOR colour, float z) {
-    const D3DVIEWPORT9& viewport = parts_->transforms.Viewport();
+    const D3DVIEWPORT9& viewport = parts_->states.transforms.Viewport();
     const float x = static_cast<float>(viewport.X), y = static_cast<float>(viewport.Y);
     const Quad2D whole = {x, y, x + static_cast<float>(viewport.Width), y + static_cast<float>(viewport.Height)};
     parts_->screen.Draw(whole, nullptr, colour, {z, z, z, z});
 }
 void KRN_Gfx::DrawLastTexture() { parts_->screen.DrawLast(); }
-void KRN_Gfx::CreateMesh(KRN_Mesh& mesh) { MakeDeviceMesh(parts_->graphics, mesh); }
+void KRN_Gfx::CreateMesh(KRN_Mesh& mesh, DWORD options) { MakeDeviceMesh(parts_->graphics, mesh, options); }
 bool KRN_Gfx::DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world) { return parts_->meshes.Draw(mesh, world); }
+
+const DrawStatistics& KRN_Gfx::Statistics() const { return parts_->statistics; }
+void KRN_Gfx::SuppressDraws(bool on) { parts_->statistics.suppress_draws = on; }
 
 // ---- Text
 
@@ -284,9 +308,14 @@ void KRN_Gfx::PrintfCentred(float x, float y, const char* format, ...) {
     parts_->text.RestoreOptions();
 }
 
+KRN_PrintfContainer& KRN_Gfx::Text() { return parts_->text; }
+void KRN_Gfx::SetTextLimits(const RECT* limits) { parts_->text_drawer.SetLimits(limits); }
+void KRN_Gfx::DrawText(const RECT& rectangle, float scroll_x, float scroll_y) {
+    parts_->text_drawer.Draw(parts_->text, rectangle, scroll_x, scroll_y);
+}
 void KRN_Gfx::DrawText() {
     const RECT whole = {0, 0, static_cast<LONG>(parts_->targets.Width()), static_cast<LONG>(parts_->targets.Height())};
-    WithRestore([&] { parts_->text_drawer.Draw(parts_->text, whole, 0, 0); }, [this] { parts_->text.Clear(); });
+    WithRestore([&] { DrawText(whole, 0, 0); }, [this] { parts_->text.Clear(); });
 }
 
 }   // namespace sparkrig

@@ -1,5 +1,6 @@
-// What KRN_Gfx is made of. Each part can be read and tested without the others; what they share is the device.
+// What KRN_Gfx is made of. A part is given the parts that it uses; none knows the facade.
 #pragma once
+#include "gfx/device/display_modes.h"
 #include "gfx/device/draw_statistics.h"
 #include "gfx/device/frame_cache.h"
 #include "gfx/device/frame_timing.h"
@@ -12,26 +13,10 @@
 #include "gfx/geometry/mesh_drawer.h"
 #include "gfx/geometry/screen_drawer.h"
 #include "gfx/geometry/vertex_list_drawer.h"
-#include "gfx/gfx.h"
-#include "gfx/shaders/pass_switch.h"
-#include "gfx/shaders/post_render.h"
-#include "gfx/shaders/screen_buffers.h"
 #include "gfx/shaders/shader_effect_choice.h"
+#include "gfx/shaders/shader_effect_context.h"
 #include "gfx/shaders/shader_effect_loader.h"
-#include "gfx/states/alpha_cutoff.h"
-#include "gfx/states/blending.h"
-#include "gfx/states/culling.h"
-#include "gfx/states/depth_states.h"
-#include "gfx/states/fog.h"
-#include "gfx/states/geometry_bindings.h"
-#include "gfx/states/light_slots.h"
-#include "gfx/states/lighting.h"
-#include "gfx/states/point_sprites.h"
-#include "gfx/states/render_sources.h"
-#include "gfx/states/sampler_settings.h"
-#include "gfx/states/state_sender.h"
-#include "gfx/states/texture_factor.h"
-#include "gfx/states/transforms.h"
+#include "gfx/states/gfx_states.h"
 #include "gfx/text/printf_container.h"
 #include "gfx/text/text_drawer.h"
 #include "gfx/textures/texture_catalogue.h"
@@ -42,72 +27,53 @@
 
 namespace sparkrig {
 
+/// In the order in which they are made; each room uses those before it.
 struct GfxParts {
-    GfxParts(KRN_Gfx& gfx, KRN_Gfx::CreateDirect3D create, const GfxEnvironment& environment)
-        : graphics(gfx, create, environment),
-          textures(gfx),
-          surfaces(gfx),
-          texture_loader(gfx, textures, videos),
-          texture_stages(gfx),
-          shader_effects(gfx),
-          catalogue(gfx) {}
+    GfxParts(const KRN_Base& reporter, GraphicsDevice::CreateDirect3D create, const GfxEnvironment& environment)
+        : graphics(reporter, create, environment) {}
     GfxParts(const GfxParts&) = delete;
     GfxParts& operator=(const GfxParts&) = delete;
 
+    // Device
     GraphicsDevice graphics;
-
-    // Presentation
     PresentationSettings presentation;
     RECT client_rectangle = {};
-    StateSender sender{graphics};
-    RenderTargets targets{sender};
+    RenderTargets targets{graphics};
+    SurfaceRegistry surfaces{graphics.Reporter()};
+    GammaState gamma{graphics};
     FrameTimeRing frames;
-    double created_at = 0;   // seconds of the clock
+    FrameCache frame_cache;
+    DrawStatistics statistics;
 
     // States that the program wants; the sender's cache is what the device holds
-    TextureFactor texture_factor{sender};
-    BlendingState blending{sender, texture_factor};
-    RenderSources render_sources{sender, texture_factor};
-    CullingState culling{sender};
-    DepthStates depth{sender};
-    AlphaTest alpha_test{sender};
-    SamplerSettings samplers{sender};
-    PointSprites points{sender};
-    FogState fog{sender};
-    LightingState lighting{sender};
-    LightSlots lights{sender};
-    Transforms transforms{sender, culling};
-    GammaState gamma{graphics};
-    GeometryBindings bindings{graphics};
+    GfxStates states{graphics, targets};
 
-    // Resources
-    TextureRegistry textures;
-    SurfaceRegistry surfaces;
+    // Textures
+    TextureRegistry textures{graphics.Reporter()};
     VideoSources videos;
-    TextureLoader texture_loader;
-    TextureStages texture_stages;
-    ShaderEffectLoader shader_effects;
-    EffectChoice effects;
+    TextureStages texture_stages{states, videos};
+    TextureLoader texture_loader{graphics, presentation, textures, videos, texture_stages};
+    KRN_TextureCatalogue catalogue{texture_loader};
 
-    // Post-render effects and screen buffers
-    FrameCache frame_cache;
-    ScreenBuffers screen_buffers{graphics, targets, transforms, frame_cache, textures};
-    PassSwitch pass_switch{graphics, targets, transforms, screen_buffers, effects};
+    // Shader effects, and what they read of the screen
+    ShaderEffectChoice effects;
+    ScreenBuffers screen_buffers{graphics, targets, states.transforms, frame_cache, textures};
     PostRender post_render{graphics, targets, surfaces};
+    PassSwitch pass_switch{graphics, targets, states.transforms, screen_buffers, effects};
+    ShaderEffectContext effect_context{states,    frames,         frame_cache, texture_stages,
+                                       catalogue, screen_buffers, post_render, pass_switch};
+    ShaderEffectLoader shader_effects{effect_context};
 
-    // Drawing
-    DrawStatistics statistics;
-    VertexListDrawer lists{graphics, bindings, points, transforms, effects, statistics};
+    // Geometry
+    VertexListDrawer lists{states, effects, statistics};
     ImmediateLists immediate;
-    ScreenDrawer screen{sender, bindings, culling, depth, samplers, effects, statistics};
-    MeshDrawer meshes{sender, bindings, culling, points, lighting, transforms, texture_stages, effects, statistics};
+    ScreenDrawer screen{states, effects, statistics};
+    MeshDrawer meshes{states, texture_stages, effects, statistics};
 
     // Text
     KRN_PrintfContainer text;
-    TextDrawer text_drawer{culling, depth, samplers, transforms, texture_stages, lists};
+    TextDrawer text_drawer{states, texture_stages, lists};
     std::vector<char> scratch = std::vector<char>(kScratchBytes);   // of Printf
-
-    KRN_TextureCatalogue catalogue;
 
     static constexpr std::size_t kScratchBytes = 65536;
 };

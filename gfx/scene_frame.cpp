@@ -15,7 +15,7 @@ void LeaveSceneTarget(GfxParts& parts) {
         parts.targets.Set(buffer, 0);
     } else {
         parts.targets.Set(parts.targets.BackBuffer().Get(), 0);
-        SetViewport(parts, parts.transforms.Viewport());
+        SetViewport(parts, parts.states.transforms.Viewport());
     }
 }
 
@@ -60,19 +60,19 @@ class OpenScene {
 
 /// Covers the screen: whatever states the program left, nothing of what is there stays.
 void DrawScreenSquare(GfxParts& parts) {
-    const int culling = parts.culling.Mode();
+    const int culling = parts.states.culling.Mode();
     const auto draw = [&] {
-        parts.blending.Suspend();
-        parts.alpha_test.Suspend();
-        parts.culling.Set(0);
-        parts.depth.PushOff();
+        parts.states.blending.Suspend();
+        parts.states.alpha_cutoff.Suspend();
+        parts.states.culling.Set(0);
+        parts.states.depth.PushOff();
         parts.lists.Draw(parts.immediate.quad, 0, -1);
     };
     WithRestore(draw, [&] {
-        parts.depth.PopOff();
-        parts.culling.Set(culling);
-        parts.alpha_test.Resume();
-        parts.blending.Resume();
+        parts.states.depth.PopOff();
+        parts.states.culling.Set(culling);
+        parts.states.alpha_cutoff.Resume();
+        parts.states.blending.Resume();
     });
 }
 
@@ -82,7 +82,7 @@ int BeginScene(GfxParts& parts) {
     if (parts.post_render.On()) {
         parts.targets.Set(parts.post_render.SceneSurface(), 0, "BeginScene (post effect SetRenderTarget) failed: ");
         parts.post_render.SetInScene(true);
-        SetViewport(parts, parts.transforms.Viewport());
+        SetViewport(parts, parts.states.transforms.Viewport());
     }
     parts.graphics.Require(parts.graphics.Device()->BeginScene(), "BeginScene failed: ");
     return 1;

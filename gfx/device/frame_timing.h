@@ -12,8 +12,10 @@ class FrameTimeRing {
     float Rate() const;
 
     std::uint32_t TotalFrames() const { return total_frames_; }
+    /// The device was made at `now`.
+    void Start(double now) { created_ = last_present_ = now; }
+    double Created() const { return created_; }
     double LastPresent() const { return last_present_; }
-    void SetLastPresent(double now) { last_present_ = now; }
 
   private:
     static constexpr int kEntries = 60;
@@ -27,7 +29,7 @@ class FrameTimeRing {
     Entry entries_[kEntries];
     int write_ = 0;
     std::uint32_t total_frames_ = 0;
-    double last_present_ = 0;
+    double created_ = 0, last_present_ = 0;
 };
 
 }   // namespace sparkrig

@@ -23,12 +23,13 @@ void RenderTargets::Release() {
     back_buffer_.Wrap(nullptr);
     target_.Reset();
     depth_.Reset();
+    viewport_.reset();
 }
 
 HRESULT RenderTargets::PutBack(IDirect3DSurface9* surface, bool has_depth) {
     const HRESULT result = graphics_.Device()->SetRenderTarget(0, surface);
     if (FAILED(result)) return result;
-    cache_.viewport.reset();   // as in Set
+    viewport_.reset();   // as in Set
     target_ = DevicePtr<IDirect3DSurface9>::Share(surface);
     has_depth_ = has_depth;
     return result;
@@ -37,7 +38,7 @@ HRESULT RenderTargets::PutBack(IDirect3DSurface9* surface, bool has_depth) {
 void RenderTargets::Set(IDirect3DSurface9* surface, DWORD index, const char* failure) {
     graphics_.Require(graphics_.Device()->SetRenderTarget(index, surface), failure);
     if (index != 0) return;
-    cache_.viewport.reset();   // it covers the whole of the new target now
+    viewport_.reset();   // it covers the whole of the new target now
     target_ = DevicePtr<IDirect3DSurface9>::Share(surface);
     has_depth_ = false;
     if (!depth_) return;
@@ -45,6 +46,13 @@ void RenderTargets::Set(IDirect3DSurface9* surface, DWORD index, const char* fai
     graphics_.Require(surface->GetDesc(&target), "GetDesc failed: ");
     graphics_.Require(depth_->GetDesc(&depth), "GetDesc failed: ");
     has_depth_ = depth.Width >= target.Width && depth.Height >= target.Height;
+}
+
+HRESULT RenderTargets::SetViewport(const D3DVIEWPORT9& viewport) {
+    if (viewport_ == viewport) return D3D_OK;
+    const HRESULT result = graphics_.Device()->SetViewport(&viewport);
+    if (SUCCEEDED(result)) viewport_ = viewport;
+    return result;
 }
 
 int RenderTargets::Clear(D3DCOLOR colour, float z, const D3DRECT* rectangle) const {

@@ -1,15 +1,16 @@
 // The surfaces that are drawn into: the back buffer, the depth buffer, the target in use; clearing and reading them.
 #pragma once
+#include <optional>
 #include <vector>
 
+#include "gfx/device/graphics_device.h"
 #include "gfx/device/surface.h"
-#include "gfx/states/state_sender.h"
 
 namespace sparkrig {
 
 class RenderTargets {
   public:
-    explicit RenderTargets(StateSender& sender) : graphics_(sender.Graphics()), cache_(sender.Cache()) {}
+    explicit RenderTargets(const GraphicsDevice& graphics) : graphics_(graphics) {}
 
     /// After creation and every reset. z_buffer_bits as the device was made with.
     void Fetch(int z_buffer_bits);
@@ -20,6 +21,8 @@ class RenderTargets {
     void Set(IDirect3DSurface9* surface, DWORD index, const char* failure = "Can not set render target: ");
     /// The same with what is known of a target that was set before, without reports.
     HRESULT PutBack(IDirect3DSurface9* surface, bool has_depth);
+    /// The device's answer. What is there already is not sent again; a new target has a viewport of its own, the whole.
+    HRESULT SetViewport(const D3DVIEWPORT9& viewport);
     bool HasDepthBuffer() const { return has_depth_; }
 
     /// A rectangle in pixels, or null for the whole viewport.
@@ -35,12 +38,12 @@ class RenderTargets {
 
   private:
     const GraphicsDevice& graphics_;
-    StateCache& cache_;
     DevicePtr<IDirect3DSurface9> target_, depth_;
     KRN_Surface back_buffer_;
     UINT width_ = 0, height_ = 0;   // of the back buffer
     int z_buffer_bits_ = 0;
     bool has_depth_ = true;
+    std::optional<D3DVIEWPORT9> viewport_;   // as the device has it
 };
 
 }   // namespace sparkrig

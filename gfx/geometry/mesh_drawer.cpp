@@ -23,47 +23,48 @@ void MeshDrawer::SetColourOverride(const D3DCOLOR* colour) {
 
 bool MeshDrawer::Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world) {
     if (!mesh) {
-        sender_.Reporter().Warning("Pointer to mesh is zero");
+        states_.sender.Reporter().Warning("Pointer to mesh is zero");
         return false;
     }
     if (!mesh->Geometry() || mesh->MaterialCount() == 0) return false;
     D3DXMATRIX placed;
     D3DXMatrixMultiply(&placed, &mesh->PivotMatrix(), &mesh->WorldMatrix());
     if (world) D3DXMatrixMultiply(&placed, &placed, world);
-    if (!BoundsVisible(transforms_.Planes(), *mesh, placed)) return false;
+    if (!BoundsVisible(states_.transforms.Planes(), *mesh, placed)) return false;
 
-    const DeviceMesh& buffers = MakeDeviceMesh(sender_.Graphics(), *mesh);
+    const DeviceMesh& buffers = MakeDeviceMesh(states_.sender.Graphics(), *mesh);
     ++statistics_.meshes;
     PrepareStates(buffers, world != nullptr);
-    transforms_.Set(D3DTS_WORLD, placed);
-    const int culling = culling_.Mode();
+    states_.transforms.Set(D3DTS_WORLD, placed);
+    const int culling = states_.culling.Mode();
     const auto draw = [&] {
-        if (D3DXMatrixDeterminant(&placed) < 0) culling_.Set(-culling);   // a mirrored mesh shows its backs
+        if (D3DXMatrixDeterminant(&placed) < 0) states_.culling.Set(-culling);   // a mirrored mesh shows its backs
         DrawGroupsInColour(*mesh, *buffers.buffers);
     };
-    WithRestore(draw, [&] { culling_.Set(culling); });
+    WithRestore(draw, [&] { states_.culling.Set(culling); });
     return true;
 }
 
 void MeshDrawer::PrepareStates(const DeviceMesh& buffers, bool world_given) {
-    points_.SwitchOff();
-    sender_.SetStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_DISABLE);
-    bindings_.SetSoftwareProcessing(buffers.software_processing);
-    if (!world_given && points_.FillMode() == static_cast<int>(D3DFILL_POINT)) points_.Apply(points_.Settings(), false);
-    lighting_.SetNormalizeNormals(true);
+    states_.points.SwitchOff();
+    states_.sender.SetStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_DISABLE);
+    states_.bindings.SetSoftwareProcessing(buffers.software_processing);
+    if (!world_given && states_.points.FillMode() == static_cast<int>(D3DFILL_POINT))
+        states_.points.Apply(states_.points.Settings(), false);
+    states_.lighting.SetNormalizeNormals(true);
 }
 
 void MeshDrawer::DrawGroupsInColour(const KRN_MeshBase& mesh, ID3DXMesh& buffers) {
-    if (!colour_override_ || lighting_.On()) return DrawGroups(mesh, buffers);
+    if (!colour_override_ || states_.lighting.On()) return DrawGroups(mesh, buffers);
     std::optional<D3DCOLOR> before;   // what stood in for the unlit vertices' colour until now
-    if (lighting_.Colour()) before = *lighting_.Colour();
-    lighting_.Set(false, &*colour_override_);
-    WithRestore([&] { DrawGroups(mesh, buffers); }, [&] { lighting_.Set(false, before ? &*before : nullptr); });
+    if (states_.lighting.Colour()) before = *states_.lighting.Colour();
+    states_.lighting.Set(false, &*colour_override_);
+    WithRestore([&] { DrawGroups(mesh, buffers); }, [&] { states_.lighting.Set(false, before ? &*before : nullptr); });
 }
 
 void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh, ID3DXMesh& buffers) {
     DWORD entries = 0;
-    sender_.Graphics().Require(buffers.GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
+    states_.sender.Graphics().Require(buffers.GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
     if (entries == 0) {   // not sorted by group: drawn as one
         SetMaterial(mesh.Material(0));
         DrawSubset(buffers, 0);
@@ -81,11 +82,11 @@ void MeshDrawer::DrawGroups(const KRN_MeshBase& mesh, ID3DXMesh& buffers) {
 }
 
 void MeshDrawer::DrawMaterial(const MeshMaterial& material, ID3DXMesh& buffers, DWORD group) {
-    const int culling = culling_.Mode();
-    if (material.two_sided) culling_.Set(0);
+    const int culling = states_.culling.Mode();
+    if (material.two_sided) states_.culling.Set(0);
     SetMaterial(material);
     DrawSubset(buffers, group);
-    culling_.Set(culling);
+    states_.culling.Set(culling);
 }
 
 void MeshDrawer::SetMaterial(const MeshMaterial& material) {
@@ -93,7 +94,7 @@ void MeshDrawer::SetMaterial(const MeshMaterial& material) {
     if (colour_override_) {
         colours.Diffuse = colours.Ambient = ToColourValue(*colour_override_);
     }
-    lighting_.SetMaterial(colours);
+    states_.lighting.SetMaterial(colours);
     textures_.SetTexture(nullptr, -1);
 }
 
@@ -102,7 +103,7 @@ void MeshDrawer::DrawSubset(ID3DXMesh& buffers, DWORD subset) {
     DrawWithEffect(effects_.ForDraw(), object, [&] {
         ++statistics_.draw_calls;
         if (statistics_.suppress_draws) return;
-        sender_.Graphics().Require(buffers.DrawSubset(subset), " DrawSubset failed: ");
+        states_.sender.Graphics().Require(buffers.DrawSubset(subset), " DrawSubset failed: ");
     });
 }
 

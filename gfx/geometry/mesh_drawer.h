@@ -4,11 +4,7 @@
 
 #include "gfx/device/draw_statistics.h"
 #include "gfx/shaders/shader_effect_choice.h"
-#include "gfx/states/culling.h"
-#include "gfx/states/geometry_bindings.h"
-#include "gfx/states/lighting.h"
-#include "gfx/states/point_sprites.h"
-#include "gfx/states/transforms.h"
+#include "gfx/states/gfx_states.h"
 #include "gfx/textures/texture_stages.h"
 
 namespace sparkrig {
@@ -20,18 +16,9 @@ struct MeshMaterial;
 
 class MeshDrawer {
   public:
-    MeshDrawer(StateSender& sender, GeometryBindings& bindings, CullingState& culling, PointSprites& points,
-               LightingState& lighting, Transforms& transforms, TextureStages& textures, const EffectChoice& effects,
+    MeshDrawer(GfxStates& states, TextureStages& textures, const ShaderEffectChoice& effects,
                DrawStatistics& statistics)
-        : sender_(sender),
-          bindings_(bindings),
-          culling_(culling),
-          points_(points),
-          lighting_(lighting),
-          transforms_(transforms),
-          textures_(textures),
-          effects_(effects),
-          statistics_(statistics) {}
+        : states_(states), textures_(textures), effects_(effects), statistics_(statistics) {}
 
     /// Makes its buffers first if there are none. False for a mesh that is null (a warning), without geometry, or out
     /// of view. A null world is the identity.
@@ -47,14 +34,9 @@ class MeshDrawer {
     void SetMaterial(const MeshMaterial& material);
     void DrawSubset(ID3DXMesh& buffers, DWORD subset);
 
-    StateSender& sender_;
-    GeometryBindings& bindings_;
-    CullingState& culling_;
-    PointSprites& points_;
-    LightingState& lighting_;
-    Transforms& transforms_;
+    GfxStates& states_;
     TextureStages& textures_;
-    const EffectChoice& effects_;
+    const ShaderEffectChoice& effects_;
     DrawStatistics& statistics_;
     std::optional<D3DCOLOR> colour_override_;
 };

@@ -16,7 +16,7 @@ constexpr D3DCOLOR kNoFog = 0xFF000000;   // the alpha of the specular colour is
 constexpr float kPixelShift = 0.25f;      // keeps edges off the pixel centres
 
 /// Of the whole picture, or of a part in its pixels.
-KRN_Gfx::Quad2D TextureCoordinates(const KRN_Texture& texture, const KRN_Gfx::Quad2D* source) {
+Quad2D TextureCoordinates(const KRN_Texture& texture, const Quad2D* source) {
     const KRN_Texture::Rectangle& whole = texture.TextureRectangle();
     if (!source) return {whole.u, whole.v, whole.u + whole.size_u, whole.v + whole.size_v};
     const float per_x = whole.size_u / texture.Width(), per_y = whole.size_v / texture.Height();
@@ -27,21 +27,20 @@ KRN_Gfx::Quad2D TextureCoordinates(const KRN_Texture& texture, const KRN_Gfx::Qu
 }   // namespace
 
 KRN_Texture& ScreenDrawer::Texture() const {
-    if (!texture_) sender_.Reporter().Error("No texture set");
+    if (!texture_) states_.sender.Reporter().Error("No texture set");
     return *texture_;
 }
 
-void ScreenDrawer::Draw(const KRN_Gfx::Quad2D& rectangle, const KRN_Gfx::Quad2D* source, D3DCOLOR colour,
-                        const float (&z)[4]) {
+void ScreenDrawer::Draw(const Quad2D& rectangle, const Quad2D* source, D3DCOLOR colour, const float (&z)[4]) {
     KRN_Texture& texture = Texture();
     DevicePtr<IDirect3DVertexBuffer9>& quad = texture.ScreenQuad();
     if (!quad) {
         const HRESULT result =
-            sender_.Device().CreateVertexBuffer(kCorners * sizeof(KRN_TLVertex), D3DUSAGE_WRITEONLY,
-                                                KRN_TLVertex::kFormat, D3DPOOL_MANAGED, quad.Receive());
-        sender_.Graphics().Require(result, "CreateVertexBuffer in CreateVertexList failed: ");
+            states_.sender.Device().CreateVertexBuffer(kCorners * sizeof(KRN_TLVertex), D3DUSAGE_WRITEONLY,
+                                                       KRN_TLVertex::kFormat, D3DPOOL_MANAGED, quad.Receive());
+        states_.sender.Graphics().Require(result, "CreateVertexBuffer in CreateVertexList failed: ");
     }
-    const KRN_Gfx::Quad2D part = TextureCoordinates(texture, source);
+    const Quad2D part = TextureCoordinates(texture, source);
     const auto corner = [&](float x, float y, float depth, float u, float v) {
         return KRN_TLVertex{x - kPixelShift, y - kPixelShift, depth, 1.0f, colour, kNoFog, u, v};
     };
@@ -52,44 +51,44 @@ void ScreenDrawer::Draw(const KRN_Gfx::Quad2D& rectangle, const KRN_Gfx::Quad2D*
         corner(rectangle.right, rectangle.top, z[3], part.right, part.top),
     };
     void* data = nullptr;
-    sender_.Graphics().Require(quad->Lock(0, 0, &data, 0), " VB Lock failed: ");
+    states_.sender.Graphics().Require(quad->Lock(0, 0, &data, 0), " VB Lock failed: ");
     std::ranges::copy(corners, static_cast<KRN_TLVertex*>(data));
     const HRESULT unlocked = quad->Unlock();
     if (FAILED(unlocked)) quad.Reset();   // it could not be drawn any more
-    sender_.Graphics().Require(unlocked, " VB Unlock failed: ");
+    states_.sender.Graphics().Require(unlocked, " VB Unlock failed: ");
     DrawLast();
 }
 
 void ScreenDrawer::DrawLast() {
     KRN_Texture& texture = Texture();
-    const int culling = culling_.Mode();
-    const DWORD address_u = samplers_.AddressU(0), address_v = samplers_.AddressV(0);
+    const int culling = states_.culling.Mode();
+    const DWORD address_u = states_.samplers.AddressU(0), address_v = states_.samplers.AddressV(0);
     const DWORD address = texture.Repeats() ? D3DTADDRESS_WRAP : D3DTADDRESS_CLAMP;
 
-    bindings_.SetSoftwareProcessing(false);
-    bindings_.SetStreamSource(texture.ScreenQuad().Get(), sizeof(KRN_TLVertex),
-                              " SetStreamSource in DrawLastTexture failed: ");
+    states_.bindings.SetSoftwareProcessing(false);
+    states_.bindings.SetStreamSource(texture.ScreenQuad().Get(), sizeof(KRN_TLVertex),
+                                     " SetStreamSource in DrawLastTexture failed: ");
     const auto draw = [&] {
-        culling_.Set(0);
-        if (!depth_test_) depth_.PushOff();
-        samplers_.SetAddressU(address, 0);
-        samplers_.SetAddressV(address, 0);
-        bindings_.SetVertexFormat(KRN_TLVertex::kFormat);
+        states_.culling.Set(0);
+        if (!depth_test_) states_.depth.PushOff();
+        states_.samplers.SetAddressU(address, 0);
+        states_.samplers.SetAddressV(address, 0);
+        states_.bindings.SetVertexFormat(KRN_TLVertex::kFormat);
         DrawWithEffect(effects_.For2D(), {}, [this] { DrawStrip(); });
     };
     WithRestore(draw, [&] {
-        samplers_.SetAddressU(address_u, 0);
-        samplers_.SetAddressV(address_v, 0);
-        if (!depth_test_) depth_.PopOff();
-        culling_.Set(culling);
+        states_.samplers.SetAddressU(address_u, 0);
+        states_.samplers.SetAddressV(address_v, 0);
+        if (!depth_test_) states_.depth.PopOff();
+        states_.culling.Set(culling);
     });
 }
 
 void ScreenDrawer::DrawStrip() {
     statistics_.Count(2);
     if (statistics_.suppress_draws) return;
-    sender_.Graphics().Require(sender_.Device().DrawPrimitive(D3DPT_TRIANGLESTRIP, 0, 2),
-                               " DrawPrimitive in DrawLastTexture failed: ");
+    states_.sender.Graphics().Require(states_.sender.Device().DrawPrimitive(D3DPT_TRIANGLESTRIP, 0, 2),
+                                      " DrawPrimitive in DrawLastTexture failed: ");
 }
 
 }   // namespace sparkrig

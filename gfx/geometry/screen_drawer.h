@@ -1,26 +1,17 @@
 // Draws a texture as a rectangle of the screen.
 #pragma once
 #include "gfx/device/draw_statistics.h"
-#include "gfx/gfx.h"
+#include "gfx/geometry/vertex_list.h"
 #include "gfx/shaders/shader_effect_choice.h"
-#include "gfx/states/culling.h"
-#include "gfx/states/depth_states.h"
-#include "gfx/states/geometry_bindings.h"
-#include "gfx/states/sampler_settings.h"
+#include "gfx/states/gfx_states.h"
+#include "gfx/textures/texture.h"
 
 namespace sparkrig {
 
 class ScreenDrawer {
   public:
-    ScreenDrawer(StateSender& sender, GeometryBindings& bindings, CullingState& culling, DepthStates& depth,
-                 SamplerSettings& samplers, const EffectChoice& effects, DrawStatistics& statistics)
-        : sender_(sender),
-          bindings_(bindings),
-          culling_(culling),
-          depth_(depth),
-          samplers_(samplers),
-          effects_(effects),
-          statistics_(statistics) {}
+    ScreenDrawer(GfxStates& states, const ShaderEffectChoice& effects, DrawStatistics& statistics)
+        : states_(states), effects_(effects), statistics_(statistics) {}
 
     /// The texture that is drawn. Borrowed.
     void SetTexture(KRN_Texture* texture) { texture_ = texture; }
@@ -30,7 +21,7 @@ class ScreenDrawer {
     /// Writes the texture's four vertices and draws them. source: the part of the picture, in its pixels; null for the
     /// whole. z: for the corners left bottom, left top, right bottom,
     /// right top.
-    void Draw(const KRN_Gfx::Quad2D& rectangle, const KRN_Gfx::Quad2D* source, D3DCOLOR colour, const float (&z)[4]);
+    void Draw(const Quad2D& rectangle, const Quad2D* source, D3DCOLOR colour, const float (&z)[4]);
     /// Draws the texture's four vertices as they are.
     void DrawLast();
 
@@ -38,12 +29,8 @@ class ScreenDrawer {
     KRN_Texture& Texture() const;
     void DrawStrip();
 
-    StateSender& sender_;
-    GeometryBindings& bindings_;
-    CullingState& culling_;
-    DepthStates& depth_;
-    SamplerSettings& samplers_;
-    const EffectChoice& effects_;
+    GfxStates& states_;
+    const ShaderEffectChoice& effects_;
     DrawStatistics& statistics_;
     KRN_Texture* texture_ = nullptr;
     bool depth_test_ = false;

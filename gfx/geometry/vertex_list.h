@@ -9,7 +9,6 @@
 
 namespace sparkrig {
 
-class KRN_Gfx;
 class KRN_ShaderEffect;
 
 struct KRN_TLVertex {
@@ -35,6 +34,11 @@ struct KRN_PointVertex {
     static constexpr DWORD kFormat = 0x42;
     float x, y, z;
     D3DCOLOR diffuse;
+};
+
+/// A rectangle of the target, or of a picture, in its pixels.
+struct Quad2D {
+    float left, top, right, bottom;
 };
 
 enum class PrimitiveMode : std::int32_t {

@@ -7,12 +7,12 @@
 namespace sparkrig {
 
 bool VertexListDrawer::HardwareCanProcess(const VertexLayout& layout) const {
-    return graphics_.HardwareProcessing() &&
-           layout.weights <= static_cast<int>(graphics_.Caps().MaxVertexBlendMatrices);
+    return states_.Graphics().HardwareProcessing() &&
+           layout.weights <= static_cast<int>(states_.Graphics().Caps().MaxVertexBlendMatrices);
 }
 
 bool VertexListDrawer::Create(KRN_VertexList* list, UINT elements, int usage, bool system_memory) {
-    const KRN_Base& reporter = graphics_.Reporter();
+    const KRN_Base& reporter = states_.Graphics().Reporter();
     if (!list) reporter.Error("VertexList is NULL pointer");
     list->ReleaseBuffer();
     list->usage_ = static_cast<DWORD>(usage);
@@ -24,10 +24,10 @@ bool VertexListDrawer::Create(KRN_VertexList* list, UINT elements, int usage, bo
     const UINT stride = static_cast<UINT>(list->layout_.stride);
     HRESULT result = D3DERR_INVALIDCALL;   // for what a buffer cannot hold
     if (stride > 0 && elements <= std::numeric_limits<UINT>::max() / stride) {
-        result = graphics_.Device()->CreateVertexBuffer(stride * elements, list->usage_, list->layout_.format,
-                                                        list->pool_, list->buffer_.Receive());
+        result = states_.Graphics().Device()->CreateVertexBuffer(stride * elements, list->usage_, list->layout_.format,
+                                                                 list->pool_, list->buffer_.Receive());
     }
-    graphics_.Require(result, "CreateVertexBuffer in CreateVertexList failed: ");
+    states_.Graphics().Require(result, "CreateVertexBuffer in CreateVertexList failed: ");
     list->elements_ = elements;
     list->primitives_ = PrimitiveCount(reporter, static_cast<int>(list->mode_), elements);
     return true;
@@ -37,21 +37,21 @@ void VertexListDrawer::Draw(KRN_VertexList& list, UINT first, int count) {
     if (count == 0) return;
     const UINT primitives = count == -1 ? list.PrimitiveCount() : static_cast<UINT>(count);
     if (primitives > list.PrimitiveCount()) {
-        graphics_.Reporter().Error("Number of elements in DrawTriangleList too high! (%i)", count);
+        states_.Graphics().Reporter().Error("Number of elements in DrawTriangleList too high! (%i)", count);
     }
     if (primitives == 0) return;
-    bindings_.SetSoftwareProcessing(list.SoftwareProcessing());
-    transforms_.Set(D3DTS_WORLD, list.WorldMatrix());
-    if (list.PointSprites().sprites) points_.Apply(list.PointSprites(), false);
-    bindings_.SetStreamSource(list.Buffer(), static_cast<UINT>(list.Layout().stride),
-                              "SetStreamSource in DrawVertexList failed: ");
-    bindings_.SetVertexFormat(list.Layout().format);
+    states_.bindings.SetSoftwareProcessing(list.SoftwareProcessing());
+    states_.transforms.Set(D3DTS_WORLD, list.WorldMatrix());
+    if (list.PointSprites().sprites) states_.points.Apply(list.PointSprites(), false);
+    states_.bindings.SetStreamSource(list.Buffer(), static_cast<UINT>(list.Layout().stride),
+                                     "SetStreamSource in DrawVertexList failed: ");
+    states_.bindings.SetVertexFormat(list.Layout().format);
     DrawWithEffect(effects_.ForDraw(list.Effect()), {.blend_weights = list.Layout().weights}, [&] {
         statistics_.Count(primitives);
         if (statistics_.suppress_draws) return;
         const HRESULT result =
-            graphics_.Device()->DrawPrimitive(static_cast<D3DPRIMITIVETYPE>(list.Mode()), first, primitives);
-        graphics_.Require(result, "DrawPrimitive in DrawTriangleList failed: ");
+            states_.Graphics().Device()->DrawPrimitive(static_cast<D3DPRIMITIVETYPE>(list.Mode()), first, primitives);
+        states_.Graphics().Require(result, "DrawPrimitive in DrawTriangleList failed: ");
     });
 }
 

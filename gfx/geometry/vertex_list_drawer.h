@@ -3,22 +3,14 @@
 #include "gfx/device/draw_statistics.h"
 #include "gfx/geometry/vertex_list.h"
 #include "gfx/shaders/shader_effect_choice.h"
-#include "gfx/states/geometry_bindings.h"
-#include "gfx/states/point_sprites.h"
-#include "gfx/states/transforms.h"
+#include "gfx/states/gfx_states.h"
 
 namespace sparkrig {
 
 class VertexListDrawer {
   public:
-    VertexListDrawer(const GraphicsDevice& graphics, GeometryBindings& bindings, PointSprites& points,
-                     Transforms& transforms, const EffectChoice& effects, DrawStatistics& statistics)
-        : graphics_(graphics),
-          bindings_(bindings),
-          points_(points),
-          transforms_(transforms),
-          effects_(effects),
-          statistics_(statistics) {}
+    VertexListDrawer(GfxStates& states, const ShaderEffectChoice& effects, DrawStatistics& statistics)
+        : states_(states), effects_(effects), statistics_(statistics) {}
 
     /// Lets go of an old buffer. usage: D3DUSAGE_ flags, or -1 for what the list's point sprites need.
     bool Create(KRN_VertexList* list, UINT elements, int usage, bool system_memory);
@@ -28,11 +20,8 @@ class VertexListDrawer {
   private:
     bool HardwareCanProcess(const VertexLayout& layout) const;
 
-    const GraphicsDevice& graphics_;
-    GeometryBindings& bindings_;
-    PointSprites& points_;
-    Transforms& transforms_;
-    const EffectChoice& effects_;
+    GfxStates& states_;
+    const ShaderEffectChoice& effects_;
     DrawStatistics& statistics_;
 };
 

@@ -12,7 +12,7 @@ namespace sparkrig {
 class PassSwitch {
   public:
     PassSwitch(const GraphicsDevice& graphics, RenderTargets& targets, Transforms& transforms, ScreenBuffers& buffers,
-               EffectChoice& effects)
+               ShaderEffectChoice& effects)
         : graphics_(graphics), targets_(targets), transforms_(transforms), buffers_(buffers), effects_(effects) {}
 
     void Begin(const PassTarget& pass, KRN_ShaderEffect& effect);
@@ -46,7 +46,7 @@ class PassSwitch {
     RenderTargets& targets_;
     Transforms& transforms_;
     ScreenBuffers& buffers_;
-    EffectChoice& effects_;
+    ShaderEffectChoice& effects_;
     std::vector<OpenPass> open_;   // the innermost last
 };
 

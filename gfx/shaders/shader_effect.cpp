@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/shaders/shader_effect_context.h"
 #include "gfx/shaders/shader_effect_registry.h"
 #include "gfx/shaders/shader_effect_values.h"
 
@@ -32,7 +32,7 @@ bool KRN_ShaderEffect::SelectTechnique() {
     if (!registry_) return false;
     if (own_texture_coordinates_)
         for (DWORD stage = 0; stage < kStages; ++stage)
-            gfx_->Parts().sender.SendStageState(stage, D3DTSS_TEXCOORDINDEX, stage);
+            context_->states.sender.SendStageState(stage, D3DTSS_TEXCOORDINDEX, stage);
     ID3DXEffect& effect = *Effect();
     if (technique_ >= 0) return SUCCEEDED(effect.ValidateTechnique(effect.GetTechnique(static_cast<UINT>(technique_))));
     for (UINT i = 0; i < Data()->techniques; ++i) {
@@ -86,27 +86,27 @@ void KRN_ShaderEffect::SetParameter(D3DXHANDLE handle, IDirect3DTexture9* value)
 void KRN_ShaderEffect::ApplyFrameSemantics() {
     if (!registry_) return;
     ShaderEffectSettings& settings = registry_->settings;
-    const FrameCache& frames = gfx_->Parts().frame_cache;
+    const FrameCache& frames = context_->frame_cache;
     if (frames.Serves(Data()->filled_in)) return;
     Data()->filled_in = frames.frame;
-    FillFrameSemantics(*gfx_, *this, *Data(), settings);
-    FillResourceTextures(*gfx_, *this, *Data());
-    FillScreenTextures(*gfx_, *this, *Data());
+    FillFrameSemantics(*context_, *this, *Data(), settings);
+    FillResourceTextures(*context_, *this, *Data());
+    FillScreenTextures(*context_, *this, *Data());
 }
 
 void KRN_ShaderEffect::ApplyObjectSemantics(int blend_weights, std::span<const D3DXMATRIX> palette) {
     if (!registry_) return;
-    const FrameCache& frames = gfx_->Parts().frame_cache;
+    const FrameCache& frames = context_->frame_cache;
     if (frames.Serves(Data()->object_filled_in)) return;
     Data()->object_filled_in = frames.frame;
-    FillObjectSemantics(*gfx_, *this, *Data(), blend_weights, palette);
+    FillObjectSemantics(*context_, *this, *Data(), blend_weights, palette);
 }
 
 void KRN_ShaderEffect::ApplyLightSemantics() {
-    if (registry_) FillLightSemantics(*gfx_, *this, *Data());
+    if (registry_) FillLightSemantics(*context_, *this, *Data());
 }
 void KRN_ShaderEffect::ApplyMaterialSemantics() {
-    if (registry_) FillMaterialSemantics(*gfx_, *this, *Data());
+    if (registry_) FillMaterialSemantics(*context_, *this, *Data());
 }
 
 template <class Value>
@@ -161,7 +161,7 @@ int KRN_ShaderEffect::Begin() {
     if (!registry_) return 0;
     UINT passes = 0;
     Require(Effect()->Begin(&passes, 0), "Begin");
-    gfx_->Parts().sender.EffectBegun();
+    context_->states.sender.EffectBegun();
     Data()->begun_by = this;
     return static_cast<int>(passes);
 }
@@ -173,8 +173,8 @@ bool KRN_ShaderEffect::BeginPass(int pass) {
     if (target.init_pass && data.initialised) return false;
     Require(Effect()->BeginPass(static_cast<UINT>(pass)), "BeginPass");
     data.open_pass = pass;
-    data.passes_around = gfx_->Parts().pass_switch.Depth();
-    gfx_->Parts().pass_switch.Begin(target, *this);
+    data.passes_around = context_->pass_switch.Depth();
+    context_->pass_switch.Begin(target, *this);
     return true;
 }
 
@@ -189,7 +189,7 @@ void KRN_ShaderEffect::RepeatPass() {
 void KRN_ShaderEffect::EndPass() {
     if (!registry_) return;
     const HRESULT result = Effect()->EndPass();
-    if (std::exchange(Data()->open_pass, -1) >= 0) gfx_->Parts().pass_switch.End();
+    if (std::exchange(Data()->open_pass, -1) >= 0) context_->pass_switch.End();
     Require(result, "EndPass");
 }
 
@@ -197,7 +197,7 @@ void KRN_ShaderEffect::End() {
     if (!registry_) return;
     if (InPass()) EndPass();
     Data()->begun_by = nullptr;
-    Require(gfx_->Parts().sender.EffectEnded(Effect()->End()), "End");
+    Require(context_->states.sender.EffectEnded(Effect()->End()), "End");
     Data()->initialised = true;
     if (reapply_defaults_) ReapplyDefaults();
 }
@@ -207,9 +207,9 @@ void KRN_ShaderEffect::Abandon() {
     ShaderEffectData& data = *Data();
     if (data.open_pass >= 0) {
         data.effect->EndPass();
-        gfx_->Parts().pass_switch.UnwindTo(data.passes_around);
+        context_->pass_switch.UnwindTo(data.passes_around);
     }
-    gfx_->Parts().sender.EffectEnded(data.effect->End());
+    context_->states.sender.EffectEnded(data.effect->End());
     data.EndDrawing();
 }
 

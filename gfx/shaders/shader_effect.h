@@ -1,8 +1,8 @@
 // A compiled effect file whose parameters the engine fills by their semantics.
 //
 // Loaded by KRN_Gfx::LoadShaderEffect. To draw: fill the semantics, Begin, for each pass BeginPass, draw, EndPass, then
-// End. The drawers of KRN_Gfx do so by themselves (effect_passes.h). An effect without file, because none was loaded or
-// none was found, fills nothing, has no passes and takes no parameters.
+// End. The drawers of KRN_Gfx do so by themselves (shader_effect_passes.h). An effect without file, because none was
+// loaded or none was found, fills nothing, has no passes and takes no parameters.
 #pragma once
 #include <memory>
 #include <span>
@@ -13,9 +13,9 @@
 
 namespace sparkrig {
 
-class KRN_Gfx;
 class ShaderEffectRegistry;
 enum class Semantic;
+struct ShaderEffectContext;
 struct ShaderEffectData;
 struct TechniqueTargets;
 struct PassTarget;
@@ -100,7 +100,7 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
     template <class Value>
     bool SetNumbered(int number, const Value& value, Semantic first, Value (ShaderEffectData::*stored)[8]);
 
-    KRN_Gfx* gfx_ = nullptr;                           // borrowed
+    const ShaderEffectContext* context_ = nullptr;     // borrowed
     std::shared_ptr<ShaderEffectRegistry> registry_;   // of KRN_Gfx; null while nothing is loaded
     int registry_index_ = -1;
     int technique_ = -1;

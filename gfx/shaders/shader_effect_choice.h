@@ -6,7 +6,7 @@
 namespace sparkrig {
 
 /// Which shader effect the next draw uses. All are borrowed.
-class EffectChoice {
+class ShaderEffectChoice {
   public:
     /// Kept only while it is valid; otherwise, or for null, there is no current effect.
     void SetCurrent(KRN_ShaderEffect* effect) { current_ = effect && effect->IsValid() ? effect : nullptr; }

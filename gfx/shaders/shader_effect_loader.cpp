@@ -1,7 +1,7 @@
 #include "gfx/shaders/shader_effect_loader.h"
 
 #include "base/file_validator.h"
-#include "gfx/gfx.h"
+#include "gfx/shaders/shader_effect_context.h"
 #include "gfx/shaders/shader_effect_registry.h"
 #include "gfx/textures/texture_paths.h"
 #include "platform/system/system.h"
@@ -10,20 +10,22 @@ namespace sparkrig {
 
 namespace {
 
-void ReportFailure(const KRN_Gfx& gfx, const char* file, HRESULT result, ID3DXBuffer* errors) {
+void ReportFailure(const KRN_Base& reporter, const char* file, HRESULT result, ID3DXBuffer* errors) {
     const char* const name = DXGetErrorString9(result);
-    if (!errors || errors->GetBufferSize() <= 1) gfx.Error("Could not compile effect from file '%s': '%s'", file, name);
-    gfx.Error("Could not compile effect from file '%s': '%s'\n\n%s", file, name,
-              static_cast<const char*>(errors->GetBufferPointer()));
+    if (!errors || errors->GetBufferSize() <= 1)
+        reporter.Error("Could not compile effect from file '%s': '%s'", file, name);
+    reporter.Error("Could not compile effect from file '%s': '%s'\n\n%s", file, name,
+                   static_cast<const char*>(errors->GetBufferPointer()));
 }
 
 /// `remarks` gets what the compiler says about an effect that it made: the functions that can not run.
-DevicePtr<ID3DXEffect> Compile(const KRN_Gfx& gfx, const char* file, DWORD flags, bool use_pool, std::string& remarks) {
+DevicePtr<ID3DXEffect> Compile(const GraphicsDevice& graphics, const char* file, DWORD flags, bool use_pool,
+                               std::string& remarks) {
     DevicePtr<ID3DXEffect> effect;
     DevicePtr<ID3DXBuffer> errors;
-    const HRESULT result = D3DXCreateEffectFromFileA(gfx.Device(), file, flags, use_pool ? gfx.EffectPool() : nullptr,
-                                                     effect.Receive(), errors.Receive());
-    if (FAILED(result)) ReportFailure(gfx, file, result, errors.Get());
+    const HRESULT result = D3DXCreateEffectFromFileA(
+        graphics.Device(), file, flags, use_pool ? graphics.EffectPool() : nullptr, effect.Receive(), errors.Receive());
+    if (FAILED(result)) ReportFailure(graphics.Reporter(), file, result, errors.Get());
     if (errors) remarks = static_cast<const char*>(errors->GetBufferPointer());
     while (remarks.ends_with('\n')) remarks.pop_back();
     return effect;
@@ -49,7 +51,7 @@ void ReadNumberedParameters(ShaderEffectData& data) {
     }
 }
 
-std::unique_ptr<ShaderEffectData> Describe(const KRN_Gfx& gfx, DevicePtr<ID3DXEffect> effect) {
+std::unique_ptr<ShaderEffectData> Describe(const KRN_Base& reporter, DevicePtr<ID3DXEffect> effect) {
     auto data = std::make_unique<ShaderEffectData>();
     data->effect = std::move(effect);
     D3DXEFFECT_DESC desc = {};
@@ -60,13 +62,14 @@ std::unique_ptr<ShaderEffectData> Describe(const KRN_Gfx& gfx, DevicePtr<ID3DXEf
     for (std::size_t i = 0; i < kSemantics; ++i) data->light_semantics |= data->handles[i] && IsLightSemantic(i);
     FindResourceTextures(*data);
     ReadNumberedParameters(*data);
-    data->targets = ReadPassTargets(gfx, *data->effect);
+    data->targets = ReadPassTargets(reporter, *data->effect);
     return data;
 }
 
 }   // namespace
 
-ShaderEffectLoader::ShaderEffectLoader(KRN_Gfx& gfx) : gfx_(gfx), registry_(std::make_shared<ShaderEffectRegistry>()) {}
+ShaderEffectLoader::ShaderEffectLoader(const ShaderEffectContext& context)
+    : context_(context), registry_(std::make_shared<ShaderEffectRegistry>()) {}
 ShaderEffectLoader::~ShaderEffectLoader() = default;
 
 std::string ShaderEffectLoader::Find(const char* file) const {
@@ -77,7 +80,7 @@ std::string ShaderEffectLoader::Find(const char* file) const {
 
 bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool required, DWORD flags, bool use_pool) {
     effect.Release();
-    effect.gfx_ = &gfx_;
+    effect.context_ = &context_;
     CFileValidator().CheckPath(name);   // such a file is loaded nevertheless
     const std::string found = Find(name);
     const char* const file = found.c_str();
@@ -90,17 +93,18 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
         return true;
     }
     if (!FileExists(file)) {
-        if (required) gfx_.Error("Shader effect file '%s' not found", file);
-        gfx_.Warning("Shader effect file '%s' not found", file);
+        if (required) context_.Reporter().Error("Shader effect file '%s' not found", file);
+        context_.Reporter().Warning("Shader effect file '%s' not found", file);
         return false;
     }
     std::string remarks;
-    effect.registry_index_ = registry_->Add(Describe(gfx_, Compile(gfx_, file, flags, use_pool, remarks)), key);
+    DevicePtr<ID3DXEffect> compiled = Compile(context_.Graphics(), file, flags, use_pool, remarks);
+    effect.registry_index_ = registry_->Add(Describe(context_.Reporter(), std::move(compiled)), key);
     effect.registry_ = registry_;
     effect.Data()->not_valid = !effect.SelectTechnique();
     effect.Data()->technique = effect.Technique();
-    if (!effect.IsValid() && !remarks.empty()) gfx_.Warning("%s", remarks.c_str());   // why not
-    if (!effect.IsValid()) gfx_.Warning("Shader could not be validated for this GPU: '%s'", file);
+    if (!effect.IsValid() && !remarks.empty()) context_.Reporter().Warning("%s", remarks.c_str());   // why not
+    if (!effect.IsValid()) context_.Reporter().Warning("Shader could not be validated for this GPU: '%s'", file);
     return true;
 }
 

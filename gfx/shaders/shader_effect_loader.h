@@ -9,13 +9,14 @@
 namespace sparkrig {
 
 class ShaderEffectRegistry;
+struct ShaderEffectContext;
 
 class ShaderEffectLoader {
   public:
     using GameTimeSource = float (*)();   // seconds
 
-    /// Reports through `gfx`, which must outlive the loader.
-    explicit ShaderEffectLoader(KRN_Gfx& gfx);
+    /// What the effects use; it outlives the loader.
+    explicit ShaderEffectLoader(const ShaderEffectContext& context);
     ~ShaderEffectLoader();
     ShaderEffectLoader(const ShaderEffectLoader&) = delete;
     ShaderEffectLoader& operator=(const ShaderEffectLoader&) = delete;
@@ -42,7 +43,7 @@ class ShaderEffectLoader {
     /// The name under which the file can be opened; the name itself when it is nowhere.
     std::string Find(const char* file) const;
 
-    KRN_Gfx& gfx_;
+    const ShaderEffectContext& context_;
     std::string program_folder_;
     std::shared_ptr<ShaderEffectRegistry> registry_;   // and of every loaded effect
 };

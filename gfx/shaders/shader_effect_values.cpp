@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/shaders/shader_effect.h"
+#include "gfx/shaders/shader_effect_context.h"
 #include "gfx/textures/texture.h"
 
 namespace sparkrig {
@@ -55,21 +56,23 @@ constexpr MatrixRow kMatrixRows[] = {
 
 struct FloatRow {
     Semantic semantic;
-    float (*value)(const KRN_Gfx& gfx, ShaderEffectSettings& settings);
+    float (*value)(const ShaderEffectContext& context, ShaderEffectSettings& settings);
 };
 
-float DeviceTime(const KRN_Gfx& gfx, ShaderEffectSettings&) { return static_cast<float>(gfx.DeviceSeconds()); }
+float DeviceTime(const ShaderEffectContext& context, ShaderEffectSettings&) {
+    return static_cast<float>(context.Graphics().Environment().seconds() - context.frames.Created());
+}
 
-float ElapsedTime(const KRN_Gfx& gfx, ShaderEffectSettings&) {
-    const float rate = gfx.GetFrameRate();
+float ElapsedTime(const ShaderEffectContext& context, ShaderEffectSettings&) {
+    const float rate = context.frames.Rate();
     return rate > 0 ? 1 / rate : 0;
 }
 
-float GameTime(const KRN_Gfx& gfx, ShaderEffectSettings& settings) {
-    return settings.game_time ? settings.game_time() : DeviceTime(gfx, settings);
+float GameTime(const ShaderEffectContext& context, ShaderEffectSettings& settings) {
+    return settings.game_time ? settings.game_time() : DeviceTime(context, settings);
 }
 
-float RandomNumber(const KRN_Gfx&, ShaderEffectSettings& settings) {
+float RandomNumber(const ShaderEffectContext&, ShaderEffectSettings& settings) {
     return static_cast<float>(std::uniform_real_distribution<double>(0, 1)(settings.random));
 }
 
@@ -82,18 +85,20 @@ constexpr FloatRow kFloatRows[] = {
 
 struct VectorRow {
     Semantic semantic;
-    D3DXVECTOR4 (*value)(const KRN_Gfx& gfx, const Views& views);
+    D3DXVECTOR4 (*value)(const ShaderEffectContext& context, const Views& views);
 };
 
-D3DXVECTOR4 ViewPosition(const KRN_Gfx&, const Views& views) {
+D3DXVECTOR4 ViewPosition(const ShaderEffectContext&, const Views& views) {
     const D3DXMATRIX inverse = Inverse(views.view);
     return {inverse.m[3][0], inverse.m[3][1], inverse.m[3][2], inverse.m[3][3]};
 }
 
-D3DXVECTOR4 FogStartEnd(const KRN_Gfx& gfx, const Views&) { return {gfx.Fog().start, gfx.Fog().end, 0, 0}; }
+D3DXVECTOR4 FogStartEnd(const ShaderEffectContext& context, const Views&) {
+    return {context.states.fog.Settings().start, context.states.fog.Settings().end, 0, 0};
+}
 
-D3DXVECTOR4 InverseViewport(const KRN_Gfx& gfx, const Views&) {
-    const D3DVIEWPORT9& viewport = gfx.Viewport();
+D3DXVECTOR4 InverseViewport(const ShaderEffectContext& context, const Views&) {
+    const D3DVIEWPORT9& viewport = context.states.transforms.Viewport();
     const auto inverse = [](DWORD size) { return size > 0 ? 1 / static_cast<float>(size) : 0; };
     return {inverse(viewport.Width), inverse(viewport.Height), 0, 0};
 }
@@ -169,14 +174,14 @@ void AddOmni(const D3DLIGHT9& light, LightArrays& arrays) {
     arrays.attenuation[i] = {light.Attenuation0, light.Attenuation1, light.Attenuation2, 0};
 }
 
-LightArrays ScanLights(GfxParts& parts) {
+LightArrays ScanLights(const GfxStates& states) {
     LightArrays arrays;
-    const LightingState& lighting = parts.lighting;
+    const LightingState& lighting = states.lighting;
     const D3DCOLOR unlit = lighting.Colour() ? *lighting.Colour() : 0;
     arrays.ambient = ColourVector(lighting.On() ? lighting.Ambient() : unlit);
     for (int i = 0; i < LightSlots::kCount; ++i) {
-        if (!parts.lights.Enabled(i)) continue;
-        const D3DLIGHT9& light = parts.lights.Light(i);
+        if (!states.lights.Enabled(i)) continue;
+        const D3DLIGHT9& light = states.lights.Light(i);
         if (light.Type == D3DLIGHT_DIRECTIONAL) AddDirectional(light, arrays);
         if (light.Type == D3DLIGHT_POINT || light.Type == D3DLIGHT_SPOT) AddOmni(light, arrays);
     }
@@ -185,50 +190,51 @@ LightArrays ScanLights(GfxParts& parts) {
 
 }   // namespace
 
-void FillFrameSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data,
+void FillFrameSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data,
                         ShaderEffectSettings& settings) {
-    const Views views = {gfx.WorldMatrix(), gfx.ViewMatrix(), gfx.ProjectionMatrix()};
+    const Transforms& transforms = context.states.transforms;
+    const Views views = {transforms.World(), transforms.View(), transforms.Projection()};
     for (const MatrixRow& row : kMatrixRows)
         if (const D3DXHANDLE handle = data.Handle(row.semantic)) effect.SetParameter(handle, row.value(views));
     for (const FloatRow& row : kFloatRows)
-        if (const D3DXHANDLE handle = data.Handle(row.semantic)) effect.SetParameter(handle, row.value(gfx, settings));
+        if (const D3DXHANDLE handle = data.Handle(row.semantic))
+            effect.SetParameter(handle, row.value(context, settings));
     for (const VectorRow& row : kVectorRows)
-        if (const D3DXHANDLE handle = data.Handle(row.semantic)) effect.SetParameter(handle, row.value(gfx, views));
+        if (const D3DXHANDLE handle = data.Handle(row.semantic)) effect.SetParameter(handle, row.value(context, views));
 }
 
-void FillResourceTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
+void FillResourceTextures(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
     for (const ShaderEffectData::ResourceTexture& resource : data.resource_textures) {
         const char* file = nullptr;
         if (FAILED(data.effect->GetString(resource.resource_name, &file))) continue;   // a number: names no file
         const std::string name = CatalogueName(file);
-        KRN_Texture* texture = gfx.Catalogue().GetTexture(name.c_str());
-        if (!texture && gfx.Catalogue().Add(name.c_str(), file, 0, true))
-            texture = gfx.Catalogue().GetTexture(name.c_str());
+        KRN_Texture* texture = context.catalogue.GetTexture(name.c_str());
+        if (!texture && context.catalogue.Add(name.c_str(), file, 0, true))
+            texture = context.catalogue.GetTexture(name.c_str());
         effect.SetParameter(resource.parameter, texture ? texture->DeviceTexture() : nullptr);
     }
 }
 
-void FillScreenTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
-    GfxParts& parts = gfx.Parts();
+void FillScreenTextures(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
     const D3DXHANDLE copy = data.Handle(Semantic::ScreenCopy);
-    if (copy && !parts.post_render.Drawing() && !parts.pass_switch.Buffer())
-        effect.SetParameter(copy, parts.screen_buffers.GetScreenCopy(true));
+    if (copy && !context.post_render.Drawing() && !context.pass_switch.Buffer())
+        effect.SetParameter(copy, context.screen_buffers.GetScreenCopy(true));
     for (const BufferRow& row : kBufferRows)
         if (const D3DXHANDLE handle = data.Handle(row.semantic))
-            effect.SetParameter(handle, parts.screen_buffers.GetScreenBufferTexture(row.kind, row.index));
+            effect.SetParameter(handle, context.screen_buffers.GetScreenBufferTexture(row.kind, row.index));
 }
 
-void FillObjectSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data, int blend_weights,
-                         std::span<const D3DXMATRIX> palette) {
+void FillObjectSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data,
+                         int blend_weights, std::span<const D3DXMATRIX> palette) {
     if (const D3DXHANDLE handle = data.Handle(Semantic::NumBlendWeights))
         effect.SetParameter(handle, static_cast<float>(blend_weights));
     const D3DXHANDLE handle = data.Handle(Semantic::WorldMatrixArray);
-    const std::size_t room = std::size_t{gfx.Caps().MaxVertexBlendMatrixIndex} + 1;
+    const std::size_t room = std::size_t{context.Graphics().Caps().MaxVertexBlendMatrixIndex} + 1;
     if (handle && !palette.empty()) effect.SetParameter(handle, palette.first(std::min(palette.size(), room)));
 }
 
-void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
-    const LightArrays arrays = ScanLights(gfx.Parts());
+void FillLightSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
+    const LightArrays arrays = ScanLights(context.states);
     const auto set_number = [&](Semantic semantic, int value) {
         if (const D3DXHANDLE handle = data.Handle(semantic)) effect.SetParameter(handle, static_cast<float>(value));
     };
@@ -248,18 +254,18 @@ void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffe
     if (const D3DXHANDLE handle = data.Handle(Semantic::AmbientColor)) effect.SetParameter(handle, arrays.ambient);
 }
 
-void FillMaterialSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
-    const D3DMATERIAL9& material = gfx.Parts().lighting.Material();
-    const TextureStages::Map diffuse = gfx.Parts().texture_stages.DiffuseMap();
-    const TextureStages::Map normal = gfx.Parts().texture_stages.MapOf(MapKind::Bump);
-    const TextureStages::Map reflection = gfx.Parts().texture_stages.ReflectionMap();
+void FillMaterialSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data) {
+    const D3DMATERIAL9& material = context.states.lighting.Material();
+    const TextureStages::Map diffuse = context.textures.DiffuseMap();
+    const TextureStages::Map normal = context.textures.MapOf(MapKind::Bump);
+    const TextureStages::Map reflection = context.textures.ReflectionMap();
     const auto set = [&](Semantic semantic, const auto& value) {
         if (const D3DXHANDLE handle = data.Handle(semantic)) effect.SetParameter(handle, value);
     };
     set(Semantic::DiffuseMap, diffuse.texture);
     set(Semantic::NormalMap, normal.texture);
     set(Semantic::TextureMatrix, diffuse.matrix);
-    set(Semantic::Opacity, static_cast<float>(gfx.BlendingAlpha()) / 255);
+    set(Semantic::Opacity, static_cast<float>(context.states.blending.Alpha()) / 255);
     set(Semantic::ReflectionMapType, static_cast<float>(reflection.kind));
     set(Semantic::ReflectionMap, reflection.texture);
     set(Semantic::TransformReflectionMap, reflection.matrix);

@@ -1,4 +1,4 @@
-// The values that parameters get by their semantics, from what the graphics device holds.
+// The values that parameters get by their semantics, from what the device and the program around it hold.
 #pragma once
 #include <span>
 
@@ -6,19 +6,19 @@
 
 namespace sparkrig {
 
-class KRN_Gfx;
 class KRN_ShaderEffect;
+struct ShaderEffectContext;
 
 /// The matrices, times, fog and viewport values of this moment.
-void FillFrameSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data,
+void FillFrameSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data,
                         ShaderEffectSettings& settings);
 /// The textures that "ResourceName" annotations name, through the texture catalogue.
-void FillResourceTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillResourceTextures(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 /// The copy of the screen, unless a pass that reads it is being drawn already, and the screen buffers.
-void FillScreenTextures(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
-void FillObjectSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data, int blend_weights,
-                         std::span<const D3DXMATRIX> palette);
-void FillLightSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
-void FillMaterialSemantics(KRN_Gfx& gfx, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillScreenTextures(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillObjectSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data,
+                         int blend_weights, std::span<const D3DXMATRIX> palette);
+void FillLightSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data);
+void FillMaterialSemantics(const ShaderEffectContext& context, KRN_ShaderEffect& effect, const ShaderEffectData& data);
 
 }   // namespace sparkrig

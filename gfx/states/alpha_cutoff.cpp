@@ -2,7 +2,7 @@
 
 namespace sparkrig {
 
-void AlphaTest::Set(int mode, int reference) {
+void AlphaCutoff::Set(int mode, int reference) {
     mode_ = mode;
     reference_ = reference;
     if (mode != 0) mode_when_on_ = mode;

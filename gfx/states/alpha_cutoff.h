@@ -5,9 +5,9 @@ namespace sparkrig {
 
 /// Leaves out pixels by their alpha: mode 0 none, 255 those whose alpha differs from the reference, others those whose
 /// alpha is not above it.
-class AlphaTest {
+class AlphaCutoff {
   public:
-    explicit AlphaTest(StateSender& sender) : sender_(sender) {}
+    explicit AlphaCutoff(StateSender& sender) : sender_(sender) {}
 
     void Set(int mode, int reference);
     /// Off, or on as it last was (mode 1 at first), with the kept reference.

@@ -1,8 +1,17 @@
 #pragma once
-#include "gfx/states/gfx_types.h"
 #include "gfx/states/state_sender.h"
 
 namespace sparkrig {
+
+/// How far things fade into one colour. start and end, for linear fog, in units of the world; density for the others.
+struct FogSettings {
+    D3DCOLOR colour = 0;
+    DWORD mode = D3DFOG_EXP;
+    bool vertex_fog = true;   // computed for vertices, by their distance from the eye; else for pixels, by their depth
+    float start = 0.0f, end = 1.0f;
+    float density = 0.5f;
+    bool operator==(const FogSettings&) const = default;
+};
 
 class FogState {
   public:

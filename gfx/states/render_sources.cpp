@@ -7,23 +7,23 @@ int RenderSources::Set(int source, int stage, D3DCOLOR colour) {
     const DWORD s = static_cast<DWORD>(stage);
     switch (source) {
         case -1:
-        case kTextureDiffuse:
+        case kSourceTextureDiffuse:
             sender_.SetStageState(s, D3DTSS_COLOROP, D3DTOP_MODULATE);
             sender_.SetStageState(s, D3DTSS_COLORARG1, D3DTA_TEXTURE);
             sender_.SetStageState(s, D3DTSS_COLORARG2, D3DTA_DIFFUSE);
             break;
-        case kDiffuse:
+        case kSourceDiffuse:
             sender_.SetStageState(s, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
             sender_.SetStageState(s, D3DTSS_COLORARG2, D3DTA_DIFFUSE);
             break;
-        case kFactor:
+        case kSourceFactor:
             sender_.SetStageState(s, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
             sender_.SetStageState(s, D3DTSS_COLORARG2, D3DTA_TFACTOR);
             factor_.Set(colour);
             break;
         default: sender_.Reporter().Error("Invalid render source selected");
     }
-    sources_[stage] = source == -1 ? kTextureDiffuse : source;
+    sources_[stage] = source == -1 ? kSourceTextureDiffuse : source;
     return 1;
 }
 

@@ -1,17 +1,16 @@
 // Where a texture stage takes its colour from.
 #pragma once
+#include "gfx/states/modes.h"
 #include "gfx/states/texture_factor.h"
 
 namespace sparkrig {
 
 class RenderSources {
   public:
-    /// Source 1 (or -1): texture x diffuse; 2: diffuse; 3: the texture factor, which becomes `colour`.
-    static constexpr int kTextureDiffuse = 1, kDiffuse = 2, kFactor = 3;
-
     RenderSources(StateSender& sender, TextureFactor& factor) : sender_(sender), factor_(factor) {}
 
-    /// Another source, or a stage outside 0 to 7, is an error.
+    /// -1 counts as kSourceTextureDiffuse; the texture factor of kSourceFactor becomes `colour`. Another source, or a
+    /// stage outside 0 to 7, is an error.
     int Set(int source, int stage, D3DCOLOR colour);
     int Source(int stage) const { return sources_[stage]; }
     /// After a reset: stage 0 again; the later ones are set up with the textures bound to them.

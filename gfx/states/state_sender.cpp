@@ -14,7 +14,6 @@ void StateCache::Forget() {
     textures.fill(std::nullopt);
     lights.fill(std::nullopt);
     lights_on.fill(std::nullopt);
-    viewport.reset();
 }
 
 void StateSender::SendRenderState(D3DRENDERSTATETYPE state, DWORD value) {
@@ -100,13 +99,6 @@ void StateSender::SetLightEnable(DWORD index, bool on) {
     Note({Sent::Kind::LightEnable, index});
 }
 
-HRESULT StateSender::TryViewport(const D3DVIEWPORT9& viewport) {
-    if (cache_.viewport == viewport) return D3D_OK;
-    const HRESULT result = Device().SetViewport(&viewport);
-    if (SUCCEEDED(result)) cache_.viewport = viewport;
-    return result;
-}
-
 // ---- Around effects
 
 void StateSender::Forget() {
@@ -149,9 +141,7 @@ HRESULT StateSender::EffectEnded(HRESULT ended) {
     HRESULT result = ended;
     for (auto sent = sent_.begin() + since; SUCCEEDED(result) && sent != sent_.end(); ++sent) result = SendAgain(*sent);
     if (FAILED(result)) {
-        const std::optional<D3DVIEWPORT9> viewport = cache_.viewport;   // effects leave it alone
         cache_.Forget();
-        cache_.viewport = viewport;
         sent_.clear();
         std::ranges::fill(marks_, std::size_t{0});
     } else if (Knows()) {

@@ -37,7 +37,6 @@ class StateCache {
     std::array<std::optional<DevicePtr<IDirect3DTexture9>>, kTextureStages> textures;   // by stage
     std::array<std::optional<D3DLIGHT9>, kLights> lights;
     std::array<std::optional<bool>, kLights> lights_on;
-    std::optional<D3DVIEWPORT9> viewport;   // a new render target changes it
 
   private:
     using Value = std::int64_t;   // wider than any state, so that no value looks unknown
@@ -77,7 +76,6 @@ class StateSender {
     /// Lights are 0 to 7.
     void SendLight(DWORD index, const D3DLIGHT9& light);
     void SetLightEnable(DWORD index, bool on);
-    HRESULT TryViewport(const D3DVIEWPORT9& viewport);
 
     /// Right after an effect's Begin and End, which nest. `ended` is the answer of End; the first failure is returned,
     /// and after one nothing is known any more.

@@ -60,7 +60,7 @@ void Transforms::MirrorProjection() {
 }
 
 HRESULT Transforms::SetViewport(const D3DVIEWPORT9& viewport) {
-    const HRESULT result = sender_.TryViewport(viewport);
+    const HRESULT result = targets_.SetViewport(viewport);
     if (SUCCEEDED(result)) viewport_ = viewport;
     return result;
 }

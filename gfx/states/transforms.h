@@ -1,5 +1,6 @@
 // World, view and projection, the viewport, and what follows from them: the camera, rays, and what is in view.
 #pragma once
+#include "gfx/device/render_targets.h"
 #include "gfx/states/culling.h"
 #include "gfx/states/state_sender.h"
 #include "platform/d3dx/d3dx_math.h"
@@ -12,7 +13,8 @@ class Transforms {
     static constexpr float kFieldOfView = 0.7854f;   // radians, of the projection after creation and reset
     static constexpr float kDerivedAspect = -1.0f;
 
-    Transforms(StateSender& sender, CullingState& culling) : sender_(sender), culling_(culling) {}
+    Transforms(StateSender& sender, CullingState& culling, RenderTargets& targets)
+        : sender_(sender), culling_(culling), targets_(targets) {}
 
     /// A projection is scaled so that its element _34 is 1. World, view and projection are kept.
     void Set(D3DTRANSFORMSTATETYPE kind, const D3DXMATRIX& matrix);
@@ -44,6 +46,7 @@ class Transforms {
 
     StateSender& sender_;
     CullingState& culling_;
+    RenderTargets& targets_;
     D3DXMATRIX world_ = kIdentityMatrix, view_ = kIdentityMatrix, projection_ = kIdentityMatrix;
     float near_ = 1.0f, far_ = 10000.0f;
     float aspect_factor_ = 1.0f;

@@ -59,23 +59,23 @@ RECT TextDrawer::VisibleRectangle(const KRN_PrintfContainer& text, const RECT& r
 }
 
 void TextDrawer::Draw(KRN_PrintfContainer& text, const RECT& rectangle, float scroll_x, float scroll_y) {
-    const int culling = culling_.Mode();
-    const DWORD mag_filter = samplers_.MagFilter(0), min_filter = samplers_.MinFilter(0);
-    const D3DVIEWPORT9 viewport = transforms_.Viewport();
+    const int culling = states_.culling.Mode();
+    const DWORD mag_filter = states_.samplers.MagFilter(0), min_filter = states_.samplers.MinFilter(0);
+    const D3DVIEWPORT9 viewport = states_.transforms.Viewport();
     const auto draw = [&] {
-        culling_.Set(0);
-        depth_.PushOff();
-        samplers_.SetMinFilter(D3DTEXF_POINT, 0);
-        samplers_.SetMagFilter(D3DTEXF_POINT, 0);
+        states_.culling.Set(0);
+        states_.depth.PushOff();
+        states_.samplers.SetMinFilter(D3DTEXF_POINT, 0);
+        states_.samplers.SetMagFilter(D3DTEXF_POINT, 0);
         DrawVisible(text, rectangle, scroll_x, scroll_y);
     };
     WithRestore(draw, [&] {
         Abandon();
-        transforms_.SetViewport(viewport);
-        samplers_.SetMinFilter(min_filter, 0);
-        samplers_.SetMagFilter(mag_filter, 0);
-        depth_.PopOff();
-        culling_.Set(culling);
+        states_.transforms.SetViewport(viewport);
+        states_.samplers.SetMinFilter(min_filter, 0);
+        states_.samplers.SetMagFilter(mag_filter, 0);
+        states_.depth.PopOff();
+        states_.culling.Set(culling);
     });
 }
 
@@ -89,7 +89,7 @@ void TextDrawer::DrawVisible(KRN_PrintfContainer& text, const RECT& rectangle, f
                                static_cast<DWORD>(visible.bottom - visible.top),
                                0.0f,
                                1.0f};
-    if (SUCCEEDED(transforms_.SetViewport(clip))) DrawLines(text, visible, scroll_x, scroll_y);
+    if (SUCCEEDED(states_.transforms.SetViewport(clip))) DrawLines(text, visible, scroll_x, scroll_y);
 }
 
 void TextDrawer::DrawLines(const KRN_PrintfContainer& text, const RECT& visible, float scroll_x, float scroll_y) {

@@ -3,10 +3,7 @@
 #include <optional>
 
 #include "gfx/geometry/vertex_list_drawer.h"
-#include "gfx/states/culling.h"
-#include "gfx/states/depth_states.h"
-#include "gfx/states/sampler_settings.h"
-#include "gfx/states/transforms.h"
+#include "gfx/states/gfx_states.h"
 #include "gfx/text/printf_container.h"
 #include "gfx/textures/texture_stages.h"
 
@@ -16,14 +13,8 @@ class TextDrawer {
   public:
     static constexpr UINT kGlyphsPerBatch = 256, kVerticesPerGlyph = 6;
 
-    TextDrawer(CullingState& culling, DepthStates& depth, SamplerSettings& samplers, Transforms& transforms,
-               TextureStages& textures, VertexListDrawer& lists)
-        : culling_(culling),
-          depth_(depth),
-          samplers_(samplers),
-          transforms_(transforms),
-          textures_(textures),
-          lists_(lists) {}
+    TextDrawer(GfxStates& states, TextureStages& textures, VertexListDrawer& lists)
+        : states_(states), textures_(textures), lists_(lists) {}
 
     /// With the device.
     void CreateVertexList();
@@ -43,10 +34,7 @@ class TextDrawer {
     /// No font, and nothing waits.
     void Abandon();
 
-    CullingState& culling_;
-    DepthStates& depth_;
-    SamplerSettings& samplers_;
-    Transforms& transforms_;
+    GfxStates& states_;
     TextureStages& textures_;
     VertexListDrawer& lists_;
     KRN_VertexListTemp<KRN_TLVertex> vertices_{PrimitiveMode::TriangleList};

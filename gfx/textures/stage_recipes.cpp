@@ -43,8 +43,8 @@ const char* WhyNotAtStage(MapKind kind, int stage, MapKind first) {
 StageRecipe RecipeOf(MapKind kind, int stage, int render_source) {
     const KindRow& row = RowOf(kind);
     if (stage > 0) return row.later;
-    if (kind != MapKind::Diffuse || render_source == RenderSources::kTextureDiffuse) return row.first;
-    return {D3DTOP_SELECTARG2, D3DTA_TEXTURE, render_source == RenderSources::kFactor ? D3DTA_TFACTOR : D3DTA_DIFFUSE};
+    if (kind != MapKind::Diffuse || render_source == kSourceTextureDiffuse) return row.first;
+    return {D3DTOP_SELECTARG2, D3DTA_TEXTURE, render_source == kSourceFactor ? D3DTA_TFACTOR : D3DTA_DIFFUSE};
 }
 
 }   // namespace sparkrig

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/numeric.h"
+#include "gfx/device/graphics_device.h"
 #include "gfx/device/surface.h"
-#include "gfx/gfx.h"
 #include "gfx/textures/texture_registry.h"
 #include "platform/d3dx/d3dx_texture.h"
 
@@ -94,7 +94,7 @@ void KRN_Texture::Clear(D3DCOLOR colour, const RECT* rectangle) {
     D3DSURFACE_DESC desc;
     const HRESULT result = surface->GetDesc(&desc);
     if (FAILED(result)) Error("GetDesc failed: %s", DXGetErrorString9(result));
-    if (desc.Pool == D3DPOOL_DEFAULT) return FillSurface(*this, *gfx_->Device(), *surface, rectangle, colour);
+    if (desc.Pool == D3DPOOL_DEFAULT) return FillSurface(*this, *graphics_->Device(), *surface, rectangle, colour);
     if (rectangle) Error("Clear: rec only valid for D3DPOOL_DEFAULT surfaces");
     Lock(nullptr, 0);
     FillLocked(colour);
@@ -122,7 +122,7 @@ DevicePtr<IDirect3DTexture9> KRN_Texture::Lockable(IDirect3DTexture9& texture, c
     if (lockable || file.empty()) return DevicePtr<IDirect3DTexture9>::Share(&texture);
     DevicePtr<IDirect3DTexture9> copy;
     const UINT width = InUse().texture_width, height = InUse().texture_height, levels = mip_level_ + 1;
-    const HRESULT result = D3DXCreateTextureFromFileExA(gfx_->Device(), file.c_str(), width, height, levels, 0,
+    const HRESULT result = D3DXCreateTextureFromFileExA(graphics_->Device(), file.c_str(), width, height, levels, 0,
                                                         desc.Format, D3DPOOL_SYSTEMMEM, D3DX_FILTER_LINEAR,
                                                         D3DX_FILTER_BOX, 0, nullptr, copy.Receive());
     if (FAILED(result))
@@ -161,7 +161,7 @@ bool KRN_Texture::SelectLayer(int layer, bool apply) {
     if (!frames_.empty()) Error("No stages with texture sequence allowed");
     if (layer < 0 || layer >= kLayers) Error("Invalid texture stage selected: %i", layer);
     current_layer_ = layer;
-    if (apply && gfx_) gfx_->SetTexture(this, layer);
+    if (apply && binder_) binder_->SetTexture(this, layer);
     return true;
 }
 
@@ -208,9 +208,10 @@ void KRN_Texture::Update(float t) {
 
 // ---- For the loader
 
-void KRN_Texture::Attach(KRN_Gfx& gfx, TextureRegistry& registry) {
-    gfx_ = &gfx;
+void KRN_Texture::Attach(const GraphicsDevice& graphics, TextureRegistry& registry, TextureBinder& binder) {
+    graphics_ = &graphics;
     registry_ = &registry;
+    binder_ = &binder;
 }
 
 void KRN_Texture::ReleasePicture(Picture& picture) {

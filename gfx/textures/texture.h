@@ -14,8 +14,18 @@
 
 namespace sparkrig {
 
-class KRN_Gfx;
+class GraphicsDevice;
+class KRN_Texture;
 class TextureRegistry;
+
+/// Who binds textures to the device's stages.
+class TextureBinder {
+  public:
+    virtual void SetTexture(KRN_Texture* texture, int stage) = 0;
+
+  protected:
+    ~TextureBinder() = default;
+};
 
 /// What a layer does to the picture. Kind 1 stands at any stage, 3 and 6 at stage 0 only.
 enum class MapKind : std::int32_t {
@@ -151,7 +161,7 @@ class KRN_Texture final : public KRN_SurfaceBase {
     DevicePtr<IDirect3DTexture9> Lockable(IDirect3DTexture9& texture, const D3DSURFACE_DESC& desc) const;
 
     // For the loader.
-    void Attach(KRN_Gfx& gfx, TextureRegistry& registry);
+    void Attach(const GraphicsDevice& graphics, TextureRegistry& registry, TextureBinder& binder);
     void ReleasePicture(Picture& picture);
     /// The picture in use, and what is known of its file.
     void ReleaseCurrent();
@@ -163,8 +173,10 @@ class KRN_Texture final : public KRN_SurfaceBase {
     /// In place of the sequence that was.
     void ShowFrames(std::vector<Picture> frames);
 
-    KRN_Gfx* gfx_ = nullptr;                // borrowed, since the first load
-    TextureRegistry* registry_ = nullptr;   // borrowed, of gfx_
+    // Borrowed, since the first load
+    const GraphicsDevice* graphics_ = nullptr;
+    TextureRegistry* registry_ = nullptr;
+    TextureBinder* binder_ = nullptr;
     Layer layers_[kLayers];
     int current_layer_ = 0;
     std::vector<Picture> frames_;   // of the sequence; empty for none

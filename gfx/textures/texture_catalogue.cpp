@@ -2,10 +2,9 @@
 
 #include "base/file_validator.h"
 #include "gfx/device/with_restore.h"
-#include "gfx/gfx.h"
-#include "gfx/gfx_parts.h"
 #include "gfx/textures/catalogue_file.h"
 #include "gfx/textures/texture.h"
+#include "gfx/textures/texture_loader.h"
 #include "gfx/textures/video_sources.h"
 
 namespace sparkrig {
@@ -19,29 +18,28 @@ bool CanBeName(const char* name) { return static_cast<signed char>(*name) >= 32;
 
 }   // namespace
 
-KRN_TextureCatalogue::KRN_TextureCatalogue(KRN_Gfx& gfx) : gfx_(gfx) { SetName("KRN_TextureCatalogue"); }
+KRN_TextureCatalogue::KRN_TextureCatalogue(TextureLoader& loader) : loader_(loader) { SetName("KRN_TextureCatalogue"); }
 KRN_TextureCatalogue::~KRN_TextureCatalogue() = default;
 
 void KRN_TextureCatalogue::Clear() { entries_.Clear(); }
 
 void KRN_TextureCatalogue::Load(const char* file, const char* directory, bool use_directory) {
     const bool below = use_directory && directory && *directory;
-    const TextureLoader& loader = gfx_.Parts().texture_loader;
-    TextureLookup lookup(loader.Paths());
+    TextureLookup lookup(loader_.Paths());
     CatalogueFile catalogue(file);
     String name, entry_file;
     while (catalogue.Next(name, entry_file)) {
-        loader.Validator().CheckPath(entry_file.c_str());
+        loader_.Validator().CheckPath(entry_file.c_str());
         const bool is_file = !IsVideoName(entry_file.c_str());
         const std::string path = below && is_file ? JoinPath(directory, entry_file.c_str()) : entry_file.c_str();
-        if (Insert(name.c_str(), path.c_str(), 1, true) && !loader.CanLoad(path.c_str(), lookup))
+        if (Insert(name.c_str(), path.c_str(), 1, true) && !loader_.CanLoad(path.c_str(), lookup))
             WarnOfMissingFile(path.c_str());
     }
 }
 
 bool KRN_TextureCatalogue::Add(const char* name, const char* file, int load_parameter, bool flag) {
     if (!Insert(name, file, load_parameter, flag)) return false;
-    if (!gfx_.Parts().texture_loader.CanLoad(file)) WarnOfMissingFile(file);
+    if (!loader_.CanLoad(file)) WarnOfMissingFile(file);
     return true;
 }
 
@@ -75,11 +73,11 @@ KRN_Texture* KRN_TextureCatalogue::GetTexture(const char* name) {
 }
 
 void KRN_TextureCatalogue::LoadInto(KRN_Texture& texture, const TextureData& entry) {
-    if (gfx_.Parts().texture_loader.CanLoad(entry.file.c_str())) {
-        gfx_.LoadTexture(&texture, entry.file.c_str(), 0, entry.load_parameter);
+    if (loader_.CanLoad(entry.file.c_str())) {
+        loader_.LoadTexture(&texture, entry.file.c_str(), 0, entry.load_parameter, -1, 1);
         return;
     }
-    gfx_.CreateTexture(&texture, kMissingFileSize, kMissingFileSize, -1, gfx_.AlphaFormat(), 1);
+    loader_.CreateTexture(&texture, kMissingFileSize, kMissingFileSize, -1, -1, 1);
     texture.Clear(kMissingFileColour, nullptr);
 }
 

@@ -9,13 +9,13 @@
 
 namespace sparkrig {
 
-class KRN_Gfx;
 class KRN_Texture;
+class TextureLoader;
 
 class KRN_TextureCatalogue : public KRN_Base {
   public:
-    /// `gfx` loads the textures and outlives the catalogue.
-    explicit KRN_TextureCatalogue(KRN_Gfx& gfx);
+    /// `loader` outlives the catalogue.
+    explicit KRN_TextureCatalogue(TextureLoader& loader);
     ~KRN_TextureCatalogue();
     KRN_TextureCatalogue(const KRN_TextureCatalogue&) = delete;
     KRN_TextureCatalogue& operator=(const KRN_TextureCatalogue&) = delete;
@@ -44,7 +44,7 @@ class KRN_TextureCatalogue : public KRN_Base {
     void LoadInto(KRN_Texture& texture, const TextureData& entry);
     void LoadAgain(KRN_Texture& texture, const TextureData& entry);
 
-    KRN_Gfx& gfx_;
+    TextureLoader& loader_;
     SearchTree<TextureData> entries_;
 };
 

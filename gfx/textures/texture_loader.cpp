@@ -4,7 +4,6 @@
 #include <climits>
 #include <cstdlib>
 
-#include "gfx/gfx.h"
 #include "gfx/textures/frame_list.h"
 #include "gfx/textures/texture.h"
 #include "platform/d3dx/image_file.h"
@@ -41,17 +40,18 @@ const PoolRow* FindPool(const PoolRow (&rows)[n], int number) {
     return nullptr;
 }
 
-bool HasCap(const KRN_Gfx& gfx, DWORD cap) { return (gfx.Caps().TextureCaps & cap) != 0; }
+bool HasCap(const GraphicsDevice& graphics, DWORD cap) { return (graphics.Caps().TextureCaps & cap) != 0; }
 
 /// The size that a device without free sizes gives to a picture.
-UINT DeviceSide(const KRN_Gfx& gfx, UINT side) {
-    return HasCap(gfx, D3DPTEXTURECAPS_POW2) ? RoundUpToPowerOfTwo(side) : side;
+UINT DeviceSide(const GraphicsDevice& graphics, UINT side) {
+    return HasCap(graphics, D3DPTEXTURECAPS_POW2) ? RoundUpToPowerOfTwo(side) : side;
 }
 
 }   // namespace
 
-TextureLoader::TextureLoader(KRN_Gfx& gfx, TextureRegistry& registry, VideoSources& videos)
-    : gfx_(gfx), registry_(registry), videos_(videos) {}
+TextureLoader::TextureLoader(const GraphicsDevice& graphics, const PresentationSettings& presentation,
+                             TextureRegistry& registry, VideoSources& videos, TextureBinder& binder)
+    : graphics_(graphics), presentation_(presentation), registry_(registry), videos_(videos), binder_(binder) {}
 TextureLoader::~TextureLoader() = default;
 
 bool TextureLoader::CanLoad(const char* name) const {
@@ -66,7 +66,7 @@ bool TextureLoader::CanLoad(const char* name, TextureLookup& lookup) const {
 TextureLoader::Request TextureLoader::TakeApart(D3DCOLOR colour_key, int parameter, int format, int mip_levels) const {
     const int bits = parameter == -1 ? 0 : parameter & (kLoadWithoutStretching | kLoadKeepsTexture);
     const PoolRow* row = FindPool(kLoadPools, parameter == -1 ? -1 : parameter & ~bits);
-    if (!row) gfx_.Error("Wrong texture parameter in LoadTexture!");
+    if (!row) graphics_.Reporter().Error("Wrong texture parameter in LoadTexture!");
     return {.colour_key = colour_key,
             .format = format,
             .mip_levels = mip_levels,
@@ -78,11 +78,11 @@ TextureLoader::Request TextureLoader::TakeApart(D3DCOLOR colour_key, int paramet
 
 void TextureLoader::LoadTexture(KRN_Texture* texture, const char* file, D3DCOLOR colour_key, int parameter, int format,
                                 int mip_levels) {
-    if (!texture) gfx_.Error("KRN_Texture pointer in LoadTexture is NULL pointer!");
+    if (!texture) graphics_.Reporter().Error("KRN_Texture pointer in LoadTexture is NULL pointer!");
     const std::string name = file ? file : "";   // a copy: it may be the texture's own name, which is let go of
     validator_.CheckPath(name.c_str());
-    if (name.empty()) gfx_.Error("Invalid file name in LoadTexture");
-    texture->Attach(gfx_, registry_);
+    if (name.empty()) graphics_.Reporter().Error("Invalid file name in LoadTexture");
+    texture->Attach(graphics_, registry_, binder_);
     if (IsVideoName(name.c_str())) {
         texture->Show(LoadVideoSource(*texture, name.c_str()));
     } else {
@@ -98,7 +98,7 @@ void TextureLoader::LoadTexture(KRN_Texture* texture, const char* file, D3DCOLOR
 
 void TextureLoader::LoadFile(KRN_Texture& texture, const char* name, const Request& request) {
     std::string found;
-    if (!paths_.Find(name, found)) gfx_.Error("Can not open file %s", name);
+    if (!paths_.Find(name, found)) graphics_.Reporter().Error("Can not open file %s", name);
     if (IsFrameListName(name))
         texture.ShowFrames(LoadFrameList(texture, found, request));
     else
@@ -110,17 +110,18 @@ void TextureLoader::LoadFile(KRN_Texture& texture, const char* name, const Reque
 TextureLoader::Picture TextureLoader::LoadVideoSource(const KRN_Texture& texture, const char* name) {
     const long number = std::strtol(name + sizeof kVideoPrefix - 1, nullptr, 10);
     const int slot = static_cast<int>(std::clamp<long>(number, INT_MIN + 1, INT_MAX)) - 1;
-    if (!VideoSources::IsSlot(slot)) gfx_.Error("Invalid video source for texture: %i", slot + 1);
+    if (!VideoSources::IsSlot(slot)) graphics_.Reporter().Error("Invalid video source for texture: %i", slot + 1);
     VideoSource& source = videos_[slot];
     int entry = settings_.sharing ? registry_.Share(name) : -1;
     if (entry < 0) {
         if (source.width < 1 || source.height < 1)
-            gfx_.Error("Invalid video source specifications for source %i", slot + 1);
+            graphics_.Reporter().Error("Invalid video source specifications for source %i", slot + 1);
         DevicePtr<IDirect3DTexture9> made;
         const HRESULT result =
-            gfx_.Device()->CreateTexture(DeviceSide(gfx_, source.width), DeviceSide(gfx_, source.height), 1, 0,
-                                         source.format, D3DPOOL_MANAGED, made.Receive());
-        if (FAILED(result)) gfx_.Error("CreateTexture for video source failed: %s ", DXGetErrorString9(result));
+            graphics_.Device()->CreateTexture(DeviceSide(graphics_, source.width), DeviceSide(graphics_, source.height),
+                                              1, 0, source.format, D3DPOOL_MANAGED, made.Receive());
+        if (FAILED(result))
+            graphics_.Reporter().Error("CreateTexture for video source failed: %s ", DXGetErrorString9(result));
         source.texture = made;
         entry = registry_.Add(std::move(made), name);
     }
@@ -134,7 +135,7 @@ TextureLoader::Picture TextureLoader::LoadVideoSource(const KRN_Texture& texture
 
 std::vector<TextureLoader::Picture> TextureLoader::LoadFrameList(const KRN_Texture& texture, const std::string& list,
                                                                  const Request& request) {
-    const std::vector<std::string> names = ReadFrameList(gfx_, list.c_str());
+    const std::vector<std::string> names = ReadFrameList(graphics_.Reporter(), list.c_str());
     char directory[1024];
     GetDirectory(list.c_str(), directory, sizeof directory);
     std::vector<Picture> frames;
@@ -156,7 +157,7 @@ TextureLoader::Picture TextureLoader::LoadFrame(const KRN_Texture& texture, cons
     if (!FileExists(name) && FileExists(beside.c_str()))
         file = beside;
     else if (!paths_.Find(name, file))
-        gfx_.Error("Can not open file %s", name);
+        graphics_.Reporter().Error("Can not open file %s", name);
     return LoadPicture(texture, file, request);
 }
 
@@ -191,19 +192,20 @@ TextureLoader::Plan TextureLoader::MakePlan(const std::string& file, const D3DXI
                  request.stretching ? D3DX_FILTER_LINEAR : D3DX_FILTER_NONE,
                  D3DX_FILTER_BOX};
     if (request.format == -1)
-        plan.format = ChooseTextureFormat({info.Format, info.Width, info.Height, gfx_.DisplayFormat(),
+        plan.format = ChooseTextureFormat({info.Format, info.Width, info.Height, presentation_.mode.Format,
                                            settings_.compression, settings_.compression_threshold});
-    if (!HasCap(gfx_, D3DPTEXTURECAPS_MIPMAP)) plan.levels = 0;
+    if (!HasCap(graphics_, D3DPTEXTURECAPS_MIPMAP)) plan.levels = 0;
     if (IsPowerOfTwo(info.Width) && IsPowerOfTwo(info.Height)) return plan;
     const bool compressed_levels = request.mip_levels != 1 && IsDxt(plan.format);
-    if (compressed_levels || HasCap(gfx_, D3DPTEXTURECAPS_POW2)) {
+    if (compressed_levels || HasCap(graphics_, D3DPTEXTURECAPS_POW2)) {
         plan.width = RoundUpToPowerOfTwo(info.Width);
         plan.height = RoundUpToPowerOfTwo(info.Height);
     } else {
         plan.mip_filter = D3DX_FILTER_LINEAR;
     }
     if (compressed_levels && !request.stretching)
-        gfx_.Warning("Loading none-power of 2 texture '%s' with options: mipmaps+noStretch+compressed", file.c_str());
+        graphics_.Reporter().Warning("Loading none-power of 2 texture '%s' with options: mipmaps+noStretch+compressed",
+                                     file.c_str());
     return plan;
 }
 
@@ -214,14 +216,16 @@ int TextureLoader::LoadImageFile(const std::string& file, const std::string& key
     const UINT size = static_cast<UINT>(bytes.size());
     if (SUCCEEDED(result)) result = D3DXGetImageInfoFromFileInMemory(bytes.data(), size, &info);
     if (FAILED(result))
-        gfx_.Error(" D3DXGetImageInfoFromFile failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
+        graphics_.Reporter().Error(" D3DXGetImageInfoFromFile failed: %s (file:%s)", DXGetErrorString9(result),
+                                   file.c_str());
     const Plan plan = MakePlan(file, info, request);
     DevicePtr<IDirect3DTexture9> made;
-    result = D3DXCreateTextureFromFileInMemoryEx(gfx_.Device(), bytes.data(), size, plan.width, plan.height,
+    result = D3DXCreateTextureFromFileInMemoryEx(graphics_.Device(), bytes.data(), size, plan.width, plan.height,
                                                  plan.levels, request.usage, plan.format, request.pool, plan.filter,
                                                  plan.mip_filter, request.colour_key, nullptr, made.Receive());
     if (FAILED(result))
-        gfx_.Error(" D3DXCreateTextureFromFileA failed: %s (file:%s)", DXGetErrorString9(result), file.c_str());
+        graphics_.Reporter().Error(" D3DXCreateTextureFromFileA failed: %s (file:%s)", DXGetErrorString9(result),
+                                   file.c_str());
     return registry_.Add(std::move(made), key, {file, info.Width, info.Height});
 }
 
@@ -250,20 +254,20 @@ TextureLoader::Picture TextureLoader::LoadPicture(const KRN_Texture& texture, co
 // ---- Empty textures
 
 void TextureLoader::CreateTexture(KRN_Texture* texture, UINT width, UINT height, int mode, int format, int mip_levels) {
-    if (!texture) gfx_.Error("KRN_Texture pointer in CreateTexture is NULL pointer!");
-    texture->Attach(gfx_, registry_);
+    if (!texture) graphics_.Reporter().Error("KRN_Texture pointer in CreateTexture is NULL pointer!");
+    texture->Attach(graphics_, registry_, binder_);
     texture->ReleaseFrames();
     texture->ReleaseCurrent();
     const bool dynamic = mode != -1 && (mode & kCreateDynamic) != 0;
     const PoolRow* row = FindPool(kCreatePools, dynamic ? mode & ~kCreateDynamic : mode);
-    if (!row) gfx_.Error("Wrong texture parameter in CreateTexture!");
+    if (!row) graphics_.Reporter().Error("Wrong texture parameter in CreateTexture!");
     const DWORD usage = row->usage | (dynamic ? D3DUSAGE_DYNAMIC : 0);
-    const D3DFORMAT chosen = format == -1 ? gfx_.AlphaFormat() : static_cast<D3DFORMAT>(format);
+    const D3DFORMAT chosen = format == -1 ? AlphaFormatOf(presentation_.mode.Format) : static_cast<D3DFORMAT>(format);
     DevicePtr<IDirect3DTexture9> made;
     const HRESULT result =
-        gfx_.Device()->CreateTexture(DeviceSide(gfx_, width), DeviceSide(gfx_, height), static_cast<UINT>(mip_levels),
-                                     usage, chosen, row->pool, made.Receive());
-    if (FAILED(result)) gfx_.Error("CreateTexture failed: %s", DXGetErrorString9(result));
+        graphics_.Device()->CreateTexture(DeviceSide(graphics_, width), DeviceSide(graphics_, height),
+                                          static_cast<UINT>(mip_levels), usage, chosen, row->pool, made.Receive());
+    if (FAILED(result)) graphics_.Reporter().Error("CreateTexture failed: %s", DXGetErrorString9(result));
     Picture picture = texture->PictureOfEntry(registry_.Add(std::move(made), ""));
     picture.SetSize(static_cast<float>(width), static_cast<float>(height));
     texture->Show(picture);

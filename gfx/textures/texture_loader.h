@@ -6,6 +6,8 @@
 #include <string>
 
 #include "base/file_validator.h"
+#include "gfx/device/graphics_device.h"
+#include "gfx/device/presentation.h"
 #include "gfx/textures/texture.h"
 #include "gfx/textures/texture_format.h"
 #include "gfx/textures/texture_paths.h"
@@ -14,8 +16,6 @@
 #include "platform/d3dx/d3dx_texture.h"
 
 namespace sparkrig {
-
-class KRN_Gfx;
 
 struct TextureSettings {
     bool sharing = true;
@@ -35,8 +35,9 @@ inline constexpr int kCreateDynamic = 0x200;
 
 class TextureLoader {
   public:
-    /// `gfx` reports, and gives the device, its capabilities and its formats; all are borrowed.
-    TextureLoader(KRN_Gfx& gfx, TextureRegistry& registry, VideoSources& videos);
+    /// All are borrowed. The display's format decides about formats that nobody asked for.
+    TextureLoader(const GraphicsDevice& graphics, const PresentationSettings& presentation, TextureRegistry& registry,
+                  VideoSources& videos, TextureBinder& binder);
     ~TextureLoader();
 
     /// What the name says is loaded into the texture's current layer. A file is read once.
@@ -77,9 +78,11 @@ class TextureLoader {
     int LoadImageFile(const std::string& file, const std::string& key, const Request& request);
     Plan MakePlan(const std::string& file, const D3DXIMAGE_INFO& info, const Request& request) const;
 
-    KRN_Gfx& gfx_;
+    const GraphicsDevice& graphics_;
+    const PresentationSettings& presentation_;
     TextureRegistry& registry_;
     VideoSources& videos_;
+    TextureBinder& binder_;   // of the textures
     CFileValidator validator_;
     TexturePaths paths_;
     TextureSettings settings_;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "gfx/gfx_parts.h"
-
 namespace sparkrig {
 
 void TextureStages::SetStagesInUse(int count) { stages_in_use_ = std::clamp(count, 1, int{kTextureStages}); }
@@ -12,12 +10,11 @@ void TextureStages::SetStagesInUse(int count) { stages_in_use_ = std::clamp(coun
 void TextureStages::Forget() { std::ranges::fill(bound_, Map()); }
 
 void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
-    if (stage < -1 || stage >= int{kTextureStages}) gfx_.Error("Invalid stage: %i", stage);
+    if (stage < -1 || stage >= int{kTextureStages}) states_.Reporter().Error("Invalid stage: %i", stage);
     if (!texture || !texture->HasSurface()) return Unbind(stage);
-    GfxParts& parts = gfx_.Parts();
     for (int layer = 0; layer < KRN_Texture::kLayers; ++layer)
-        if (const int video = texture->VideoSourceOf(layer); video >= 0) parts.videos.Update(gfx_, video);
-    parts.alpha_test.Switch(texture->AlphaTest());
+        if (const int video = texture->VideoSourceOf(layer); video >= 0) videos_.Update(states_.Reporter(), video);
+    states_.alpha_cutoff.Switch(texture->AlphaTest());
     if (stage <= 0) return SetLayers(*texture);
     const bool has_layer = stage < KRN_Texture::kLayers && texture->LayerTexture(stage);
     SetLayer(*texture, has_layer ? stage : texture->CurrentLayer(), stage);
@@ -54,7 +51,7 @@ void TextureStages::SetLayers(const KRN_Texture& texture) {
         Bind(i, {});
         SendColour(i, RecipeOf(MapKind::None, i, 1));
     }
-    BlendingState& blending = gfx_.Parts().blending;
+    BlendingState& blending = states_.blending;
     if (blending.Mode() == 1) SendAlpha(alpha_stage, D3DTOP_SELECTARG1, D3DTA_TEXTURE);
     blending.Reapply(alpha_stage);
 }
@@ -62,15 +59,15 @@ void TextureStages::SetLayers(const KRN_Texture& texture) {
 void TextureStages::SetLayer(const KRN_Texture& texture, int layer, int stage) {
     IDirect3DTexture9* const device_texture = texture.LayerTexture(layer);
     const MapKind kind = device_texture ? texture.KindOf(layer) : MapKind::None;
-    if (const char* why_not = WhyNotAtStage(kind, stage, bound_[0].kind)) gfx_.Error("%s", why_not);
+    if (const char* why_not = WhyNotAtStage(kind, stage, bound_[0].kind)) states_.Reporter().Error("%s", why_not);
     Bind(stage, {device_texture, kind, device_texture ? texture.LayerMatrix(layer) : kIdentityMatrix});
-    SendColour(stage, RecipeOf(kind, stage, gfx_.Parts().render_sources.Source(stage)));
+    SendColour(stage, RecipeOf(kind, stage, states_.render_sources.Source(stage)));
     if (kind == MapKind::Bump) SendBumpMatrix(stage, texture.AmountOf(layer));
     if (device_texture) SendMatrix(stage, texture.LayerMatrix(layer));
 }
 
 void TextureStages::Bind(int stage, const Map& map) {
-    gfx_.Parts().sender.SetTexture(static_cast<DWORD>(stage), map.texture);
+    states_.sender.SetTexture(static_cast<DWORD>(stage), map.texture);
     bound_[stage] = map;
 }
 
@@ -92,18 +89,17 @@ TextureStages::Map TextureStages::ReflectionMap() const {
 // ---- States of a stage
 
 DWORD TextureStages::DiffuseArgument() {
-    GfxParts& parts = gfx_.Parts();
-    const D3DCOLOR* colour = parts.lighting.On() ? nullptr : parts.lighting.Colour();
+    const D3DCOLOR* colour = states_.lighting.On() ? nullptr : states_.lighting.Colour();
     if (!colour) return D3DTA_DIFFUSE;
-    const D3DCOLOR with_alpha = (*colour & 0x00FFFFFF) | static_cast<D3DCOLOR>(parts.blending.Alpha() & 0xFF) << 24;
-    if (parts.texture_factor.Colour() != with_alpha) parts.texture_factor.Set(with_alpha);
+    const D3DCOLOR with_alpha = (*colour & 0x00FFFFFF) | static_cast<D3DCOLOR>(states_.blending.Alpha() & 0xFF) << 24;
+    if (states_.texture_factor.Colour() != with_alpha) states_.texture_factor.Set(with_alpha);
     return D3DTA_TFACTOR;
 }
 
 void TextureStages::SendColour(int stage, StageRecipe recipe) {
     if (recipe.argument1 == D3DTA_DIFFUSE) recipe.argument1 = DiffuseArgument();
     if (recipe.argument2 == D3DTA_DIFFUSE) recipe.argument2 = DiffuseArgument();
-    StateSender& sender = gfx_.Parts().sender;
+    StateSender& sender = states_.sender;
     const DWORD number = static_cast<DWORD>(stage);
     sender.SetStageState(number, D3DTSS_COLOROP, recipe.operation);
     if (recipe.operation == D3DTOP_DISABLE) return;
@@ -112,17 +108,16 @@ void TextureStages::SendColour(int stage, StageRecipe recipe) {
 }
 
 void TextureStages::SendAlpha(int stage, DWORD operation, DWORD argument) {
-    StateSender& sender = gfx_.Parts().sender;
+    StateSender& sender = states_.sender;
     sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAOP, operation);
     if (operation != D3DTOP_DISABLE) sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAARG1, argument);
 }
 
 void TextureStages::SendMatrix(int stage, const D3DXMATRIX& matrix) {
-    GfxParts& parts = gfx_.Parts();
     const bool moves = matrix != kIdentityMatrix;
-    if (moves) parts.transforms.Set(D3DTS_TEXTUREn(static_cast<DWORD>(stage)), matrix);
-    parts.sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_TEXTURETRANSFORMFLAGS,
-                               moves ? D3DTTFF_COUNT2 : D3DTTFF_DISABLE);
+    if (moves) states_.transforms.Set(D3DTS_TEXTUREn(static_cast<DWORD>(stage)), matrix);
+    states_.sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_TEXTURETRANSFORMFLAGS,
+                                 moves ? D3DTTFF_COUNT2 : D3DTTFF_DISABLE);
 }
 
 void TextureStages::SendBumpMatrix(int stage, float amount) {
@@ -130,7 +125,7 @@ void TextureStages::SendBumpMatrix(int stage, float amount) {
                                                       D3DTSS_BUMPENVMAT11};
     const float values[] = {amount, 0.0f, 0.0f, amount};
     for (int i = 0; i < 4; ++i)
-        gfx_.Parts().sender.SetStageState(static_cast<DWORD>(stage), kElements[i], std::bit_cast<DWORD>(values[i]));
+        states_.sender.SetStageState(static_cast<DWORD>(stage), kElements[i], std::bit_cast<DWORD>(values[i]));
 }
 
 }   // namespace sparkrig

@@ -1,22 +1,21 @@
 // Binds textures to the device's stages and sets the stages up for the kinds of their layers.
 #pragma once
+#include "gfx/states/gfx_states.h"
 #include "gfx/textures/stage_recipes.h"
 #include "gfx/textures/texture.h"
+#include "gfx/textures/video_sources.h"
 #include "platform/d3d9/d3d9.h"
 
 namespace sparkrig {
 
-class KRN_Gfx;
-
-class TextureStages {
+class TextureStages final : public TextureBinder {
   public:
-    /// `gfx` reports and sends the states.
-    explicit TextureStages(KRN_Gfx& gfx) : gfx_(gfx) {}
+    TextureStages(GfxStates& states, VideoSources& videos) : states_(states), videos_(videos) {}
 
     /// Null, or a texture without a picture, unbinds: every stage in use for stage -1, else that stage. Otherwise layer
     /// n of the texture goes to stage n of the stages in use; a stage above 0 alone gets its layer, or the texture in
     /// use when it has none.
-    void SetTexture(KRN_Texture* texture, int stage);
+    void SetTexture(KRN_Texture* texture, int stage) override;
 
     /// Stages that SetTexture sets and clears, 1 to 8.
     void SetStagesInUse(int count);
@@ -50,7 +49,8 @@ class TextureStages {
     /// The argument by which the diffuse colour is taken now: itself, or the texture factor that stands in for it.
     DWORD DiffuseArgument();
 
-    KRN_Gfx& gfx_;
+    GfxStates& states_;
+    VideoSources& videos_;   // textures that show one are refreshed
     int stages_in_use_ = 2;
     Map bound_[kTextureStages];   // what the device holds is not freed meanwhile
 };

@@ -1,6 +1,9 @@
 #include "tests/device/failing_calls.h"
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
+#include "gfx/shaders/shader_effect.h"
+#include "gfx/textures/texture.h"
+#include "gfx/textures/video_sources.h"
 #include "scene/light.h"
 #include "scene/mesh.h"
 #include "tests/base/reports.h"
@@ -92,7 +95,7 @@ void LoadFrames(WholeProgram& program) { LoadFresh(program, kFrameList, 0); }
 
 /// A video source while it is shown.
 struct Video {
-    explicit Video(KRN_Gfx& gfx) : source(gfx.Parts().videos[2]) {
+    explicit Video(KRN_Gfx& gfx) : source(gfx.Video(2)) {
         source.format = D3DFMT_X8R8G8B8;
         source.width = 8;
         source.height = 4;
@@ -228,7 +231,7 @@ void SetEveryState(WholeProgram& program) {
     gfx.SetTextureFilter(3, 3);
     gfx.SetAddressModeU(D3DTADDRESS_CLAMP, 0);
     gfx.SetAddressModeV(D3DTADDRESS_MIRROR, 0);
-    gfx.SetStreamSource(gfx.Parts().immediate.point.Buffer(), 16);
+    gfx.SetStreamSource(nullptr, 16);
     gfx.SetIndices(nullptr);
     gfx.SetSoftwareVertexProcessing(true);
     D3DMATERIAL9 material = {};

@@ -8,8 +8,9 @@
 #include <map>
 #include <set>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
+#include "gfx/textures/texture_loader.h"
 #include "tests/base/reports.h"
 #include "tests/device/failing_calls.h"
 
@@ -102,8 +103,8 @@ std::vector<DWORD> HeldStates(IDirect3DDevice9& device) {
 TEST_P(Failures, WhileTheProgramPlays) {
     WholeProgram program(GetParam());
     program.Play(0, 30);
-    program.Gfx().Parts().texture_loader.Settings().sharing = false;
-    program.Gfx().Parts().shader_effects.SetSharing(false);
+    program.Gfx().TextureOptions().sharing = false;
+    program.Gfx().SetShaderSharing(false);
     const std::vector<D3DCOLOR> before = program.Picture();
     const std::vector<DWORD> states = HeldStates(*program.Gfx().Device());
     const int objects = program.recording.LiveObjects();

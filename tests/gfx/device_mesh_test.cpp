@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
@@ -35,11 +35,11 @@ TEST(DeviceMesh, OptionsChooseThePools) {
         KRN_Mesh mesh;
         mesh.CreateGeometry({.faces = 4, .vertices = 6, .format = 0x112, .system_memory = row.system_memory});
         mesh.bones.resize(row.bones);
-        const DeviceMesh& made = MakeDeviceMesh(gfx->Parts().graphics, mesh, row.extra);
+        gfx->CreateMesh(mesh, row.extra);
         EXPECT_EQ(ArgumentsOf(gfx, "CreateVertexBuffer"), (std::vector<DWORD>{6 * 32, row.usage, 0x112, row.pool}));
         EXPECT_EQ(ArgumentsOf(gfx, "CreateIndexBuffer"),
                   (std::vector<DWORD>{4 * 6, row.usage, D3DFMT_INDEX16, row.pool}));
-        EXPECT_EQ(made.software_processing, row.bones > 4);
+        EXPECT_EQ(static_cast<DeviceMesh&>(*mesh.Geometry()->device).software_processing, row.bones > 4);
         mesh.Clear();
     }
 }
@@ -49,7 +49,9 @@ TEST(DeviceMesh, IsSharedByMeshesThatShareTheirGeometry) {
     KRN_Mesh mesh, clone;
     mesh.CreateGeometry({.faces = 1, .vertices = 3, .format = 0x112});
     clone.ShareGeometry(mesh);
-    EXPECT_EQ(&MakeDeviceMesh(gfx->Parts().graphics, mesh), &MakeDeviceMesh(gfx->Parts().graphics, clone));
+    gfx->CreateMesh(mesh);
+    gfx->CreateMesh(clone);
+    EXPECT_EQ(gfx.recording.Count("CreateIndexBuffer"), 1);
     mesh.Clear();
     clone.Clear();
 }

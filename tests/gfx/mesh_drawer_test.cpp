@@ -7,7 +7,7 @@
 #include <cstring>
 #include <numeric>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "scene/mesh.h"
 #include "tests/support/recorded_gfx.h"
 
@@ -56,7 +56,7 @@ TEST(DrawMesh, DrawsOpaqueGroupsBeforeBlendedOnes) {
     t.mesh.Material(4).transparency = 0.5f;
     EXPECT_TRUE(t.gfx->DrawMesh(&t.mesh, nullptr));
     EXPECT_THAT(DrawnFaces(t.gfx), ElementsAre(1, 5, 0, 4));
-    EXPECT_EQ(t.gfx->Parts().statistics.meshes, 1u);
+    EXPECT_EQ(t.gfx->Statistics().meshes, 1u);
     EXPECT_EQ(t.gfx.recording.Sent(0, D3DTSS_TEXTURETRANSFORMFLAGS).size(), 1u);
 }
 
@@ -110,7 +110,7 @@ TEST(DrawMesh, NothingIsDrawnOfWhatIsNotThere) {
     EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Pointer to mesh is zero");
     KRN_Mesh empty;
     EXPECT_FALSE(gfx->DrawMesh(&empty, nullptr));
-    EXPECT_EQ(gfx->Parts().statistics.meshes, 0u);
+    EXPECT_EQ(gfx->Statistics().meshes, 0u);
 }
 
 TEST(DrawMesh, AMeshOutOfViewIsNotDrawn) {
@@ -141,7 +141,7 @@ TEST(DrawMesh, AColourOverrideReplacesTheMaterials) {
 
 TEST(DrawMesh, IsCountedOnlyWhileDrawsAreSuppressed) {
     DrawnMesh t(1);
-    t.gfx->Parts().statistics.suppress_draws = true;
+    t.gfx->SuppressDraws(true);
     EXPECT_TRUE(t.gfx->DrawMesh(&t.mesh, nullptr));
     EXPECT_THAT(t.gfx.recording.Draws(), IsEmpty());
 }

@@ -3,7 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/device/surface_registry.h"
+#include "gfx/gfx.h"
 #include "gfx/shaders/shader_effect_passes.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"
@@ -19,6 +20,10 @@ constexpr const char* kReadsCopy = "texture t : SCREENCOPY; technique { pass { T
 
 class ScreenBufferTest : public TemporaryFolder {
   protected:
+    ScreenBufferTest() {
+        gfx_->CreateVertexList(&square_, 4, 0, false);
+        gfx_.recording.ForgetCalls();
+    }
     void Load(KRN_ShaderEffect& effect, const std::string& text) {
         const std::string name = "t" + std::to_string(++files_) + ".fx";
         WriteFile(name, text);
@@ -39,7 +44,7 @@ class ScreenBufferTest : public TemporaryFolder {
     void DrawWith(KRN_ShaderEffect& effect) {
         const Scene scene(gfx_);
         gfx_->SetShaderEffect(&effect);
-        gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);
+        gfx_->DrawTriangleList(square_, 0, -1);
         gfx_->SetShaderEffect(nullptr);
     }
     /// The size of the render target, which tells the back buffer, full and quarter buffers apart.
@@ -55,10 +60,22 @@ class ScreenBufferTest : public TemporaryFolder {
         gfx_->Device()->GetRenderTarget(0, target.Receive());
         return target.Get() == surface;
     }
-    bool TargetIsBackBuffer() { return TargetIs(gfx_->Parts().targets.BackBuffer().Get()); }
+    bool TargetIsBackBuffer() {
+        DevicePtr<IDirect3DSurface9> back_buffer;
+        gfx_->Device()->GetBackBuffer(0, 0, 0, back_buffer.Receive());
+        return TargetIs(back_buffer.Get());
+    }
+    bool TargetIsScene() {
+        DevicePtr<IDirect3DSurface9> scene;
+        gfx_->SceneTexture()->GetSurfaceLevel(0, scene.Receive());
+        D3DSURFACE_DESC desc = {};
+        scene->GetDesc(&desc);
+        return !TargetIsBackBuffer() && TargetWidth() == desc.Width;
+    }
     std::vector<std::vector<DWORD>> ArgumentsOf(const char* method) const { return gfx_.recording.ArgumentsOf(method); }
 
     RecordedGfx gfx_;
+    KRN_VertexListTemp<KRN_VertexPosTex> square_{PrimitiveMode::TriangleStrip};
 
   private:
     int files_ = 0;
@@ -77,7 +94,7 @@ TEST_F(ScreenBufferTest, TheSceneHasATargetOfItsOwn) {
     EXPECT_TRUE(TargetIsBackBuffer());
     D3DVIEWPORT9 of_device = {};
     gfx_->BeginScene();
-    EXPECT_TRUE(TargetIs(gfx_->Parts().post_render.SceneSurface()));
+    EXPECT_TRUE(TargetIsScene());
     gfx_->Device()->GetViewport(&of_device);
     EXPECT_EQ(of_device, view);
     gfx_->EndScene();
@@ -111,7 +128,7 @@ TEST_F(ScreenBufferTest, WithoutMultisampleTargetsTheTextureItselfServes) {
     EXPECT_EQ(reports.Last(),
               "warning KRN_Gfx: InitPostRenderEffects failed - can not create multisample render target: "
               "D3DERR_NOTAVAILABLE");
-    EXPECT_FALSE(gfx_->Parts().post_render.MultisampleTarget());
+    EXPECT_FALSE(gfx_->MultisampleTarget());
     EXPECT_NE(gfx_->SceneTexture(), nullptr);
     EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
 }
@@ -160,7 +177,6 @@ TEST_F(ScreenBufferTest, TheSceneStandsForTheScreenCopyOnItsWayToTheScreen) {
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_NONE, D3DCULL_CW));
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_ZENABLE), ElementsAre(0u, 1u));
     EXPECT_EQ(gfx_->EffectForDraw(), &other);
-    EXPECT_FALSE(gfx_->Parts().post_render.Drawing());
     KRN_ShaderEffect none;
     EXPECT_FALSE(gfx_->DrawScene(none));
 }
@@ -168,7 +184,7 @@ TEST_F(ScreenBufferTest, TheSceneStandsForTheScreenCopyOnItsWayToTheScreen) {
 // ---- The copy of the screen, and buffers
 
 TEST_F(ScreenBufferTest, TheCopyIsMadeAgainOnlyForAnotherSize) {
-    const UINT before = gfx_->Parts().textures.Created();
+    const UINT before = gfx_->CreatedTextures();
     IDirect3DTexture9* whole = gfx_->GetScreenCopy(false);
     EXPECT_EQ(gfx_->GetScreenCopy(true), whole);   // the viewport is the whole target
     gfx_->SetViewPort(40, 30, 140, 80, 0, 1);
@@ -179,7 +195,7 @@ TEST_F(ScreenBufferTest, TheCopyIsMadeAgainOnlyForAnotherSize) {
                 ElementsAre(ElementsAre(640, 480, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8, D3DPOOL_DEFAULT),
                             ElementsAre(100, 50, 1, D3DUSAGE_RENDERTARGET, D3DFMT_X8R8G8B8, D3DPOOL_DEFAULT)));
     EXPECT_EQ(gfx_.recording.Count("StretchRect"), 4);
-    EXPECT_EQ(gfx_->Parts().textures.Created() - before, 2u);
+    EXPECT_EQ(gfx_->CreatedTextures() - before, 2u);
 }
 
 TEST_F(ScreenBufferTest, OneCopyServesAFrameWithTheFrameCache) {
@@ -376,7 +392,7 @@ TEST_F(ScreenBufferTest, NestedPassesPutBackWhatTheyFound) {
 
     gfx_->InitPostRenderEffects();
     gfx_->BeginScene();
-    EXPECT_TRUE(TargetIs(gfx_->Parts().post_render.SceneSurface()));
+    EXPECT_TRUE(TargetIsScene());
     gfx_->EndScene();
     EXPECT_TRUE(TargetIs(buffer.Get())) << "a scene inside a pass ends in the pass's buffer";
     outer.EndPass();
@@ -395,7 +411,7 @@ TEST_F(ScreenBufferTest, TheScreenCopyStaysWhileABufferIsDrawnInto) {
     const BegunEffect begun(effect);
     effect.BeginPass(0);
     gfx_.recording.ForgetCalls();
-    gfx_->DrawTriangleList(gfx_->Parts().immediate.quad, 0, -1);   // once more through the open pass
+    gfx_->DrawTriangleList(square_, 0, -1);   // once more through the open pass
     EXPECT_EQ(gfx_.recording.Draws().size(), 1u);
     EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
     EXPECT_EQ(gfx_.recording.Count("SetRenderTarget"), 0);
@@ -419,7 +435,6 @@ TEST_F(ScreenBufferTest, AnErrorInThePassLeavesNothingBehind) {
         gfx_->SetShaderEffect(nullptr);
         EXPECT_TRUE(TargetIsBackBuffer());
         EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
-        EXPECT_EQ(gfx_->Parts().pass_switch.Depth(), 0u);
         DrawWith(effect);   // nothing is begun still
         gfx_->ResetDevice(nullptr, -1);
     }
@@ -445,12 +460,12 @@ TEST_F(ScreenBufferTest, AResetInsideAPassForgetsThePass) {
 // ---- The registry of surfaces
 
 TEST_F(ScreenBufferTest, RegisteredSurfacesOfTheDefaultPoolGoBeforeAReset) {
-    SurfaceRegistry& surfaces = gfx_->Parts().surfaces;
+    SurfaceRegistry surfaces(*gfx_);
     DevicePtr<IDirect3DSurface9> target, plain;
     gfx_->Device()->CreateRenderTarget(8, 4, D3DFMT_A8R8G8B8, 0, 0, FALSE, target.Receive());
     gfx_->Device()->CreateOffscreenPlainSurface(8, 4, D3DFMT_A8R8G8B8, D3DPOOL_SYSTEMMEM, plain.Receive());
     const int first = surfaces.Add(std::move(target)), second = surfaces.Add(plain);
-    EXPECT_EQ(gfx_->ResetDevice(nullptr, -1), 1);
+    surfaces.ReleaseDefaultPool();
     EXPECT_EQ(surfaces.Get(first), nullptr);
     EXPECT_EQ(surfaces.Get(second), plain.Get());
     EXPECT_NE(surfaces.Add(plain), first) << "a cleared slot is its owner's still";

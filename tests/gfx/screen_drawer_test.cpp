@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "gfx/geometry/vertex_list.h"
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 

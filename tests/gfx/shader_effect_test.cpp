@@ -6,8 +6,12 @@
 #include <cmath>
 #include <filesystem>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
+#include "gfx/shaders/shader_effect_choice.h"
 #include "gfx/shaders/shader_effect_search_list.h"
+#include "gfx/textures/texture.h"
+#include "gfx/textures/texture_catalogue.h"
+#include "scene/light.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"
 #include "tests/support/temporary_folder.h"
@@ -82,7 +86,7 @@ TEST_F(ShaderEffectTest, ASecondLoadSharesWithoutCompiling) {
     std::filesystem::last_write_time("a.fx", std::filesystem::last_write_time("a.fx") + std::chrono::seconds(10));
     ASSERT_TRUE(gfx_->LoadShaderEffect(third, "a.fx", true, 0, true));   // changed on disk: another one
     EXPECT_NE(third.Effect(), second.Effect());
-    gfx_->Parts().shader_effects.SetSharing(false);
+    gfx_->SetShaderSharing(false);
     ASSERT_TRUE(gfx_->LoadShaderEffect(second, "a.fx", true, 0, true));
     EXPECT_NE(third.Effect(), second.Effect());
 }
@@ -238,8 +242,7 @@ TEST_F(ShaderEffectTest, TimesFogAndViewportAreFilled) {
     const float random = FloatOf(effect, "random");
     EXPECT_TRUE(random >= 0 && random <= 1);
 
-    ShaderEffectLoader& loader = gfx_->Parts().shader_effects;
-    loader.SetGameTimeSource([] { return 77.5f; });
+    gfx_->SetGameTimeSource([] { return 77.5f; });
     gfx_->SetFrameCache(true);
     effect.ApplyFrameSemantics();
     EXPECT_EQ(FloatOf(effect, "gametime"), 12.5f);   // filled in this frame already
@@ -257,20 +260,21 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
                          "float4 f[6] : OmniLightAttenuation; float4 g[2] : DirectionalLightDiffCol;\n"
                          "#define USE d[0] + e[0] + f[0] + g[0]\n" +
                              std::string(kVertexFunction) + kOneTechnique));
-    GfxParts& parts = gfx_->Parts();
     // Directional ones in slots 1, 4 and 6; all eight are on but slot 2.
-    for (int i = 0; i < LightSlots::kCount; ++i) {
+    for (int i = 0; i < 8; ++i) {
         const float number = static_cast<float>(i);
-        D3DLIGHT9 light = {};
+        KRN_Light node;
+        node.off = false;
+        D3DLIGHT9& light = node.record;
         light.Type = i == 1 || i == 4 || i == 6 ? D3DLIGHT_DIRECTIONAL : i == 3 ? D3DLIGHT_SPOT : D3DLIGHT_POINT;
-        light.Position = {number, 20, 30};
-        light.Direction = {number, -2, -3};
+        node.SetEye(number, 20, 30, false);
+        node.SetViewDirection(number, -2, -3, false);
         light.Diffuse = {number, 0.5f, 0.25f, 1};
         light.Ambient = {0.125f, 0, 0.25f, 1};
         light.Attenuation0 = number;
         light.Attenuation2 = 9;
-        parts.lights.Set(i, light);
-        parts.lights.SetEnable(i, i != 2);
+        gfx_->SetLight(i, node, 0, false);
+        gfx_->SetLightEnable(i, i != 2);
     }
     gfx_->SetAmbient(0x00330066);
     effect.ApplyLightSemantics();
@@ -293,11 +297,16 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
         EXPECT_EQ(vector(kAttenuations + i), (D3DXVECTOR4{omni[i], 0, 9, 0}));
     }
     EXPECT_EQ(vector(kPositions + 4), D3DXVECTOR4());
-    for (std::size_t i = 0; i < 2; ++i) EXPECT_EQ(vector(kDirections + i), (D3DXVECTOR4{directional[i], -2, -3, 1}));
+    for (std::size_t i = 0; i < 2; ++i) {
+        const D3DXVECTOR4 direction = vector(kDirections + i);   // made as long as 1 by the node
+        EXPECT_NEAR(direction.x / direction.z, directional[i] / -3, 1e-5f);
+        EXPECT_NEAR(direction.y / direction.z, -2 / -3.0f, 1e-5f);
+        EXPECT_EQ(direction.w, 1.0f);
+    }
 
     const D3DCOLOR unlit = 0x00FF8040;
     gfx_->SetLighting(false, &unlit);
-    for (int i = 0; i < LightSlots::kCount; ++i) parts.lights.SetEnable(i, i != 1 && i != 4 && i != 6);
+    for (int i = 0; i < 8; ++i) gfx_->SetLightEnable(i, i != 1 && i != 4 && i != 6);
     effect.ApplyLightSemantics();
     EXPECT_EQ(FloatOf(effect, "NumOmniLights"), 5.0f);
     EXPECT_NEAR(VectorOf(effect, "AmbientColor").y, 128 / 255.0f, 1e-6f);
@@ -428,8 +437,8 @@ TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
     KRN_ShaderEffect forced, override, current, own, skinning, invalid;
     for (KRN_ShaderEffect* effect : {&forced, &override, &current, &own, &skinning})
         ASSERT_TRUE(LoadText(*effect, "technique { pass { } }"));
-    constexpr auto kSkinned = EffectChoice::Processing::ShaderSkinning;
-    EffectChoice choice;
+    constexpr auto kSkinned = ShaderEffectChoice::Processing::ShaderSkinning;
+    ShaderEffectChoice choice;
     choice.Force(&forced);
     choice.SetOverride(&override);
     choice.SetCurrent(&current);
@@ -522,11 +531,10 @@ TEST_F(ShaderEffectTest, ASearchListLoadsTheFirstThatExists) {
     list.SetBaseName("Glow");
     list.SetShaderDirectory("SHADER");
     KRN_ShaderEffect effect;
-    ShaderEffectLoader& loader = gfx_->Parts().shader_effects;
-    EXPECT_TRUE(loader.Load(effect, list, true, 0, false));
+    EXPECT_TRUE(gfx_->LoadShaderEffect(effect, list, true, 0, false));
     EXPECT_TRUE(effect.IsValid());
     list.SetBaseName("Gone");
-    EXPECT_EQ(ErrorOf([&] { loader.Load(effect, list, true, 0, false); }),
+    EXPECT_EQ(ErrorOf([&] { gfx_->LoadShaderEffect(effect, list, true, 0, false); }),
               "KRN_Gfx: Shader effect file 'SHADER\\Gone.fxo' not found");
 }
 

@@ -4,7 +4,6 @@
 
 #include <bit>
 
-#include "gfx/gfx_parts.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
@@ -194,11 +193,12 @@ TEST(Points, FillModePointAppliesTheKeptSettings) {
 
 TEST(Fog, SendsWhatItsModeNeeds) {
     RecordedGfx gfx;
-    gfx->Parts().sender.Cache().Forget();
     gfx->SetFog({0xFF204060, D3DFOG_LINEAR, true, 12.0f, 345.0f, 0.3f});
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGCOLOR), ElementsAre(0xFF204060));
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGVERTEXMODE), ElementsAre(3));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_RANGEFOGENABLE), ElementsAre(1));
+    DWORD range = 0;
+    gfx->Device()->GetRenderState(D3DRS_RANGEFOGENABLE, &range);
+    EXPECT_EQ(range, 1u);
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGSTART), ElementsAre(Bits(12)));
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGEND), ElementsAre(Bits(345)));
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGDENSITY), IsEmpty());
@@ -229,16 +229,16 @@ TEST(Lighting, OffNestsAndComesBackOnlyWhenAskedFor) {
 
 TEST(Lighting, AColourStandsInWhileItIsOff) {
     RecordedGfx gfx;
-    const LightingState& lighting = gfx->Parts().lighting;
     const D3DCOLOR colour = 0xFF336699;
     gfx->SetLighting(true, &colour);
-    EXPECT_EQ(lighting.Colour(), nullptr);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_AMBIENT), ElementsAre(colour));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_AMBIENT), ElementsAre(colour)) << "while it is on it is the ambient light";
+    gfx->SetTexture(nullptr, -1);
     gfx->SetLighting(false, &colour);
-    ASSERT_NE(lighting.Colour(), nullptr);
-    EXPECT_EQ(*lighting.Colour(), colour);
+    gfx->SetTexture(nullptr, -1);
     gfx->EndLightingOverride();
-    EXPECT_EQ(lighting.Colour(), nullptr);
+    gfx->SetTexture(nullptr, -1);
+    EXPECT_THAT(gfx.recording.Sent(0, D3DTSS_COLORARG2), ElementsAre(D3DTA_TFACTOR, D3DTA_DIFFUSE));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(colour));
     EXPECT_FALSE(gfx->Lighting());
 }
 
@@ -249,10 +249,10 @@ TEST(Lighting, ALockedMaterialIsOnlyKept) {
     for (const int lock : {0, 1}) {
         gfx.recording.ForgetCalls();
         material.Power = static_cast<float>(7 + lock);
-        gfx->Parts().lighting.LockMaterial(lock, true);
+        gfx->LockMaterial(lock, true);
         gfx->SetMaterial(material);
         EXPECT_EQ(gfx.recording.Count("SetMaterial"), 0);
-        EXPECT_EQ(gfx->Parts().lighting.Material(), material);
+        EXPECT_EQ(gfx->Material(), material);
         gfx->EndLightingOverride();
         EXPECT_EQ(gfx.recording.Count("SetMaterial"), 1) << "the device catches up";
     }

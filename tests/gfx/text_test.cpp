@@ -4,7 +4,8 @@
 
 #include <cstring>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/text/font.h"
+#include "gfx/text/printf_container.h"
 #include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
@@ -26,7 +27,7 @@ struct Overlay {
         gfx.recording.ForgetCalls();
     }
     ~Overlay() { font.Release(); }
-    KRN_PrintfContainer& Text() { return gfx->Parts().text; }
+    KRN_PrintfContainer& Text() { return gfx->Text(); }
     std::string Characters(int entity) {
         const PrintfEntity& run = Text().Entity(entity);
         return std::string(Text().Characters(run), static_cast<std::size_t>(run.length));
@@ -135,7 +136,7 @@ TEST(Printf, TooLongTextIsDropped) {
 TEST(Printf, NeedsAFont) {
     RecordedGfx gfx;
     gfx->Printf(0, 0, "text");
-    EXPECT_TRUE(gfx->Parts().text.Lines().empty());
+    EXPECT_TRUE(gfx->Text().Lines().empty());
     KRN_Font without_sheet;
     EXPECT_EQ(ErrorOf([&] { gfx->SetFont(nullptr, 1, 0); }), "KRN_PrintfContainer: Tried to set invalid font");
     EXPECT_EQ(ErrorOf([&] { gfx->SetFont(&without_sheet, 1, 0); }), "KRN_PrintfContainer: Tried to set invalid font");
@@ -194,8 +195,8 @@ TEST(DrawText, DrawsAQuadForEachGlyph) {
         EXPECT_EQ(vertex.rhw, 1.0f);
     }
     EXPECT_EQ(overlay.gfx->CullingMode(), 1);
-    EXPECT_EQ(overlay.gfx->Parts().samplers.MagFilter(0), D3DTEXF_LINEAR);
-    EXPECT_THAT(overlay.gfx.recording.Sent(0, D3DSAMP_MINFILTER), ElementsAre(D3DTEXF_POINT, D3DTEXF_LINEAR));
+    for (const D3DSAMPLERSTATETYPE filter : {D3DSAMP_MINFILTER, D3DSAMP_MAGFILTER})
+        EXPECT_THAT(overlay.gfx.recording.Sent(0, filter), ElementsAre(D3DTEXF_POINT, D3DTEXF_LINEAR));
     overlay.gfx->DrawText();
     EXPECT_EQ(overlay.gfx.recording.Draws().size(), 1u) << "the text is gone";
 }
@@ -225,7 +226,7 @@ TEST(DrawText, LinesOutsideTheRectangleAreLeftOut) {
     Overlay overlay;
     for (const float y : {300.0f, 5.0f, 100.0f, 200.0f}) overlay.gfx->Printf(7, y, "A");
     const RECT rectangle = {0, 110, 640, 210};
-    overlay.gfx->Parts().text_drawer.Draw(overlay.Text(), rectangle, 3, 0);
+    overlay.gfx->DrawText(rectangle, 3, 0);
     const std::vector<KRN_TLVertex> v = overlay.Drawn();
     ASSERT_EQ(v.size(), 12u) << "the line at 100 reaches in, the one at 200 begins inside";
     EXPECT_EQ(v[1].x, 3.5f) << "scrolled by 3";
@@ -239,13 +240,12 @@ TEST(DrawText, LimitsCutTheRectangle) {
     Overlay overlay;
     overlay.gfx->Printf(10, 20, "AB");
     const RECT limits = {0, 0, 40, 400}, elsewhere = {300, 0, 400, 400}, whole = {0, 0, 640, 480};
-    TextDrawer& drawer = overlay.gfx->Parts().text_drawer;
-    for (const RECT& empty : {RECT{10, 10, 10, 400}, RECT{10, 400, 300, 10}}) drawer.Draw(overlay.Text(), empty, 0, 0);
-    drawer.SetLimits(&elsewhere);
-    drawer.Draw(overlay.Text(), whole, 0, 0);
+    for (const RECT& empty : {RECT{10, 10, 10, 400}, RECT{10, 400, 300, 10}}) overlay.gfx->DrawText(empty, 0, 0);
+    overlay.gfx->SetTextLimits(&elsewhere);
+    overlay.gfx->DrawText(whole, 0, 0);
     EXPECT_EQ(overlay.gfx.recording.Draws().size(), 0u) << "no text lies there";
-    drawer.SetLimits(&limits);
-    drawer.Draw(overlay.Text(), whole, 0, 0);
+    overlay.gfx->SetTextLimits(&limits);
+    overlay.gfx->DrawText(whole, 0, 0);
     EXPECT_EQ(overlay.gfx.recording.Draws().size(), 1u);
     EXPECT_THAT(overlay.gfx.recording.ArgumentsOf("SetViewport")[0], ElementsAre(10, 20, 30, 24, _, _))
         << "the limits and the text's own extent";

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "gfx/gfx.h"
-#include "gfx/gfx_parts.h"
 #include "gfx/textures/texture.h"
+#include "gfx/textures/video_sources.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/reports.h"
@@ -28,7 +28,7 @@ class TextureCatalogue : public TemporaryFolder {
     }
 
     RecordedGfx gfx_;
-    KRN_TextureCatalogue catalogue_{*gfx_};
+    KRN_TextureCatalogue& catalogue_ = gfx_->Catalogue();
 };
 
 TEST_F(TextureCatalogue, ReadsNamesAndFiles) {
@@ -77,7 +77,7 @@ TEST_F(TextureCatalogue, PutsTheBaseDirectoryInFront) {
     std::filesystem::create_directories(Folder() / "pictures");
     std::filesystem::rename("a.png", "pictures/a.png");
     WriteFile("catalogue.cfg", "\"smoke\" = \"a.png\"\n\"mirror\" = \">>Video3\"\n");
-    VideoSource& source = gfx_->Parts().videos[2];
+    VideoSource& source = gfx_->Video(2);
     source.format = D3DFMT_A8R8G8B8;
     source.width = source.height = 5;
     Reports reports;

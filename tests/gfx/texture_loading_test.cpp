@@ -4,9 +4,10 @@
 
 #include <functional>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "gfx/textures/frame_list.h"
 #include "gfx/textures/texture.h"
+#include "gfx/textures/texture_loader.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/recorded_objects.h"
@@ -30,8 +31,7 @@ class TextureLoading : public TemporaryFolder {
         return static_cast<RecordedTexture*>(texture.DeviceTexture())->Level(0).desc;
     }
     D3DSURFACE_DESC Desc() const { return DescOf(texture_); }
-    TextureSettings& Settings() { return gfx_->Parts().texture_loader.Settings(); }
-    TextureRegistry& Registry() { return gfx_->Parts().textures; }
+    TextureSettings& Settings() { return gfx_->TextureOptions(); }
     static void WritePng(const char* name, UINT width, UINT height, int channels = 4) {
         WriteFile(name, PngFile(TestPicture::Pattern(width, height), channels));
     }
@@ -158,8 +158,7 @@ TEST_F(TextureLoading, SharesAFileUntilItChanges) {
     Settings().sharing = false;
     gfx_->LoadTexture(&second, "a.png", 0, -1);
     EXPECT_NE(second.DeviceTexture(), third.DeviceTexture());
-    EXPECT_EQ(Registry().Count(), 3);
-    EXPECT_EQ(Registry().Created(), 3u);
+    EXPECT_EQ(gfx_->CreatedTextures(), 3u);
 }
 
 /// How often a file is opened while something is done.
@@ -217,7 +216,6 @@ TEST_F(TextureLoading, ReleasesWithItsLastUser) {
         EXPECT_TRUE(other.HasSurface());
     }
     EXPECT_EQ(gfx_.recording.LiveObjects(), before);
-    EXPECT_EQ(Registry().Count(), 0);
 }
 
 TEST_F(TextureLoading, KeepsThePresentTextureWhileAnotherLoadsIfAsked) {
@@ -230,9 +228,10 @@ TEST_F(TextureLoading, KeepsThePresentTextureWhileAnotherLoadsIfAsked) {
     }
     WriteFile("one.ifl", "a.png\n");
     Load("one.ifl");
+    const int before = gfx_.recording.LiveObjects();
     LoadError("half.ifl", kLoadKeepsTexture);
     EXPECT_EQ(texture_.SequenceFrames(), 1);
-    EXPECT_EQ(Registry().Count(), 1);
+    EXPECT_EQ(gfx_.recording.LiveObjects(), before);
     LoadError("gone.png", 0);
     EXPECT_FALSE(texture_.HasSurface());
 }
@@ -309,6 +308,7 @@ TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
     WritePng("fire/more/f1.png", 3, 2);
     WritePng("f2.png", 4, 2);
     WriteFile("fire/FIRE.ifl", "\t f0.png\r\n\r\n  More\\F1.png  \r\nf2.png\r\n");
+    const int before = gfx_.recording.LiveObjects();
     Load("fire\\fire.ifl");
     EXPECT_EQ(texture_.SequenceFrames(), 3);
     EXPECT_EQ(texture_.CurrentFrame(), 0);
@@ -327,7 +327,7 @@ TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
     EXPECT_FALSE(texture_.HasSurface());
     Load("f2.png");
     EXPECT_EQ(texture_.SequenceFrames(), 0);
-    EXPECT_EQ(Registry().Count(), 1);
+    EXPECT_EQ(gfx_.recording.LiveObjects(), before + 1);
 }
 
 TEST_F(TextureLoading, AListHasABound) {
@@ -340,7 +340,7 @@ TEST_F(TextureLoading, AListHasABound) {
 // ---- Video sources
 
 TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
-    VideoSource& source = gfx_->Parts().videos[15];
+    VideoSource& source = gfx_->Video(15);
     EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(16); }),
               "KRN_Gfx: Invalid video source nurber in UpdateVideoSource(): 16");
     EXPECT_EQ(ErrorOf([&] { gfx_->UpdateVideoSource(15); }),
@@ -377,7 +377,7 @@ TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
 
 TEST_F(TextureLoading, KnowsTheFileOfWhatItShows) {
     WritePng("a.png", 2, 2);
-    VideoSource& source = gfx_->Parts().videos[0];
+    VideoSource& source = gfx_->Video(0);
     source = {.format = D3DFMT_A8R8G8B8, .width = 2, .height = 2, .update = {}, .texture = {}};
     const auto expect_file = [this](const char* name, bool has_time) {
         EXPECT_STREQ(texture_.Name().c_str(), name);

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "gfx/gfx_parts.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/recorded_objects.h"
 
@@ -142,7 +141,7 @@ TEST_F(TextureStagesTest, OnlyTheStagesInUseAreSet) {
     Create(2, MapKind::Decal);
     gfx_->SetTexture(&texture_, -1);
     EXPECT_FALSE(Bound(2));
-    gfx_->Parts().texture_stages.SetStagesInUse(3);
+    gfx_->SetStagesInUse(3);
     gfx_->SetTexture(&texture_, -1);
     EXPECT_TRUE(Bound(2));
     EXPECT_THAT(Colour(2), ElementsAre(D3DTOP_BLENDTEXTUREALPHA, D3DTA_TEXTURE, D3DTA_CURRENT));

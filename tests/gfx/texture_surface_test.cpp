@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "gfx/device/surface.h"
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 

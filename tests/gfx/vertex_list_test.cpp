@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "gfx/gfx_parts.h"
+#include "gfx/geometry/immediate_lists.h"
+#include "gfx/gfx.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
@@ -167,8 +168,8 @@ TEST(VertexList, CountsWhatItDraws) {
         EXPECT_EQ(ErrorOf([&] { gfx->DrawTriangleList(list, 0, count); }),
                   "KRN_Gfx: Number of elements in DrawTriangleList too high! (" + std::to_string(count) + ")");
     }
-    DrawStatistics& statistics = gfx->Parts().statistics;
-    statistics.suppress_draws = true;
+    const DrawStatistics& statistics = gfx->Statistics();
+    gfx->SuppressDraws(true);
     gfx->DrawTriangleList(list, 0, 4);
     EXPECT_EQ(gfx.recording.Draws().size(), 1u) << "counted, not drawn";
     EXPECT_EQ(statistics.draw_calls, 2u);
@@ -179,8 +180,19 @@ TEST(VertexList, CountsWhatItDraws) {
 }
 
 TEST(ImmediateLists, AreMadeOnceAndFilled) {
-    RecordedGfx gfx;
-    ImmediateLists& lists = gfx->Parts().immediate;
+    // The part alone, with those that it uses.
+    Recording recording;
+    const struct : KRN_Base {
+    } reporter;
+    GraphicsDevice graphics(reporter, Recording::Create, FakeEnvironment::kTable);
+    graphics.Create(FakeWindow(), {1, 0, 0}, {});
+    RenderTargets targets(graphics);
+    GfxStates states(graphics, targets);
+    const ShaderEffectChoice effects;
+    DrawStatistics statistics;
+    VertexListDrawer drawer(states, effects, statistics);
+    ImmediateLists lists;
+    lists.Create(drawer);
     const KRN_TLVertex* screen = lists.screen.Lock(0, 32, 0);
     EXPECT_EQ(screen[31].diffuse, 0xFFFFFFFF);
     EXPECT_EQ(screen[31].rhw, 1.0f);
@@ -192,8 +204,7 @@ TEST(ImmediateLists, AreMadeOnceAndFilled) {
     EXPECT_EQ(lists.triangles.ElementCount(), 32u);
     EXPECT_EQ(lists.lines.PrimitiveCount(), 16u);
     EXPECT_EQ(lists.point.ElementCount(), 1u);
-    gfx->ResetDevice(nullptr, -1);
-    EXPECT_NE(lists.point.Buffer(), nullptr);
+    EXPECT_EQ(recording.LiveDefaultPoolObjects(), 1) << "the back buffer: the lists survive a reset";
 }
 
 }   // namespace

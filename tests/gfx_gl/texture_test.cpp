@@ -5,7 +5,9 @@
 #include <cmath>
 
 #include "gfx/geometry/vertex_list.h"
-#include "gfx/gfx_parts.h"
+#include "gfx/gfx.h"
+#include "gfx/textures/texture_catalogue.h"
+#include "gfx/textures/texture_loader.h"
 #include "platform/d3dx/dxt_blocks.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
@@ -96,7 +98,7 @@ TEST_F(TexturePicture, EveryKindOfFileIsDrawnAsItIs) {
     for (const auto& [name, file, tolerance] : rows) {
         for (const int parameter : {0, 1}) {   // managed, and the default pool
             SCOPED_TRACE(std::string(name) + std::to_string(parameter));
-            gfx_->Parts().texture_loader.Settings().sharing = false;
+            gfx_->TextureOptions().sharing = false;
             Load(file, parameter);
             gfx_->SetTexture(&texture_, -1);
             Draw(8);
@@ -146,9 +148,9 @@ TEST_F(TexturePicture, CompressedBlocksAreDrawnAsTheyDecode) {
 TEST_F(TexturePicture, CompressingKeepsThePicture) {
     TestPicture picture = {256, 256, {}};
     for (UINT i = 0; i < 256 * 256; ++i) picture.pixels.push_back(0xFF000000 | (i % 256) << 16 | (i / 256) << 8 | 90);
-    gfx_->Parts().texture_loader.Settings().compression = true;
+    gfx_->TextureOptions().compression = true;
     Load(PngFile(picture, 4));
-    gfx_->Parts().texture_loader.Settings().compression = false;
+    gfx_->TextureOptions().compression = false;
     EXPECT_EQ(texture_.Format(), D3DFMT_DXT5);
     gfx_->SetTexture(&texture_, -1);
     Draw(64);
@@ -235,7 +237,7 @@ TEST_F(TexturePicture, ALayersMatrixMovesTheCoordinates) {
 }
 
 TEST_F(TexturePicture, CatalogueTexturesAreDrawnAfterAReset) {
-    KRN_TextureCatalogue catalogue(*gfx_);
+    KRN_TextureCatalogue& catalogue = gfx_->Catalogue();
     WriteFile("a.png", PngFile({1, 1, {0xFF336699}}, 4));
     WriteFile("catalogue.cfg", "\"a\" = \"a.png\"\n\"gone\" = \"gone.png\"\n");
     catalogue.Load("catalogue.cfg", nullptr, false);
@@ -244,7 +246,6 @@ TEST_F(TexturePicture, CatalogueTexturesAreDrawnAfterAReset) {
     Draw(8);
     ExpectPixel(3, 3, 0xFF336699, 0);
     gfx_->ResetDevice(nullptr, -1);
-    catalogue.Restore();
     gfx_->SetZBufferMode(0);
     gfx_->SetTexture(texture, -1);
     Draw(8);
@@ -253,6 +254,7 @@ TEST_F(TexturePicture, CatalogueTexturesAreDrawnAfterAReset) {
     Draw(8);
     ExpectPixel(3, 3, 0xFF969696, 0);
     gfx_->SetTexture(nullptr, -1);
+    catalogue.Clear();
 }
 
 }   // namespace
