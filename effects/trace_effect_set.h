@@ -1,10 +1,10 @@
 // The trails that moving effects leave behind: lines of up to four points each, laid, aged and forgotten.
 #pragma once
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "base/error.h"
-#include "base/string.h"
 #include "platform/d3dx/d3dx_math.h"
 
 namespace sparkrig {
@@ -37,7 +37,7 @@ struct TraceEffectData {
     std::int64_t dropped = 0;
     std::int64_t first_live = 0;              // no line before it is drawn
     std::int64_t next[kTraceChannels] = {};   // the line that each channel writes next
-    String texture_name;                      // of the catalogue
+    std::string texture_name;                 // of the catalogue
     KRN_Texture* texture = nullptr;           // borrowed from the catalogue; fetched when the trail is first drawn
     RibbonSettings settings;
     int block = -1;

@@ -1,8 +1,11 @@
 // Small pictures of particles, drawn by the shipped shader on OpenGL.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 
+#include "base/random.h"
+#include "effects/special_shapes.h"
 #include "effects/visual_effect_system.h"
 #include "gfx/gfx.h"
 #include "platform/window/window.h"
@@ -46,10 +49,15 @@ class ParticlePicture : public testing::Test {
 
     /// A frame of one particle at the origin, half as high as the view, over 0x204060.
     void Draw(const std::string& lines) {
-        const std::string text = "#e\ndesc = \"e\"\nPARTICLE {\ntexture = \"" + picture_file_ +
-                                 "\"\nscale = " + std::to_string(kHalfHeight) + ", 1, 1\n" + lines + "\n}\n";
-        system_.LoadEffects(EffectsFileOf(text).Name(), false);
+        Start("PARTICLE {\ntexture = \"" + picture_file_ + "\"\nscale = " + std::to_string(kHalfHeight) + ", 1, 1\n" +
+              lines + "\n}\n");
+        Redraw();
+    }
+    void Start(const std::string& blocks) {
+        system_.LoadEffects(EffectsFileOf("#e\ndesc = \"e\"\n" + blocks).Name(), false);
         system_.StartEffect("e", {});
+    }
+    void Redraw() {
         gfx_->BeginScene();
         gfx_->Clear(0xFF204060, 1, nullptr);
         gfx_->SetZBufferMode(1);
@@ -63,6 +71,13 @@ class ParticlePicture : public testing::Test {
         const auto column = static_cast<std::size_t>(x * width_), row = static_cast<std::size_t>(y * height_);
         return ToRgb(pixels_[row * width_ + column]);
     }
+
+    /// Where a place of the world shows, as parts of the picture's width and height.
+    static D3DXVECTOR2 OnScreen(const D3DXVECTOR3& p) {
+        const float deep = (100 - p.y) * 0.41421356f;   // half the view's height there
+        return {0.5f - p.x / deep / 2, 0.5f - p.z / deep / 2};
+    }
+    bool IsChanged(const D3DXVECTOR2& part) const { return !Near(At(part.x, part.y), {0x20, 0x40, 0x60}, 6); }
 
     static std::unique_ptr<KRN_Gfx> gfx_;
     VisualEffectSystem system_;
@@ -124,6 +139,89 @@ TEST_F(ParticlePicture, BillboardModesPlaceTheQuad) {
         EXPECT_EQ(!Near(At(0.4, 0.4), kBackground, 8), shows_centre) << lines;
         EXPECT_TRUE(Near(At(0.5, 0.1), kBackground, 0)) << lines;
     }
+}
+
+/// Of each shape every point shows where its formula has it, and nothing shows elsewhere. The points of the formula are
+/// those that a random table of the same seed gives (the shapes themselves are compared with a reference elsewhere).
+TEST_F(ParticlePicture, EachSpecialShapeStandsWhereItsPointsAre) {
+    const std::pair<const char*, SpecialType> kRows[] = {
+        {"flame", SpecialType::Flame},   {"helix", SpecialType::Helix}, {"snake", SpecialType::Snake},
+        {"wave", SpecialType::Wave},     {"jelly", SpecialType::Jelly}, {"firework", SpecialType::Firework},
+        {"splash", SpecialType::Splash}, {"smoke", SpecialType::Smoke}};
+    SeedRandom(11);
+    system_.Init(*gfx_, 0);
+    RandomTable table;
+    SeedRandom(11);
+    table.Draw();
+    for (const auto& [name, type] : kRows) {
+        Start(std::string("SPECIAL {\ntype = \"") + name +
+              "\"\nBlendType = \"additive\"\nnumPart = 40\nPartSize = 0.1\nscale = 14, 6, 18\nStartTime = 0.4\n" +
+              "pos = 4, 3, -5\ncol = 1, 0.5, 0.2\n}\n");
+        Redraw();
+        SpecialShape shape;
+        shape.type = type;
+        shape.position = {4, 3, -5};
+        shape.age = 0.4;
+        shape.scale = {14, 6, 18};
+        shape.count = 40;
+        shape.first = shape.second = 0xFFFF7F33;
+        shape.seed = static_cast<int>(system_.GetInstanceStates().at(0).random[0] * 100);
+        KRN_PointVertex points[kSpecialPoints];
+        const int count = WriteShape(shape, table, points);
+        EXPECT_EQ(system_.DrawnParticleCount(), 40) << name;
+        EXPECT_EQ(system_.DrawCallCount(), 1) << name;
+        for (int i = 0; i < count; ++i) {
+            const bool bright = (points[i].diffuse >> 24) * (points[i].diffuse >> 16 & 255) > 90 * 90;
+            EXPECT_TRUE(!bright || IsChanged(OnScreen({points[i].x, points[i].y, points[i].z}))) << name << " " << i;
+        }
+        for (UINT y = 0; y < height_; ++y) {
+            for (UINT x = 0; x < width_; ++x) {
+                const D3DXVECTOR2 here{(static_cast<float>(x) + 0.5f) / static_cast<float>(width_),
+                                       (static_cast<float>(y) + 0.5f) / static_cast<float>(height_)};
+                float nearest = 1;
+                for (int i = 0; i < count; ++i) {
+                    const D3DXVECTOR2 point = OnScreen({points[i].x, points[i].y, points[i].z});
+                    nearest = std::min(nearest, std::hypot(point.x - here.x, point.y - here.y));
+                }
+                ASSERT_FALSE(nearest > 0.04f && IsChanged(here)) << name << " " << x << " " << y;
+            }
+        }
+    }
+}
+
+/// A single point of the default picture, a soft spot: 120 x 20 / sqrt(10 d^2) pixels, at most 64.
+TEST_F(ParticlePicture, PointsAreAsLargeAsTheirDistanceAllows) {
+    const std::pair<float, int> kRows[] = {{85, 51}, {70, 25}, {40, 13}, {90, 64}};   // y, pixels
+    for (const auto& [y, pixels] : kRows) {
+        Start(
+            "SPECIAL {\ntype = \"snake\"\nBlendType = \"additive\"\nnumPart = 1\nPartSize = 10\nscale = 1, 1, 0\npos = "
+            "0, " +
+            std::to_string(y) + ", 0\n}\n");
+        Redraw();
+        int width = 0;
+        for (UINT x = 0; x < width_; ++x) width += IsChanged({(static_cast<float>(x) + 0.5f) / 120, 0.5f});
+        EXPECT_NEAR(width, pixels * 0.84, 1 + pixels * 0.08) << y;   // what of the spot is bright enough
+    }
+}
+
+/// Two emitters a distance apart run along x and lay the edges of a ribbon.
+TEST_F(ParticlePicture, ATrailSpansItsEdges) {
+    const auto edge = [](const char* z) {
+        return std::string("SPECIAL {\ntype = \"none\"\nEmitEffect = \"trace:spot\"\nEmitEffectPerTime = 60\n") +
+               "EmitEffectRand = 0\nTraceEffectLifeTime = 9\nTraceEffectFlag = 1\npos = -20, 0, " + z +
+               "\nPOSITION {\ntype = \"linear\"\nscale = 40, 0, 0\n}\n}\n";
+    };
+    Start(edge("-8") + edge("8"));
+    for (int i = 0; i < 60; ++i) system_.Update(1 / 60.0f);
+    Redraw();
+    EXPECT_EQ(system_.DrawCallCount(), 1);
+    for (const float x : {-6.0f, 0.0f, 6.0f, 12.0f}) {
+        EXPECT_TRUE(IsChanged(OnScreen({x, 0, 0}))) << x;
+        EXPECT_FALSE(IsChanged(OnScreen({x, 0, 10}))) << x;
+        EXPECT_FALSE(IsChanged(OnScreen({x, 0, -10}))) << x;
+    }
+    EXPECT_FALSE(IsChanged(OnScreen({-24, 0, 0})));
+    EXPECT_FALSE(IsChanged(OnScreen({24, 0, 0})));
 }
 
 }   // namespace
