@@ -1,3 +1,4 @@
+// How much was drawn in a frame.
 #pragma once
 #include <cstdint>
 

@@ -1,3 +1,4 @@
+// Which frame it is, and what was made for it already.
 #pragma once
 #include <cstdint>
 

@@ -1,3 +1,4 @@
+// How many frames a second are shown.
 #pragma once
 #include <cstdint>
 

@@ -1,3 +1,4 @@
+// The ramp by which the display brightens or darkens what is shown in full screen.
 #pragma once
 #include "gfx/device/graphics_device.h"
 

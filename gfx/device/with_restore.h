@@ -1,3 +1,4 @@
+// Doing something and putting back what it changed, also when it ends in an error.
 #pragma once
 #include "base/error.h"
 

@@ -1,3 +1,4 @@
+// The few vertex lists that are there from the start, for drawers that fill one each frame.
 #pragma once
 #include "gfx/geometry/vertex_list_drawer.h"
 

@@ -1,3 +1,4 @@
+// Which of the shader effects that are set, forced or brought along a draw uses.
 #pragma once
 #include <utility>
 

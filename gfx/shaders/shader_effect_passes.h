@@ -1,3 +1,4 @@
+// Drawing once for every pass of a shader effect.
 #pragma once
 #include <span>
 

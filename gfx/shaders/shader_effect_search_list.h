@@ -1,3 +1,4 @@
+// Where the file of a shader effect is looked for.
 #pragma once
 #include <string>
 #include <vector>

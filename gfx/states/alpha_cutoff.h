@@ -1,3 +1,4 @@
+// The alpha test: which pixels are left out by their alpha.
 #pragma once
 #include "gfx/states/state_sender.h"
 

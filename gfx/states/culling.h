@@ -1,3 +1,4 @@
+// Which faces are left out by the way they turn.
 #pragma once
 #include "gfx/states/state_sender.h"
 

@@ -1,3 +1,4 @@
+// Whether depths are tested and written.
 #pragma once
 #include "gfx/states/state_sender.h"
 

@@ -1,3 +1,4 @@
+// Fog: how things fade with their distance.
 #pragma once
 #include "gfx/states/state_sender.h"
 

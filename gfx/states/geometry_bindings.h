@@ -1,3 +1,4 @@
+// What the next draw call reads its vertices from.
 #pragma once
 #include "gfx/states/state_sender.h"
 

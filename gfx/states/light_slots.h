@@ -1,3 +1,4 @@
+// The eight lights that the device knows.
 #pragma once
 #include "gfx/states/state_sender.h"
 

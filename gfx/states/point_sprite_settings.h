@@ -1,3 +1,4 @@
+// How large points are.
 #pragma once
 
 namespace sparkrig {

@@ -1,3 +1,4 @@
+// The one colour that every texture stage can take.
 #pragma once
 #include "gfx/states/state_sender.h"
 
