@@ -184,7 +184,7 @@ class Pipeline {
         const auto filled = [&](const std::vector<double>& set) {
             Vec out = {0, 0, 0, matrix_follows ? 0.0 : 1.0};
             std::copy(set.begin(), set.end(), out.begin());
-            if (matrix_follows && set.size() < 4) out[set.size() == 0 ? 2 : set.size()] = 1;
+            if (matrix_follows && set.size() < 4) out[set.empty() ? 2 : set.size()] = 1;
             return out;
         };
         if (index < 8) {
