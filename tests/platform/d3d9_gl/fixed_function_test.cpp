@@ -1,6 +1,6 @@
 // Pixels of OpenGL beside the fixed function on the processor: random states by a seed, and the corners that were
 // found.
-//     FIXED_FUNCTION_CASES=20000 build/release/tests/test_platform_d3d9_gl --gtest_filter='FixedFunction.Random*'
+//     FIXED_FUNCTION_CASES=2500 build/release/tests/test_platform_d3d9_gl --gtest_filter='FixedFunction.Random*'
 #include "tests/platform/d3d9_gl/fixed_function.h"
 
 #include <gtest/gtest.h>
