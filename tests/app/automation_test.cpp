@@ -221,8 +221,8 @@ TEST_F(AutomationTest, ABackgroundPictureThatCannotBeReadIsSaidInThePicture) {
     Write("config/sparkrig/registry.toml", setting);
     Write("bad.png", "no picture");
     EXPECT_EQ(Run({"--capture", "with.png"}), 0);
-    EXPECT_NE(ReadAll(Path("with.png")), ReadAll(Path("without.png")));
-    EXPECT_EQ(ReadAll(Path("config/sparkrig/registry.toml")), setting);
+    EXPECT_NE(ReadFile(Path("with.png")), ReadFile(Path("without.png")));
+    EXPECT_EQ(ReadFile(Path("config/sparkrig/registry.toml")), setting);
 }
 
 }   // namespace
