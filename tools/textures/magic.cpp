@@ -195,6 +195,18 @@ Pixel PaintRibbon(Point p, Pixel colour) {
             Unit(across * threads * 0.85f + 0.6f * core) * std::sqrt(along) * Step(0.95f, 0.5f, p.x)};
 }
 
+/// A band that repeats along a trail without a seam: silk in waves that come back after its length.
+Pixel PaintSilk(Point p, Pixel colour) {
+    const float wave = std::sin(kPi * p.x + 0.9f * std::sin(2 * kPi * p.x) + 3 * p.y);
+    const float across = Step(0.92f, 0.7f, std::fabs(p.y)), fold = 0.5f + 0.5f * wave;
+    const Pixel lit = MixColour(colour, White(1), 0.6f * fold * fold);
+    return {lit.r, lit.g, lit.b, Unit(across * (0.25f + 0.6f * fold))};
+}
+
+Sprite Silk(const char* name, Pixel colour) {
+    return {name, 64, [=](Point p) { return PaintSilk(p, colour); }};
+}
+
 Sprite Ribbon(const char* name, Pixel colour) {
     return {name, 64, [=](Point p) { return PaintRibbon(p, colour); }};
 }
@@ -216,6 +228,8 @@ std::vector<Sprite> MagicSprites() {
         Ribbon("ribbon_violet", {0.5f, 0.26f, 1, 1}),
         Ribbon("ribbon_gold", {1, 0.74f, 0.24f, 1}),
         Ribbon("ribbon_ice", {0.3f, 0.72f, 1, 1}),
+        Silk("silk_red", {0.95f, 0.12f, 0.2f, 1}),
+        Silk("silk_wind", {0.45f, 0.75f, 0.8f, 1}),
     };
 }
 
