@@ -5,6 +5,8 @@
 #include "base/random.h"
 #include "effects/effect_simulation.h"
 #include "effects/effects_file.h"
+#include "effects/special_effect_renderer.h"
+#include "effects/trace_ribbon.h"
 #include "fuzz/input_file.h"
 
 namespace sparkrig {
@@ -23,6 +25,28 @@ void Check(const char* file) {
     CheckEffectsFile(file, FuzzReporter(), definitions);
 }
 
+/// What drawing would write: the points of specials, the ribbons of trails.
+void Shape(EffectSimulation& simulation) {
+    static RandomTable table = [] {
+        RandomTable drawn;
+        drawn.Draw();
+        return drawn;
+    }();
+    KRN_PointVertex points[kSpecialPoints];
+    const InstanceStore& instances = simulation.Instances();
+    for (int id = 0; id < instances.IdEnd(); ++id) {
+        if (!instances.IsLive(id)) continue;
+        const VisualEffectObject object = GetInstance(instances, id);
+        if (object.kind == SubEffectKind::Special) WriteShape(ShapeOf(object, object.Age()), table, points);
+    }
+    static std::vector<KRN_LVertex> vertices(kTraceVertices);
+    for (int i = 0; i < simulation.Traces().Count(); ++i) {
+        TraceEffectData& trail = simulation.Traces().At(i);
+        ShortenToFit(trail);
+        if (RibbonTriangles(trail) > 0) WriteRibbon(trail, vertices.data());
+    }
+}
+
 void Play(const char* file) {
     FuzzReporter reporter;
     EffectDefinitions definitions;
@@ -32,6 +56,7 @@ void Play(const char* file) {
     for (int i = 0; i < definitions.names.GetCount() && i < kEffects; ++i)
         simulation.StartEffect(*definitions.effects.Find(*definitions.names.GetAt(i)), {1, 2, 3});
     for (int step = 0; step < kSteps; ++step) simulation.Update(kStepSeconds);
+    Shape(simulation);
     const auto bindings = simulation.Unbind();
     EffectDefinitions again;
     LoadEffectsFile(file, reporter, again);
