@@ -95,7 +95,7 @@ constexpr auto kSquareFade = [](float f) { return 1 - f * f; };
 
 /// Both rise alike; a flame's points draw together and spread as they rise.
 template <bool kFlame>
-int Rising(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+inline int Rising(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float height = shape.scale.z, spread = shape.scale.x;
     Progress progress;
     FindCycles(table, 0, count, 0.2, 0.5, 0.6 * shape.age, progress);
@@ -127,9 +127,16 @@ int Rising(const SpecialShape& shape, const RandomTable& table, int count, Point
     return count;
 }
 
+SPARKRIG_VECTOR_CODE int Flame(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    return Rising<true>(shape, table, count, points);
+}
+SPARKRIG_VECTOR_CODE int Smoke(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+    return Rising<false>(shape, table, count, points);
+}
+
 // ---- Helix, snake
 
-int Helix(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float length = shape.scale.z, radius = shape.scale.x;
     Progress progress;
     FindCycles(table, 0, count, 0.2, 0.5, shape.age, progress);
@@ -155,7 +162,7 @@ void Swinging(const SpecialShape& shape, const Progress& progress, int first, in
     }
 }
 
-int Snake(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
     Progress progress;
     FindLine(0, count, progress);
     Swinging(shape, progress, 0, count, shape.scale.z, shape.scale.x, points.side, points);
@@ -176,7 +183,7 @@ void Sheet(const SpecialShape& shape, int rows, int each, Progress& progress, Po
     Swinging(shape, progress, 0, rows * each, shape.scale.x, shape.scale.y, points.up, points);
 }
 
-int Wave(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Wave(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
     const float length = shape.scale.x, width = shape.scale.z;
     if (!(length > 0) || !(width > 0)) return 0;
     const int rows = TruncateToInt(std::sqrt(static_cast<double>(count) * width / length));
@@ -188,7 +195,7 @@ int Wave(const SpecialShape& shape, const RandomTable&, int count, Points& point
     return rows * each;
 }
 
-int Jelly(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float length = shape.scale.x, width = shape.scale.z;
     const int sheet = count / 5, drops = count - sheet;
     Progress progress;
@@ -211,7 +218,7 @@ int Jelly(const SpecialShape& shape, const RandomTable& table, int count, Points
 
 // ---- Firework, splash
 
-int Firework(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Firework(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float radius = shape.scale.x, height = shape.scale.z;
     const float f = Burst(shape.age), expansion = 1 - Exponential(-f), rest = (1 - f) * (1 - f);
     std::fill_n(points.colour, count, Mixed(shape, 1 - rest * rest, 1 - f * f));
@@ -229,7 +236,7 @@ int Firework(const SpecialShape& shape, const RandomTable& table, int count, Poi
     return count;
 }
 
-int Splash(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     constexpr int kSprays = 4;
     const int each = count / kSprays;
     const float size = shape.scale.x, f = Burst(shape.age), fall = 0.25f * f * f;
@@ -268,14 +275,14 @@ struct ShapeRow {
 // clang-format off
 constexpr ShapeRow kShapes[] = {
     // type                 points          unit   side axis              size
-    {SpecialType::Flame,    Rising<true>,  false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
+    {SpecialType::Flame,    Flame,         false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
     {SpecialType::Helix,    Helix,         false, Side::Helix,           &D3DXVECTOR3::x, 1},
     {SpecialType::Snake,    Snake,         true,  Side::UpTimesForward,  &D3DXVECTOR3::x, 2},
     {SpecialType::Wave,     Wave,          true,  Side::UpTimesForward,  &D3DXVECTOR3::z, 2},
     {SpecialType::Jelly,    Jelly,         true,  Side::UpTimesForward,  &D3DXVECTOR3::z, 2},
     {SpecialType::Firework, Firework,      true,  Side::UpTimesForward,  &D3DXVECTOR3::x, 1 / 5.0f},
     {SpecialType::Splash,   Splash,        false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1 / 5.0f},
-    {SpecialType::Smoke,    Rising<false>, false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
+    {SpecialType::Smoke,    Smoke,         false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
 };
 // clang-format on
 
