@@ -37,7 +37,7 @@ class KRN_Target3dObject : public KRN_3dObject {
     const D3DXVECTOR3& Up() const { return up_; }
 
   protected:
-    ~KRN_Target3dObject() = default;
+    ~KRN_Target3dObject() override = default;
 
     friend struct SceneRecords;
     String target_name_;
@@ -50,7 +50,7 @@ class KRN_Target3dObject : public KRN_3dObject {
 class KRN_Camera : public KRN_Target3dObject {
   public:
     KRN_Camera();
-    ~KRN_Camera() = default;
+    ~KRN_Camera() override = default;
     void Write(File& file) const override;
     void Read(File& file) override;
 

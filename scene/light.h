@@ -8,7 +8,7 @@ namespace sparkrig {
 class KRN_Light : public KRN_Target3dObject {
   public:
     KRN_Light();
-    ~KRN_Light() = default;
+    ~KRN_Light() override = default;
 
     void Write(File& file) const override;
     void Read(File& file) override;

@@ -23,7 +23,7 @@ namespace sparkrig {
 class KRN_3dClipObject : public virtual KRN_3dObject, public KRN_ClipObject {
   protected:
     KRN_3dClipObject() = default;
-    ~KRN_3dClipObject() = default;
+    ~KRN_3dClipObject() override = default;
 };
 
 /// A bone that moves a mesh. Vertices name it by its place in the mesh's list.
@@ -80,7 +80,7 @@ class KRN_MeshBase : public KRN_3dClipObject, public KRN_VertexListBase {
 
   protected:
     KRN_MeshBase() = default;
-    ~KRN_MeshBase() = default;
+    ~KRN_MeshBase() override = default;
 
   private:
     friend class KRN_Mesh;
@@ -93,7 +93,7 @@ class KRN_MeshBase : public KRN_3dClipObject, public KRN_VertexListBase {
 class KRN_Mesh : public KRN_MeshBase {
   public:
     KRN_Mesh() { SetName("KRN_Mesh"); }
-    ~KRN_Mesh() = default;
+    ~KRN_Mesh() override = default;
     void Write(File& file) const override;
     int Reserved(std::uint32_t) override { return 1; }
     /// Makes `target` draw this mesh's geometry, with its bones, volume and what else belongs to it. What is kept of

@@ -86,7 +86,7 @@ class KRN_3dScene : public KRN_3dClipObject {
     KRN_3dScene();
     KRN_3dScene(const KRN_3dScene&) = delete;
     KRN_3dScene& operator=(const KRN_3dScene&) = delete;
-    ~KRN_3dScene() = default;
+    ~KRN_3dScene() override = default;
 
     // ---- Nodes by name. The first one of meshes, helpers, cameras and lights, or null.
     KRN_3dObject* FindObject(const char* name, bool case_sensitive) const;

@@ -10,7 +10,7 @@ class KRN_VertexListBase : public virtual KRN_3dObject {
     KRN_VertexListBase() { SetName("KRN_ListBase"); }
 
   protected:
-    ~KRN_VertexListBase() = default;
+    ~KRN_VertexListBase() override = default;
 };
 
 }   // namespace sparkrig
