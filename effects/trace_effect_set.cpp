@@ -58,6 +58,7 @@ int TraceEffectData::CompleteLines() const {
 TraceEffectSet::TraceEffectSet(int blocks) : trail_of_block_(static_cast<std::size_t>(blocks), -1) {
     SetName("TraceEffectSet");
     trails_.reserve(kFirstTrails);
+    spare_.reserve(kFirstTrails);
 }
 
 TraceEffectData& TraceEffectSet::TrailOf(int block, const char* texture, const RibbonSettings& settings) {
