@@ -25,9 +25,18 @@ long CountStarting(const Recording& recording, const char* beginning) {
                                  [&](const RecordedCall& call) { return call.method.starts_with(beginning); });
 }
 
+int IndexOf(WholeProgram& program, const char* effect) {
+    int index = 0;
+    while (index < program.player->EffectCount() && program.engine.effects.GetEffectName(index) != effect) ++index;
+    return index;
+}
+
 TEST(SteadyFrames, SendNothingThatTheDeviceHolds) {
     WholeProgram program(BackEnd::Recording);
-    program.Frame();   // the defaults of creation are sent to a new device that holds them
+    // The defaults of creation, and of the first points, are sent to a new device that holds them.
+    const int with_points = IndexOf(program, "torch flame");
+    program.player->StartEffect(with_points);
+    program.Play(with_points, kFewFrames);
     long sent = 0, draws = 0;
     for (int effect = 0; effect < program.player->EffectCount(); ++effect) {
         program.player->StartEffect(effect);

@@ -185,7 +185,10 @@ TEST(ImmediateLists, AreMadeOnceAndFilled) {
     const struct : KRN_Base {
     } reporter;
     GraphicsDevice graphics(reporter, Recording::Create, FakeEnvironment::kTable);
-    graphics.Create(FakeWindow(), {1, 0, 0}, {});
+    D3DPRESENT_PARAMETERS parameters = {};
+    parameters.Windowed = TRUE;
+    parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
+    graphics.Create(FakeWindow(), {1, 0, 0}, parameters);
     RenderTargets targets(graphics);
     GfxStates states(graphics, targets);
     const ShaderEffectChoice effects;
