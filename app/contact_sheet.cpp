@@ -14,9 +14,9 @@ constexpr UINT kGap = 4;              // pixels around each picture
 constexpr UINT kCaptionHeight = 18;   // pixels
 constexpr D3DCOLOR kSheetColour = 0xFF202028;
 
-/// How much there is to see: the shares of the instances that have been born, by size and alpha.
+/// How much there is to see: the shares of the instances that have been born, by size and alpha, and of ribbons.
 double Liveliness(const VisualEffectSystem& effects) {
-    double sum = 0;
+    double sum = effects.RibbonStrength();
     for (const EffectInstanceState& instance : effects.GetInstanceStates()) {
         if (instance.time < instance.birth_delay) continue;
         const double alpha = std::clamp(static_cast<double>(instance.alpha), 0.0, 1.0);

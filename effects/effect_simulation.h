@@ -45,6 +45,7 @@ class EffectSimulation {
 
     const InstanceStore& Instances() const { return instances_; }
     TraceEffectSet& Traces() { return traces_; }
+    const TraceEffectSet& Traces() const { return traces_; }
     double SystemTime() const { return system_time_; }
     void SetDetailLevel(int level);
     int DetailLevel() const { return detail_level_; }

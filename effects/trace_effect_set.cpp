@@ -123,6 +123,18 @@ void TraceEffectSet::UpdateTraces(float elapsed_seconds) {
     }
 }
 
+double TraceEffectSet::Strength() const {
+    double sum = 0;
+    for (const auto& trail : trails_) {
+        const int lines = trail->Channels() > 1 ? trail->CompleteLines() : 0;
+        for (std::int64_t number = trail->first_live; number < trail->first_live + lines; ++number) {
+            const TraceEffectLineData& line = trail->Line(number);
+            if (line.reference_life > 0) sum += std::clamp(double{line.life} / line.reference_life, 0.0, 1.0);
+        }
+    }
+    return sum;
+}
+
 void TraceEffectSet::ClearTraces() {
     trails_.clear();
     std::fill(trail_of_block_.begin(), trail_of_block_.end(), -1);

@@ -63,6 +63,8 @@ class TraceEffectSet : public ErrorClass {
     void ClearTraces();
 
     int Count() const { return static_cast<int>(trails_.size()); }
+    /// The alphas of the complete lines of all trails, without the fade of their beginnings.
+    double Strength() const;
     TraceEffectData& At(int index) { return *trails_[static_cast<std::size_t>(index)]; }
 
   private:

@@ -121,30 +121,11 @@ const String& VisualEffectSystem::GetEffectName(int index) const {
     return name ? *name : none;
 }
 
-std::vector<EffectTextureUse> VisualEffectSystem::GetEffectTextures(const char* name) const {
-    using By = EffectTextureUse::By;
-    std::vector<EffectTextureUse> uses;
-    const VisualEffect* effect = parts_->definitions->effects.Find(name);
-    if (!effect) return uses;
-    const auto add = [&](By by, const char* texture, const String& written) { uses.push_back({by, texture, written}); };
-    for (int i = 0; i < effect->particles.GetCount(); ++i) {
-        const String& texture = effect->particles.GetAt(i)->texture_name;
-        add(By::Particle, texture.c_str(), texture);
-    }
-    for (int i = 0; i < effect->specials.GetCount(); ++i) {
-        const String& texture = effect->specials.GetAt(i)->texture_name;
-        if (texture.GetLength() > 0) add(By::Special, texture.c_str(), texture);
-    }
-    ForEachSubEffect(*effect, [&](const SubEffect& sub) {
-        const String& emitted = sub.emit.name;
-        if (emitted.StartsWith(kTracePrefix)) add(By::Trace, emitted.c_str() + std::strlen(kTracePrefix), emitted);
-    });
-    return uses;
-}
-
 void VisualEffectSystem::StartEffect(const char* name, const D3DXVECTOR3& position) {
     parts_->simulation.StartEffect(FindEffect(*this, *parts_->definitions, name), position);
 }
+
+double VisualEffectSystem::RibbonStrength() const { return parts_->simulation.Traces().Strength(); }
 
 void VisualEffectSystem::Update(float elapsed_seconds) { parts_->simulation.Update(elapsed_seconds); }
 

@@ -28,14 +28,6 @@ struct EffectInstanceState {
     float alpha;
 };
 
-/// A texture that an effect names.
-struct EffectTextureUse {
-    enum class By { Particle, Special, Trace };
-    By by;
-    String name;      // empty where a particle names none
-    String written;   // as it stands in the effects file: before a trace's texture stands "trace:"
-};
-
 class VisualEffectSystem : public ErrorClass {
   public:
     VisualEffectSystem();
@@ -54,9 +46,6 @@ class VisualEffectSystem : public ErrorClass {
     /// In file order; empty for a wrong index. Good until the next load.
     const String& GetEffectName(int index) const;
 
-    /// Those of its particles, then of its specials, then of the traces that it lays. None for an unknown effect.
-    std::vector<EffectTextureUse> GetEffectTextures(const char* name) const;
-
     void StartEffect(const char* name, const D3DXVECTOR3& position);
     /// Loads the textures of the effect and of what it emits. A name that begins with "trace:" names a texture.
     void PreloadEffect(const char* name);
@@ -71,6 +60,8 @@ class VisualEffectSystem : public ErrorClass {
     double SystemTime() const;
     /// Every live instance, in ascending order of ids.
     std::vector<EffectInstanceState> GetInstanceStates() const;
+    /// How much there is to see of trails: the alphas of the lines that their ribbons have now.
+    double RibbonStrength() const;
 
     /// Ends every instance and forgets the definitions.
     void Clear();

@@ -1,7 +1,6 @@
 // A running effect takes no memory: counted over the sample effects, as the tester plays them.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -67,9 +66,7 @@ TEST(SampleEffects, TakeNoMemoryOnceTheyHaveRun) {
     };
     for (int i = 0; i < system.GetEffectCount(); ++i) {
         const String name = system.GetEffectName(i);
-        const auto textures = system.GetEffectTextures(name.c_str());
-        const auto shows_video = [](const EffectTextureUse& use) { return use.name.StartsWith(">>"); };
-        if (std::ranges::any_of(textures, shows_video)) continue;   // which the tester provides
+        if (name == "scrying mirror") continue;   // it shows a picture that the tester computes
         system.LoadEffects("cfg/effects.cfg", false);
         play(name.c_str());
         while (system.LiveInstanceCount() > 0 && system.SystemTime() < 120) system.Update(0.1f);
