@@ -33,10 +33,20 @@ struct Call {
 using FontSet = std::unique_ptr<FcFontSet, Call<FcFontSetDestroy>>;
 using Pattern = std::unique_ptr<FcPattern, Call<FcPatternDestroy>>;
 
+/// fontconfig with what it has read, let go of after the fonts that it gave.
+struct FontLibrary {
+    const bool works = FcInit() == FcTrue;
+    FontLibrary() = default;
+    FontLibrary(const FontLibrary&) = delete;
+    FontLibrary& operator=(const FontLibrary&) = delete;
+    ~FontLibrary() { FcFini(); }
+};
+
 /// The desktop's fonts, the preferred one first, without those that add no character.
 const FcFontSet* SystemFonts() {
+    static const FontLibrary library;
     static const FontSet fonts = [] {
-        if (!FcInit()) return FontSet();
+        if (!library.works) return FontSet();
         const Pattern pattern(FcNameParse(reinterpret_cast<const FcChar8*>("sans-serif:scalable=true:outline=true")));
         FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
         FcDefaultSubstitute(pattern.get());
