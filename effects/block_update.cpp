@@ -50,7 +50,7 @@ bool Advance(const SubEffect& sub, InstanceBlock& block, int count, float step, 
         const double time = block.time[i] + step, end = life(i) + delay;
         block.time[i] = time;
         ages.t[i] = time - delay;
-        deaths |= (life(i) != 0) & (end < time) ? 1 : 0;
+        deaths |= ((life(i) != 0) & (end < time)) ? 1 : 0;
     }
     return deaths != 0;
 }

@@ -311,9 +311,9 @@ SPARKRIG_VECTOR_CODE void ApplyFade(const SubEffect& sub, const MotionLanes& in,
     const double fade_in = sub.fade_in, fade_out = sub.fade_out;
     for (int i = 0; i < in.count; ++i) {
         const double t = in.t[i], life = lives[i];
-        double fade = (fade_in > 0) & (t < fade_in) ? t / fade_in : 1;
+        double fade = ((fade_in > 0) & (t < fade_in)) ? t / fade_in : 1;
         const double out = t >= life ? 0 : fade * (life - t) / fade_out;
-        fade = (fade_out > 0) & (life > 0) & (t > life - fade_out) ? out : fade;
+        fade = ((fade_out > 0) & (life > 0) & (t > life - fade_out)) ? out : fade;
         alpha[i] *= static_cast<float>(fade < 0 ? 0 : (fade > 1 ? 1 : fade));
     }
 }
