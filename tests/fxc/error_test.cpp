@@ -36,6 +36,7 @@ TEST(FxcErrors, NameFileLineAndCause) {
         {"float a = b;", "t.fx(1): error X2000: unknown name 'b' (column 11)"},
         {"float a; int a;", "t.fx(1): error X2000: 'a' stands for another parameter already"},
         {"float a[0];", "t.fx(1): error X2000: the size of an array is a constant from 1 to 4096"},
+        {"texture a[a];", "t.fx(1): error X2000: unknown name 'a' (column 11)"},
         {"float a <float b;> = 1;", "t.fx(1): error X2000: expected '=' before the value of the annotation"},
         {"texture t < texture b = 1; >;", "t.fx(1): error X2000: an annotation is a number or a string"},
         {"sampler s = sampler_state { CullMode = 1; };", "t.fx(1): error X2000: 'CullMode' is no state of a sampler"},

@@ -328,8 +328,8 @@ class EffectParser {
 
     void ParseParameter(const Usages& usages, const Type& type, const Token& name) {
         const DWORD index = static_cast<DWORD>(effect_.file.parameters.size());
-        const auto [place, is_new] = effect_.symbols.parameters.try_emplace(name.text, index);
-        if (!is_new) return cursor_.Fail(name, fmt::format("'{}' stands for another parameter already", name.text));
+        if (effect_.symbols.parameters.contains(name.text))
+            return cursor_.Fail(name, fmt::format("'{}' stands for another parameter already", name.text));
         Dimensions dimensions = ParseDimensions();
         EffectParameter parameter;
         parameter.shared = usages.shared;
@@ -338,6 +338,7 @@ class EffectParser {
             type.elements > 0 ? type.elements * std::max<DWORD>(1, dimensions.elements) : dimensions.elements;
         ParseSemantics(index, parameter);
         if (cursor_.Accept("<")) ParseAnnotations(parameter.annotations);
+        effect_.symbols.parameters.emplace(name.text, index);   // its own dimensions can not speak of it
         effect_.file.parameters.push_back(std::move(parameter));
         if (IsNumeric(type.kind))
             ParseNumbers(usages, type, name, dimensions, index);
