@@ -88,7 +88,7 @@ bool DetailLevelProcedure(HDLG dialog, UINT message, WPARAM wParam, LPARAM) {
     }
     if (EndsWithOk(dialog, message, wParam)) {
         GetDlgItemTextA(dialog, kDetailEdit, text, kLongest);
-        effects.SetDetailLevel(Round(static_cast<float>(std::strtod(text, nullptr))));
+        effects.SetDetailLevel(RoundToInt(std::strtod(text, nullptr)));
     }
     return true;
 }

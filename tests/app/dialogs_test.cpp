@@ -50,8 +50,11 @@ TEST_F(DialogsTest, TheSelectedNameBecomesCurrentByItsPlaceInTheFile) {
 }
 
 TEST_F(DialogsTest, TheDetailLevelIsReadAsANumberAndRounded) {
-    constexpr std::tuple<const char*, UINT, const char*> kRows[] = {
-        {"42", IDOK, "42"}, {"7", IDCANCEL, "42"}, {"61.5", IDOK, "62"}, {"no number", IDOK, "0"}};
+    constexpr std::tuple<const char*, UINT, const char*> kRows[] = {{"42", IDOK, "42"},
+                                                                    {"7", IDCANCEL, "42"},
+                                                                    {"61.5", IDOK, "62"},
+                                                                    {"16777217", IDOK, "16777217"},
+                                                                    {"no number", IDOK, "0"}};
     for (const auto& [text, button, shown] : kRows) {
         SetDialogDriver([text = text, button = button](HDLG dialog) {
             SendDlgItemMessageA(dialog, kDetailEdit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
