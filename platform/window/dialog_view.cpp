@@ -156,11 +156,11 @@ void DialogView::Character(char character) {
 void DialogView::Widgets(Gui& gui) {
     const float letter = gui.TextWidth("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ") / 52;
     const ImVec2 unit(letter / 4, gui.LineHeight() / 8), room = ImGui::GetIO().DisplaySize;
-    const float title = ImGui::GetFrameHeight();
+    const float title = ImGui::GetFrameHeight(), strip = static_cast<float>(StripHeight(*dialog_.owner));
     const ImVec2 size(std::min(static_cast<float>(dialog_.form.width) * unit.x, room.x),
-                      std::min(static_cast<float>(dialog_.form.height) * unit.y + title, room.y));
-    ImGui::GetBackgroundDrawList()->AddRectFilled({0, static_cast<float>(StripHeight(*dialog_.owner))}, room, kShade);
-    ImGui::SetNextWindowPos({(room.x - size.x) / 2, (room.y - size.y) / 2}, ImGuiCond_Appearing);
+                      std::min(static_cast<float>(dialog_.form.height) * unit.y + title, room.y - strip));
+    ImGui::GetBackgroundDrawList()->AddRectFilled({0, strip}, room, kShade);
+    ImGui::SetNextWindowPos({(room.x - size.x) / 2, std::max((room.y - size.y) / 2, strip)}, ImGuiCond_Appearing);
     ImGui::SetNextWindowSize(size);
     const std::string name = gui.Show(dialog_.form.title) + "###dialog";
     ImGui::Begin(name.c_str(), nullptr, ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoCollapse);

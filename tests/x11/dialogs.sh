@@ -61,6 +61,13 @@ until_true 20 setting "$work/out" || fail "the desktop's chooser was not asked"
 grep -qF -- '--title=Chose a background texture --file-filter=graphics files | *.jpg *.tga *.bmp *.dds' "$work/asked" || fail "$(cat "$work/asked")"
 works_again 'a file that is no picture'
 
+# Where the window is too low for a dialog, its title still stands below the menu.
+xdotool windowsize --sync "$window" 700 560
+keys space
+click 250 124 # the second of the list
+keys Return
+until_true 20 tells '"effect":"second"' || fail "the menu covers the dialog: $(tail -n 1 "$journal")"
+
 keys alt+e e
 ends_with 1
 finish
