@@ -15,11 +15,12 @@ void PointSprites::SetFillMode(int mode, const PointSpriteSettings* settings) {
     sender_.SetRenderState(D3DRS_FILLMODE, static_cast<DWORD>(mode));
 }
 
-float PointSprites::LimitedSize(float size, bool device_limit) const {
+float PointSprites::LimitedSize(float size, bool device_limit) {
     const float device = sender_.Graphics().Caps().MaxPointSize;
     const float cap = device_limit ? device : std::min(kMaxSizeWithoutDeviceLimit, device);
     if (size <= cap) return size;
-    sender_.Reporter().Warning("Point size max adjusted from %f to %f", size, cap);
+    if (adjusted_.emplace(size, cap).second)
+        sender_.Reporter().Warning("Point size max adjusted from %f to %f", size, cap);
     return cap;
 }
 

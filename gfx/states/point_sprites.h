@@ -1,6 +1,8 @@
 // Filled, wire or points; and how large points are.
 #pragma once
 #include <optional>
+#include <set>
+#include <utility>
 
 #include "gfx/states/point_sprite_settings.h"
 #include "gfx/states/state_sender.h"
@@ -23,7 +25,7 @@ class PointSprites {
     const PointSpriteSettings& Settings() const { return settings_; }
 
   private:
-    float LimitedSize(float size, bool device_limit) const;
+    float LimitedSize(float size, bool device_limit);
 
     StateSender& sender_;
     int fill_mode_ = static_cast<int>(D3DFILL_SOLID);
@@ -32,7 +34,8 @@ class PointSprites {
         PointSpriteSettings settings;
         bool device_limit;
     };
-    std::optional<Applied> applied_;   // as the device has them; nothing before the first
+    std::optional<Applied> applied_;               // as the device has them; nothing before the first
+    std::set<std::pair<float, float>> adjusted_;   // sizes and their caps that have been warned of
 };
 
 }   // namespace sparkrig

@@ -169,7 +169,7 @@ TEST(Points, TheLargestSizeIsLimited) {
         {256, 100, false, 64}, {32, 50, false, 32}, {256, 100, true, 100}, {80, 100, true, 80}};
     for (const auto& [device, wanted, device_limit, sent] : kRows) {
         RecordedGfx gfx([limit = device](Recording& recording) { recording.caps.MaxPointSize = limit; });
-        const Reports reports;
+        Reports reports;
         PointSpriteSettings settings = ScaledPoints();
         settings.max_size = wanted;
         gfx->SetPointSprite(settings, device_limit);
@@ -178,6 +178,9 @@ TEST(Points, TheLargestSizeIsLimited) {
         std::snprintf(warning, sizeof warning, "warning KRN_Gfx: Point size max adjusted from %f to %f",
                       static_cast<double>(wanted), static_cast<double>(sent));
         EXPECT_EQ(reports.Last(), sent < wanted ? warning : "");
+        reports.Clear();
+        gfx->SetPointSprite(settings, device_limit);
+        EXPECT_EQ(reports.Last(), "");   // nothing new
     }
 }
 
