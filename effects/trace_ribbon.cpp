@@ -46,7 +46,9 @@ int RibbonTriangles(const TraceEffectData& trail) {
 
 void ShortenToFit(TraceEffectData& trail) {
     const int excess = 3 * RibbonTriangles(trail) - kTraceVertices, for_a_line = 3 * trail.Channels();
-    if (excess > 0) trail.first_live += (excess + for_a_line - 1) / for_a_line;
+    if (excess <= 0) return;
+    // More than two channels can drop more lines than there are: the last stays, with whose life the trail ends.
+    trail.first_live = std::min(trail.first_live + (excess + for_a_line - 1) / for_a_line, trail.LineEnd() - 1);
 }
 
 SPARKRIG_VECTOR_CODE void WriteRibbon(const TraceEffectData& trail, KRN_LVertex* vertices) {

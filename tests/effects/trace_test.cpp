@@ -164,6 +164,10 @@ TEST(Traces, SpanTheLinesThatAllChannelsHavePassed) {
     EXPECT_NEAR(vertices[2].u - vertices[0].u, 1 / 38.4f, 1e-6f);
     set.UpdateTraces(1);   // as long as their life
     EXPECT_EQ(set.Count(), 0);
+    for (int i = 0; i < 2000 * kTraceChannels; ++i) set.AddTracePoint("t", 7, i % kTraceChannels, {}, 1, 1, {});
+    EXPECT_EQ(RibbonOf(set.At(0)).size(), 0u);   // more lines dropped than there are
+    set.UpdateTraces(1);
+    EXPECT_EQ(set.Count(), 0);
 }
 
 }   // namespace
