@@ -19,8 +19,10 @@ float PointSprites::LimitedSize(float size, bool device_limit) {
     const float device = sender_.Graphics().Caps().MaxPointSize;
     const float cap = device_limit ? device : std::min(kMaxSizeWithoutDeviceLimit, device);
     if (size <= cap) return size;
-    if (adjusted_.emplace(size, cap).second)
+    if (!adjusted_.contains({size, cap})) {
+        adjusted_.emplace(size, cap);
         sender_.Reporter().Warning("Point size max adjusted from %f to %f", size, cap);
+    }
     return cap;
 }
 
