@@ -14,6 +14,13 @@ shows_box() {
     until_true 30 closes_with_return || fail "the message box stays"
     ends_with 0
 }
+box_width() { xwininfo -name 'KRN Error (DirectX8)' 2>/dev/null | sed -n 's/ *Width: //p'; }
+# A window is one pixel wide until its first size has arrived.
+fits_the_screen() {
+    local width
+    width=$(box_width)
+    [ "${width:-0}" -gt 300 ] && [ "$width" -lt 1280 ]
+}
 closes_with_return() {
     xdotool key Return
     box_is_gone
@@ -42,8 +49,7 @@ sed -i "s/Life = 0/CountType = \"$long\"/" "$work/data/cfg/effects.cfg"
 program_pid=$!
 pids+=("$program_pid")
 until_true 60 box_is_open || fail "no message box for a long text"
-width=$(xwininfo -name 'KRN Error (DirectX8)' | sed -n 's/ *Width: //p')
-[ "$width" -gt 300 ] && [ "$width" -lt 1280 ] || fail "the box is $width wide"
+until_true 20 fits_the_screen || fail "the box is $(box_width) wide"
 kill -KILL "$program_pid"
 until_true 20 box_is_gone || fail "a killed program leaves its box"
 finish
