@@ -43,14 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (std::uint64_t{info.Width} * info.Height > kMostPixels) return 0;
 
     Recording recording;
-    const DevicePtr<IDirect3D9> direct3d(Recording::Create(D3D_SDK_VERSION));
-    D3DPRESENT_PARAMETERS parameters = {};
-    parameters.Windowed = TRUE;
-    parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
-    DevicePtr<IDirect3DDevice9> device;
-    const HRESULT created = direct3d->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, nullptr,
-                                                   D3DCREATE_HARDWARE_VERTEXPROCESSING, &parameters, device.Receive());
-    Require(SUCCEEDED(created));
+    const DevicePtr<IDirect3DDevice9> device = recording.MakeDevice();
+    Require(bool(device));
     const int before = recording.LiveObjects();
 
     const Wish& wish = kWishes[data[0] % std::size(kWishes)];
