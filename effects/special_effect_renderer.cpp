@@ -7,8 +7,8 @@
 #include "effects/effect_textures.h"
 #include "effects/motion.h"
 #include "effects/packed_colour.h"
-#include "gfx/gfx.h"
 #include "gfx/device/with_restore.h"
+#include "gfx/gfx.h"
 
 namespace sparkrig {
 namespace {

@@ -1,9 +1,9 @@
 #include "effects/trace_drawing.h"
 
 #include "effects/trace_ribbon.h"
+#include "gfx/device/with_restore.h"
 #include "gfx/gfx.h"
 #include "gfx/textures/texture_catalogue.h"
-#include "gfx/device/with_restore.h"
 
 namespace sparkrig {
 namespace {

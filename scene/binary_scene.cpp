@@ -20,7 +20,7 @@ constexpr std::uint8_t kMagic[3] = {'3', 'S', 'C'};
 constexpr std::uint32_t kColourBits = D3DFVF_DIFFUSE | D3DFVF_SPECULAR;
 constexpr std::uint32_t kSecondSetOfThree = 0x40000;
 constexpr std::uint32_t kFaceBytes = 3 * 2 + 2;   // indices and group
-constexpr std::uint32_t kLeastNodeBytes = 199;   // without names and keys
+constexpr std::uint32_t kLeastNodeBytes = 199;    // without names and keys
 
 // ---- Reading
 

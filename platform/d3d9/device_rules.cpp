@@ -151,9 +151,7 @@ bool Drawable(const D3DSURFACE_DESC& desc) {
     return (desc.Usage & D3DUSAGE_RENDERTARGET) != 0 && desc.Pool == D3DPOOL_DEFAULT;
 }
 
-HRESULT CheckTarget(DWORD index, const D3DSURFACE_DESC& target) {
-    return Allowed(index == 0 && Drawable(target));
-}
+HRESULT CheckTarget(DWORD index, const D3DSURFACE_DESC& target) { return Allowed(index == 0 && Drawable(target)); }
 
 HRESULT CheckClear(DWORD count, const D3DRECT* rects, DWORD flags, float z, const D3DSURFACE_DESC* depth) {
     constexpr DWORD kKnown = D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL;

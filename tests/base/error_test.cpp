@@ -64,7 +64,11 @@ TEST(ReportListener, HearsEveryReportWithItsPlace) {
         file.Warning("same");
         {
             SourceFileScope inner(
-                "fire.kva", [](const void*) { return TextPlace{34, 5}; }, nullptr);
+                "fire.kva",
+                [](const void*) {
+                    return TextPlace{34, 5};
+                },
+                nullptr);
             ErrorOf([] { Engine("KRN_Mesh").Error("broken"); });
         }
         file.Warning("same");

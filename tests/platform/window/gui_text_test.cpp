@@ -34,7 +34,8 @@ TEST(GuiFonts, HaveALetterForEveryCharacterThatIsAskedFor) {
     EXPECT_TRUE(fonts.Build());
     for (std::string_view rest = text; !rest.empty();) {
         const char32_t character = TakeCharacter(rest);
-        EXPECT_NE(fonts.Font().FindGlyphNoFallback(static_cast<ImWchar>(character)), nullptr) << static_cast<unsigned>(character);
+        EXPECT_NE(fonts.Font().FindGlyphNoFallback(static_cast<ImWchar>(character)), nullptr)
+            << static_cast<unsigned>(character);
     }
     fonts.Ask("日 only what is there");
     EXPECT_FALSE(fonts.Build());
