@@ -243,11 +243,7 @@ class EffectsFileLoader {
         const ConfigLine* line = lines_[kParticleKeys.Row("CountType")];
         char word[kNameSize];
         if (!ReadWord(line, word)) return;
-        if (const auto* row = FindWord(kCountTypes, word))
-            sub.count_type = row->value;
-        else
-            Fault(ValuePlace(*line), "Unknown CountType '%s' in effect '%s'%s", word, effect_->name.c_str(),
-                  Hint(word, kCountTypes).c_str());
+        TakeChoice(*line, word, kCountTypes, "CountType", sub.count_type);
     }
 
     /// The emission keys count only where there is an emit effect.
@@ -315,15 +311,11 @@ class EffectsFileLoader {
     }
 
     void ReadStageType(VisualEffectMotion& stage) {
-        const char* effect = effect_->name.c_str();
         const ConfigLine* line = lines_[kMotionKeys.Row("type")];
         char word[kNameSize];
-        if (!ReadWord(line, word)) return Fault(block_place_, "No 'type' specified for effect '%s'", effect);
-        if (const auto* row = FindWord(kAnimationTypes, word))
-            stage.type = row->value;
-        else
-            Fault(ValuePlace(*line), "Unknown animation type '%s' in effect '%s'%s", word, effect,
-                  Hint(word, kAnimationTypes).c_str());
+        if (!ReadWord(line, word))
+            return Fault(block_place_, "No 'type' specified for effect '%s'", effect_->name.c_str());
+        TakeChoice(*line, word, kAnimationTypes, "animation type", stage.type);
     }
 
     void ReadStageCurve(VectorCurve& curve) {
@@ -352,14 +344,21 @@ class EffectsFileLoader {
         const ConfigLine* line = lines_[kMotionKeys.Row("ConcatType")];
         char word[kNameSize];
         if (!ReadWord(line, word)) return;
-        if (const auto* row = FindWord(kConcatTypes, word))
-            stage.concat = row->value;
-        else
-            Fault(ValuePlace(*line), "Unknown concatenation type '%s' in effect '%s'%s", word, effect_->name.c_str(),
-                  Hint(word, kConcatTypes).c_str());
+        TakeChoice(*line, word, kConcatTypes, "concatenation type", stage.concat);
     }
 
     // ---- Lines and their values
+
+    /// The value that a word of a closed set stands for; any other word is a fault.
+    template <class Value, std::size_t N>
+    void TakeChoice(const ConfigLine& line, const char* word, const WordRow<Value> (&rows)[N], const char* what,
+                    Value& value) {
+        if (const auto* row = FindWord(rows, word))
+            value = row->value;
+        else
+            Fault(ValuePlace(line), "Unknown %s '%s' in effect '%s'%s", what, word, effect_->name.c_str(),
+                  Hint(word, rows).c_str());
+    }
 
     /// One walk over the lines of the cursor's level.
     template <class Table>
