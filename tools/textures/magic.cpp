@@ -204,7 +204,7 @@ Pixel PaintSilk(Point p, Pixel colour) {
 }
 
 Sprite Silk(const char* name, Pixel colour) {
-    return {name, 64, [=](Point p) { return PaintSilk(p, colour); }};
+    return {name, 64, [=](Point p) { return PaintSilk(p, colour); }, true};
 }
 
 Sprite Ribbon(const char* name, Pixel colour) {

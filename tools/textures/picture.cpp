@@ -43,9 +43,9 @@ Pixel SamplePixel(const Sprite& sprite, int column, int row) {
     return {weighted.r / weighted.a, weighted.g / weighted.a, weighted.b / weighted.a, weighted.a / kSamples};
 }
 
-bool IsInBorder(const Picture& picture, int column, int row) {
-    const int last = picture.size - kClearBorder;
-    return column < kClearBorder || row < kClearBorder || column >= last || row >= last;
+bool IsInBorder(const Sprite& sprite, int column, int row) {
+    const auto at_edge = [&](int i) { return i < kClearBorder || i >= sprite.size - kClearBorder; };
+    return at_edge(row) || (at_edge(column) && !sprite.repeats_along);
 }
 
 /// One pixel further: every pixel without colour takes the mean colour of its coloured neighbours.
@@ -105,7 +105,7 @@ Picture Render(const Sprite& sprite) {
             out[0] = ToByte(pixel.r);
             out[1] = ToByte(pixel.g);
             out[2] = ToByte(pixel.b);
-            out[3] = IsInBorder(picture, column, row) ? 0 : ToByte(pixel.a);
+            out[3] = IsInBorder(sprite, column, row) ? 0 : ToByte(pixel.a);
         }
     }
     BleedColour(picture);

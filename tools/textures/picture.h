@@ -8,7 +8,8 @@
 
 namespace sparkrig {
 
-/// The outermost pixels that are fully transparent, so that a filter that wraps around finds nothing.
+/// The outermost pixels that are fully transparent, so that a filter that wraps around finds nothing: on all sides, but
+/// left and right of a sprite that repeats.
 constexpr int kClearBorder = 2;
 
 struct Picture {

@@ -22,6 +22,7 @@ struct Sprite {
     const char* name;   // the file is NAME.png
     int size;           // pixels on a side
     Painter paint;
+    bool repeats_along = false;   // from left to right: no clear border there
 };
 
 std::vector<Sprite> LightSprites();
