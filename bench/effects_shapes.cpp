@@ -64,12 +64,35 @@ void Trails(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kTrails * kRibbonVertices);
 }
 
-/// The limit of the trails.
-void WriteRibbonVertices(benchmark::State& state) {
-    std::vector<KRN_LVertex> vertices(kTraceVertices), from(kTraceVertices);
+/// The limit of the trails: lines as plain arrays, colour and texture coordinate ready, to the same vertices.
+struct PlainTrail {
+    D3DXVECTOR3 left[kLines], right[kLines];
+    D3DCOLOR colour[kLines];
+    float u[kLines];
+};
+
+void WritePlainTrail(const PlainTrail& trail, KRN_LVertex* out) {
+    const auto vertex = [&](const D3DXVECTOR3& p, int line, float v) {
+        return KRN_LVertex{p.x, p.y, p.z, trail.colour[line], 0, trail.u[line], v};
+    };
+    for (int i = 0; i + 1 < kLines; ++i, out += 6) {
+        const KRN_LVertex from = vertex(trail.left[i], i, 0), from_right = vertex(trail.right[i], i, 1);
+        const KRN_LVertex to = vertex(trail.left[i + 1], i + 1, 0), to_right = vertex(trail.right[i + 1], i + 1, 1);
+        out[0] = from;
+        out[1] = from_right;
+        out[2] = to;
+        out[3] = to;
+        out[4] = from_right;
+        out[5] = to_right;
+    }
+}
+
+void PlainTrails(benchmark::State& state) {
+    const std::vector<PlainTrail> trails(kTrails);
+    std::vector<KRN_LVertex> vertices(kTraceVertices);
     for (auto _ : state) {
-        for (int trail = 0; trail < kTrails; ++trail) {
-            std::copy_n(from.data(), kRibbonVertices, vertices.data());
+        for (const PlainTrail& trail : trails) {
+            WritePlainTrail(trail, vertices.data());
             benchmark::ClobberMemory();
         }
     }
@@ -79,7 +102,7 @@ void WriteRibbonVertices(benchmark::State& state) {
 BENCHMARK(Shape)->ArgsProduct({{1, 2, 3, 4, 5, 6, 7, 8}, {32, 256}});
 BENCHMARK(WritePoints)->Arg(32)->Arg(256);
 BENCHMARK(Trails);
-BENCHMARK(WriteRibbonVertices);
+BENCHMARK(PlainTrails);
 
 }   // namespace
 }   // namespace sparkrig
