@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "effects/motion.h"
@@ -92,14 +93,19 @@ void EvaluateSizes(const SubEffect& sub, const MotionLanes& in, float (&sizes)[k
     for (int i = 0; i < in.count; ++i) sizes[i] = BoundingRadius(scale.x[i], scale.y[i], scale.z[i]);
 }
 
-void EvaluateColours(const SubEffect& sub, const MotionLanes& in, const Ages& ages, const float* lives,
+/// Where nothing changes them, all have the colour of the first.
+void EvaluateColours(const SubEffect& sub, MotionLanes in, const Ages& ages, const float* lives,
                      std::uint32_t (&colours)[kLanes]) {
+    const int count = in.count;
+    const bool fades = Fades(sub, ages);
+    if (!fades && sub.colour_stages.GetCount() + sub.alpha_stages.GetCount() == 0) in.count = std::min(count, 1);
     alignas(64) float alpha[kLanes];
     VectorLanes rgb;
     EvalAlpha(sub, in, alpha);
-    if (Fades(sub, ages)) ApplyFade(sub, in, lives, alpha);
+    if (fades) ApplyFade(sub, in, lives, alpha);
     EvalColor(sub, in, rgb);
     PackParticleColours(rgb, alpha, in.count, sub.blend_mode, colours);
+    if (in.count < count) std::fill_n(colours, count, colours[0]);
 }
 
 /// Back to where an instance that is not born was started.
@@ -113,6 +119,41 @@ void WriteUnborn(const InstanceBlock& block, int first, int count, const Ages& a
     }
 }
 
+/// Four lanes of one number.
+using Four = float __attribute__((vector_size(16)));
+
+Four FourAt(const void* numbers) {
+    Four four;
+    std::memcpy(&four, numbers, sizeof four);
+    return four;
+}
+
+/// Rows become columns.
+void Transpose(Four (&rows)[4]) {
+    const Four low_01 = __builtin_shufflevector(rows[0], rows[1], 0, 4, 1, 5);
+    const Four high_01 = __builtin_shufflevector(rows[0], rows[1], 2, 6, 3, 7);
+    const Four low_23 = __builtin_shufflevector(rows[2], rows[3], 0, 4, 1, 5);
+    const Four high_23 = __builtin_shufflevector(rows[2], rows[3], 2, 6, 3, 7);
+    rows[0] = __builtin_shufflevector(low_01, low_23, 0, 1, 4, 5);
+    rows[1] = __builtin_shufflevector(low_01, low_23, 2, 3, 6, 7);
+    rows[2] = __builtin_shufflevector(high_01, high_23, 0, 1, 4, 5);
+    rows[3] = __builtin_shufflevector(high_01, high_23, 2, 3, 6, 7);
+}
+
+/// Everything of four records but their ids: position and colour, then angle, size and age. Records are rows, and what
+/// they hold has been computed in columns.
+void WriteFour(Four (&&front)[4], Four (&&back)[4], DrawRecord* records) {
+    Transpose(front);
+    Transpose(back);
+    for (int i = 0; i < 4; ++i) {
+        char* const record = reinterpret_cast<char*>(records + i);
+        const Four kept = FourAt(record + sizeof(Four));
+        const Four behind = __builtin_shufflevector(back[i], kept, 0, 1, 2, 7);
+        std::memcpy(record, &front[i], sizeof(Four));
+        std::memcpy(record + sizeof(Four), &behind, sizeof(Four));
+    }
+}
+
 SPARKRIG_VECTOR_CODE void Write(const SubEffect& sub, const InstanceBlock& block, int first, int count,
                                 const Ages& ages, DrawRecord* records) {
     const MotionLanes in = LanesOf(block, first, count, ages);
@@ -123,15 +164,25 @@ SPARKRIG_VECTOR_CODE void Write(const SubEffect& sub, const InstanceBlock& block
     EvaluateSizes(sub, in, sizes);
     EvalRotationAngle(sub, in, angles);
     EvaluateColours(sub, in, ages, block.life + first, colours);
-    const float *base_x = block.base.x + first, *base_y = block.base.y + first, *base_z = block.base.z + first;
-    DrawRecord* record = records + first;
-    for (int i = 0; i < count; ++i, ++record) {
-        record->position = {base_x[i] + position.x[i], base_y[i] + position.y[i], base_z[i] + position.z[i]};
-        record->colour = colours[i];
-        record->angle = angles[i];
-        record->size = sizes[i];
-        record->age = static_cast<float>(ages.t[i]);
+    const float* const base[] = {block.base.x + first, block.base.y + first, block.base.z + first};
+    const auto write_one = [&](int i) {
+        DrawRecord& record = records[first + i];
+        record.position = {base[0][i] + position.x[i], base[1][i] + position.y[i], base[2][i] + position.z[i]};
+        record.colour = colours[i];
+        record.angle = angles[i];
+        record.size = sizes[i];
+        record.age = static_cast<float>(ages.t[i]);
+    };
+    int i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const double* t = ages.t + i;
+        const Four age = {static_cast<float>(t[0]), static_cast<float>(t[1]), static_cast<float>(t[2]),
+                          static_cast<float>(t[3])};
+        WriteFour({FourAt(base[0] + i) + FourAt(position.x + i), FourAt(base[1] + i) + FourAt(position.y + i),
+                   FourAt(base[2] + i) + FourAt(position.z + i), FourAt(colours + i)},
+                  {FourAt(angles + i), FourAt(sizes + i), age}, records + first + i);
     }
+    for (; i < count; ++i) write_one(i);
     if (ages.youngest < 0) WriteUnborn(block, first, count, ages, records);
 }
 
