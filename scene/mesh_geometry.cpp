@@ -28,17 +28,14 @@ void SortFaces(MeshGeometry& geometry) {
     }
 }
 
-/// Whether all faces are of one group and use all vertices, so that there is nothing to move.
-bool AllInOneGroup(const MeshGeometry& geometry) {
-    const auto& groups = geometry.groups;
-    if (groups.empty() || groups.front() != groups.back()) return false;   // they are sorted
-    std::vector<std::uint8_t> used(geometry.VertexCount());
+/// By number: whether a face uses the vertex.
+std::vector<std::uint8_t> FindUsedVertices(const MeshGeometry& geometry) {
+    std::vector<std::uint8_t> used(std::size_t{std::numeric_limits<std::uint16_t>::max()} + 1);
     for (const std::uint16_t index : geometry.indices) used[index] = 1;
-    return std::ranges::find(used, 0) == used.end();
+    return used;
 }
 
 void SortVertices(MeshGeometry& geometry) {
-    if (AllInOneGroup(geometry)) return;
     std::vector<std::uint32_t> lowest(geometry.VertexCount(), std::numeric_limits<std::uint16_t>::max() + 1u);
     for (std::size_t i = 0; i < geometry.indices.size(); ++i) {
         std::uint32_t& group = lowest[geometry.indices[i]];
@@ -62,10 +59,10 @@ void MakeRanges(MeshGeometry& geometry) {
         const bool last = groups[first] == groups.back();
         end = last ? static_cast<std::uint32_t>(groups.size()) : end;
         while (!last && groups[end] == groups[first]) ++end;
-        std::uint16_t low = 0xFFFF, high = 0;
+        std::uint32_t low = 0xFFFF, high = 0;
         for (std::size_t i = 3 * std::size_t{first}; i < 3 * std::size_t{end}; ++i) {
-            low = std::min(low, geometry.indices[i]);
-            high = std::max(high, geometry.indices[i]);
+            low = std::min<std::uint32_t>(low, geometry.indices[i]);
+            high = std::max<std::uint32_t>(high, geometry.indices[i]);
         }
         geometry.ranges.push_back({groups[first], first, end - first, low, high - low + 1u});
     }
@@ -81,11 +78,11 @@ MeshGeometry::MeshGeometry(DWORD format, std::uint32_t vertex_count, std::uint32
       vertex_count_(vertex_count) {}
 
 bool MeshGeometry::SortByGroup() {
-    std::uint32_t highest = 0;
-    for (const std::uint16_t index : indices) highest = std::max<std::uint32_t>(highest, index);
-    if (!indices.empty() && highest >= vertex_count_) return false;
+    const std::vector<std::uint8_t> used = FindUsedVertices(*this);
+    if (std::memchr(used.data() + vertex_count_, 1, used.size() - vertex_count_)) return false;
     if (!std::ranges::is_sorted(groups)) SortFaces(*this);
-    SortVertices(*this);
+    const bool all_in_one_group = !groups.empty() && groups.front() == groups.back();
+    if (!all_in_one_group || std::memchr(used.data(), 0, vertex_count_)) SortVertices(*this);
     MakeRanges(*this);
     return true;
 }

@@ -52,9 +52,11 @@ void DecodeCompressed(const StoredVertices& stored, const std::uint8_t* from, co
             TakeFloats(pair, vertex + layout.texture_offset[0], std::min(layout.texture_floats[0], 2));
         from += kPairBytes;
     }
-    float normal[3];
-    for (float& component : normal) component = static_cast<float>(Take<std::int16_t>(from)) / kNormalUnit;
-    if (Has(layout, D3DFVF_NORMAL)) std::memcpy(vertex + layout.normal, normal, sizeof normal);
+    const bool has_normal = Has(layout, D3DFVF_NORMAL);
+    for (int i = 0; i < 3; ++i) {
+        const float component = static_cast<float>(Take<std::int16_t>(from)) / kNormalUnit;
+        if (has_normal) PutFloat(component, vertex + layout.normal + 4 * i);
+    }
     for (int i = 0; i < stored.layout.weights; ++i) {
         const float weight = static_cast<float>(Take<std::uint16_t>(from)) / kWeightUnit;
         if (i < StandingWeights(layout)) PutFloat(weight, vertex + layout.rhw_or_weights + 4 * i);
