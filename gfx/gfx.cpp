@@ -263,7 +263,18 @@ void KRN_Gfx::DrawFullScreenTexture(D3DCOLOR colour, float z) {
 }
 void KRN_Gfx::DrawLastTexture() { parts_->screen.DrawLast(); }
 void KRN_Gfx::CreateMesh(KRN_Mesh& mesh, DWORD options) { MakeDeviceMesh(parts_->graphics, mesh, options); }
-bool KRN_Gfx::DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world) { return parts_->meshes.Draw(mesh, world); }
+bool KRN_Gfx::DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world, const D3DMATERIAL9* material, bool reflection_pass,
+                       bool no_material) {
+    return parts_->meshes.Draw(mesh, world, {material, reflection_pass, no_material});
+}
+void KRN_Gfx::DrawSubset(KRN_Mesh& mesh, int subset) { parts_->meshes.DrawSubset(mesh, subset); }
+void KRN_Gfx::DrawMeshRange(KRN_Mesh& mesh, UINT first_face, UINT faces) {
+    parts_->meshes.DrawRange(mesh, first_face, faces);
+}
+void KRN_Gfx::LoadScene(KRN_3dScene& scene, const char* file, int flags) {
+    parts_->scene_loader.Load(scene, file, flags);
+}
+bool KRN_Gfx::DrawScene(KRN_3dScene* scene) { return parts_->scenes.Draw(scene); }
 
 const DrawStatistics& KRN_Gfx::Statistics() const { return parts_->statistics; }
 void KRN_Gfx::SuppressDraws(bool on) { parts_->statistics.suppress_draws = on; }

@@ -20,6 +20,7 @@
 
 namespace sparkrig {
 
+class KRN_3dScene;
 class KRN_Camera;
 class KRN_Font;
 class KRN_Light;
@@ -258,8 +259,25 @@ class KRN_Gfx final : public KRN_Base {
     /// Makes the buffers of a mesh, which drawing it for the first time does too. options: D3DXMESH_ flags, 0 or -1 for
     /// none. What fails is an error of the mesh.
     void CreateMesh(KRN_Mesh& mesh, DWORD options = 0);
-    /// False for a mesh that is null, empty or out of view. A null world is the identity.
-    bool DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world);
+    /// Draws a mesh with its materials and their maps: opaque groups first, then blended ones. Blended groups have
+    /// their own blending where none is set; where one is, it stays, faded by the material's opacity. False for a mesh
+    /// that is null (a warning), empty or out of view. A null world is the identity. `material`, if given, stands in
+    /// for the materials' colours; in a reflection pass every map goes to its stage, however many are in use; with
+    /// no_material neither colours nor maps are set.
+    bool DrawMesh(KRN_Mesh* mesh, const D3DXMATRIX* world, const D3DMATERIAL9* material = nullptr,
+                  bool reflection_pass = false, bool no_material = false);
+    /// One group, or a run of faces, of a mesh as it stands on the device: with the states, the material and the effect
+    /// of the moment.
+    void DrawSubset(KRN_Mesh& mesh, int subset);
+    void DrawMeshRange(KRN_Mesh& mesh, UINT first_face, UINT faces);
+    /// Loads a scene with what a device needs for it: buffers, textures, shader effects. Its maps are looked for as
+    /// textures are, a text scene's also beside it. Flags: scene_load_flags.h, -1 for none. The scene is to be gone, or
+    /// cleared, before the device.
+    void LoadScene(KRN_3dScene& scene, const char* file, int flags = -1);
+    /// Draws the visible meshes of a scene in its order, where its nodes and the scene's own matrix place them, through
+    /// its selected camera, and with its lights where lighting is on. The states are afterwards as they were. False for
+    /// a scene that is null (a warning) or out of view.
+    bool DrawScene(KRN_3dScene* scene);
 
     /// What was drawn since the last frame was presented.
     const DrawStatistics& Statistics() const;

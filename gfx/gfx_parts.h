@@ -11,6 +11,8 @@
 #include "gfx/device/surface_registry.h"
 #include "gfx/geometry/immediate_lists.h"
 #include "gfx/geometry/mesh_drawer.h"
+#include "gfx/geometry/scene_drawer.h"
+#include "gfx/geometry/scene_loader.h"
 #include "gfx/geometry/screen_drawer.h"
 #include "gfx/geometry/vertex_list_drawer.h"
 #include "gfx/shaders/shader_effect_choice.h"
@@ -69,6 +71,8 @@ struct GfxParts {
     ImmediateLists immediate;
     ScreenDrawer screen{states, effects, statistics};
     MeshDrawer meshes{states, texture_stages, effects, statistics};
+    SceneLoader scene_loader{graphics, texture_loader};
+    SceneDrawer scenes{states, meshes};
 
     // Text
     KRN_PrintfContainer text;

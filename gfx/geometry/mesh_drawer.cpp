@@ -21,7 +21,7 @@ void MeshDrawer::SetColourOverride(const D3DCOLOR* colour) {
     if (colour) colour_override_ = *colour;
 }
 
-bool MeshDrawer::Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world) {
+bool MeshDrawer::Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world, const MeshDrawing&) {
     if (!mesh) {
         states_.sender.Reporter().Warning("Pointer to mesh is zero");
         return false;
@@ -104,6 +104,32 @@ void MeshDrawer::DrawSubset(ID3DXMesh& buffers, DWORD subset) {
         ++statistics_.draw_calls;
         if (statistics_.suppress_draws) return;
         states_.sender.Graphics().Require(buffers.DrawSubset(subset), " DrawSubset failed: ");
+    });
+}
+
+void MeshDrawer::DrawSubset(KRN_MeshBase& mesh, int subset) {
+    DrawSubset(*MakeDeviceMesh(states_.sender.Graphics(), mesh).buffers, static_cast<DWORD>(subset));
+}
+
+void MeshDrawer::DrawRange(KRN_MeshBase& mesh, UINT first_face, UINT faces) {
+    if (faces == 0) return;
+    const GraphicsDevice& graphics = states_.sender.Graphics();
+    const DeviceMesh& device_mesh = MakeDeviceMesh(graphics, mesh);
+    states_.bindings.SetSoftwareProcessing(device_mesh.software_processing);
+    DevicePtr<IDirect3DVertexBuffer9> vertices;
+    DevicePtr<IDirect3DIndexBuffer9> indices;
+    graphics.Require(device_mesh.buffers->GetVertexBuffer(vertices.Receive()), "GetVertexBuffer failed: ");
+    graphics.Require(device_mesh.buffers->GetIndexBuffer(indices.Receive()), "GetIndexBuffer failed: ");
+    const MeshGeometry& geometry = *mesh.Geometry();
+    states_.bindings.SetIndices(indices.Get());
+    states_.bindings.SetVertexFormat(geometry.layout.format);
+    states_.bindings.SetStreamSource(vertices.Get(), geometry.Stride());
+    DrawWithEffect(effects_.ForDraw(), {.blend_weights = geometry.layout.weights}, [&] {
+        statistics_.Count(faces);
+        if (statistics_.suppress_draws) return;
+        const HRESULT result = graphics.Device()->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, geometry.VertexCount(),
+                                                                       3 * first_face, faces);
+        graphics.Require(result, "DrawIndexedPrimitive failed: ");
     });
 }
 

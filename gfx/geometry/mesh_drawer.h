@@ -14,6 +14,13 @@ class KRN_MeshBase;
 struct DeviceMesh;
 struct MeshMaterial;
 
+/// How DrawMesh departs from what the mesh says.
+struct MeshDrawing {
+    const D3DMATERIAL9* material = nullptr;   // in place of the materials' colours; null for none
+    bool reflection_pass = false;             // every map goes to its stage, however many are in use
+    bool no_material = false;                 // neither colours nor maps are set
+};
+
 class MeshDrawer {
   public:
     MeshDrawer(GfxStates& states, TextureStages& textures, const ShaderEffectChoice& effects,
@@ -22,7 +29,10 @@ class MeshDrawer {
 
     /// Makes its buffers first if there are none. False for a mesh that is null (a warning), without geometry, or out
     /// of view. A null world is the identity.
-    bool Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world);
+    bool Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world, const MeshDrawing& drawing);
+    /// One group, or a run of faces, with the states and the material of the moment.
+    void DrawSubset(KRN_MeshBase& mesh, int subset);
+    void DrawRange(KRN_MeshBase& mesh, UINT first_face, UINT faces);
     /// Takes the place of the materials' diffuse and ambient colours, and with lighting off of the vertices' colour.
     void SetColourOverride(const D3DCOLOR* colour);
 

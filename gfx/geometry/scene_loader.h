@@ -1,0 +1,21 @@
+// Loads scenes with what a device needs for them.
+#pragma once
+#include "gfx/device/graphics_device.h"
+#include "gfx/textures/texture_loader.h"
+#include "scene/scene.h"
+
+namespace sparkrig {
+
+class SceneLoader {
+  public:
+    SceneLoader(const GraphicsDevice& graphics, TextureLoader& textures) : graphics_(graphics), textures_(textures) {}
+
+    /// What cannot be read is an error. Flags: see SceneLoadFlags, -1 for none.
+    void Load(KRN_3dScene& scene, const char* file, int flags);
+
+  private:
+    const GraphicsDevice& graphics_;
+    TextureLoader& textures_;
+};
+
+}   // namespace sparkrig
