@@ -10,7 +10,7 @@
 #include "effects/effects_file.h"
 #include "gfx/textures/catalogue_file.h"
 #include "gfx/textures/texture_catalogue.h"
-#include "platform/system/system.h"
+#include "scene/load_scene.h"
 
 namespace sparkrig {
 
@@ -74,8 +74,10 @@ class NamedThingsCheck {
             case NamedThing::Kind::TraceTexture:
                 if (!gfx_.Catalogue().GetTexture(name)) reporter_.Warning("No texture '%s' in the catalogue", name);
                 return;
-            case NamedThing::Kind::Scene:
-                if (!FileExists(name)) reporter_.Warning("Scene file not found: '%s'", name);
+            case NamedThing::Kind::Scene: {
+                KRN_3dScene scene;
+                LoadScene(scene, name);
+            }
         }
     }
 

@@ -213,14 +213,16 @@ double NextTime(double t) { return std::fmod(t + 1.0 / 60, kKeys - 1); }
 
 void EvaluateAllTracks(benchmark::State& state) {
     const MovingNodes nodes(state.range(0));
+    std::vector<std::size_t> hints(3 * static_cast<std::size_t>(state.range(0)));
     double t = 0;
     for (auto _ : state) {
         t = NextTime(t);
+        std::size_t* hint = hints.data();
         for (const KRN_3dObject& node : nodes.scene.helpers) {
             const TrackEnd end{false, kKeys};
-            benchmark::DoNotOptimize(EvaluateTrack(node.Tracks().position, t, end));
-            benchmark::DoNotOptimize(EvaluateTrack(node.Tracks().rotation, t, end));
-            benchmark::DoNotOptimize(EvaluateTrack(node.Tracks().scale, t, end));
+            benchmark::DoNotOptimize(EvaluateTrack(node.Tracks().position, t, end, hint++));
+            benchmark::DoNotOptimize(EvaluateTrack(node.Tracks().rotation, t, end, hint++));
+            benchmark::DoNotOptimize(EvaluateTrack(node.Tracks().scale, t, end, hint++));
         }
     }
 }

@@ -96,12 +96,14 @@ void BareSixSlerps(benchmark::State& state) {
 
 void PositionTrack(benchmark::State& state) {
     const MovingNode node(state.range(0));
-    Measure(state, [&](double t) { return EvaluateTrack(node.Tracks().position, t, {}); });
+    std::size_t hint = 0;
+    Measure(state, [&](double t) { return EvaluateTrack(node.Tracks().position, t, {}, &hint); });
 }
 
 void RotationTrack(benchmark::State& state) {
     const MovingNode node(state.range(0));
-    Measure(state, [&](double t) { return EvaluateTrack(node.Tracks().rotation, t, {}); });
+    std::size_t hint = 0;
+    Measure(state, [&](double t) { return EvaluateTrack(node.Tracks().rotation, t, {}, &hint); });
 }
 
 void ColourTrack(benchmark::State& state) {

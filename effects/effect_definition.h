@@ -11,6 +11,7 @@
 
 namespace sparkrig {
 
+class KRN_3dObject;
 class KRN_Texture;
 struct VisualEffect;
 
@@ -152,6 +153,8 @@ struct SubEffect {
     CountType count_type = CountType::Uniform;   // count values evenly from 0 to 1, or at random
     EmitSettings emit;
     TraceSettings trace;
+    /// A node whose keys move each instance on top of the channels, by its age. None without keys.
+    std::shared_ptr<const KRN_3dObject> transform_object;
 };
 
 struct ParticleEffect : SubEffect {

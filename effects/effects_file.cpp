@@ -21,6 +21,8 @@
 #include "base/numeric.h"
 #include "effects/effects_file_keys.h"
 #include "effects/packed_colour.h"
+#include "effects/transform_object.h"
+#include "scene/load_scene.h"
 
 namespace sparkrig {
 
@@ -228,7 +230,7 @@ class EffectsFileLoader {
         ReadStartRotation(sub);
         ReadCountType(sub);
         sub.blend_mode = ReadBlendMode(sub);
-        ReadTransformObject();
+        ReadTransformObject(sub);
     }
 
     void ReadStartRotation(SubEffect& sub) {
@@ -279,18 +281,35 @@ class EffectsFileLoader {
         return sub.blend_mode;
     }
 
-    /// A transform object drives a sub-effect by the keys of a scene's node. There is no scene reader that could give
-    /// them, and a sub-effect that stays where it should fly would hide that.
-    void ReadTransformObject() {
+    void ReadTransformObject(SubEffect& sub) {
         const ConfigLine* line = lines_[kParticleKeys.Row("TransformObjectFile")];
-        char file[kNameSize], object[kNameSize];
+        const ConfigLine* name_line = lines_[kParticleKeys.Row("TransformObjectName")];
+        char file[kNameSize], name[kNameSize];
         if (!ReadWord(line, file)) return;
-        Name(NamedThing::Kind::Scene, line, file);
-        if (!ReadWord(lines_[kParticleKeys.Row("TransformObjectName")], object))
+        if (!ReadWord(name_line, name))
             return Fault(line->place, "'TransformObjectName' missing in effect: '%s'", effect_->name.c_str());
-        Fault(ValuePlace(*line),
-              "Can not load scene '%s' for the transform object '%s' of effect '%s': scenes are not supported", file,
-              object, effect_->name.c_str());
+        const KRN_3dScene* scene = TransformScene(ValuePlace(*line), file);
+        if (!scene) return;
+        if (const KRN_3dObject* node = scene->FindObject(name, true))
+            sub.transform_object = CopyTransformObject(*node);
+        else
+            Fault(ValuePlace(*name_line), "Transformation object '%s' not found in scene of effect: '%s'", name,
+                  effect_->name.c_str());
+    }
+
+    /// Each file once. Null, in a check, where it can not be loaded.
+    const KRN_3dScene* TransformScene(TextPlace place, const char* file) {
+        const auto [known, is_new] = transform_scenes_.try_emplace(file);
+        if (!is_new) return &known->second;
+        reader_.PlaceReports(place);
+        try {
+            LoadScene(known->second, file);
+            return &known->second;
+        } catch (const ErrorRecord&) {
+            if (!IsCheck()) throw;
+        }
+        transform_scenes_.erase(known);   // to be reported at the next place too
+        return nullptr;
     }
 
     // ---- Stages
@@ -540,6 +559,7 @@ class EffectsFileLoader {
     std::vector<Child> children_;
     std::vector<float> numbers_;   // memory of ReadCurve
     std::map<std::pair<const void*, std::string>, std::string> hints_;
+    std::map<std::string, KRN_3dScene> transform_scenes_;   // by file
 };
 
 }   // namespace

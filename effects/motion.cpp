@@ -3,6 +3,7 @@
 #include "effects/motion_lanes.h"
 #include "effects/parity_sign.h"
 #include "effects/turn.h"
+#include "scene/object_3d.h"
 
 namespace sparkrig {
 namespace {
@@ -33,7 +34,10 @@ D3DXVECTOR3 EvalPosition(const SubEffect& sub, double t, float c, const MotionRa
     return First(out);
 }
 
-D3DXQUATERNION EvalRotation(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
+namespace {
+
+/// Of the stages and the start rotation.
+D3DXQUATERNION ChannelRotation(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
     if (sub.rotation_stages.GetCount() == 0) return sub.start_rotation;
     const float sign = sub.random_reverse_rotation ? ParitySign(r[3]) : 1;
     D3DXQUATERNION rotation;
@@ -44,6 +48,15 @@ D3DXQUATERNION EvalRotation(const SubEffect& sub, double t, float c, const Motio
         D3DXQuaternionMultiply(&rotation, &rotation, &next);
     }
     return *D3DXQuaternionMultiply(&rotation, &rotation, &sub.start_rotation);
+}
+
+}   // namespace
+
+D3DXQUATERNION EvalRotation(const SubEffect& sub, double t, float c, const MotionRandoms& r) {
+    D3DXQUATERNION rotation = ChannelRotation(sub, t, c, r);
+    if (!sub.transform_object) return rotation;
+    const D3DXQUATERNION turn = sub.transform_object->RotationAt(t);
+    return *D3DXQuaternionMultiply(&rotation, &rotation, &turn);
 }
 
 float EvalRotationAngle(const SubEffect& sub, double t, float c, const MotionRandoms& r) {

@@ -5,7 +5,8 @@
 //   r  its four random numbers, each in [0, 1], drawn once at its start
 //
 // Equal arguments give equal bits; nothing is allocated, nothing fails, every argument has a defined result. What is
-// here for one instance, motion_lanes.h does for many at once, with the same bits.
+// here for one instance, motion_lanes.h does for many at once, with the same bits. Position, rotation and scale include
+// those of the transform object.
 #pragma once
 #include "effects/effect_definition.h"
 
@@ -19,7 +20,7 @@ D3DXVECTOR3 EvaluateMotion(const VisualEffectMotion& stage, double t, float c, c
 
 D3DXVECTOR3 EvalPosition(const SubEffect& sub, double t, float c, const MotionRandoms& r);
 /// The stages' rotations one after the other (each a vector along its axis, as long as its angle in radians), then the
-/// start rotation.
+/// start rotation, then that of the transform object.
 D3DXQUATERNION EvalRotation(const SubEffect& sub, double t, float c, const MotionRandoms& r);
 /// The rotation of flat particles that face the camera, in radians.
 float EvalRotationAngle(const SubEffect& sub, double t, float c, const MotionRandoms& r);

@@ -8,6 +8,7 @@
 #include "effects/curve_lanes.h"
 #include "effects/parity_sign.h"
 #include "effects/sine.h"
+#include "effects/transform_object.h"
 #include "effects/turn.h"
 #include "effects/vector_code.h"
 
@@ -260,6 +261,7 @@ SPARKRIG_VECTOR_CODE void EvalPosition(const SubEffect& sub, const MotionLanes& 
     for (int i = 0; i < in.count; ++i) out.x[i] = sub.position_offset.x + out.x[i];
     for (int i = 0; i < in.count; ++i) out.y[i] = sub.position_offset.y + out.y[i];
     for (int i = 0; i < in.count; ++i) out.z[i] = sub.position_offset.z + out.z[i];
+    if (sub.transform_object) AddPositions(*sub.transform_object, in, out);
 }
 
 SPARKRIG_VECTOR_CODE void EvalRotationAngle(const SubEffect& sub, const MotionLanes& in, float (&out)[kLanes]) {
@@ -291,6 +293,7 @@ SPARKRIG_VECTOR_CODE void EvalScale(const SubEffect& sub, const MotionLanes& in,
             for (int i = 0; i < in.count; ++i) values[axis][i] *= ParitySign(in.r[axis][i]);
         for (int i = 0; i < in.count; ++i) values[axis][i] = scale[axis] * values[axis][i];
     }
+    if (sub.transform_object) MultiplyByScales(*sub.transform_object, in, components, out);
 }
 
 SPARKRIG_VECTOR_CODE void EvalColor(const SubEffect& sub, const MotionLanes& in, VectorLanes& out) {

@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         file.Put(data, size);
         sparkrig::Check(file.Name());
         sparkrig::Play(file.Name());
-    } catch (const sparkrig::ErrorMsg&) {
+    } catch (const sparkrig::ErrorRecord&) {
     }
     return 0;
 }

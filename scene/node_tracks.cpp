@@ -69,7 +69,6 @@ std::uint32_t KeyTrack<Data>::Write(File& file) const {
 template <class Data>
 bool KeyTrack<Data>::RebuildLookup() {
     lookup_.clear();
-    hint_ = 0;
     ascending_ = true;
     for (const Key* key = Head(); key; key = key->next.get()) {
         ascending_ &= lookup_.empty() ? key->time == key->time : lookup_.back().time <= key->time;
@@ -79,16 +78,16 @@ bool KeyTrack<Data>::RebuildLookup() {
 }
 
 template <class Data>
-const KRN_KeyBase<Data>& KeyTrack<Data>::FindActive(double t) const {
+const KRN_KeyBase<Data>& KeyTrack<Data>::FindActive(double t, std::size_t* hint) const {
     if (lookup_.empty()) return *head_;
-    if (ascending_ && hint_ + 1 < lookup_.size() && lookup_[hint_].time <= t && t < lookup_[hint_ + 1].time)
-        return *lookup_[hint_].key;
+    if (hint && ascending_ && *hint + 1 < lookup_.size() && lookup_[*hint].time <= t && t < lookup_[*hint + 1].time)
+        return *lookup_[*hint].key;
     std::size_t low = 0, high = lookup_.size();
     while (high - low > 1) {
         const std::size_t middle = (low + high) / 2;
         (lookup_[middle].time <= t ? low : high) = middle;
     }
-    hint_ = low;
+    if (hint) *hint = low;
     return *lookup_[low].key;
 }
 
@@ -109,8 +108,8 @@ struct Place {
 };
 
 template <class Data>
-Place<Data> FindPlace(const KeyTrack<Data>& track, double t, const TrackEnd& end) {
-    const KRN_KeyBase<Data>& from = track.FindActive(t);
+Place<Data> FindPlace(const KeyTrack<Data>& track, double t, const TrackEnd& end, std::size_t* hint) {
+    const KRN_KeyBase<Data>& from = track.FindActive(t, hint);
     if (t < from.time) return {from};
     const KRN_KeyBase<Data>* to = from.next.get();
     if (!to && end.loops && &from != track.Head()) to = track.Head();
@@ -120,8 +119,8 @@ Place<Data> FindPlace(const KeyTrack<Data>& track, double t, const TrackEnd& end
 }
 
 template <class Data>
-D3DXVECTOR3 EvaluateVector(const KeyTrack<Data>& track, double t, const TrackEnd& end) {
-    const Place<Data> place = FindPlace(track, t, end);
+D3DXVECTOR3 EvaluateVector(const KeyTrack<Data>& track, double t, const TrackEnd& end, std::size_t* hint) {
+    const Place<Data> place = FindPlace(track, t, end, hint);
     const Data& from = place.from.data;
     if (!place.to) return from.value;
     const Data& to = place.to->data;
@@ -143,16 +142,16 @@ D3DXQUATERNION EvaluateTcb(const KRN_RotKeyData& from, const KRN_RotKeyData& to,
 
 }   // namespace
 
-D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_PosKeyData>& track, double t, const TrackEnd& end) {
-    return EvaluateVector(track, t, end);
+D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_PosKeyData>& track, double t, const TrackEnd& end, std::size_t* hint) {
+    return EvaluateVector(track, t, end, hint);
 }
 
-D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_ScaleKeyData>& track, double t, const TrackEnd& end) {
-    return EvaluateVector(track, t, end);
+D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_ScaleKeyData>& track, double t, const TrackEnd& end, std::size_t* hint) {
+    return EvaluateVector(track, t, end, hint);
 }
 
-D3DXQUATERNION EvaluateTrack(const KeyTrack<KRN_RotKeyData>& track, double t, const TrackEnd& end) {
-    const Place<KRN_RotKeyData> place = FindPlace(track, t, end);
+D3DXQUATERNION EvaluateTrack(const KeyTrack<KRN_RotKeyData>& track, double t, const TrackEnd& end, std::size_t* hint) {
+    const Place<KRN_RotKeyData> place = FindPlace(track, t, end, hint);
     const KRN_RotKeyData& from = place.from.data;
     if (t < place.from.time) {   // the first key's own step, which starts from no rotation
         D3DXQUATERNION rotation;

@@ -43,8 +43,9 @@ class KeyTrack {
     bool RebuildLookup();
     /// Whether the times of the table do not fall, and are numbers.
     bool IsAscending() const { return ascending_ || lookup_.empty(); }
-    /// The last key whose time is not above t, or the first key. Of a track with keys; O(log n).
-    const Key& FindActive(double t) const;
+    /// The last key whose time is not above t, or the first key. Of a track with keys; O(log n). `hint`, if given, is
+    /// the caller's memory of the place found last: time mostly runs on.
+    const Key& FindActive(double t, std::size_t* hint = nullptr) const;
 
   private:
     struct Lookup {
@@ -55,8 +56,7 @@ class KeyTrack {
     Key* tail_ = nullptr;
     std::uint32_t count_ = 0;
     std::vector<Lookup> lookup_;
-    bool ascending_ = false;         // the times of the table
-    mutable std::size_t hint_ = 0;   // the place found last: time mostly runs on
+    bool ascending_ = false;   // the times of the table
 };
 
 /// How a track goes on behind its last key: it stays, or it goes back to the first key until the animation's length.
@@ -65,10 +65,14 @@ struct TrackEnd {
     float length = 0;   // seconds; of a loop
 };
 
-// Of tracks with keys, at t seconds. Pure. Before the first key they give its value.
-D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_PosKeyData>& track, double t, const TrackEnd& end);
-D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_ScaleKeyData>& track, double t, const TrackEnd& end);
-D3DXQUATERNION EvaluateTrack(const KeyTrack<KRN_RotKeyData>& track, double t, const TrackEnd& end);
+// Of tracks with keys, at t seconds. Pure, whatever the hint of FindActive is. Before the first key they give its
+// value.
+D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_PosKeyData>& track, double t, const TrackEnd& end,
+                          std::size_t* hint = nullptr);
+D3DXVECTOR3 EvaluateTrack(const KeyTrack<KRN_ScaleKeyData>& track, double t, const TrackEnd& end,
+                          std::size_t* hint = nullptr);
+D3DXQUATERNION EvaluateTrack(const KeyTrack<KRN_RotKeyData>& track, double t, const TrackEnd& end,
+                             std::size_t* hint = nullptr);
 
 /// u, 0 to 1, slowed down along the first `out` and the last `in` of the way. Both count less when together above 1.
 float EaseInterval(float u, float out, float in);
@@ -78,6 +82,8 @@ struct NodeTracks {
     KeyTrack<KRN_PosKeyData> position;
     KeyTrack<KRN_RotKeyData> rotation;
     KeyTrack<KRN_ScaleKeyData> scale;
+
+    bool AreEmpty() const { return position.IsEmpty() && rotation.IsEmpty() && scale.IsEmpty(); }
 };
 
 extern template class KeyTrack<KRN_PosKeyData>;

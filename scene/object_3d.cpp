@@ -81,20 +81,34 @@ int KRN_3dObject::Animate(double time, bool force, bool update_parent) {
     return 1;
 }
 
+D3DXVECTOR3 KRN_3dObject::Position(double t, std::size_t* hint) const {
+    if (tracks_.position.IsEmpty()) return node_.transform.position;
+    return EvaluateTrack(tracks_.position, t, End(), hint);
+}
+
+D3DXVECTOR3 KRN_3dObject::Scale(double t, std::size_t* hint) const {
+    if (tracks_.scale.IsEmpty()) return node_.transform.scale;
+    return EvaluateTrack(tracks_.scale, t, End(), hint);
+}
+
+D3DXQUATERNION KRN_3dObject::Rotation(double t, std::size_t* hint) const {
+    if (!tracks_.rotation.IsEmpty()) return EvaluateTrack(tracks_.rotation, t, End(), hint);
+    const NodeTransform& rest = node_.transform;
+    D3DXQUATERNION rotation;
+    return *D3DXQuaternionRotationAxis(&rotation, &rest.rotation_axis, rest.rotation_angle);
+}
+
 /// Sets what the node currently stands at, too.
 D3DXMATRIX KRN_3dObject::LocalMatrixAt(double t) {
     const NodeTransform& rest = node_.transform;
-    const TrackEnd end{node_.loops, node_.length};
-    node_.position = tracks_.position.IsEmpty() ? rest.position : EvaluateTrack(tracks_.position, t, end);
-    node_.scale = tracks_.scale.IsEmpty() ? rest.scale : EvaluateTrack(tracks_.scale, t, end);
+    node_.position = Position(t, &hints_.position);
+    node_.scale = Scale(t, &hints_.scale);
+    node_.rotation = Rotation(t, &hints_.rotation);
     D3DXMATRIX rotation;
-    if (tracks_.rotation.IsEmpty()) {
-        D3DXQuaternionRotationAxis(&node_.rotation, &rest.rotation_axis, rest.rotation_angle);
+    if (tracks_.rotation.IsEmpty())
         D3DXMatrixRotationAxis(&rotation, &rest.rotation_axis, rest.rotation_angle);
-    } else {
-        node_.rotation = EvaluateTrack(tracks_.rotation, t, end);
+    else
         D3DXMatrixRotationQuaternion(&rotation, &node_.rotation);
-    }
     return Compose(Times(node_.scale, rest.axis_signs), rotation, node_.position);
 }
 

@@ -57,6 +57,10 @@ class KRN_3dObject : public KRN_ResourceBase {
     /// To be called when keys or their times have changed. Tracks that do not hold as many keys as they were said to
     /// are an error.
     void RebuildLookupTables();
+    // What Animate would make current at a time. They change nothing: threads may ask at once.
+    D3DXVECTOR3 PositionAt(double time) const { return Position(AnimationTime(time)); }
+    D3DXVECTOR3 ScaleAt(double time) const { return Scale(AnimationTime(time)); }
+    D3DXQUATERNION RotationAt(double time) const { return Rotation(AnimationTime(time)); }
     /// The animation repeats after its length.
     void SetLooping(bool loops);
     bool Loops() const { return node_.loops; }
@@ -128,13 +132,24 @@ class KRN_3dObject : public KRN_ResourceBase {
         float length = 100;   // seconds
     };
 
+    /// Where the tracks were found last.
+    struct TrackHints {
+        std::size_t position = 0, scale = 0, rotation = 0;
+    };
+
     void Placed(bool rebuild_now);
     void RebuildFromNodeTransform();
+    TrackEnd End() const { return {node_.loops, node_.length}; }
+    // At a time of the node's own animation.
+    D3DXVECTOR3 Position(double t, std::size_t* hint = nullptr) const;
+    D3DXVECTOR3 Scale(double t, std::size_t* hint = nullptr) const;
+    D3DXQUATERNION Rotation(double t, std::size_t* hint = nullptr) const;
     D3DXMATRIX LocalMatrixAt(double t);
     void MultiplyByParent();
 
     Fields node_;
     NodeTracks tracks_;
+    TrackHints hints_;
 };
 
 }   // namespace sparkrig

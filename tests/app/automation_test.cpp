@@ -161,15 +161,21 @@ TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
         "cfg/effects.cfg",
         "; \"gone.png\"\n#1\ndesc = \"Glow\"\nPARTICLE {\n  texture = \"gone.png\"\n  EmitEffect = \"trace:none\"\n}\n"
         "MESH {\n  sFile = \"gone.3sc\"\n}\nPARTICLE {\n  texture = \"glow\"\n}\n#2\ndesc = \"Two\"\n"
-        "SPECIAL {\n  type = \"wave\"\n  texture = \"gone.png\"\n}\n");
+        "SPECIAL {\n  type = \"wave\"\n  texture = \"gone.png\"\n}\nMESH {\n  TransformObjectFile = \"empty.kva\"\n"
+        "  TransformObjectName = \"a\"\n  sFile = \"empty.kva\"\n}\nMESH {\n  sFile = \"cut.3sc\"\n}\n");
+    Write("empty.kva", "");
+    Write("cut.3sc", std::string("3SC\xD3\1\0", 6));
     EXPECT_EQ(Run({"--check"}), 1);
     EXPECT_EQ(out_,
               "cfg/texCatalogue.cfg:2:3: warning: Texture file not found: 'none.png'\n"
               "cfg/texCatalogue.cfg:3:1: warning: cfg/texCatalogue.cfg: No \"=\" behind \"odd\"\n"
+              "cfg/effects.cfg:21:26: error: empty.kva: Error reading from file (Success)\n"
               "cfg/effects.cfg:5:14: error: Can not open file gone.png\n"
               "cfg/effects.cfg:6:17: warning: No texture 'none' in the catalogue\n"
-              "cfg/effects.cfg:9:12: warning: Scene file not found: 'gone.3sc'\n"
-              "cfg/effects.cfg:18:14: error: Can not open file gone.png\n");
+              "cfg/effects.cfg:9:12: error: gone.3sc: Can not open file gone.3sc\n"
+              "cfg/effects.cfg:18:14: error: Can not open file gone.png\n"
+              "cfg/effects.cfg:23:12: error: empty.kva: Error reading from file (Success)\n"
+              "cfg/effects.cfg:26:12: error: cut.3sc: Unknown 3sc file version: 211 (cut.3sc)\n");
     Write("cfg/effects.cfg", "");
     EXPECT_EQ(Run({"--check"}), 1);
     EXPECT_THAT(out_, HasSubstr("cfg/effects.cfg: error: No effects in effect file"));

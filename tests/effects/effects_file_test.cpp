@@ -4,6 +4,7 @@
 #include <string>
 
 #include "effects/effects_file.h"
+#include "scene/object_3d.h"
 #include "tests/effects/effects_file_text.h"
 #include "tests/support/reports.h"
 
@@ -183,6 +184,20 @@ TEST_F(EffectsFile, EntryScaleMultipliesScaleAndVerticalSize) {
     EXPECT_EQ(sub.scale_stages.Get(0)->scale, D3DXVECTOR3(1, 10, 100));
 }
 
+TEST_F(EffectsFile, ATransformObjectIsANodeWithKeys) {
+    const auto load = [&](const char* name) {
+        return LoadParticle(std::string("TransformObjectFile = \"models\\rock.kva\"\nTransformObjectName = \"") + name +
+                            "\"")
+            .transform_object;
+    };
+    EXPECT_EQ(load("Pebble"), nullptr);
+    const auto rock = load("Rock");
+    ASSERT_TRUE(rock);
+    EXPECT_EQ(rock->Parent(), nullptr);
+    EXPECT_EQ(rock->PositionAt(1), D3DXVECTOR3(30, 5, 40));
+    EXPECT_NEAR(rock->ScaleAt(1).y, 0.8, 1e-5);
+}
+
 TEST_F(EffectsFile, AVectorWithTooFewComponentsLeavesItsField) {
     const ParticleEffect& sub = LoadParticle("scale = 2, 3\n pos = 4");
     EXPECT_EQ(sub.scale, D3DXVECTOR3(1, 1, 1));
@@ -348,8 +363,9 @@ TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
         {"MESH {\nCountType = \"odd\"\n}", "4: Unknown CountType 'odd' in effect 'x'"},
         {"MESH {\nBlendType = \"glow\"\n}", "4: Invalid blend mode 'glow' in effects.cfg"},
         {"MESH {\nTransformObjectFile = \"s\"\n}", "4: 'TransformObjectName' missing in effect: 'x'"},
-        {"MESH {\nTransformObjectFile = \"s\"\nTransformObjectName = \"o\"\n}",
-         "4: Can not load scene 's' for the transform object 'o' of effect 'x': scenes are not supported"},
+        {"MESH {\nTransformObjectName = \"o\"\nTransformObjectFile = \"s\"\n}", "5: s: Can not open file s"},
+        {"MESH {\nTransformObjectFile = \"models\\rock.kva\"\nTransformObjectName = \"o\"\n}",
+         "5: Transformation object 'o' not found in scene of effect: 'x'"},
         {"MESH {\nALPHA {\n}\n}", "4: No 'type' specified for effect 'x'"},
         {"MESH {\nALPHA {\ntype = \"jump\"\n}\n}", "5: Unknown animation type 'jump' in effect 'x'"},
         {"MESH {\nALPHA {\ntype = \"bezier\"\n}\n}", "5: No bezier curve defined in effect 'x'"},

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/numeric.h"
@@ -13,6 +14,7 @@
 #include "effects/effect_simulation.h"
 #include "effects/motion.h"
 #include "effects/packed_colour.h"
+#include "scene/object_3d.h"
 #include "tests/effects/definitions_builder.h"
 
 namespace sparkrig {
@@ -45,6 +47,25 @@ VisualEffectMotion RandomStage(Dice& dice) {
     return stage;
 }
 
+/// A node with some tracks, once or in a loop.
+std::shared_ptr<const KRN_3dObject> RandomNode(Dice& dice) {
+    const auto vector = [&] { return D3DXVECTOR3(dice.Between(-3, 3), dice.Between(-3, 3), dice.Between(-3, 3)); };
+    auto node = std::make_shared<KRN_3dObject>();
+    node->SetPosition(1, -2, 3, false);
+    for (float time = 0.2f; time < 1; time += 0.3f) {
+        const auto kind = static_cast<KeyInterpolation>(dice.Below(2));
+        KRN_RotKeyData turn;
+        turn.rotation = {dice.Between(-1, 1), 0.5f, dice.Between(-1, 1), 0.25f};
+        node->Tracks().rotation.Add(time, KeyInterpolation::Linear, turn);
+        if (dice.OneIn(3)) node->Tracks().position.Add(time, kind, {vector(), vector(), vector()});
+        if (dice.OneIn(2)) node->Tracks().scale.Add(time, kind, {{vector(), vector(), vector()}});
+    }
+    node->RebuildLookupTables();
+    node->SetLooping(dice.OneIn(2));
+    node->SetAnimationLength(1.25f);
+    return node;
+}
+
 void FillSubEffect(Dice& dice, EffectDefinitions& definitions, SubEffect& sub) {
     for (MotionChannel* channel :
          {&sub.position_stages, &sub.rotation_stages, &sub.scale_stages, &sub.colour_stages, &sub.alpha_stages})
@@ -67,6 +88,7 @@ void FillSubEffect(Dice& dice, EffectDefinitions& definitions, SubEffect& sub) {
     sub.detail_level = dice.OneIn(3) ? 60 : 0;
     for (bool& mirror : sub.random_mirror) mirror = dice.OneIn(2);
     sub.random_reverse_rotation = dice.OneIn(2);
+    if (dice.OneIn(3)) sub.transform_object = RandomNode(dice);
     if (dice.OneIn(2)) return;
     EmitInto(sub, *definitions.effects.Find(EffectName(dice.Below(kEffects)).c_str()), dice.Between(0, 4),
              dice.OneIn(2));
@@ -179,15 +201,28 @@ class SlowSimulation {
     }
 
     static void Transform(VisualEffectObject& object) {
-        const SubEffect& sub = *object.sub_effect;
+        SubEffect& sub = *object.sub_effect;
         const double t = object.Age();
         object.position = object.base_position;
         if (t < 0) return;
+        const auto node = std::exchange(sub.transform_object, nullptr);   // what the channels give alone
         object.local_offset = EvalPosition(sub, t, object.count_value, object.random);
-        object.position = object.base_position + object.local_offset;
         object.scale = EvalScale(sub, t, object.count_value, object.random);
         object.rotation = EvalRotation(sub, t, object.count_value, object.random);
+        sub.transform_object = node;
+        if (node) Follow(*node, t, object);
+        object.position = object.base_position + object.local_offset;
         object.alpha = EvalAlpha(sub, t, object.count_value, object.random) * FadeFactor(sub, t, object.count_value);
+    }
+
+    static void Follow(const KRN_3dObject& node, double t, VisualEffectObject& object) {
+        KRN_3dObject moving;
+        KRN_3dObject::CopyNode(node, moving, true);
+        moving.Animate(t, true, false);
+        const D3DXVECTOR3 scale = moving.CurrentScale();
+        object.local_offset += moving.CurrentPosition();
+        object.scale = {object.scale.x * scale.x, object.scale.y * scale.y, object.scale.z * scale.z};
+        D3DXQuaternionMultiply(&object.rotation, &object.rotation, &moving.CurrentRotation());
     }
 
     static void AddEmissions(int id, const VisualEffectObject& object, float step,
