@@ -79,6 +79,7 @@ TEST(BlendingPicture, EveryModeGivesItsFormula) {
                         gfx.SetBlendingMode(7, kAlphaBefore, 0);
                         gfx.SetRenderSource(1, 0, 0);   // modes 12, 15 and 16 have colours of their own
                         gfx.SetBlendingMode(mode, alpha, 0);
+                        EXPECT_EQ(gfx.BlendingMode(), mode == -1 ? 1 : mode == 10 ? 7 : mode);
                         gfx.BeginScene();
                         gfx.Clear(back, 1, nullptr);
                         gfx.DrawTexture2D({0, 0, 8, 8}, diffuse, {0, 0, 0, 0});
