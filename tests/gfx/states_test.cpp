@@ -1,42 +1,103 @@
-// Culling, depth, filters, points, fog, lighting, alpha test, gamma: what is sent, and what is not sent again.
+// Culling, depth, blending, filters, points, fog, lighting, alpha test, gamma: what is sent, and what is not sent
+// again.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <set>
 
+#include "gfx/states/modes.h"
+#include "scene/light.h"
+#include "tests/scene/near.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 DWORD Bits(float value) { return std::bit_cast<DWORD>(value); }
 
-TEST(States, AreSentOnceAndAgainAfterAReset) {
-    struct Row {
-        const char* name;
-        D3DRENDERSTATETYPE state;
-        void (*set)(KRN_Gfx&);
-        DWORD value;
+RecordedCall Render(D3DRENDERSTATETYPE state, DWORD value) { return {"SetRenderState", {DWORD(state), value}}; }
+RecordedCall Sampler(D3DSAMPLERSTATETYPE type, DWORD value) { return {"SetSamplerState", {1, DWORD(type), value}}; }
+
+DWORD HeldValue(IDirect3DDevice9& device, const RecordedCall& call) {
+    DWORD value = 999;
+    if (call.method == "SetRenderState")
+        device.GetRenderState(D3DRENDERSTATETYPE(call.arguments[0]), &value);
+    else
+        device.GetSamplerState(call.arguments[0], D3DSAMPLERSTATETYPE(call.arguments[1]), &value);
+    return value;
+}
+
+// A, B, C, the largest and the smallest size, the size, sprites, scaling
+constexpr PointSpriteSettings kScaledPoints = {0.25f, 0.75f, 0.125f, 50, 3, 7, true, true};
+constexpr PointSpriteSettings kPlainPoints = {0.25f, 0.75f, 0.125f, 1000, 3, 7, true, false};
+
+TEST(States, AreSentOnceAndHeldAgainAfterAReset) {
+    // clang-format off
+    const struct { const char* name; void (*set)(KRN_Gfx&); std::vector<RecordedCall> sent; } kRows[] = {
+        {"no culling", [](KRN_Gfx& gfx) { gfx.SetCullingMode(0); }, {Render(D3DRS_CULLMODE, D3DCULL_NONE)}},
+        {"culling", [](KRN_Gfx& gfx) { gfx.SetCullingMode(1); }, {Render(D3DRS_CULLMODE, D3DCULL_CW)}},
+        {"no depth test", [](KRN_Gfx& gfx) { gfx.SetZBufferMode(0); }, {Render(D3DRS_ZENABLE, 0)}},
+        {"no depth write", [](KRN_Gfx& gfx) { gfx.SetZWrite(false); }, {Render(D3DRS_ZWRITEENABLE, 0)}},
+        {"no lighting", [](KRN_Gfx& gfx) { gfx.SetLighting(false, nullptr); }, {Render(D3DRS_LIGHTING, 0)}},
+        {"specular", [](KRN_Gfx& gfx) { gfx.SetSpecular(true); }, {Render(D3DRS_SPECULARENABLE, 1)}},
+        {"normals", [](KRN_Gfx& gfx) { gfx.SetNormalizeNormals(false); }, {Render(D3DRS_NORMALIZENORMALS, 0)}},
+        {"alpha test", [](KRN_Gfx& gfx) { gfx.SetAlphaTest(1, 0x30); },
+         {Render(D3DRS_ALPHATESTENABLE, 1), Render(D3DRS_ALPHAFUNC, D3DCMP_GREATER), Render(D3DRS_ALPHAREF, 0x30)}},
+        {"alpha of one value", [](KRN_Gfx& gfx) { gfx.SetAlphaTest(255, 0x31); },
+         {Render(D3DRS_ALPHATESTENABLE, 255), Render(D3DRS_ALPHAFUNC, D3DCMP_EQUAL), Render(D3DRS_ALPHAREF, 0x31)}},
+        {"magnify point", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(2, 1); }, {Sampler(D3DSAMP_MAGFILTER, 1)}},
+        {"magnify anisotropic", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(6, 1); }, {Sampler(D3DSAMP_MAGFILTER, 3)}},
+        {"minify point", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(4, 1); }, {Sampler(D3DSAMP_MINFILTER, 1)}},
+        {"minify anisotropic", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(5, 1); }, {Sampler(D3DSAMP_MINFILTER, 3)}},
+        {"clamp", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(8, 1); },
+         {Sampler(D3DSAMP_ADDRESSU, 3), Sampler(D3DSAMP_ADDRESSV, 3)}},
+        {"mirror", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(9, 1); },
+         {Sampler(D3DSAMP_ADDRESSU, 2), Sampler(D3DSAMP_ADDRESSV, 2)}},
+        {"mirror down", [](KRN_Gfx& gfx) { gfx.SetAddressModeV(D3DTADDRESS_MIRROR, 1); },
+         {Sampler(D3DSAMP_ADDRESSV, 2)}},
+        {"mip maps", [](KRN_Gfx& gfx) { gfx.SetMipmapMode(1, -0.5f, 1); },
+         {Sampler(D3DSAMP_MIPFILTER, 1), Sampler(D3DSAMP_MIPMAPLODBIAS, Bits(-0.5f))}},
+        {"points", [](KRN_Gfx& gfx) { gfx.SetPointSprite(kScaledPoints, false); },
+         {Render(D3DRS_POINTSPRITEENABLE, 1), Render(D3DRS_POINTSCALEENABLE, 1), Render(D3DRS_POINTSIZE, Bits(7)),
+          Render(D3DRS_POINTSIZE_MIN, Bits(3)), Render(D3DRS_POINTSIZE_MAX, Bits(50)),
+          Render(D3DRS_POINTSCALE_A, Bits(0.25f)), Render(D3DRS_POINTSCALE_B, Bits(0.75f)),
+          Render(D3DRS_POINTSCALE_C, Bits(0.125f))}},
+        {"points of one size", [](KRN_Gfx& gfx) { gfx.SetPointSprite(kPlainPoints, false); },
+         {Render(D3DRS_POINTSPRITEENABLE, 1), Render(D3DRS_POINTSCALEENABLE, 0), Render(D3DRS_POINTSIZE, Bits(7))}},
+        {"lines, points kept", [](KRN_Gfx& gfx) { gfx.SetFillMode(2, &kScaledPoints); }, {Render(D3DRS_FILLMODE, 2)}},
+        {"points by kept settings", [](KRN_Gfx& gfx) { gfx.SetFillMode(1, &kPlainPoints), gfx.SetFillMode(1, nullptr); },
+         {Render(D3DRS_POINTSPRITEENABLE, 1), Render(D3DRS_POINTSCALEENABLE, 0), Render(D3DRS_POINTSIZE, Bits(7)),
+          Render(D3DRS_FILLMODE, 1)}},
+        {"linear fog", [](KRN_Gfx& gfx) { gfx.SetFog({0xFF204060, D3DFOG_LINEAR, true, 12, 345, 0.3f}); },
+         {Render(D3DRS_FOGCOLOR, 0xFF204060), Render(D3DRS_FOGVERTEXMODE, 3), Render(D3DRS_FOGSTART, Bits(12)),
+          Render(D3DRS_FOGEND, Bits(345))}},
+        {"fog of pixels", [](KRN_Gfx& gfx) { gfx.SetFog({0xFF204060, D3DFOG_EXP2, false, 12, 345, 0.3f}); },
+         {Render(D3DRS_FOGCOLOR, 0xFF204060), Render(D3DRS_FOGTABLEMODE, 2), Render(D3DRS_FOGDENSITY, Bits(0.3f))}},
     };
-    const Row kRows[] = {
-        {"culling", D3DRS_CULLMODE, [](KRN_Gfx& gfx) { gfx.SetCullingMode(1); }, D3DCULL_CW},
-        {"z-write", D3DRS_ZWRITEENABLE, [](KRN_Gfx& gfx) { gfx.SetZWrite(false); }, 0},
-        {"lighting", D3DRS_LIGHTING, [](KRN_Gfx& gfx) { gfx.SetLighting(false, nullptr); }, 0},
-        {"specular", D3DRS_SPECULARENABLE, [](KRN_Gfx& gfx) { gfx.SetSpecular(true); }, 1},
-        {"normals", D3DRS_NORMALIZENORMALS, [](KRN_Gfx& gfx) { gfx.SetNormalizeNormals(false); }, 0},
-        {"blending", D3DRS_ALPHABLENDENABLE, [](KRN_Gfx& gfx) { gfx.SetBlendingMode(14, 9, 0); }, 1},
-        {"alpha test", D3DRS_ALPHATESTENABLE, [](KRN_Gfx& gfx) { gfx.SetAlphaTest(7, 99); }, 7},
-    };
-    for (const Row& row : kRows) {
+    // clang-format on
+    for (const auto& row : kRows) {
         RecordedGfx gfx;
-        row.set(*gfx);
-        row.set(*gfx);
+        for (int i = 0; i < 2; ++i) row.set(*gfx);
+        EXPECT_EQ(gfx.recording.Calls(), row.sent) << row.name;
         gfx->ResetDevice(nullptr, -1);
-        EXPECT_THAT(gfx.recording.Sent(row.state), ElementsAre(row.value, row.value)) << row.name;
+        for (const RecordedCall& call : row.sent)
+            EXPECT_EQ(HeldValue(*gfx->Device(), call), call.arguments.back()) << row.name;
     }
+}
+
+TEST(States, GoBackToWhatTheyWereAtFirst) {
+    RecordedGfx gfx;
+    for (const int preset : {2, 1, 4, 3, 8, 7}) gfx->SetTextureFilter(preset, 1);
+    for (const int mode : {0, -1}) gfx->SetCullingMode(mode);
+    EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_MAGFILTER), ElementsAre(1, 2));
+    EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_MINFILTER), ElementsAre(1, 2));
+    EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_ADDRESSV), ElementsAre(3, 1));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_NONE, D3DCULL_CCW));
 }
 
 TEST(States, ARefusedOneIsTriedAgain) {
@@ -46,122 +107,118 @@ TEST(States, ARefusedOneIsTriedAgain) {
               "KRN_Gfx:  SetRenderState (state 22, value: 2 failed: D3DERR_INVALIDCALL");
     gfx->SetCullingMode(1);
     EXPECT_THAT(gfx.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW, D3DCULL_CW));
-}
-
-TEST(Culling, NamesTheDevicesModes) {
-    RecordedGfx gfx;
-    for (const int mode : {0, 1, -1}) gfx->SetCullingMode(mode);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_NONE, D3DCULL_CW, D3DCULL_CCW));
-    EXPECT_EQ(ErrorOf([&] { gfx->SetCullingMode(2); }), "KRN_Gfx: Invalid culling mode");
-    EXPECT_EQ(gfx->CullingMode(), -1);
-}
-
-TEST(Depth, TheWBufferNeedsTheDevice) {
-    RecordedGfx gfx;
-    gfx->SetZBufferMode(0);
-    gfx->SetZBufferMode(2);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_ZENABLE), ElementsAre(0, 1));
-    EXPECT_EQ(gfx->ZBufferMode(), 1);
-    RecordedGfx other([](Recording& recording) { recording.caps.RasterCaps |= D3DPRASTERCAPS_WBUFFER; });
-    other->SetZBufferMode(2);
-    EXPECT_THAT(other.recording.Sent(D3DRS_ZENABLE), ElementsAre(2));
-}
-
-TEST(Depth, OffNests) {
-    RecordedGfx gfx;
-    gfx->PushZBufferOff();
-    gfx->PushZBufferOff();
-    gfx->PopZBufferOff();
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_ZENABLE), ElementsAre(0));
-    gfx->PopZBufferOff();
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_ZENABLE), ElementsAre(0, 1));
-    gfx->PopZBufferOff();
-    gfx->PushZBufferOff();
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_ZENABLE), ElementsAre(0, 1, 0)) << "a pop too many is forgiven";
-
-    RecordedGfx off;
-    off->SetZBufferMode(0);
-    off->PushZBufferOff();
-    off->PopZBufferOff();
-    EXPECT_THAT(off.recording.Sent(D3DRS_ZENABLE), ElementsAre(0)) << "what was off stays off";
-}
-
-TEST(Filters, Presets) {
-    constexpr std::tuple<int, D3DSAMPLERSTATETYPE, DWORD> kRows[] = {
-        {2, D3DSAMP_MAGFILTER, 1}, {1, D3DSAMP_MAGFILTER, 2}, {6, D3DSAMP_MAGFILTER, 3},
-        {4, D3DSAMP_MINFILTER, 1}, {3, D3DSAMP_MINFILTER, 2}, {5, D3DSAMP_MINFILTER, 3},
-        {8, D3DSAMP_ADDRESSU, 3},  {9, D3DSAMP_ADDRESSV, 2},  {7, D3DSAMP_ADDRESSU, 1},
-    };
-    RecordedGfx gfx;
-    for (const auto& [preset, type, value] : kRows) {
-        EXPECT_EQ(gfx->SetTextureFilter(preset, 1), 1);
-        const std::vector<DWORD> sent = gfx.recording.Sent(1, type);
-        ASSERT_FALSE(sent.empty()) << preset;
-        EXPECT_EQ(sent.back(), value) << preset;
-        EXPECT_EQ(gfx->SetTextureFilter(preset, 1), 1);
-        EXPECT_EQ(gfx.recording.Sent(1, type).size(), sent.size()) << "sent once";
-    }
-    gfx.recording.ForgetCalls();
-    EXPECT_EQ(gfx->SetTextureFilter(-1, 1), 1);
-    EXPECT_EQ(gfx->SetTextureFilter(0, 1), 0);
-    EXPECT_EQ(gfx->SetTextureFilter(10, 1), 0);
-    EXPECT_THAT(gfx.recording.Calls(), IsEmpty());
-    EXPECT_EQ(ErrorOf([&] { gfx->SetTextureFilter(1, 8); }), "KRN_Gfx: Invalid stage: 8");
-}
-
-TEST(Filters, AddressModesAreCachedUnlessRefused) {
-    RecordedGfx gfx;
-    EXPECT_EQ(gfx->SetAddressModeU(D3DTADDRESS_MIRROR, 1), 1);
-    EXPECT_EQ(gfx->SetAddressModeU(D3DTADDRESS_MIRROR, 1), 1);
+    gfx->SetAddressModeU(D3DTADDRESS_MIRROR, 1);
     gfx.recording.Fail("SetSamplerState", D3DERR_INVALIDCALL);
     EXPECT_EQ(gfx->SetAddressModeU(D3DTADDRESS_CLAMP, 1), 0);
     EXPECT_EQ(gfx->SetAddressModeU(D3DTADDRESS_MIRROR, 1), 1);
     EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_ADDRESSU), ElementsAre(2, 3)) << "the cache still says mirror";
 }
 
-TEST(Filters, Mipmaps) {
+TEST(States, OtherNumbersAreErrorsOrNothing) {
+    const std::pair<const char*, void (*)(KRN_Gfx&)> kRows[] = {
+        {"Invalid culling mode", [](KRN_Gfx& gfx) { gfx.SetCullingMode(2); }},
+        {"Wrong mipmap mode!", [](KRN_Gfx& gfx) { gfx.SetMipmapMode(3, 0, 0); }},
+        {"Invalid stage: 8", [](KRN_Gfx& gfx) { gfx.SetTextureFilter(1, 8); }},
+        {"Invalid stage: 7", [](KRN_Gfx& gfx) { gfx.SetBlendingMode(3, 80, 7); }},
+        {"Invalid stage: -1", [](KRN_Gfx& gfx) { gfx.SetBlendingMode(3, 80, -1); }},
+        {"Invalid Blending mode selected!", [](KRN_Gfx& gfx) { gfx.SetBlendingMode(0, 80, 0); }},
+        {"Invalid Blending mode selected!", [](KRN_Gfx& gfx) { gfx.SetBlendingMode(8, 80, 0); }},
+        {"Invalid Blending mode selected!", [](KRN_Gfx& gfx) { gfx.SetBlendingMode(18, 80, 0); }},
+        {"Invalid Blending mode selected!", [](KRN_Gfx& gfx) { gfx.SetBlendingMode(-2, 80, 0); }},
+        {"Invalid stage: 8", [](KRN_Gfx& gfx) { gfx.SetRenderSource(2, 8, 0); }},
+        {"Invalid render source selected", [](KRN_Gfx& gfx) { gfx.SetRenderSource(4, 0, 0); }},
+        {"Light index >7", [](KRN_Gfx& gfx) { gfx.SetLightEnable(8, true); }},
+        {"Light index >7", [](KRN_Gfx& gfx) { gfx.SetLightEnable(-1, true); }},
+    };
     RecordedGfx gfx;
-    EXPECT_EQ(gfx->SetMipmapMode(1, -0.5f, 2), 1);
-    EXPECT_THAT(gfx.recording.Sent(2, D3DSAMP_MIPFILTER), ElementsAre(1));
-    EXPECT_THAT(gfx.recording.Sent(2, D3DSAMP_MIPMAPLODBIAS), ElementsAre(Bits(-0.5f)));
-    EXPECT_EQ(gfx->MipmapMode(), 1);
-    EXPECT_EQ(gfx->MipmapBias(), -0.5f);
-    EXPECT_EQ(ErrorOf([&] { gfx->SetMipmapMode(3, 0, 0); }), "KRN_Gfx: Wrong mipmap mode!");
+    for (const auto& [error, set] : kRows) EXPECT_EQ(ErrorOf([&] { set(*gfx); }), std::string("KRN_Gfx: ") + error);
+    EXPECT_EQ(gfx->SetTextureFilter(-1, 1), 1);
+    EXPECT_EQ(gfx->SetTextureFilter(0, 1), 0);
+    EXPECT_EQ(gfx->SetTextureFilter(10, 1), 0);
+    EXPECT_THAT(gfx.recording.Calls(), IsEmpty());
+    EXPECT_EQ(gfx->CullingMode(), -1);
+}
 
-    RecordedGfx without([](Recording& recording) { recording.caps.TextureCaps = 0; });
+TEST(States, FollowTheDevicesCapabilities) {
+    RecordedGfx plain, able([](Recording&recording) { recording.caps.RasterCaps |= D3DPRASTERCAPS_WBUFFER; });
+    for (RecordedGfx* gfx : {&plain, &able}) {
+        (*gfx)->SetZBufferMode(0);
+        (*gfx)->SetZBufferMode(2);
+    }
+    EXPECT_THAT(plain.recording.Sent(D3DRS_ZENABLE), ElementsAre(0, 1)) << "no depths of that kind";
+    EXPECT_EQ(plain->ZBufferMode(), 1);
+    EXPECT_THAT(able.recording.Sent(D3DRS_ZENABLE), ElementsAre(0, 2));
+
+    RecordedGfx without([](Recording& recording) { recording.caps.TextureCaps = recording.caps.DevCaps = 0; });
     EXPECT_EQ(without->SetMipmapMode(1, 2.5f, 0), 0);
     EXPECT_THAT(without.recording.Calls(), IsEmpty());
     EXPECT_EQ(without->MipmapBias(), 2.5f) << "kept all the same";
+    without->SetBlendingMode(12, 80, 2);
+    EXPECT_THAT(without.recording.Sent(2, D3DTSS_COLOROP), IsEmpty()) << "vertices are processed in software";
 }
 
-PointSpriteSettings ScaledPoints() {
-    PointSpriteSettings settings;
-    settings.sprites = settings.scaling = true;
-    settings.size = 7;
-    settings.min_size = 3;
-    settings.max_size = 50;
-    settings.scale_a = 0.25f;
-    settings.scale_b = 0.75f;
-    settings.scale_c = 0.125f;
-    return settings;
+TEST(States, OffNestsAndComesBackOnlyWhenItWasOn) {
+    const struct {
+        D3DRENDERSTATETYPE state;
+        void (*set_off)(KRN_Gfx&);
+        void (KRN_Gfx::*push)();
+        void (KRN_Gfx::*pop)();
+    } kRows[] = {
+        {D3DRS_ZENABLE, [](KRN_Gfx& gfx) { gfx.SetZBufferMode(0); }, &KRN_Gfx::PushZBufferOff, &KRN_Gfx::PopZBufferOff},
+        {D3DRS_LIGHTING, [](KRN_Gfx& gfx) { gfx.SetLighting(false, nullptr); }, &KRN_Gfx::PushLightingOff,
+         &KRN_Gfx::PopLightingOff}};
+    for (const auto& [state, set_off, push, pop] : kRows) {
+        RecordedGfx gfx;
+        const auto call = [&](std::initializer_list<void (KRN_Gfx::*)()> calls) {
+            for (const auto& one : calls) ((*gfx).*one)();
+            return gfx.recording.Sent(state);
+        };
+        EXPECT_THAT(call({push, push, pop}), ElementsAre(0));
+        EXPECT_THAT(call({pop}), ElementsAre(0, 1));
+        EXPECT_THAT(call({pop, push}), ElementsAre(0, 1, 0)) << "a pop too many is forgiven";
+        call({pop});
+        set_off(*gfx);
+        EXPECT_THAT(call({push, pop}), ElementsAre(0, 1, 0, 1, 0)) << "what was off stays off";
+    }
 }
 
-TEST(Points, SendWhatDiffers) {
+TEST(Blending, KeepsAModeAndAnAlphaAndUsesItsStage) {
+    constexpr std::tuple<int, int, int> kRows[] = {
+        // mode, the mode and the alpha that are kept, with 200 before
+        {1, 1, 80},   {-1, 1, 80},  {2, 2, 255},   {3, 3, 255},   {4, 4, 255},   {5, 5, 255},
+        {6, 6, 255},  {7, 7, 80},   {9, 9, 255},   {10, 7, 62},   {11, 11, 255}, {12, 12, 80},
+        {13, 13, 80}, {17, 17, 80}, {14, 14, 200}, {15, 15, 200}, {16, 16, 200}};
+    for (const auto& [mode, kept_mode, kept_alpha] : kRows) {
+        RecordedGfx gfx;
+        gfx->SetBlendingMode(3, 9, 0);
+        gfx->SetBlendingMode(1, 200, 0);
+        gfx.recording.ForgetCalls();
+        gfx->SetBlendingMode(mode, 80, 2);
+        EXPECT_EQ(gfx->BlendingMode(), kept_mode);
+        EXPECT_EQ(gfx->BlendingAlpha(), kept_alpha) << mode;
+        if (kept_mode == 1) {
+            EXPECT_THAT(gfx.recording.Calls(), IsEmpty());
+            continue;
+        }
+        std::set<DWORD> stages;
+        for (const auto& call : gfx.recording.ArgumentsOf("SetTextureStageState")) stages.insert(call[0]);
+        EXPECT_THAT(stages, mode == 14 ? testing::IsSubsetOf({3u}) : testing::IsSubsetOf({2u, 3u})) << mode;
+        EXPECT_THAT(gfx.recording.Sent(3, D3DTSS_ALPHAOP), Each(DWORD{D3DTOP_DISABLE}));
+        EXPECT_THAT(gfx.recording.Sent(3, D3DTSS_COLOROP), Each(DWORD{D3DTOP_DISABLE}));
+    }
+}
+
+TEST(RenderSource, SetsTheColourOfItsStage) {
+    constexpr std::tuple<int, D3DCOLOR, DWORD, DWORD> kRows[] = {{-1, 0, D3DTOP_MODULATE, D3DTA_DIFFUSE},
+                                                                 {3, 0x12345678, D3DTOP_SELECTARG2, D3DTA_TFACTOR},
+                                                                 {2, 0x99999999, D3DTOP_SELECTARG2, D3DTA_DIFFUSE}};
     RecordedGfx gfx;
-    for (int i = 0; i < 2; ++i) gfx->SetPointSprite(ScaledPoints(), false);
-    const std::pair<D3DRENDERSTATETYPE, DWORD> kRows[] = {
-        {D3DRS_POINTSPRITEENABLE, 1},      {D3DRS_POINTSCALEENABLE, 1},       {D3DRS_POINTSIZE, Bits(7)},
-        {D3DRS_POINTSIZE_MIN, Bits(3)},    {D3DRS_POINTSIZE_MAX, Bits(50)},   {D3DRS_POINTSCALE_A, Bits(0.25f)},
-        {D3DRS_POINTSCALE_B, Bits(0.75f)}, {D3DRS_POINTSCALE_C, Bits(0.125f)}};
-    for (const auto& [state, value] : kRows) EXPECT_THAT(gfx.recording.Sent(state), ElementsAre(value)) << state;
-
-    RecordedGfx unscaled;
-    PointSpriteSettings settings = ScaledPoints();
-    settings.scaling = false;
-    settings.max_size = 1000;
-    unscaled->SetPointSprite(settings, false);
-    EXPECT_THAT(unscaled.recording.Sent(D3DRS_POINTSIZE_MAX), IsEmpty());
-    EXPECT_THAT(unscaled.recording.Sent(D3DRS_POINTSIZE), ElementsAre(Bits(7)));
+    for (const auto& [source, colour, operation, argument] : kRows) {
+        gfx->SetRenderSource(source, 3, colour);
+        EXPECT_EQ(gfx.recording.Sent(3, D3DTSS_COLOROP).back(), operation) << source;
+        EXPECT_EQ(gfx.recording.Sent(3, D3DTSS_COLORARG2).back(), argument) << source;
+    }
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(0x12345678));
 }
 
 TEST(Points, TheLargestSizeIsLimited) {
@@ -170,64 +227,20 @@ TEST(Points, TheLargestSizeIsLimited) {
     for (const auto& [device, wanted, device_limit, sent] : kRows) {
         RecordedGfx gfx([limit = device](Recording& recording) { recording.caps.MaxPointSize = limit; });
         Reports reports;
-        PointSpriteSettings settings = ScaledPoints();
+        PointSpriteSettings settings = kScaledPoints;
         settings.max_size = wanted;
-        gfx->SetPointSprite(settings, device_limit);
+        for (int i = 0; i < 2; ++i) gfx->SetPointSprite(settings, device_limit);
         EXPECT_THAT(gfx.recording.Sent(D3DRS_POINTSIZE_MAX), ElementsAre(Bits(sent)));
-        char warning[100];
-        std::snprintf(warning, sizeof warning, "warning KRN_Gfx: Point size max adjusted from %f to %f",
-                      static_cast<double>(wanted), static_cast<double>(sent));
-        EXPECT_EQ(reports.Last(), sent < wanted ? warning : "");
-        reports.Clear();
-        gfx->SetPointSprite(settings, device_limit);
-        EXPECT_EQ(reports.Last(), "");   // nothing new
+        EXPECT_EQ(reports.All().size(), sent < wanted ? 1u : 0u) << "once: nothing is new the second time";
     }
 }
 
-TEST(Points, FillModePointAppliesTheKeptSettings) {
+TEST(Fog, OfVerticesEndsThatOfPixelsWhichWouldGoBefore) {
     RecordedGfx gfx;
-    const PointSpriteSettings settings = ScaledPoints();
-    gfx->SetFillMode(2, &settings);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_POINTSIZE), IsEmpty());
-    gfx->SetFillMode(1, nullptr);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_POINTSIZE), ElementsAre(Bits(7)));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FILLMODE), ElementsAre(2, 1));
-}
-
-TEST(Fog, SendsWhatItsModeNeeds) {
-    RecordedGfx gfx;
-    gfx->SetFog({0xFF204060, D3DFOG_LINEAR, true, 12.0f, 345.0f, 0.3f});
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGCOLOR), ElementsAre(0xFF204060));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGVERTEXMODE), ElementsAre(3));
-    DWORD range = 0;
-    gfx->Device()->GetRenderState(D3DRS_RANGEFOGENABLE, &range);
-    EXPECT_EQ(range, 1u);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGSTART), ElementsAre(Bits(12)));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGEND), ElementsAre(Bits(345)));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGDENSITY), IsEmpty());
-    gfx.recording.ForgetCalls();
-    gfx->SetFog({0xFF204060, D3DFOG_EXP2, false, 12.0f, 345.0f, 0.3f});
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGTABLEMODE), ElementsAre(2));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_RANGEFOGENABLE), IsEmpty());
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGDENSITY), ElementsAre(Bits(0.3f)));
+    for (const bool vertices : {false, true}) gfx->SetFog({0xFF204060, D3DFOG_EXP2, vertices, 12, 345, 0.3f});
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGTABLEMODE), ElementsAre(2, 0));
+    EXPECT_EQ(HeldValue(*gfx->Device(), Render(D3DRS_RANGEFOGENABLE, 1)), 1u);
     EXPECT_EQ(gfx->Fog().end, 345.0f) << "kept all the same";
-    gfx->SetFog({0xFF204060, D3DFOG_EXP2, true, 12.0f, 345.0f, 0.3f});
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGTABLEMODE), ElementsAre(2, 0)) << "which would go before the vertices' fog";
-    gfx->SetFogEnable(true);
-    EXPECT_TRUE(gfx->FogEnable());
-}
-
-TEST(Lighting, OffNestsAndComesBackOnlyWhenAskedFor) {
-    RecordedGfx gfx;
-    gfx->PushLightingOff();
-    gfx->PushLightingOff();
-    gfx->PopLightingOff();
-    gfx->PopLightingOff();
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_LIGHTING), ElementsAre(0, 1));
-    gfx->SetLighting(false, nullptr);
-    gfx->PushLightingOff();
-    gfx->PopLightingOff();
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_LIGHTING), ElementsAre(0, 1, 0));
 }
 
 TEST(Lighting, AColourStandsInWhileItIsOff) {
@@ -248,7 +261,6 @@ TEST(Lighting, AColourStandsInWhileItIsOff) {
 TEST(Lighting, ALockedMaterialIsOnlyKept) {
     RecordedGfx gfx;
     D3DMATERIAL9 material = {};
-    material.Ambient = {0.25f, 0.5f, 0.75f, 1};
     for (const int lock : {0, 1}) {
         gfx.recording.ForgetCalls();
         material.Power = static_cast<float>(7 + lock);
@@ -261,36 +273,54 @@ TEST(Lighting, ALockedMaterialIsOnlyKept) {
     }
 }
 
-TEST(AlphaTest, SendsItsPairOnce) {
-    constexpr std::tuple<int, DWORD> kRows[] = {{1, D3DCMP_GREATER}, {255, D3DCMP_EQUAL}};
-    for (const auto& [mode, function] : kRows) {
-        RecordedGfx gfx;
-        gfx->SetAlphaTest(mode, 0x30);
-        gfx->SetAlphaTest(mode, 0x30);
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(static_cast<DWORD>(mode)));
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAFUNC), ElementsAre(function));
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAREF), ElementsAre(0x30));
-        gfx->SetAlphaTest(mode, 0x31);
-        EXPECT_THAT(gfx.recording.Sent(D3DRS_ALPHAREF), ElementsAre(0x30, 0x31));
-        gfx->SetAlphaTest(0, 0x31);
-        EXPECT_EQ(gfx.recording.Sent(D3DRS_ALPHAREF).size(), 2u);
+TEST(Lights, EnablingIsSentOnceAndAgainAfterAResetOrARefusal) {
+    RecordedGfx gfx;
+    for (int i = 0; i < 2; ++i) gfx->SetLightEnable(5, true);
+    gfx->ResetDevice(nullptr, -1);
+    gfx.recording.Fail("LightEnable", D3DERR_INVALIDCALL);
+    EXPECT_EQ(ErrorOf([&] { gfx->SetLightEnable(2, true); }), "KRN_Gfx:  LightEnable failed: D3DERR_INVALIDCALL");
+    gfx->SetLightEnable(2, true);
+    const std::vector<DWORD> five = {5, 1}, two = {2, 1};
+    EXPECT_THAT(gfx.recording.ArgumentsOf("LightEnable"), ElementsAre(five, five, two, two));
+}
+
+TEST(Lights, TakeTheNodesPlaceAtTheTime) {
+    RecordedGfx gfx;
+    KRN_Light light;
+    EXPECT_EQ(gfx->SetLight(3, light, 0, false), 0);
+    EXPECT_EQ(gfx.recording.Count("SetLight"), 0) << "it is off";
+    light.off = false;
+    light.record.Type = D3DLIGHT_SPOT;
+    light.Tracks().position.Add(2, KeyInterpolation::Linear, {{4, 6, 8}, {}, {}});
+    light.Tracks().position.Add(6, KeyInterpolation::Linear, {{8, 14, -4}, {}, {}});
+    KRN_RotKeyData turn;   // a sixth about x: what looked down looks forwards
+    turn.rotation = {0.5f, 0, 0, 0.8660254f};
+    light.Tracks().rotation.Add(3, KeyInterpolation::Linear, turn);
+    light.RebuildLookupTables();
+    const std::tuple<double, bool, D3DXVECTOR3> kRows[] = {
+        {3, true, {5, 8, 5}}, {5, false, {5, 8, 5}}, {5, true, {7, 12, -1}}, {5, true, {7, 12, -1}}};
+    for (const auto& [time, evaluate, position] : kRows) {
+        EXPECT_EQ(gfx->SetLight(3, light, time, evaluate), 1);
+        D3DLIGHT9 sent = {};
+        gfx->Device()->GetLight(3, &sent);
+        EXPECT_EQ(sent.Type, D3DLIGHT_SPOT);
+        ExpectNear(sent.Position, position);
+        ExpectNear(sent.Direction, {0, 0.8660254f, -0.5f});
     }
 }
 
 TEST(Gamma, NeedsTheDevice) {
     D3DGAMMARAMP ramp = {};
     ramp.red[1] = 77;
-    RecordedGfx gfx;
+    RecordedGfx gfx, calibrating([](Recording&recording) { recording.caps.Caps2 |= D3DCAPS2_CANCALIBRATEGAMMA; }),
+        without([](Recording&recording) { recording.caps.Caps2 = 0; });
     EXPECT_TRUE(gfx->SetGammaRamp(&ramp, false));
-    EXPECT_EQ(gfx.recording.Calls().back().arguments, (std::vector<DWORD>{0, D3DSGR_NO_CALIBRATION, 77, 0, 0}));
     EXPECT_FALSE(gfx->SetGammaRamp(nullptr, true)) << "no calibration";
-    EXPECT_EQ(gfx.recording.Calls().back().arguments, (std::vector<DWORD>{0, D3DSGR_NO_CALIBRATION, 257, 257, 65535}));
-
-    RecordedGfx calibrating([](Recording& recording) { recording.caps.Caps2 |= D3DCAPS2_CANCALIBRATEGAMMA; });
+    EXPECT_THAT(gfx.recording.ArgumentsOf("SetGammaRamp"),
+                ElementsAre(ElementsAre(0, D3DSGR_NO_CALIBRATION, 77, 0, 0),
+                            ElementsAre(0, D3DSGR_NO_CALIBRATION, 257, 257, 65535)));
     EXPECT_TRUE(calibrating->SetGammaRamp(&ramp, true));
-    EXPECT_EQ(calibrating.recording.Calls().back().arguments[1], D3DSGR_CALIBRATE);
-
-    RecordedGfx without([](Recording& recording) { recording.caps.Caps2 = 0; });
+    EXPECT_EQ(calibrating.recording.ArgumentsOf("SetGammaRamp").at(0)[1], D3DSGR_CALIBRATE);
     EXPECT_TRUE(without->SetGammaRamp(&ramp, false));
     EXPECT_EQ(without.recording.Count("SetGammaRamp"), 0);
 }
