@@ -27,6 +27,12 @@ class TextureLoading : public TemporaryFolder {
     std::string LoadError(const char* name, int parameter = -1) {
         return ErrorOf([&] { Load(name, parameter); });
     }
+    D3DCOLOR PixelAt(int x, int y) {
+        texture_.Lock(nullptr, D3DLOCK_READONLY);
+        const D3DCOLOR pixel = texture_.GetPixel(x, y);
+        texture_.Unlock();
+        return pixel;
+    }
     static D3DSURFACE_DESC DescOf(const KRN_Texture& texture) {
         return static_cast<RecordedTexture*>(texture.DeviceTexture())->Level(0).desc;
     }
@@ -40,22 +46,48 @@ class TextureLoading : public TemporaryFolder {
     KRN_Texture texture_;
 };
 
-TEST_F(TextureLoading, TakesTheFilesSizeFormatAndPixels) {
+TEST_F(TextureLoading, PoolsFollowTheNumber) {
     const TestPicture picture = TestPicture::Pattern(6, 3);
     WriteFile("a.png", PngFile(picture, 4));
+    Settings().sharing = false;
+    const std::tuple<int, D3DPOOL, DWORD> loaded[] = {{-1, D3DPOOL_MANAGED, 0},
+                                                      {0, D3DPOOL_MANAGED, 0},
+                                                      {1, D3DPOOL_DEFAULT, 0},
+                                                      {2, D3DPOOL_MANAGED, 0},
+                                                      {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET},
+                                                      {1 | kLoadWithoutStretching, D3DPOOL_DEFAULT, 0}};
+    const std::tuple<int, D3DPOOL, DWORD> made[] = {
+        {-1, D3DPOOL_MANAGED, 0},  {4, D3DPOOL_MANAGED, 0},
+        {1, D3DPOOL_DEFAULT, 0},   {1 | kCreateDynamic, D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC},
+        {2, D3DPOOL_SYSTEMMEM, 0}, {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET}};
+    const auto expect = [&](int number, D3DPOOL pool, DWORD usage) {
+        EXPECT_EQ(Desc().Pool, pool) << number;
+        EXPECT_EQ(Desc().Usage, usage) << number;
+        EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8) << number;
+        EXPECT_EQ(texture_.Width(), 6.0f) << number;
+    };
+    for (const auto& [number, pool, usage] : made) {
+        gfx_->CreateTexture(&texture_, 6, 3, number, -1, 1);
+        expect(number, pool, usage);
+    }
+    for (const auto& [number, pool, usage] : loaded) {
+        Load("a.png", number);
+        expect(number, pool, usage);
+    }
     Load("a.png");
-    EXPECT_TRUE(texture_.HasSurface());
-    EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8);
-    EXPECT_EQ(Desc().Pool, D3DPOOL_MANAGED);
-    EXPECT_EQ(texture_.Width(), 6.0f);
-    EXPECT_STREQ(texture_.Name().c_str(), "a.png");
-    EXPECT_GT(texture_.TimeStamp(), 0u);
-    texture_.Lock(nullptr, D3DLOCK_READONLY);
-    EXPECT_EQ(texture_.GetPixel(4, 2), picture.At(4, 2));
-    texture_.Unlock();
+    EXPECT_EQ(PixelAt(4, 2), picture.At(4, 2));
+    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(nullptr, 4, 4, 4, -1, 1); }),
+              "KRN_Gfx: KRN_Texture pointer in CreateTexture is NULL pointer!");
+    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 5, -1, 1); }),
+              "KRN_Gfx: Wrong texture parameter in CreateTexture!");
+    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 4 | kCreateDynamic, -1, 1); }),
+              "KRN_Gfx: CreateTexture failed: D3DERR_INVALIDCALL");
 }
 
 TEST_F(TextureLoading, ReportsWhatIsWrong) {
+    std::string list;
+    for (int i = 0; i <= kMaxSequenceFrames; ++i) list += "a.png\n";
+    WriteFile("long.ifl", list);
     WriteFile("text.png", "no picture");
     WriteFile("blank.ifl", "\n  \n\t\n");
     WriteFile("self.ifl", "self.ifl\n");
@@ -69,6 +101,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
         {"gone.png", -1, "KRN_Gfx: Can not open file gone.png"},
         {"text.png", -1, "KRN_Gfx:  D3DXGetImageInfoFromFile failed: D3DXERR_INVALIDDATA (file:text.png)"},
         {"blank.ifl", -1, "KRN_Gfx: Empty texture file list"},
+        {"long.ifl", -1, "KRN_Gfx: More than 4096 frames in texture file list 'long.ifl'"},
         {"self.ifl", -1, "KRN_Gfx: Texture file list in texture file list 'self.ifl': self.ifl"},
         {"missing.ifl", -1, "KRN_Gfx: Can not open file more\\gone.png"},
         {">>Video0", -1, "KRN_Gfx: Invalid video source for texture: 0"},
@@ -127,22 +160,6 @@ TEST_F(TextureLoading, ManyLookUpsFindWhatOneFinds) {
     }
 }
 
-TEST_F(TextureLoading, ParametersChooseThePool) {
-    WritePng("a.png", 2, 2);
-    Settings().sharing = false;
-    const std::tuple<int, D3DPOOL, DWORD> rows[] = {{-1, D3DPOOL_MANAGED, 0},
-                                                    {0, D3DPOOL_MANAGED, 0},
-                                                    {1, D3DPOOL_DEFAULT, 0},
-                                                    {2, D3DPOOL_MANAGED, 0},
-                                                    {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET},
-                                                    {1 | kLoadWithoutStretching, D3DPOOL_DEFAULT, 0}};
-    for (const auto& [parameter, pool, usage] : rows) {
-        Load("a.png", parameter);
-        EXPECT_EQ(Desc().Pool, pool) << parameter;
-        EXPECT_EQ(Desc().Usage, usage) << parameter;
-    }
-}
-
 TEST_F(TextureLoading, SharesAFileUntilItChanges) {
     WritePng("a.png", 2, 2);
     KRN_Texture second, third;
@@ -179,15 +196,6 @@ TEST_F(TextureLoading, ReadsAPictureOnce) {
     EXPECT_EQ(Opens("a.png", [&] { Load("a.png", 1 | kLoadWithoutStretching); }), 1);
     EXPECT_EQ(Opens("a.png", [&] { gfx_->LoadTexture(&other, "./a.png", 0, 1 | kLoadWithoutStretching); }), 0);
     EXPECT_EQ(other.Width(), 6.0f);
-}
-
-TEST_F(TextureLoading, APictureOfTheManagedPoolStaysWhateverElseHasItsFile) {
-    WritePng("a.png", 2, 2);
-    KRN_Texture default_pool;
-    gfx_->LoadTexture(&default_pool, "a.png", 0, 1);
-    Load("a.png", 0);
-    gfx_->ResetDevice(nullptr, -1);
-    EXPECT_TRUE(texture_.HasSurface());
 }
 
 TEST_F(TextureLoading, AlphaOfADefaultPoolPictureIsReadFromItsFile) {
@@ -239,39 +247,32 @@ TEST_F(TextureLoading, KeepsThePresentTextureWhileAnotherLoadsIfAsked) {
 TEST_F(TextureLoading, ChoosesSizeAndFilters) {
     WritePng("odd.png", 300, 200, 3);
     Settings().compression = true;
+    Settings().sharing = false;
     const struct {
         const char* name;
-        int parameter, levels;
+        int parameter, format, levels;
         UINT width, height;
-        D3DFORMAT format;
         float shown_width;
-        int warnings;
+        std::size_t warnings;
     } rows[] = {
-        {"one level keeps the size", 0, 1, 300, 200, D3DFMT_DXT1, 300, 0},
-        {"compressed levels are stretched", 0, 3, 512, 256, D3DFMT_DXT1, 512, 0},
-        {"or surrounded", kLoadWithoutStretching, 3, 512, 256, D3DFMT_DXT1, 300, 1},
+        {"one level keeps the size", 0, -1, 1, 300, 200, 300, 0},
+        {"compressed levels are stretched", 0, -1, 3, 512, 256, 512, 0},
+        {"or surrounded", kLoadWithoutStretching, -1, 3, 512, 256, 300, 1},
+        {"as many as there are", kLoadWithoutStretching, static_cast<int>(D3DFMT_DXT1), 0, 512, 256, 300, 1},
     };
     for (const auto& row : rows) {
-        Settings().sharing = false;
         Reports reports;
-        Load("odd.png", row.parameter, -1, row.levels);
+        Load("odd.png", row.parameter, row.format, row.levels);
         EXPECT_EQ(Desc().Width, row.width) << row.name;
         EXPECT_EQ(Desc().Height, row.height) << row.name;
-        EXPECT_EQ(Desc().Format, row.format) << row.name;
+        EXPECT_EQ(Desc().Format, D3DFMT_DXT1) << row.name;
         EXPECT_EQ(texture_.Width(), row.shown_width) << row.name;
-        EXPECT_EQ(static_cast<int>(reports.All().size()), row.warnings) << row.name;
+        const std::string warning = "warning KRN_Gfx: Loading none-power of 2 texture 'odd.png' with options: ";
+        EXPECT_EQ(reports.All(), std::vector(row.warnings, warning + "mipmaps+noStretch+compressed")) << row.name;
         RECT rectangle;
         texture_.GetRect(rectangle);
         EXPECT_EQ(rectangle, (RECT{0, 0, static_cast<LONG>(row.shown_width), row.shown_width == 512 ? 256 : 200}));
     }
-}
-
-TEST_F(TextureLoading, WarnsOfLevelsWithoutStretching) {
-    WritePng("odd.png", 300, 200, 3);
-    Reports reports;
-    Load("odd.png", kLoadWithoutStretching, static_cast<int>(D3DFMT_DXT1), 0);
-    EXPECT_THAT(reports.All(), ElementsAre("warning KRN_Gfx: Loading none-power of 2 texture 'odd.png' with options: "
-                                           "mipmaps+noStretch+compressed"));
 }
 
 TEST_F(TextureLoading, FollowsTheDevicesCapabilities) {
@@ -295,9 +296,7 @@ TEST_F(TextureLoading, PlaceholdersReadNoFile) {
     gfx_->LoadTexture(&other, "b.png", 0, -1);
     EXPECT_EQ(other.DeviceTexture(), texture_.DeviceTexture());
     EXPECT_EQ(Desc().Width, 8u);
-    texture_.Lock(nullptr, D3DLOCK_READONLY);
-    EXPECT_EQ(texture_.GetPixel(7, 5), 0xFFC8C8C8);
-    texture_.Unlock();
+    EXPECT_EQ(PixelAt(7, 5), 0xFFC8C8C8);
 }
 
 // ---- Sequences
@@ -330,13 +329,6 @@ TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
     EXPECT_EQ(gfx_.recording.LiveObjects(), before + 1);
 }
 
-TEST_F(TextureLoading, AListHasABound) {
-    std::string list;
-    for (int i = 0; i <= kMaxSequenceFrames; ++i) list += "a.png\n";
-    WriteFile("long.ifl", list);
-    EXPECT_EQ(LoadError("long.ifl"), "KRN_Gfx: More than 4096 frames in texture file list 'long.ifl'");
-}
-
 // ---- Video sources
 
 TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
@@ -361,9 +353,7 @@ TEST_F(TextureLoading, AVideoSourceGivesItsPictures) {
     EXPECT_EQ(texture_.Width(), 5.0f);
     gfx_->SetTexture(&texture_, -1);
     EXPECT_EQ(updates, 1);
-    texture_.Lock(nullptr, D3DLOCK_READONLY);
-    EXPECT_EQ(texture_.GetPixel(2, 0), 0x11223344u);
-    texture_.Unlock();
+    EXPECT_EQ(PixelAt(2, 0), 0x11223344u);
 
     // It goes on showing its pictures, whatever the other layers get.
     texture_.SelectLayer(1, false);
@@ -399,29 +389,12 @@ TEST_F(TextureLoading, KnowsTheFileOfWhatItShows) {
 
 // ---- Empty textures
 
-TEST_F(TextureLoading, CreatesByMode) {
-    const std::tuple<int, D3DPOOL, DWORD> rows[] = {
-        {-1, D3DPOOL_MANAGED, 0},  {4, D3DPOOL_MANAGED, 0},
-        {1, D3DPOOL_DEFAULT, 0},   {1 | kCreateDynamic, D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC},
-        {2, D3DPOOL_SYSTEMMEM, 0}, {3, D3DPOOL_DEFAULT, D3DUSAGE_RENDERTARGET}};
-    for (const auto& [mode, pool, usage] : rows) {
-        gfx_->CreateTexture(&texture_, 12, 7, mode, -1, 1);
-        EXPECT_EQ(Desc().Pool, pool) << mode;
-        EXPECT_EQ(Desc().Usage, usage) << mode;
-        EXPECT_EQ(Desc().Format, D3DFMT_A8R8G8B8) << mode;
-        EXPECT_EQ(texture_.Height(), 7.0f) << mode;
-    }
-    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(nullptr, 4, 4, 4, -1, 1); }),
-              "KRN_Gfx: KRN_Texture pointer in CreateTexture is NULL pointer!");
-    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 5, -1, 1); }),
-              "KRN_Gfx: Wrong texture parameter in CreateTexture!");
-    EXPECT_EQ(ErrorOf([&] { gfx_->CreateTexture(&texture_, 4, 4, 4 | kCreateDynamic, -1, 1); }),
-              "KRN_Gfx: CreateTexture failed: D3DERR_INVALIDCALL");
-}
-
 TEST_F(TextureLoading, CountsTheDefaultPoolAndDropsItAtAReset) {
     const int before = TextureRegistry::DefaultPoolTextures();
-    KRN_Texture managed;
+    KRN_Texture managed, loaded;
+    WritePng("a.png", 2, 2);
+    Load("a.png", 1);
+    gfx_->LoadTexture(&loaded, "a.png", 0, 0);
     gfx_->CreateTexture(&texture_, 4, 4, 1, -1, 1);
     gfx_->CreateTexture(&managed, 4, 4, 4, -1, 1);
     EXPECT_EQ(TextureRegistry::DefaultPoolTextures(), before + 1);
@@ -430,6 +403,7 @@ TEST_F(TextureLoading, CountsTheDefaultPoolAndDropsItAtAReset) {
     EXPECT_FALSE(texture_.HasSurface());
     EXPECT_FALSE(texture_.IsValid());
     EXPECT_TRUE(managed.IsValid());
+    EXPECT_TRUE(loaded.HasSurface()) << "whatever else has its file";
     // The slot is not given to another texture while its user has not let go.
     KRN_Texture another;
     gfx_->CreateTexture(&another, 4, 4, 4, -1, 1);

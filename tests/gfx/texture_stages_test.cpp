@@ -33,20 +33,22 @@ class TextureStagesTest : public testing::Test {
         gfx_->Device()->GetTexture(stage, texture.Receive());
         return texture.Get();   // the device holds it
     }
+    D3DXMATRIX SentMatrix() {
+        D3DXMATRIX matrix;
+        gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &matrix);
+        return matrix;
+    }
 
     RecordedGfx gfx_;
     KRN_Texture texture_;
 };
 
-TEST_F(TextureStagesTest, ADiffuseTextureIsMixedWithTheDiffuseColour) {
+TEST_F(TextureStagesTest, IsBoundOnlyWhenItChangesOrWasRefused) {
+    gfx_.recording.Fail("SetTexture", D3DERR_INVALIDCALL);
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: SetTexture failed: D3DERR_INVALIDCALL");
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, 8); }), "KRN_Gfx: Invalid stage: 8");
     gfx_->SetTexture(&texture_, -1);
     EXPECT_EQ(Bound(0), texture_.DeviceTexture());
-    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE));
-    EXPECT_EQ(State(1, D3DTSS_COLOROP), D3DTOP_DISABLE);
-}
-
-TEST_F(TextureStagesTest, IsBoundOnlyWhenItChanges) {
-    gfx_->SetTexture(&texture_, -1);
     gfx_.recording.ForgetCalls();
     gfx_->SetTexture(&texture_, -1);
     EXPECT_EQ(gfx_.recording.Count("SetTexture"), 0);
@@ -55,12 +57,40 @@ TEST_F(TextureStagesTest, IsBoundOnlyWhenItChanges) {
     EXPECT_EQ(Bound(0), texture_.DeviceTexture());
 }
 
-TEST_F(TextureStagesTest, ARefusedBindingIsTriedAgain) {
-    gfx_.recording.Fail("SetTexture", D3DERR_INVALIDCALL);
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: SetTexture failed: D3DERR_INVALIDCALL");
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(Bound(0), texture_.DeviceTexture());
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, 8); }), "KRN_Gfx: Invalid stage: 8");
+TEST_F(TextureStagesTest, LayersMixByTheirKind) {
+    // clang-format off
+    const struct { const char* name; MapKind first, second; std::vector<DWORD> first_colour, second_colour; } kRows[] = {
+        {"diffuse", MapKind::Diffuse, MapKind::None,
+         {D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE}, {D3DTOP_DISABLE}},
+        {"two add up", MapKind::Reflection, MapKind::Diffuse,
+         {D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE}, {D3DTOP_ADD, D3DTA_CURRENT, D3DTA_TEXTURE}},
+        {"a bump moves the next", MapKind::Bump, MapKind::Light,
+         {D3DTOP_BUMPENVMAP, D3DTA_TEXTURE, D3DTA_CURRENT}, {D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_CURRENT}},
+        {"detail, decal", MapKind::Detail, MapKind::Decal,
+         {D3DTOP_MODULATE2X, D3DTA_TEXTURE, D3DTA_DIFFUSE}, {D3DTOP_BLENDTEXTUREALPHA, D3DTA_TEXTURE, D3DTA_CURRENT}},
+    };
+    // clang-format on
+    Create(1, MapKind::None);
+    for (const auto& row : kRows) {
+        texture_.SetStageMap(0, row.first, 0.25f);
+        texture_.SetStageMap(1, row.second, 1);
+        gfx_->SetTexture(&texture_, -1);
+        EXPECT_EQ(Colour(0), row.first_colour) << row.name;
+        EXPECT_EQ(State(1, D3DTSS_COLOROP), row.second_colour[0]) << row.name;
+        const bool disabled = row.second == MapKind::None;   // the arguments do not count
+        EXPECT_EQ(disabled ? row.second_colour : Colour(1), row.second_colour) << row.name;
+        // The first diffuse layer's stage carries the alpha of the blending mode.
+        const bool behind = row.second == MapKind::Diffuse;
+        EXPECT_EQ(State(0, D3DTSS_ALPHAARG1), behind ? DWORD{D3DTA_DIFFUSE} : DWORD{D3DTA_TEXTURE}) << row.name;
+        EXPECT_EQ(State(1, D3DTSS_ALPHAOP), behind ? DWORD{D3DTOP_SELECTARG1} : DWORD{D3DTOP_DISABLE}) << row.name;
+        EXPECT_EQ(State(2, D3DTSS_COLOROP), DWORD{D3DTOP_DISABLE}) << row.name;
+    }
+    const std::pair<D3DTEXTURESTAGESTATETYPE, float> kBump[] = {
+        {D3DTSS_BUMPENVMAT00, 0.25f}, {D3DTSS_BUMPENVMAT01, 0}, {D3DTSS_BUMPENVMAT10, 0}, {D3DTSS_BUMPENVMAT11, 0.25f}};
+    for (const auto& [element, amount] : kBump) EXPECT_EQ(State(0, element), std::bit_cast<DWORD>(amount)) << element;
+    texture_.SetStageMap(0, MapKind::Diffuse, 1);
+    texture_.SetStageMap(1, MapKind::Reflection, 1);
+    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: Reflection map in stage other than zero!");
 }
 
 TEST_F(TextureStagesTest, NoTextureUnbindsAndShowsTheDiffuseColour) {
@@ -92,48 +122,11 @@ TEST_F(TextureStagesTest, TheColourOfUnlitDrawingStandsInForTheDiffuseOne) {
         EXPECT_EQ(factor, 0x90123456);
     }
     gfx_->SetLighting(true, nullptr);
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(State(0, D3DTSS_COLORARG2), D3DTA_DIFFUSE);
-}
-
-TEST_F(TextureStagesTest, OtherRenderSourcesLeaveTheTextureOut) {
-    gfx_->SetRenderSource(2, 0, 0);
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_DIFFUSE));
-    gfx_->SetRenderSource(3, 0, 0xFF102030);
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_TFACTOR));
-}
-
-TEST_F(TextureStagesTest, ReflectionThenDiffuseAddUp) {
-    texture_.SetStageMap(0, MapKind::Reflection, 1);
-    Create(1, MapKind::Diffuse);
-    gfx_->SetBlendingMode(9, 200, 0);
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_MODULATE, D3DTA_TEXTURE, D3DTA_DIFFUSE));
-    EXPECT_THAT(Colour(1), ElementsAre(D3DTOP_ADD, D3DTA_CURRENT, D3DTA_TEXTURE));
-    // The diffuse layer's stage carries the alpha of the blending mode.
-    EXPECT_EQ(State(1, D3DTSS_ALPHAOP), D3DTOP_MODULATE);
-    EXPECT_EQ(State(2, D3DTSS_ALPHAOP), D3DTOP_DISABLE);
-}
-
-TEST_F(TextureStagesTest, WrongOrdersAreRefused) {
-    texture_.SetStageMap(0, MapKind::Bump, 1);
-    Create(1, MapKind::Diffuse);
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }),
-              "KRN_Gfx: More than one diffuse map requires a diffuse map at stage 0");
-    texture_.SetStageMap(0, MapKind::Diffuse, 1);
-    texture_.SetStageMap(1, MapKind::Reflection, 1);
-    EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: Reflection map in stage other than zero!");
-}
-
-TEST_F(TextureStagesTest, BumpMapsMoveTheNextStageByTheirAmount) {
-    Create(1, MapKind::Bump, 0.25f);
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_THAT(Colour(1), ElementsAre(D3DTOP_BUMPENVMAP, D3DTA_TEXTURE, D3DTA_CURRENT));
-    EXPECT_EQ(State(1, D3DTSS_BUMPENVMAT00), std::bit_cast<DWORD>(0.25f));
-    EXPECT_EQ(State(1, D3DTSS_BUMPENVMAT11), std::bit_cast<DWORD>(0.25f));
-    EXPECT_EQ(State(1, D3DTSS_BUMPENVMAT01), 0u);
+    for (const auto& [source, argument] : {std::pair{2, D3DTA_DIFFUSE}, {3, D3DTA_TFACTOR}}) {
+        gfx_->SetRenderSource(source, 0, 0xFF102030);
+        gfx_->SetTexture(&texture_, -1);
+        EXPECT_THAT(Colour(0), ElementsAre(D3DTOP_SELECTARG2, D3DTA_TEXTURE, argument)) << "the texture is left out";
+    }
 }
 
 TEST_F(TextureStagesTest, OnlyTheStagesInUseAreSet) {
@@ -144,24 +137,22 @@ TEST_F(TextureStagesTest, OnlyTheStagesInUseAreSet) {
     gfx_->SetStagesInUse(3);
     gfx_->SetTexture(&texture_, -1);
     EXPECT_TRUE(Bound(2));
-    EXPECT_THAT(Colour(2), ElementsAre(D3DTOP_BLENDTEXTUREALPHA, D3DTA_TEXTURE, D3DTA_CURRENT));
+    EXPECT_EQ(State(2, D3DTSS_COLOROP), D3DTOP_BLENDTEXTUREALPHA);
 }
 
-TEST_F(TextureStagesTest, ALayersMatrixMovesItsCoordinates) {
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
-    texture_.SetLayerMatrix(0, {0.25f, 0.5f, 1, 1, 0});
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_COUNT2);
-    D3DMATRIX sent;
-    gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &sent);
-    EXPECT_EQ(sent, texture_.LayerMatrix(0));
-    texture_.SetLayerMatrix(0, {});
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
+TEST_F(TextureStagesTest, AStageByItsNumberGetsItsLayerOrTheTextureInUse) {
+    gfx_->SetTexture(&texture_, 0);
+    gfx_->SetTexture(&texture_, 1);
+    EXPECT_EQ(Bound(1), texture_.DeviceTexture());
+    Create(1, MapKind::Light);
+    texture_.SelectLayer(1, true);
+    EXPECT_EQ(Bound(1), texture_.LayerTexture(1));
+    EXPECT_NE(Bound(1), Bound(0));
 }
 
 TEST_F(TextureStagesTest, ALayersMatrixFollowsItsTracks) {
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
     KRN_TextMatrixAni animation;
     animation.constants = {0.25f, 0.5f, 2, 3, 0.75f};
     animation.offset_v.AddKey({.time = 2, .value = {0.125f}, .in = {0.5f}, .out = {0.375f}});
@@ -177,33 +168,32 @@ TEST_F(TextureStagesTest, ALayersMatrixFollowsItsTracks) {
         {0, 0.125f, 0.25f}, {2, 0.125f, 1.25f}, {3, 0.390625f, 0.25f}, {9.5f, 0.625f, 0.5f}};
     for (const auto& [t, offset_v, angle_w] : rows) {
         texture_.Update(t);
-        const D3DXMATRIX expected = BuildTextureMatrix({0.25f, offset_v, 2, 3, angle_w});
-        EXPECT_EQ(texture_.LayerMatrix(0), expected) << t;
         gfx_->SetTexture(&texture_, -1);
-        D3DMATRIX sent;
-        gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &sent);
-        EXPECT_EQ(sent, expected) << t;
+        EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_COUNT2);
+        EXPECT_EQ(SentMatrix(), BuildTextureMatrix({0.25f, offset_v, 2, 3, angle_w})) << t;
     }
     EXPECT_EQ(texture_.LayerMatrix(1), at_start);
     texture_.SetLayerMatrix(0, {0.25f, 0.5f, 2, 3, 0.75f});
     texture_.Update(3);
     EXPECT_EQ(texture_.LayerMatrix(0), BuildTextureMatrix({0.25f, 0.5f, 2, 3, 0.75f})) << "no tracks any more";
+    texture_.SetLayerMatrix(0, {});
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_DISABLE);
 }
 
 TEST_F(TextureStagesTest, TheTexturesFlagSwitchesTheAlphaTest) {
-    texture_.SetAlphaTest(true);
     gfx_->SetAlphaTest(0, 77);
     gfx_.recording.ForgetCalls();
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u));
+    const auto set = [&](bool flag) {
+        texture_.SetAlphaTest(flag);
+        gfx_->SetTexture(&texture_, -1);
+    };
+    set(true);
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHAREF), ElementsAre(77u));
-    texture_.SetAlphaTest(false);
-    gfx_->SetTexture(&texture_, -1);
-    EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u, 0u));
+    set(false);
     gfx_->SetAlphaTest(255, 78);
-    gfx_->SetTexture(&texture_, -1);
-    texture_.SetAlphaTest(true);
-    gfx_->SetTexture(&texture_, -1);
+    set(false);
+    set(true);
     EXPECT_THAT(gfx_.recording.Sent(D3DRS_ALPHATESTENABLE), ElementsAre(1u, 0u, 255u, 0u, 255u)) << "as it was";
 }
 
@@ -216,16 +206,6 @@ TEST_F(TextureStagesTest, TheBlendingModeIsSetAgainWithTheAlphaThatItWasGiven) {
         EXPECT_EQ(gfx_.recording.Sent(D3DRS_TEXTUREFACTOR).back(), factor) << mode;
         gfx_->SetTextureFactor(0);
     }
-}
-
-TEST_F(TextureStagesTest, AStageByItsNumberGetsItsLayerOrTheTextureInUse) {
-    gfx_->SetTexture(&texture_, 0);
-    gfx_->SetTexture(&texture_, 1);
-    EXPECT_EQ(Bound(1), texture_.DeviceTexture());
-    Create(1, MapKind::Light);
-    texture_.SelectLayer(1, true);
-    EXPECT_EQ(Bound(1), texture_.LayerTexture(1));
-    EXPECT_NE(Bound(1), Bound(0));
 }
 
 }   // namespace
