@@ -114,7 +114,7 @@ bool StartUnseen(Engine& engine, TesterState& state, const Options& options) try
         std::fprintf(stderr, "sparkrig: OpenGL 4.5 is needed, and no surface for it can be made here\n");
         return false;
     }
-    engine.Start(state, options.seed);
+    engine.Start(state, options.seed.value_or(kAutomationSeed));
     return true;
 } catch (const ErrorRecord& error) {
     std::fprintf(stderr, "sparkrig: OpenGL 4.5 is needed, and the graphics did not start: %s\n",

@@ -9,6 +9,9 @@ namespace sparkrig {
 
 enum class RunMode { Interactive, Capture, Sequence, Sheet, Record, Check };
 
+/// The seed of automation where none is given.
+inline constexpr std::uint32_t kAutomationSeed = 1;
+
 struct Options {
     RunMode mode = RunMode::Interactive;
     std::string command_line;   // all words, for the "/" options

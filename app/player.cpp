@@ -9,14 +9,8 @@
 
 namespace sparkrig {
 
-namespace {
-
-constexpr std::uint32_t kDefaultSeed = 1;
-
-}   // namespace
-
 Player::Player(Engine& engine, TesterState& state, const Options& options)
-    : engine_(engine), state_(state), seed_(options.seed.value_or(kDefaultSeed)), repeat_(options.repeat) {}
+    : engine_(engine), state_(state), seed_(options.seed.value_or(kAutomationSeed)), repeat_(options.repeat) {}
 
 void Player::Load() { BeginPlaying(engine_, state_, loop_); }
 
