@@ -10,7 +10,7 @@
 #include "effects/effects_file.h"
 #include "gfx/textures/catalogue_file.h"
 #include "gfx/textures/texture_catalogue.h"
-#include "scene/load_scene.h"
+#include "scene/scene.h"
 
 namespace sparkrig {
 
@@ -76,7 +76,7 @@ class NamedThingsCheck {
                 return;
             case NamedThing::Kind::Scene: {
                 KRN_3dScene scene;
-                LoadScene(scene, name);
+                gfx_.LoadScene(scene, name);
             }
         }
     }

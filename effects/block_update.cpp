@@ -13,9 +13,8 @@
 namespace sparkrig {
 namespace {
 
-constexpr float kSpecialRadius = 1.5f;   // of the length of the scale
-constexpr float kEverywhere =
-    std::numeric_limits<float>::infinity();   // a mesh has no bounds yet and counts as visible
+constexpr float kSpecialRadius = 1.5f;                                  // of the length of the scale
+constexpr float kEverywhere = std::numeric_limits<float>::infinity();   // a mesh is tested by its scene's bounds
 constexpr float kUnborn = -1;
 
 /// The ages of some instances of a block, and what they ask for.

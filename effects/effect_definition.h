@@ -12,10 +12,13 @@
 namespace sparkrig {
 
 class KRN_3dObject;
+class KRN_3dScene;
 class KRN_Texture;
 struct VisualEffect;
 
 enum class SubEffectKind : std::int32_t { Mesh = 1, Particle = 2, Special = 3 };
+
+enum class BillboardMode : std::int32_t { Flat = 0, Upright = 1, FacingCamera = 2, BeforeCamera = 3 };
 
 enum class AnimationType : std::int32_t {
     None = 0,
@@ -167,6 +170,7 @@ struct ParticleEffect : SubEffect {
 struct MeshEffect : SubEffect {
     MeshEffect() : SubEffect(SubEffectKind::Mesh) {}
 
+    std::shared_ptr<KRN_3dScene> scene;   // none before the first use; shared with those that show the same
     String scene_file;
     bool loop = false;   // the scene's animation begins again at its end
 };

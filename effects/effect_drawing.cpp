@@ -22,6 +22,7 @@ constexpr int kAlphaShift = 24;
 void EffectDrawing::Init(KRN_Gfx& gfx, int buffer_mode) {
     gfx_ = &gfx;
     particles_.Init(gfx, kParticlesPerBatch, false, buffer_mode);
+    meshes_.Init(gfx);
     specials_.Init(gfx);
     traces_.Init(gfx, buffer_mode);
 }
@@ -93,6 +94,7 @@ void EffectDrawing::CollectGroup(const InstanceStore& instances, const InstanceG
         const int count = group.LanesIn(b);
         SphereTest test;
         TestSpheres(*view_, records, count, test);
+        if (sub.kind == SubEffectKind::Mesh) TestMeshes(instances, records, count, test);
         for (int i = 0; i < count; ++i) {
             const float distance = before_camera ? kBeforeEverything : test.distance[i];
             const bool drawn = shown && records[i].colour >> kAlphaShift != 0;
@@ -103,6 +105,12 @@ void EffectDrawing::CollectGroup(const InstanceStore& instances, const InstanceG
         }
     }
     elements_.resize(end);
+}
+
+/// The sphere of a mesh instance is everywhere: its scene knows its bounds.
+void EffectDrawing::TestMeshes(const InstanceStore& instances, const DrawRecord* records, int count, SphereTest& test) {
+    for (int i = 0; i < count; ++i)
+        if (test.visible[i] != 0) test.visible[i] = meshes_.IsVisible(GetInstance(instances, records[i].id)) ? 1 : 0;
 }
 
 RegroupTraits EffectDrawing::TraitsOf(const InstanceGroup& group) const {
@@ -150,14 +158,17 @@ void EffectDrawing::DrawInOrder(const EffectSimulation& simulation) {
 void EffectDrawing::DrawOther(const VisualEffectObject& object) {
     const SubEffect& sub = *object.sub_effect;
     particles_.Flush();
-    if (sub.kind != SubEffectKind::Special) return;
-    const auto& special = static_cast<const SpecialEffect&>(sub);
-    if (special.type == SpecialType::None) return;
+    if (sub.kind == SubEffectKind::Special && static_cast<const SpecialEffect&>(sub).type == SpecialType::None) return;
     gfx_->SetBlendingMode(sub.blend_mode, static_cast<int>(ColourByte(object.alpha)), 0);
     gfx_->SetZBufferMode(sub.use_z_buffer ? before_.z_buffer_mode : 0);
     gfx_->SetZWrite(sub.write_z_buffer && before_.z_write);
-    Count(special.point_count, 1);
-    specials_.DrawSpecialEffect(object, object.Age());
+    if (sub.kind == SubEffectKind::Mesh) {
+        Count(1, 1);
+        meshes_.DrawMeshInstance(object, object.Age());
+    } else {
+        Count(static_cast<const SpecialEffect&>(sub).point_count, 1);
+        specials_.DrawSpecialEffect(object, object.Age());
+    }
 }
 
 void EffectDrawing::DrawTraces(TraceEffectSet& traces) {

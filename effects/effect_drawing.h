@@ -6,6 +6,7 @@
 #include "effects/draw_order.h"
 #include "effects/effect_particle_system.h"
 #include "effects/effect_simulation.h"
+#include "effects/mesh_effect_renderer.h"
 #include "effects/special_effect_renderer.h"
 #include "effects/trace_drawing.h"
 #include "effects/view_volume.h"
@@ -28,6 +29,8 @@ class EffectDrawing {
     void ResetCounters();
 
     KRN_Gfx& Gfx() { return *gfx_; }
+    /// Loads the scene of a mesh sub-effect before it is first seen.
+    void PreloadMesh(MeshEffect& sub) { meshes_.PreloadMesh(sub); }
 
   private:
     /// How the particles of a group are drawn; made when the frame meets the first of them.
@@ -45,6 +48,7 @@ class EffectDrawing {
 
     void CollectClass(const InstanceStore& instances, std::span<const int> groups, int detail_level);
     void CollectGroup(const InstanceStore& instances, const InstanceGroup& group, bool shown);
+    void TestMeshes(const InstanceStore& instances, const DrawRecord* records, int count, SphereTest& test);
     RegroupTraits TraitsOf(const InstanceGroup& group) const;
 
     void DrawInOrder(const EffectSimulation& simulation);
@@ -59,6 +63,7 @@ class EffectDrawing {
 
     KRN_Gfx* gfx_ = nullptr;   // borrowed
     EffectParticleSystem particles_;
+    MeshEffectRenderer meshes_;
     SpecialEffectRenderer specials_;
     TraceDrawing traces_;
     DrawOrder order_;
@@ -70,7 +75,7 @@ class EffectDrawing {
     std::optional<ViewVolume> view_;                                        // of the frame
     States before_ = {};
     int drawn_particles_ = 0;
-    int other_draws_ = 0;   // of specials and trails
+    int other_draws_ = 0;   // of meshes, specials and trails
 };
 
 }   // namespace sparkrig

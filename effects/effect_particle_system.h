@@ -12,9 +12,6 @@ namespace sparkrig {
 class KRN_Gfx;
 class KRN_Texture;
 
-/// How the quads of a batch stand.
-enum class BillboardMode : std::int32_t { Flat = 0, Upright = 1, FacingCamera = 2, BeforeCamera = 3 };
-
 class EffectParticleSystem : public ErrorClass {
   public:
     EffectParticleSystem() { SetName("EffectParticleSystem"); }

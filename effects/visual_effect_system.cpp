@@ -37,6 +37,7 @@ class Preloading {
                 auto& particle = static_cast<ParticleEffect&>(sub);
                 LoadEffectTexture(Gfx(), particle.texture_name.c_str(), particle.texture);
             }
+            if (sub.kind == SubEffectKind::Mesh) parts_.drawing.PreloadMesh(static_cast<MeshEffect&>(sub));
             if (sub.emit.name.GetLength() > 0) Enter(sub.emit.name.c_str());
         }
     }

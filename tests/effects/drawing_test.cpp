@@ -237,6 +237,48 @@ TEST_F(Drawing, AnAnimatedTextureEndsTheBatchWhereItsFrameChanges) {
     EXPECT_NE(DrawAt(0).texture, DrawAt(1).texture);
 }
 
+std::string Mesh(const std::string& lines) { return "MESH {\nsFile = \"models\\bounded.kva\"\n" + lines + "\n}\n"; }
+
+/// The camera's right is -x, its up z, its forward -y. Scaled and turned, the axes are (0, 2, 0), (-3, 0, 0), (0, 0,
+/// 5).
+TEST_F(Drawing, AMeshStandsAsItsBillboardModeSays) {
+    constexpr D3DXVECTOR3 kPlace(7, -8, 9), kHeld(0, 0, 0), kNone(0, 0, 0);
+    const struct {
+        int mode;
+        D3DXVECTOR3 x, y, z, position;
+    } kRows[] = {
+        {0, {0, 2, 0}, {-3, 0, 0}, {0, 0, 5}, kPlace}, {1, {-3, 0, 0}, {0, 2, 0}, {0, 0, 5}, kPlace},
+        {2, {0, 0, 2}, {3, 0, 0}, {0, -5, 0}, kPlace}, {3, {0, 0, 2}, {3, 0, 0}, {0, -5, 0}, kHeld},
+        {4, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, kNone},
+    };
+    for (const auto& [mode, x, y, z, position] : kRows) {
+        EXPECT_EQ(
+            DrawEffect(Mesh("scale = 2, 3, 5\npos = 7, -8, 9\nRotAngle = 90\nBillBoard = " + std::to_string(mode))), 1);
+        EXPECT_EQ(system.DrawnParticleCount(), 1);
+        const auto& m = DrawAt(0).world.m;
+        const D3DXVECTOR3 crate = z * 5 + position;   // its node stands 5 above the scene's
+        const D3DXVECTOR3 expected[] = {x, y, z, crate};
+        for (int row = 0; row < 4; ++row)
+            EXPECT_NEAR(D3DXVec3Length(D3DXVECTOR3(m[row][0], m[row][1], m[row][2]) - expected[row]), 0, 1e-5)
+                << mode << " row " << row;
+    }
+}
+
+TEST_F(Drawing, MeshInstancesShareTheirSceneAndAreCountedOneByOne) {
+    const std::string hidden = Mesh("Count = 9\npos = 0, 400, 0") + Mesh("ALPHA {\ntype = \"sin\"\n}");
+    EXPECT_EQ(DrawEffect(Mesh("Count = 3") + Mesh("BillBoard = 2\nBlendType = \"additive\"\nWriteZBuf = 0") + hidden),
+              4);
+    EXPECT_EQ(system.DrawnParticleCount(), 4);
+    EXPECT_EQ(gfx.recording.Count("CreateVertexBuffer"), 1);
+    EXPECT_EQ(DrawAt(3).render_states[D3DRS_DESTBLEND], DWORD{D3DBLEND_ONE});
+    EXPECT_EQ(DrawAt(3).render_states[D3DRS_ZWRITEENABLE], 0u);
+    EXPECT_EQ(DrawAt(0).render_states[D3DRS_ZWRITEENABLE], 1u);
+    EXPECT_EQ(DrawEffect(Mesh("") + Mesh("loop = 1")), 2);
+    EXPECT_EQ(gfx.recording.Count("CreateVertexBuffer"), 2) << "one of them repeats";
+    EXPECT_EQ(DrawEffect(Mesh("scale = 0, 0, 0")), 1);
+    EXPECT_THROW(DrawEffect("MESH {\n}\n"), ErrorRecord);
+}
+
 TEST_F(Drawing, PreloadingLoadsWhatTheEffectEmits) {
     system.LoadEffects(
         EffectsFileOf("#e\ndesc = \"e\"\n" + Particle("a", 1, "EmitEffect = \"f\"") + "#f\ndesc = \"f\"\n" +
@@ -260,7 +302,8 @@ TEST_F(Drawing, PreloadingGoesDepthFirstThroughParticlesMeshesSpecials) {
         return effect(name, "PARTICLE {\ntexture = \"" + name + "\"\n}\n");
     };
     const auto emits = [](const char* kind, const std::string& name) {
-        return std::string(kind) + " {\ntype = \"none\"\nEmitEffect = \"" + name + "\"\n}\n";
+        return std::string(kind) + " {\ntype = \"none\"\nsFile = \"models\\rock.kva\"\nEmitEffect = \"" + name +
+               "\"\n}\n";
     };
     const std::string others = missing("p") + missing("q") + missing("m") + missing("s");
     const std::string special_and_mesh = emits("SPECIAL", "s") + emits("MESH", "m");
