@@ -23,6 +23,7 @@
 #include "effects/packed_colour.h"
 #include "effects/transform_object.h"
 #include "scene/load_scene.h"
+#include "scene/matrix_rows.h"
 
 namespace sparkrig {
 
@@ -41,8 +42,6 @@ const Row* FindWord(const Row (&rows)[N], const char* word) {
         if (EqualNoCase(row.key.data(), word)) return &row;
     return nullptr;
 }
-
-D3DXVECTOR3 Product(const D3DXVECTOR3& a, const D3DXVECTOR3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
 
 /// The number of a child key, which has no leading zeros; 0 for any other word.
 int ChildNumber(std::string_view word) {
@@ -222,7 +221,7 @@ class EffectsFileLoader {
     }
 
     void ReadCommonKeys(SubEffect& sub) {
-        sub.scale = Product(sub.scale, effect_->scale);
+        sub.scale = Times(sub.scale, effect_->scale);
         const D3DXVECTOR3& entry = effect_->scale;
         sub.vertical_size *= std::sqrt(entry.x * entry.x + entry.y * entry.y) / kDiagonal;
         ReadCurve("LifeCountBez", lines_[kParticleKeys.Row("LifeCountBez")], sub.life_count);
@@ -325,7 +324,7 @@ class EffectsFileLoader {
         stage.rotation_angle *= kRadiansPerDegree;
         ReadTimes(stage);
         ReadConcatType(stage);
-        if (channel.stages == &SubEffect::position_stages) stage.scale = Product(stage.scale, sub.scale);
+        if (channel.stages == &SubEffect::position_stages) stage.scale = Times(stage.scale, sub.scale);
         PrepareStage(stage);
     }
 

@@ -1,21 +1,12 @@
 #include "effects/mesh_placement.h"
 
 #include "effects/effect_definition.h"
+#include "scene/matrix_rows.h"
 
 namespace sparkrig {
 namespace {
 
 constexpr float kHeldDistance = 100;   // world units before the camera
-
-D3DXVECTOR3 Times(const D3DXVECTOR3& a, const D3DXVECTOR3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
-
-D3DXVECTOR3 Row(const D3DXMATRIX& matrix, int row) { return {matrix.m[row][0], matrix.m[row][1], matrix.m[row][2]}; }
-
-void SetRow(D3DXMATRIX& matrix, int row, const D3DXVECTOR3& v) {
-    matrix.m[row][0] = v.x;
-    matrix.m[row][1] = v.y;
-    matrix.m[row][2] = v.z;
-}
 
 float ColumnLength(const D3DXMATRIX& matrix, int column) {
     return D3DXVec3Length({matrix.m[0][column], matrix.m[1][column], matrix.m[2][column]});

@@ -4,19 +4,10 @@
 #include <vector>
 
 #include "base/numeric.h"
+#include "scene/matrix_rows.h"
 
 namespace sparkrig {
 namespace {
-
-D3DXVECTOR3 Times(const D3DXVECTOR3& a, const D3DXVECTOR3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
-
-D3DXVECTOR3 Row(const D3DXMATRIX& matrix, int row) { return {matrix.m[row][0], matrix.m[row][1], matrix.m[row][2]}; }
-
-void SetRow(D3DXMATRIX& matrix, int row, const D3DXVECTOR3& v) {
-    matrix.m[row][0] = v.x;
-    matrix.m[row][1] = v.y;
-    matrix.m[row][2] = v.z;
-}
 
 /// Scaling x rotation x translation, written out: the first stretches the rows of the second.
 D3DXMATRIX Compose(const D3DXVECTOR3& scale, const D3DXMATRIX& rotation, const D3DXVECTOR3& translation) {
