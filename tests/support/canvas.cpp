@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/d3d9/pixel_format.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "platform/d3d9_gl/gl_context.h"
 
@@ -83,20 +84,50 @@ void KeepDriverLoaded() {
 #endif
 }
 
+void FillLevel(IDirect3DTexture9& texture, UINT level, const void* rows) {
+    D3DSURFACE_DESC desc;
+    D3DLOCKED_RECT locked = {};
+    texture.GetLevelDesc(level, &desc);
+    texture.LockRect(level, &locked, nullptr, 0);
+    const PixelFormat& format = *FindPixelFormat(desc.Format);
+    const std::size_t row_bytes = format.RowBytes(desc.Width);
+    for (UINT y = 0; y < format.Rows(desc.Height); ++y) {
+        std::memcpy(static_cast<std::byte*>(locked.pBits) + std::ptrdiff_t{locked.Pitch} * y,
+                    static_cast<const std::byte*>(rows) + row_bytes * y, row_bytes);
+    }
+    texture.UnlockRect(level);
+}
+
+DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height, const void* rows,
+                                         D3DFORMAT format) {
+    DevicePtr<IDirect3DTexture9> texture;
+    if (SUCCEEDED(device.CreateTexture(width, height, 1, 0, format, D3DPOOL_MANAGED, texture.Receive())))
+        FillLevel(*texture, 0, rows);
+    return texture;
+}
+
 DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height,
                                          const std::vector<D3DCOLOR>& texels) {
-    DevicePtr<IDirect3DTexture9> texture;
-    D3DLOCKED_RECT locked;
-    if (FAILED(device.CreateTexture(width, height, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive()))) {
-        return texture;
+    return MakeTexture(device, width, height, texels.data(), D3DFMT_A8R8G8B8);
+}
+
+DevicePtr<IDirect3DIndexBuffer9> MakeIndices(IDirect3DDevice9& device, const std::vector<WORD>& indices) {
+    DevicePtr<IDirect3DIndexBuffer9> buffer;
+    const UINT bytes = static_cast<UINT>(indices.size() * sizeof(WORD));
+    device.CreateIndexBuffer(bytes, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, buffer.Receive());
+    FillBuffer(*buffer, 0, indices.data(), bytes);
+    return buffer;
+}
+
+std::vector<D3DCOLOR> Box(UINT width, UINT height, const RECT& box, D3DCOLOR inside, D3DCOLOR outside) {
+    std::vector<D3DCOLOR> pixels;
+    for (LONG y = 0; y < static_cast<LONG>(height); ++y) {
+        for (LONG x = 0; x < static_cast<LONG>(width); ++x) {
+            const bool in = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
+            pixels.push_back(in ? inside : outside);
+        }
     }
-    texture->LockRect(0, &locked, nullptr, 0);
-    for (UINT y = 0; y < height; ++y) {
-        std::memcpy(static_cast<std::byte*>(locked.pBits) + std::ptrdiff_t{locked.Pitch} * y,
-                    &texels[std::size_t{y} * width], width * 4);
-    }
-    texture->UnlockRect(0);
-    return texture;
+    return pixels;
 }
 
 D3DPRESENT_PARAMETERS CanvasParameters(UINT width, UINT height, D3DFORMAT format) {
@@ -139,12 +170,9 @@ void Canvas::Clear(D3DCOLOR colour, float z) {
 HRESULT Canvas::DrawBytes(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, const void* vertices, std::size_t bytes,
                           UINT stride) {
     DevicePtr<IDirect3DVertexBuffer9> buffer;
-    void* data = nullptr;
     HRESULT result = device_->CreateVertexBuffer(static_cast<UINT>(bytes), 0, fvf, D3DPOOL_SYSTEMMEM, buffer.Receive());
     if (FAILED(result)) return result;
-    buffer->Lock(0, 0, &data, 0);
-    std::memcpy(data, vertices, bytes);
-    buffer->Unlock();
+    FillBuffer(*buffer, 0, vertices, bytes);
     device_->SetFVF(fvf);
     device_->SetStreamSource(0, buffer.Get(), 0, stride);
     result = device_->DrawPrimitive(type, 0, primitives);

@@ -1,5 +1,6 @@
 // A small device off screen that draws a few vertices and reads pixels. Needs OpenGL, and nothing else does.
 #pragma once
+#include <cstring>
 #include <ostream>
 #include <vector>
 
@@ -35,9 +36,27 @@ std::vector<D3DCOLOR> ReadWindow(SDL_Window* window);
 /// small leaks cannot be told from ours. To be called before a device is made; a Canvas does it by itself.
 void KeepDriverLoaded();
 
-/// A texture of one level in the managed pool, filled with rows of A8R8G8B8 texels.
+/// Writes a level: its rows of pixels or blocks, one right behind the other.
+void FillLevel(IDirect3DTexture9& texture, UINT level, const void* rows);
+/// A texture of one level in the managed pool, filled in that way; or with A8R8G8B8 texels.
+DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height, const void* rows,
+                                         D3DFORMAT format);
 DevicePtr<IDirect3DTexture9> MakeTexture(IDirect3DDevice9& device, UINT width, UINT height,
                                          const std::vector<D3DCOLOR>& texels);
+
+/// Writes a part of a buffer.
+template <class Buffer>
+void FillBuffer(Buffer& buffer, UINT offset, const void* content, std::size_t bytes) {
+    void* data = nullptr;
+    if (FAILED(buffer.Lock(offset, static_cast<UINT>(bytes), &data, 0))) return;
+    std::memcpy(data, content, bytes);
+    buffer.Unlock();
+}
+/// In the managed pool.
+DevicePtr<IDirect3DIndexBuffer9> MakeIndices(IDirect3DDevice9& device, const std::vector<WORD>& indices);
+
+/// The pixels of a picture, row by row from the top, of one colour in a rectangle and of another around it.
+std::vector<D3DCOLOR> Box(UINT width, UINT height, const RECT& box, D3DCOLOR inside, D3DCOLOR outside);
 
 /// A vertex of final position.
 struct ScreenVertex {

@@ -1,71 +1,50 @@
 #include "tests/platform/d3d9_gl/fixed_function.h"
 
 #include <algorithm>
+#include <glm/gtc/matrix_inverse.hpp>
+#include <glm/gtc/type_ptr.hpp>
 #include <utility>
 
 namespace sparkrig::fixed {
 
 namespace {
 
+using glm::dvec3;
+
 constexpr double kClose = 2e-3;
 
-Vec From(const D3DVECTOR& v, double w) { return {v.x, v.y, v.z, w}; }
+dvec3 From(const D3DVECTOR& v) { return {v.x, v.y, v.z}; }
 Colour From(const D3DCOLORVALUE& v) { return {v.r, v.g, v.b, v.a}; }
-Vec Scaled(const Vec& v, double s) { return {v[0] * s, v[1] * s, v[2] * s, v[3] * s}; }
-Vec Sum(const Vec& a, const Vec& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2], a[3] + b[3]}; }
-double Length(const Vec& v) { return std::sqrt(Dot(v, v)); }
-Vec Unit(const Vec& v) { return Length(v) > 0 ? Scaled(v, 1 / Length(v)) : v; }
-double Clamped(double value) { return std::clamp(value, 0.0, 1.0); }
-
-/// By the transposed inverse of the upper three by three.
-Vec TurnNormal(const Vec& n, const D3DMATRIX& m) {
-    const auto cofactor = [&](int r, int c) {
-        const int r1 = (r + 1) % 3, r2 = (r + 2) % 3, c1 = (c + 1) % 3, c2 = (c + 2) % 3;
-        return double{m.m[r1][c1]} * m.m[r2][c2] - double{m.m[r1][c2]} * m.m[r2][c1];
-    };
-    double determinant = 0;
-    for (int i = 0; i < 3; ++i) determinant += m.m[0][i] * cofactor(0, i);
-    Vec out = {};
-    for (std::size_t c = 0; c < 3; ++c)
-        for (std::size_t r = 0; r < 3; ++r)
-            out[c] += n[r] * cofactor(static_cast<int>(r), static_cast<int>(c)) / determinant;
-    return out;
+template <class Value>
+Value Clamped(const Value& value) {
+    return glm::clamp(value, Value(0.0), Value(1.0));
 }
+dvec3 Unit(const dvec3& v) { return v == dvec3(0.0) ? v : glm::normalize(v); }
+/// A row of the interface is a column here: vectors stand on the right.
+glm::dmat4 From(const D3DMATRIX& m) { return glm::make_mat4(&m.m[0][0]); }
 
-D3DMATRIX Product(const D3DMATRIX& a, const D3DMATRIX& b) {
-    D3DMATRIX product = {};
-    for (int r = 0; r < 3 + 1; ++r)
-        for (int c = 0; c < 4; ++c)
-            for (int i = 0; i < 4; ++i) product.m[r][c] += a.m[r][i] * b.m[i][c];
-    return product;
-}
-
+/// A function's number less one has a bit each for less, equal and greater.
 bool Passes(DWORD function, long value, long reference) {
-    const bool kPasses[] = {false,
-                            false,
-                            value<reference, value == reference, value <= reference, value>
-                                reference,
-                            value != reference,
-                            value >= reference,
-                            true};
-    return kPasses[function];
+    const DWORD found = value < reference ? 1 : value == reference ? 2 : 4;
+    return ((function - D3DCMP_NEVER) & found) != 0;
 }
 
-double BlendFactor(DWORD factor, const Colour& s, const Colour& d, const Colour& constant, std::size_t c) {
+Colour BlendFactor(DWORD factor, const Colour& s, const Colour& d, const Colour& constant) {
+    const Colour one(1.0);
     switch (factor) {
-        case D3DBLEND_ZERO: return 0;
-        case D3DBLEND_ONE: return 1;
-        case D3DBLEND_SRCCOLOR: return s[c];
-        case D3DBLEND_INVSRCCOLOR: return 1 - s[c];
-        case D3DBLEND_SRCALPHA: return s[3];
-        case D3DBLEND_INVSRCALPHA: return 1 - s[3];
-        case D3DBLEND_DESTALPHA: return d[3];
-        case D3DBLEND_INVDESTALPHA: return 1 - d[3];
-        case D3DBLEND_DESTCOLOR: return d[c];
-        case D3DBLEND_INVDESTCOLOR: return 1 - d[c];
-        case D3DBLEND_SRCALPHASAT: return c == 3 ? 1 : std::min(s[3], 1 - d[3]);
-        case D3DBLEND_BLENDFACTOR: return constant[c];
-        default: return 1 - constant[c];
+        case D3DBLEND_ZERO: return one - one;
+        case D3DBLEND_ONE: return one;
+        case D3DBLEND_SRCCOLOR: return s;
+        case D3DBLEND_INVSRCCOLOR: return one - s;
+        case D3DBLEND_SRCALPHA: return one * s.a;
+        case D3DBLEND_INVSRCALPHA: return one - s.a;
+        case D3DBLEND_DESTALPHA: return one * d.a;
+        case D3DBLEND_INVDESTALPHA: return one - d.a;
+        case D3DBLEND_DESTCOLOR: return d;
+        case D3DBLEND_INVDESTCOLOR: return one - d;
+        case D3DBLEND_SRCALPHASAT: return Colour(dvec3(std::min(s.a, 1 - d.a)), 1);
+        case D3DBLEND_BLENDFACTOR: return constant;
+        default: return one - constant;
     }
 }
 
@@ -76,12 +55,14 @@ class Pipeline {
     Seen Run() {
         back_ = fixed::From(scene_.alpha_in_target ? scene_.back : scene_.back | 0xFF000000);
         Transform();
-        Colours();
+        diffuse_ = v_.diffuse ? fixed::From(*v_.diffuse) : Colour(1.0);
+        specular_ = v_.specular ? fixed::From(*v_.specular) : Colour(0.0);
+        if (!v_.final_position && s_.On(D3DRS_LIGHTING)) Light();
         return {Output(Cascade()), sure_};
     }
     Vec Eye() {
         Transform();
-        return eye_;
+        return {eye_, 1};
     }
 
   private:
@@ -94,7 +75,6 @@ class Pipeline {
     // ---- Vertex
 
     void Transform() {
-        const Vec position = {v_.position[0], v_.position[1], v_.position[2], 1};
         if (v_.final_position) {
             w_ = 1 / v_.position[3];
             depth_ = v_.position[2];
@@ -102,21 +82,21 @@ class Pipeline {
         }
         const DWORD blend = s_.render[D3DRS_VERTEXBLEND];
         const std::size_t matrices = blend == D3DVBF_DISABLE ? 0 : blend % 256 + 1;
+        const bool indexed = matrices > 0 && s_.On(D3DRS_INDEXEDVERTEXBLENDENABLE);
         double left = 1;
         for (std::size_t i = 0; i < std::max<std::size_t>(matrices, 1); ++i) {
             const double weight = i + 1 < matrices ? double{v_.weights[i]} : left;
             left -= weight;
-            const bool indexed = matrices > 0 && s_.On(D3DRS_INDEXEDVERTEXBLENDENABLE);
-            const D3DMATRIX world_view = Product(s_.world[indexed ? v_.indices[i] : i], s_.view);
-            eye_ = Sum(eye_, Scaled(Times(position, world_view), weight));
+            const glm::dmat4 world_view = From(s_.view) * From(s_.world[indexed ? v_.indices[i] : i]);
+            eye_ += weight * dvec3(world_view * Vec(glm::make_vec3(v_.position.data()), 1));
             if (v_.normal)
-                n_ = Sum(
-                    n_, Scaled(TurnNormal({(*v_.normal)[0], (*v_.normal)[1], (*v_.normal)[2], 0}, world_view), weight));
+                n_ +=
+                    weight * (glm::inverseTranspose(glm::dmat3(world_view)) * dvec3(glm::make_vec3(v_.normal->data())));
         }
         if (s_.On(D3DRS_NORMALIZENORMALS)) n_ = Unit(n_);
-        const Vec clip = Times(eye_, s_.projection);
-        w_ = clip[3];
-        depth_ = clip[2] / clip[3];
+        const Vec clip = From(s_.projection) * Vec(eye_, 1);
+        w_ = clip.w;
+        depth_ = clip.z / clip.w;
     }
 
     Colour MaterialColour(D3DRENDERSTATETYPE source, const D3DCOLORVALUE& material) const {
@@ -126,27 +106,23 @@ class Pipeline {
     }
 
     /// How much of a light arrives, and from where.
-    double Arrival(const D3DLIGHT9& light, Vec& to_light) {
-        const Vec axis = Unit(Times(From(light.Direction, 0), s_.view));
-        to_light = Scaled(axis, -1);
+    double Arrival(const D3DLIGHT9& light, dvec3& to_light) {
+        const glm::dmat4 view = From(s_.view);
+        const dvec3 axis = Unit(dvec3(view * Vec(From(light.Direction), 0)));
+        to_light = -axis;
         if (light.Type == D3DLIGHT_DIRECTIONAL) return 1;
-        const Vec way = Sum(Times(From(light.Position, 1), s_.view), Scaled(eye_, -1));
-        const double d = Length(way);
+        const dvec3 way = dvec3(view * Vec(From(light.Position), 1)) - eye_;
+        const double d = glm::length(way);
         to_light = Unit(way);
         if (Below(light.Range, d)) return 0;
         const double divisor = light.Attenuation0 + light.Attenuation1 * d + light.Attenuation2 * d * d;
         const double attenuation = divisor > 0 ? 1 / divisor : 1;
         if (light.Type == D3DLIGHT_POINT) return attenuation;
-        const double rho = -Dot(axis, to_light), inner = std::cos(light.Theta / 2), outer = std::cos(light.Phi / 2);
+        const double rho = glm::dot(axis, -to_light);
+        const double inner = std::cos(light.Theta / 2), outer = std::cos(light.Phi / 2);
         if (Below(inner, rho)) return attenuation;
         if (!Below(outer, rho)) return 0;
         return attenuation * std::pow((rho - outer) / (inner - outer), light.Falloff);
-    }
-
-    void Colours() {
-        diffuse_ = v_.diffuse ? fixed::From(*v_.diffuse) : Colour{1, 1, 1, 1};
-        specular_ = v_.specular ? fixed::From(*v_.specular) : Colour{};
-        if (!v_.final_position && s_.On(D3DRS_LIGHTING)) Light();
     }
 
     void Light() {
@@ -154,26 +130,20 @@ class Pipeline {
                      s = MaterialColour(D3DRS_SPECULARMATERIALSOURCE, s_.material.Specular),
                      a = MaterialColour(D3DRS_AMBIENTMATERIALSOURCE, s_.material.Ambient),
                      e = MaterialColour(D3DRS_EMISSIVEMATERIALSOURCE, s_.material.Emissive);
-        Colour ambient = fixed::From(s_.render[D3DRS_AMBIENT]), lit = {}, shine = {};
+        Colour ambient = fixed::From(s_.render[D3DRS_AMBIENT]), lit(0.0), shine(0.0);
         for (const auto& [index, slot] : s_.lights) {
             if (!slot.enabled) continue;
-            Vec to_light;
-            const double arrival = Arrival(slot.light, to_light), facing = Dot(n_, to_light);
-            const Vec to_viewer = s_.On(D3DRS_LOCALVIEWER) ? Unit(Scaled(eye_, -1)) : Vec{0, 0, -1, 0};
-            const double highlight = Dot(n_, Unit(Sum(to_viewer, to_light)));
-            for (std::size_t c = 0; c < 3; ++c) {
-                ambient[c] += arrival * From(slot.light.Ambient)[c];
-                if (facing <= 0) continue;
-                lit[c] += d[c] * From(slot.light.Diffuse)[c] * facing * arrival;
-                if (highlight > 0)
-                    shine[c] += s[c] * From(slot.light.Specular)[c] * std::pow(highlight, s_.material.Power) * arrival;
-            }
+            dvec3 to_light;
+            const double arrival = Arrival(slot.light, to_light), facing = glm::dot(n_, to_light);
+            const dvec3 to_viewer = s_.On(D3DRS_LOCALVIEWER) ? -Unit(eye_) : dvec3(0, 0, -1);
+            const double highlight = glm::dot(n_, Unit(to_viewer + to_light));
+            ambient += arrival * From(slot.light.Ambient);
+            if (facing <= 0) continue;
+            lit += arrival * facing * From(slot.light.Diffuse);
+            if (highlight > 0) shine += arrival * std::pow(highlight, s_.material.Power) * From(slot.light.Specular);
         }
-        for (std::size_t c = 0; c < 3; ++c) {
-            diffuse_[c] = Clamped(e[c] + a[c] * ambient[c] + lit[c]);
-            specular_[c] = s_.On(D3DRS_SPECULARENABLE) ? Clamped(shine[c]) : 0;
-        }
-        diffuse_[3] = Clamped(d[3]);
+        diffuse_ = Clamped(Colour(dvec3(e + a * ambient + d * lit), d.a));
+        specular_ = Colour(s_.On(D3DRS_SPECULARENABLE) ? dvec3(Clamped(s * shine)) : dvec3(0.0), specular_.a);
     }
 
     // ---- Texture stages
@@ -181,43 +151,38 @@ class Pipeline {
     /// Filled up with a 1 behind the last component where a matrix follows, with (0, 0, 1) otherwise.
     Vec CoordinateOf(DWORD stage, bool matrix_follows) {
         const DWORD index = s_.stages[stage][D3DTSS_TEXCOORDINDEX];
-        const auto filled = [&](const std::vector<double>& set) {
-            Vec out = {0, 0, 0, matrix_follows ? 0.0 : 1.0};
-            std::copy(set.begin(), set.end(), out.begin());
-            if (matrix_follows && set.size() < 4) out[set.empty() ? 2 : set.size()] = 1;
+        const auto filled = [&](const std::vector<float>& set) {
+            Vec out = {0, 0, 0, matrix_follows ? 0 : 1};
+            std::copy(set.begin(), set.end(), glm::value_ptr(out));
+            if (matrix_follows && set.size() < 4) out[set.empty() ? 2 : static_cast<int>(set.size())] = 1;
             return out;
         };
-        if (index < 8) {
-            if (index >= v_.sets.size()) return filled({});
-            return filled({v_.sets[index].begin(), v_.sets[index].end()});
-        }
-        const Vec to_viewer = Unit(Scaled(eye_, -1));
-        const Vec r = Sum(Scaled(n_, 2 * Dot(n_, to_viewer)), Scaled(to_viewer, -1));
-        const double m = 2 * std::sqrt(r[0] * r[0] + r[1] * r[1] + (r[2] + 1) * (r[2] + 1));
+        if (index < 8) return filled(index < v_.sets.size() ? v_.sets[index] : std::vector<float>());
+        const dvec3 from_viewer = Unit(eye_), r = from_viewer - 2 * glm::dot(n_, from_viewer) * n_;
+        const double m = 2 * glm::length(r + dvec3(0, 0, 1));
         switch (index & 0xF0000) {
-            case D3DTSS_TCI_CAMERASPACENORMAL: return {n_[0], n_[1], n_[2], 1};
-            case D3DTSS_TCI_CAMERASPACEPOSITION: return {eye_[0], eye_[1], eye_[2], 1};
-            case D3DTSS_TCI_CAMERASPACEREFLECTIONVECTOR: return {r[0], r[1], r[2], 1};
-            default: return filled({r[0] / m + 0.5, r[1] / m + 0.5});
+            case D3DTSS_TCI_CAMERASPACENORMAL: return {n_, 1};
+            case D3DTSS_TCI_CAMERASPACEPOSITION: return {eye_, 1};
+            case D3DTSS_TCI_CAMERASPACEREFLECTIONVECTOR: return {r, 1};
+            default: return filled({static_cast<float>(r.x / m + 0.5), static_cast<float>(r.y / m + 0.5)});
         }
     }
 
     Vec Coordinate(DWORD stage) {
         const DWORD flags = v_.final_position ? D3DTTFF_DISABLE : s_.stages[stage][D3DTSS_TEXTURETRANSFORMFLAGS];
-        const std::size_t count = flags & 0xFF;
+        const int count = flags & 0xFF;
         Vec t = CoordinateOf(stage, count > 0);
         if (count == 0) return t;
-        t = Times(t, s_.texture_matrices[stage]);
-        for (std::size_t i = count; i < 4; ++i) t[i] = 0;
-        if (flags & D3DTTFF_PROJECTED) t = Scaled(t, 1 / t[count - 1]);
-        return t;
+        t = From(s_.texture_matrices[stage]) * t;
+        for (int i = count; i < 4; ++i) t[i] = 0;
+        return (flags & D3DTTFF_PROJECTED) != 0 ? t / t[count - 1] : t;
     }
 
-    D3DCOLOR TexelAt(DWORD stage, const std::array<double, 2>& shift) {
-        const Vec t = Coordinate(stage);
+    D3DCOLOR TexelAt(DWORD stage, const glm::dvec2& shift) {
+        const glm::dvec2 texels = (glm::dvec2(Coordinate(stage)) + shift) * double{Texture::kSize};
         std::size_t place[2];
-        for (std::size_t i = 0; i < 2; ++i) {
-            const double texel = (t[i] + shift[i]) * Texture::kSize, inside = texel - std::floor(texel);
+        for (int i = 0; i < 2; ++i) {
+            const double texel = texels[i], inside = texel - std::floor(texel);
             const bool near_edge = texel != 0 && std::abs(inside - 0.5) > 0.47;   // a missing coordinate is exactly 0
             if (near_edge || !(std::abs(texel) < 200)) sure_ = false;
             const long wrapped = std::lround(std::fmod(std::floor(std::clamp(texel, -1e6, 1e6)), Texture::kSize));
@@ -227,7 +192,7 @@ class Pipeline {
     }
 
     Colour Argument(DWORD stage, DWORD argument) const {
-        Colour value = {};
+        Colour value(0.0);
         switch (argument & D3DTA_SELECTMASK) {
             case D3DTA_DIFFUSE: value = diffuse_; break;
             case D3DTA_CURRENT: value = current_; break;
@@ -237,42 +202,39 @@ class Pipeline {
             case D3DTA_TEMP: value = temp_; break;
             default: value = fixed::From(s_.stages[stage][D3DTSS_CONSTANT]); break;
         }
-        if (argument & D3DTA_ALPHAREPLICATE) value.fill(value[3]);
-        if (argument & D3DTA_COMPLEMENT)
-            for (double& channel : value) channel = 1 - channel;
-        return value;
+        if (argument & D3DTA_ALPHAREPLICATE) value = Colour(value.a);
+        return (argument & D3DTA_COMPLEMENT) != 0 ? Colour(1.0) - value : value;
     }
 
-    double Operate(DWORD op, const Colour& a1, const Colour& a2, const Colour& a0, std::size_t c) const {
-        const auto mix = [&](double alpha) { return a1[c] * alpha + a2[c] * (1 - alpha); };
+    Colour Operate(DWORD stage, DWORD op, D3DTEXTURESTAGESTATETYPE first, D3DTEXTURESTAGESTATETYPE zero) const {
+        const auto& row = s_.stages[stage];
+        const Colour a1 = Argument(stage, row[first]), a2 = Argument(stage, row[first + 1]),
+                     a0 = Argument(stage, row[zero]);
+        const Colour one(1.0), half(0.5);
         switch (op) {
-            case D3DTOP_SELECTARG1: return a1[c];
-            case D3DTOP_SELECTARG2: return a2[c];
-            case D3DTOP_MODULATE: return a1[c] * a2[c];
-            case D3DTOP_MODULATE2X: return a1[c] * a2[c] * 2;
-            case D3DTOP_MODULATE4X: return a1[c] * a2[c] * 4;
-            case D3DTOP_ADD: return a1[c] + a2[c];
-            case D3DTOP_ADDSIGNED: return a1[c] + a2[c] - 0.5;
-            case D3DTOP_ADDSIGNED2X: return (a1[c] + a2[c] - 0.5) * 2;
-            case D3DTOP_SUBTRACT: return a1[c] - a2[c];
-            case D3DTOP_ADDSMOOTH: return a1[c] + a2[c] * (1 - a1[c]);
-            case D3DTOP_BLENDDIFFUSEALPHA: return mix(diffuse_[3]);
-            case D3DTOP_BLENDTEXTUREALPHA: return mix(texel_[3]);
-            case D3DTOP_BLENDFACTORALPHA: return mix(fixed::From(s_.render[D3DRS_TEXTUREFACTOR])[3]);
-            case D3DTOP_BLENDCURRENTALPHA: return mix(current_[3]);
-            case D3DTOP_BLENDTEXTUREALPHAPM: return a1[c] + a2[c] * (1 - texel_[3]);
-            case D3DTOP_MODULATEALPHA_ADDCOLOR: return a1[c] + a1[3] * a2[c];
-            case D3DTOP_MODULATECOLOR_ADDALPHA: return a1[c] * a2[c] + a1[3];
-            case D3DTOP_MODULATEINVALPHA_ADDCOLOR: return (1 - a1[3]) * a2[c] + a1[c];
-            case D3DTOP_MODULATEINVCOLOR_ADDALPHA: return (1 - a1[c]) * a2[c] + a1[3];
-            case D3DTOP_DOTPRODUCT3: {
-                double sum = 0;
-                for (std::size_t i = 0; i < 3; ++i) sum += 4 * (a1[i] - 0.5) * (a2[i] - 0.5);
-                return sum;
-            }
-            case D3DTOP_MULTIPLYADD: return a0[c] + a1[c] * a2[c];
-            case D3DTOP_LERP: return a0[c] * a1[c] + (1 - a0[c]) * a2[c];
-            default: return current_[c];
+            case D3DTOP_SELECTARG1: return a1;
+            case D3DTOP_SELECTARG2: return a2;
+            case D3DTOP_MODULATE: return a1 * a2;
+            case D3DTOP_MODULATE2X: return a1 * a2 * 2.0;
+            case D3DTOP_MODULATE4X: return a1 * a2 * 4.0;
+            case D3DTOP_ADD: return a1 + a2;
+            case D3DTOP_ADDSIGNED: return a1 + a2 - half;
+            case D3DTOP_ADDSIGNED2X: return (a1 + a2 - half) * 2.0;
+            case D3DTOP_SUBTRACT: return a1 - a2;
+            case D3DTOP_ADDSMOOTH: return a1 + a2 * (one - a1);
+            case D3DTOP_BLENDDIFFUSEALPHA: return glm::mix(a2, a1, diffuse_.a);
+            case D3DTOP_BLENDTEXTUREALPHA: return glm::mix(a2, a1, texel_.a);
+            case D3DTOP_BLENDFACTORALPHA: return glm::mix(a2, a1, fixed::From(s_.render[D3DRS_TEXTUREFACTOR]).a);
+            case D3DTOP_BLENDCURRENTALPHA: return glm::mix(a2, a1, current_.a);
+            case D3DTOP_BLENDTEXTUREALPHAPM: return a1 + a2 * (1 - texel_.a);
+            case D3DTOP_MODULATEALPHA_ADDCOLOR: return a1 + a1.a * a2;
+            case D3DTOP_MODULATECOLOR_ADDALPHA: return a1 * a2 + a1.a;
+            case D3DTOP_MODULATEINVALPHA_ADDCOLOR: return (1 - a1.a) * a2 + a1;
+            case D3DTOP_MODULATEINVCOLOR_ADDALPHA: return (one - a1) * a2 + a1.a;
+            case D3DTOP_DOTPRODUCT3: return Colour(4 * glm::dot(dvec3(a1 - half), dvec3(a2 - half)));
+            case D3DTOP_MULTIPLYADD: return a0 + a1 * a2;
+            case D3DTOP_LERP: return glm::mix(a2, a1, a0);
+            default: return current_;
         }
     }
 
@@ -285,24 +247,20 @@ class Pipeline {
             if (op == D3DTOP_DISABLE) break;
             if (!textured && op != D3DTOP_SELECTARG2 && (row[D3DTSS_COLORARG1] & D3DTA_SELECTMASK) == D3DTA_TEXTURE)
                 break;
-            const auto shift = std::exchange(shift_, {});
+            const glm::dvec2 shift = std::exchange(shift_, glm::dvec2(0.0));
             const D3DCOLOR texel = textured ? TexelAt(stage, shift) : 0;
-            texel_ = textured ? fixed::From(texel) : Colour{1, 1, 1, diffuse_[3]};
+            texel_ = textured ? fixed::From(texel) : Colour(1, 1, 1, diffuse_.a);
             if (op == D3DTOP_BUMPENVMAP) {
                 const auto number = [&](int i) { return double{std::bit_cast<float>(row[D3DTSS_BUMPENVMAT00 + i])}; };
                 const bool is_signed = scene_.textures[stage]->is_signed;
                 const auto part = [](D3DCOLOR bits) { return std::max(static_cast<signed char>(bits) / 127.0, -1.0); };
-                const double du = is_signed ? part(texel & 255) : texel_[0] * 2 - 1;
-                const double dv = is_signed ? part(texel >> 8 & 255) : texel_[1] * 2 - 1;
+                const double du = is_signed ? part(texel & 255) : texel_.r * 2 - 1;
+                const double dv = is_signed ? part(texel >> 8 & 255) : texel_.g * 2 - 1;
                 shift_ = {du * number(0) + dv * number(2), du * number(1) + dv * number(3)};
             }
-            Colour result;
-            for (std::size_t c = 0; c < 4; ++c) {
-                const DWORD first = c < 3 ? D3DTSS_COLORARG1 : D3DTSS_ALPHAARG1,
-                            zero = c < 3 ? D3DTSS_COLORARG0 : D3DTSS_ALPHAARG0;
-                result[c] = Clamped(Operate(row[c < 3 ? D3DTSS_COLOROP : D3DTSS_ALPHAOP], Argument(stage, row[first]),
-                                            Argument(stage, row[first + 1]), Argument(stage, row[zero]), c));
-            }
+            Colour result = Operate(stage, op, D3DTSS_COLORARG1, D3DTSS_COLORARG0);
+            result.a = Operate(stage, row[D3DTSS_ALPHAOP], D3DTSS_ALPHAARG1, D3DTSS_ALPHAARG0).a;
+            result = Clamped(result);
             (row[D3DTSS_RESULTARG] == D3DTA_TEMP ? temp_ : current_) = result;
         }
         return current_;
@@ -315,10 +273,10 @@ class Pipeline {
         const bool by_depth = s_.projection.m[0][3] == 0 && s_.projection.m[1][3] == 0 && s_.projection.m[2][3] == 0 &&
                               s_.projection.m[3][3] == 1;
         if (table == D3DFOG_NONE && (vertex == D3DFOG_NONE || v_.final_position))
-            return v_.specular ? fixed::From(*v_.specular)[3] : 1;
+            return v_.specular ? fixed::From(*v_.specular).a : 1;
         const double d = table != D3DFOG_NONE          ? (by_depth ? depth_ : w_)
-                         : s_.On(D3DRS_RANGEFOGENABLE) ? Length(eye_)
-                                                       : std::abs(eye_[2]);
+                         : s_.On(D3DRS_RANGEFOGENABLE) ? glm::length(eye_)
+                                                       : std::abs(eye_.z);
         const double start = s_.Float(D3DRS_FOGSTART), end = s_.Float(D3DRS_FOGEND),
                      density = s_.Float(D3DRS_FOGDENSITY);
         switch (table != D3DFOG_NONE ? table : vertex) {
@@ -329,47 +287,48 @@ class Pipeline {
     }
 
     Colour Output(Colour colour) {
-        if (s_.On(D3DRS_SPECULARENABLE))
-            for (std::size_t c = 0; c < 3; ++c) colour[c] = Clamped(colour[c] + specular_[c]);
+        if (s_.On(D3DRS_SPECULARENABLE)) colour = Clamped(colour + Colour(dvec3(specular_), 0));
         if (s_.On(D3DRS_ALPHATESTENABLE)) {
-            const double alpha = colour[3] * 255;
+            const double alpha = colour.a * 255;
             if (std::abs(alpha - std::floor(alpha) - 0.5) < 0.02) sure_ = false;
             if (!Passes(s_.render[D3DRS_ALPHAFUNC], std::lround(alpha), s_.render[D3DRS_ALPHAREF])) return back_;
         }
         if (s_.On(D3DRS_FOGENABLE)) {
-            const double f = Clamped(FogFactor());
-            for (std::size_t c = 0; c < 3; ++c)
-                colour[c] = f * colour[c] + (1 - f) * fixed::From(s_.render[D3DRS_FOGCOLOR])[c];
+            const dvec3 fog(fixed::From(s_.render[D3DRS_FOGCOLOR]));
+            colour = Colour(glm::mix(fog, dvec3(colour), Clamped(FogFactor())), colour.a);
         }
-        return Blended(colour);
+        Colour out = colour;
+        if (s_.On(D3DRS_ALPHABLENDENABLE)) {
+            out = Blended(colour, D3DRS_SRCBLEND, D3DRS_DESTBLEND, D3DRS_BLENDOP);
+            if (s_.On(D3DRS_SEPARATEALPHABLENDENABLE))
+                out.a = Blended(colour, D3DRS_SRCBLENDALPHA, D3DRS_DESTBLENDALPHA, D3DRS_BLENDOPALPHA).a;
+        }
+        for (int c = 0; c < 4; ++c)
+            if ((s_.render[D3DRS_COLORWRITEENABLE] >> c & 1) == 0) out[c] = back_[c];
+        return Clamped(out);
     }
 
-    Colour Blended(const Colour& s) const {
+    Colour Blended(const Colour& s, D3DRENDERSTATETYPE source, D3DRENDERSTATETYPE there, D3DRENDERSTATETYPE op) const {
         const Colour constant = fixed::From(s_.render[D3DRS_BLENDFACTOR]);
-        Colour out = s;
-        for (std::size_t c = 0; c < 4; ++c) {
-            const bool apart = c == 3 && s_.On(D3DRS_SEPARATEALPHABLENDENABLE);
-            const DWORD first = s_.render[apart ? D3DRS_SRCBLENDALPHA : D3DRS_SRCBLEND],
-                        second = s_.render[apart ? D3DRS_DESTBLENDALPHA : D3DRS_DESTBLEND];
-            const double source = s[c] * BlendFactor(first, s, back_, constant, c);
-            const double there = back_[c] * BlendFactor(second, s, back_, constant, c);
-            const double kResults[] = {
-                0, source + there, source - there, there - source, std::min(s[c], back_[c]), std::max(s[c], back_[c])};
-            if (s_.On(D3DRS_ALPHABLENDENABLE))
-                out[c] = Clamped(kResults[s_.render[apart ? D3DRS_BLENDOPALPHA : D3DRS_BLENDOP]]);
-            if ((s_.render[D3DRS_COLORWRITEENABLE] >> c & 1) == 0) out[c] = back_[c];
+        const Colour first = s * BlendFactor(s_.render[source], s, back_, constant);
+        const Colour second = back_ * BlendFactor(s_.render[there], s, back_, constant);
+        switch (s_.render[op]) {
+            case D3DBLENDOP_ADD: return first + second;
+            case D3DBLENDOP_SUBTRACT: return first - second;
+            case D3DBLENDOP_REVSUBTRACT: return second - first;
+            case D3DBLENDOP_MIN: return glm::min(s, back_);
+            default: return glm::max(s, back_);
         }
-        return out;
     }
 
     const Scene& scene_;
     const DeviceState& s_;
     const Vertex& v_;
     bool sure_ = true;
-    Vec eye_ = {}, n_ = {};
+    dvec3 eye_{0.0}, n_{0.0};
     double w_ = 1, depth_ = 0;
-    Colour diffuse_ = {}, specular_ = {}, current_ = {}, temp_ = {}, texel_ = {}, back_ = {};
-    std::array<double, 2> shift_ = {};   // of the next stage's coordinate, by a bump stage
+    Colour diffuse_, specular_, current_, temp_{0.0}, texel_, back_;
+    glm::dvec2 shift_{0.0};   // of the next stage's coordinate, by a bump stage
 };
 
 }   // namespace
@@ -377,13 +336,7 @@ class Pipeline {
 Colour From(D3DCOLOR argb) {
     return {(argb >> 16 & 255) / 255.0, (argb >> 8 & 255) / 255.0, (argb & 255) / 255.0, (argb >> 24) / 255.0};
 }
-double Dot(const Vec& a, const Vec& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-Vec Times(const Vec& v, const D3DMATRIX& m) {
-    Vec out = {};
-    for (std::size_t c = 0; c < 4; ++c)
-        for (std::size_t r = 0; r < 4; ++r) out[c] += v[r] * m.m[r][c];
-    return out;
-}
+Vec Times(const Vec& v, const D3DMATRIX& m) { return From(m) * v; }
 
 DWORD Vertex::Fvf() const {
     constexpr DWORD kSizeBits[] = {0, 3, 0, 1, 2};
@@ -413,6 +366,13 @@ std::vector<BYTE> Vertex::Bytes() const {
     return bytes;
 }
 
+std::vector<BYTE> Texture::Rows() const {
+    std::vector<BYTE> bytes;
+    for (const D3DCOLOR texel : texels)
+        for (int byte = 0; byte < (is_signed ? 2 : 4); ++byte) bytes.push_back(static_cast<BYTE>(texel >> 8 * byte));
+    return bytes;
+}
+
 Seen PixelOf(const Scene& scene) { return Pipeline(scene).Run(); }
 Vec EyePosition(const Scene& scene) { return Pipeline(scene).Eye(); }
 
@@ -420,8 +380,7 @@ double PointSize(const Scene& scene) {
     const DeviceState& s = scene.state;
     double size = scene.vertex.size.value_or(s.Float(D3DRS_POINTSIZE));
     if (s.On(D3DRS_POINTSCALEENABLE) && !scene.vertex.final_position) {
-        const Vec eye = EyePosition(scene);
-        const double d = Length(eye);
+        const double d = glm::length(dvec3(EyePosition(scene)));
         const double a = s.Float(D3DRS_POINTSCALE_A), b = s.Float(D3DRS_POINTSCALE_B), c = s.Float(D3DRS_POINTSCALE_C);
         size *= s.viewport.Height * std::sqrt(1 / (a + b * d + c * d * d));
     }

@@ -3,6 +3,7 @@
 #pragma once
 #include <array>
 #include <cmath>
+#include <glm/glm.hpp>
 #include <optional>
 #include <vector>
 
@@ -10,10 +11,9 @@
 
 namespace sparkrig::fixed {
 
-using Colour = std::array<double, 4>;   // r, g, b, a in 0..1
-using Vec = std::array<double, 4>;
+using Colour = glm::dvec4;   // r, g, b, a in 0..1
+using Vec = glm::dvec4;
 Colour From(D3DCOLOR argb);
-double Dot(const Vec& a, const Vec& b);   // of the first three
 Vec Times(const Vec& v, const D3DMATRIX& m);
 
 /// What the vertex format names is there, and in its order.
@@ -36,6 +36,9 @@ struct Texture {
     static constexpr UINT kSize = 4;
     std::array<D3DCOLOR, kSize * kSize> texels;
     bool is_signed = false;   // du and dv in the two low bytes
+
+    /// As they lie in memory.
+    std::vector<BYTE> Rows() const;
 };
 
 struct Scene {

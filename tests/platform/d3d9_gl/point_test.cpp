@@ -22,9 +22,10 @@ struct FinalPoint {
 };
 
 // The rectangle of drawn pixels, and whether it is full.
-struct Box {
+struct Covering {
     UINT left = kSize, top = kSize, right = 0, bottom = 0;   // right and bottom are behind the last
     bool full = false;
+    bool operator==(const Covering&) const = default;
 };
 
 class Points : public testing::Test {
@@ -33,21 +34,21 @@ class Points : public testing::Test {
 
     void Set(D3DRENDERSTATETYPE state, float value) { canvas_->SetRenderState(state, std::bit_cast<DWORD>(value)); }
     template <class Vertex>
-    Box Draw(const std::vector<Vertex>& vertices, D3DPRIMITIVETYPE type = D3DPT_POINTLIST, UINT count = 1) {
+    Covering Draw(const std::vector<Vertex>& vertices, D3DPRIMITIVETYPE type = D3DPT_POINTLIST, UINT count = 1) {
         canvas_.Clear(0);
         EXPECT_EQ(canvas_.Draw<Vertex>(Vertex::kFvf, type, count, vertices), D3D_OK);
         return Covered();
     }
-    Box DrawBytes(DWORD fvf, const std::vector<BYTE>& vertex) {
+    Covering DrawBytes(DWORD fvf, const std::vector<BYTE>& vertex) {
         canvas_.Clear(0);
         EXPECT_EQ(
             canvas_.DrawBytes(fvf, D3DPT_POINTLIST, 1, vertex.data(), vertex.size(), static_cast<UINT>(vertex.size())),
             D3D_OK);
         return Covered();
     }
-    Box Covered() {
+    Covering Covered() {
         const auto pixels = canvas_.Pixels();
-        Box box;
+        Covering box;
         UINT covered = 0;
         for (UINT y = 0; y < kSize; ++y) {
             for (UINT x = 0; x < kSize; ++x) {
@@ -61,18 +62,13 @@ class Points : public testing::Test {
         return box;
     }
     // The pixels whose whole-numbered centres lie within half the size of a place.
-    static void ExpectSquare(const Box& box, double x, double y, double size, const std::string& what) {
-        const auto first = [size](double place) {
-            return static_cast<UINT>(std::max(std::ceil(place - size / 2), 0.0));
+    static void ExpectSquare(const Covering& found, double x, double y, double size) {
+        const auto first = [size](double at) { return static_cast<UINT>(std::max(std::ceil(at - size / 2), 0.0)); };
+        const auto behind = [size](double at) {
+            return static_cast<UINT>(std::min(std::floor(at + size / 2) + 1, double{kSize}));
         };
-        const auto behind = [size](double place) {
-            return static_cast<UINT>(std::min(std::floor(place + size / 2) + 1, double{kSize}));
-        };
-        EXPECT_TRUE(box.full) << what;
-        EXPECT_EQ(box.left, first(x)) << what;
-        EXPECT_EQ(box.top, first(y)) << what;
-        EXPECT_EQ(box.right, behind(x)) << what;
-        EXPECT_EQ(box.bottom, behind(y)) << what;
+        EXPECT_EQ(found, (Covering{first(x), first(y), behind(x), behind(y), true}))
+            << "at " << x << ", " << y << " of size " << size;
     }
 
     Canvas canvas_;
@@ -115,13 +111,14 @@ TEST_F(Points, HaveTheSizeOfTheReference) {
         const auto tie = [](double edge) { return std::abs(edge - std::round(edge)) < 0.02; };
         if (tie(x - size / 2) || tie(x + size / 2) || tie(y - size / 2) || tie(y + size / 2)) continue;
         ++sure;
-        ExpectSquare(DrawBytes(vertex.Fvf(), vertex.Bytes()), x, y, size, "round " + std::to_string(round));
+        SCOPED_TRACE(round);
+        ExpectSquare(DrawBytes(vertex.Fvf(), vertex.Bytes()), x, y, size);
     }
     EXPECT_GT(sure, 150);
 }
 
 TEST_F(Points, ReachIntoTheViewportAndAreDroppedBehindItsDepth) {
-    ExpectSquare(Draw<FinalPoint>({{-2.3f, 66.1f, 0.5f, 1, 21.0f}}), -2.3, 66.1, 21.0, "corner");
+    ExpectSquare(Draw<FinalPoint>({{-2.3f, 66.1f, 0.5f, 1, 21.0f}}), -2.3, 66.1, 21.0);
     EXPECT_FALSE(Draw<FinalPoint>({{30, 30, 1.25f, 1, 21.0f}}).full);
     EXPECT_FALSE(Draw<FinalPoint>({{30, 30, -0.25f, 1, 21.0f}}).full);
     canvas_->SetRenderState(D3DRS_CULLMODE, D3DCULL_CW);
@@ -180,18 +177,10 @@ TEST_F(Points, StandForTheVerticesOfTrianglesInFillModePoint) {
 TEST_F(Points, LeaveOutIndicesOutsideTheGivenRange) {
     canvas_->SetRenderState(D3DRS_FILLMODE, D3DFILL_POINT);
     DevicePtr<IDirect3DVertexBuffer9> vertices;
-    DevicePtr<IDirect3DIndexBuffer9> indices;
-    void* data = nullptr;
-    canvas_->CreateVertexBuffer(2 * sizeof(FinalPoint), 0, FinalPoint::kFvf, D3DPOOL_MANAGED, vertices.Receive());
-    vertices->Lock(0, 0, &data, 0);
-    static_cast<FinalPoint*>(data)[0] = {10.3f, 10.3f, 0.5f, 1, 3};
-    static_cast<FinalPoint*>(data)[1] = {40.3f, 10.3f, 0.5f, 1, 3};
-    vertices->Unlock();
-    canvas_->CreateIndexBuffer(6 * 2, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, indices.Receive());
-    indices->Lock(0, 0, &data, 0);
-    constexpr WORD kIndices[] = {4, 5, 3, 6, 65535, 0};
-    std::copy(std::begin(kIndices), std::end(kIndices), static_cast<WORD*>(data));
-    indices->Unlock();
+    constexpr FinalPoint kPoints[] = {{10.3f, 10.3f, 0.5f, 1, 3}, {40.3f, 10.3f, 0.5f, 1, 3}};
+    canvas_->CreateVertexBuffer(sizeof kPoints, 0, FinalPoint::kFvf, D3DPOOL_MANAGED, vertices.Receive());
+    FillBuffer(*vertices, 0, kPoints, sizeof kPoints);
+    const auto indices = MakeIndices(canvas_.Device(), {4, 5, 3, 6, 65535, 0});
     canvas_->SetFVF(FinalPoint::kFvf);
     canvas_->SetStreamSource(0, vertices.Get(), 0, sizeof(FinalPoint));
     canvas_->SetIndices(indices.Get());
@@ -203,11 +192,11 @@ TEST_F(Points, LeaveOutIndicesOutsideTheGivenRange) {
 TEST_F(Points, AreDrawnInAnyNumber) {
     std::vector<FinalPoint> many;
     many.reserve(40000);
-    for (int i = 0; i < 40000; ++i) {
+    for (int i = 0; i < 40000; ++i)
         many.push_back({static_cast<float>(i % 64) + 0.3f, static_cast<float>(i / 64 % 64) + 0.3f, 0.5f, 1, 1});
-    }
-    EXPECT_TRUE(Draw<FinalPoint>(many, D3DPT_POINTLIST, 40000).full);
-    EXPECT_EQ(Draw<FinalPoint>(many, D3DPT_POINTLIST, 40000).bottom, kSize);
+    const Covering all = Draw<FinalPoint>(many, D3DPT_POINTLIST, 40000);
+    EXPECT_TRUE(all.full);
+    EXPECT_EQ(all.bottom, kSize);
 }
 
 }   // namespace

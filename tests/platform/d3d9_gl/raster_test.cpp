@@ -23,23 +23,12 @@ std::vector<PlainVertex> Quad(float left, float bottom, float right, float top, 
 
 int Covered(Canvas& canvas) {
     int covered = 0;
-    for (const D3DCOLOR pixel : canvas.Pixels()) covered += pixel == kFront ? 1 : 0;
+    for (const D3DCOLOR pixel : canvas.Pixels()) covered += pixel == kFront;
     return covered;
 }
 
 // Pixel centres are whole numbers. An edge that runs through them gives its pixels to the rectangle only if it is the
 // left or the top one: rectangles that share an edge neither leave a gap nor draw a pixel twice.
-void ExpectPixels(Canvas& canvas, const RECT& filled, const char* pipeline) {
-    const auto pixels = canvas.Pixels();
-    for (LONG y = 0; y < 8; ++y) {
-        for (LONG x = 0; x < 8; ++x) {
-            const bool inside = x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
-            EXPECT_EQ(pixels[static_cast<std::size_t>(8 * y + x)], inside ? kFront : kBack)
-                << pipeline << " " << x << ", " << y;
-        }
-    }
-}
-
 TEST(Raster, GivesPixelsOnAnEdgeToTheLeftAndTheTop) {
     Canvas canvas(8, 8);
     ShaderCode code;
@@ -53,19 +42,18 @@ TEST(Raster, GivesPixelsOnAnEdgeToTheLeftAndTheTop) {
         const auto left = static_cast<float>(edges.left), top = static_cast<float>(edges.top),
                    right = static_cast<float>(edges.right), bottom = static_cast<float>(edges.bottom);
         const auto corner = [](float x, float y) { return ScreenVertex{x, y, 0.5f, 1, kFront, 0xFF000000, 0, 0}; };
+        const auto wanted = Box(8, 8, edges, kFront, kBack);
         canvas.Clear(kBack);
         canvas.Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
                                   {corner(left, top), corner(right, top), corner(left, bottom), corner(right, bottom)});
-        ExpectPixels(canvas, edges, "final positions");
+        EXPECT_EQ(canvas.Pixels(), wanted) << "final positions";
         const auto quad = Quad(left / 4 - 1, 1 - bottom / 4, right / 4 - 1, 1 - top / 4, 0.5f);
-        for (IDirect3DVertexShader9* vertex_function :
-             {static_cast<IDirect3DVertexShader9*>(nullptr), function.Get()}) {
+        for (const bool own_function : {true, false}) {
             canvas.Clear(kBack);
-            canvas->SetVertexShader(vertex_function);
+            canvas->SetVertexShader(own_function ? function.Get() : nullptr);
             canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, quad);
-            ExpectPixels(canvas, edges, vertex_function ? "vertex function" : "fixed pipeline");
+            EXPECT_EQ(canvas.Pixels(), wanted) << own_function;
         }
-        canvas->SetVertexShader(nullptr);
     }
 }
 
@@ -80,79 +68,55 @@ TEST(Raster, IsFlatInTheColourOfTheFirstVertex) {
 }
 
 TEST(Raster, CullsByTheWindingSeenOnTheScreen) {
-    constexpr struct {
-        DWORD mode;
-        bool clockwise, drawn;
-    } kRows[] = {{D3DCULL_NONE, true, true}, {D3DCULL_NONE, false, true}, {D3DCULL_CW, true, false},
-                 {D3DCULL_CW, false, true},  {D3DCULL_CCW, true, true},   {D3DCULL_CCW, false, false}};
     Canvas canvas(8, 8);
-    for (const auto& row : kRows) {
-        canvas.Clear(kBack);
-        canvas->SetRenderState(D3DRS_CULLMODE, row.mode);
-        auto vertices = Quad(-0.9f, -0.9f, 0.9f, 0.9f, 0.25f);
-        if (!row.clockwise) std::swap(vertices[1], vertices[2]);
-        canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, vertices);
-        EXPECT_EQ(Covered(canvas) > 0, row.drawn) << "mode " << row.mode << (row.clockwise ? " cw" : " ccw");
+    for (const DWORD mode : {D3DCULL_NONE, D3DCULL_CW, D3DCULL_CCW}) {
+        for (const bool clockwise : {true, false}) {
+            canvas.Clear(kBack);
+            canvas->SetRenderState(D3DRS_CULLMODE, mode);
+            auto vertices = Quad(-0.9f, -0.9f, 0.9f, 0.9f, 0.25f);
+            if (!clockwise) std::swap(vertices[1], vertices[2]);
+            canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, vertices);
+            EXPECT_EQ(Covered(canvas) > 0, mode != (clockwise ? D3DCULL_CW : D3DCULL_CCW)) << mode << clockwise;
+        }
     }
 }
 
 TEST(Raster, ClipsDepthFromZeroToOne) {
-    constexpr struct {
-        float z;
-        bool drawn;
-    } kRows[] = {{-0.125f, false}, {0.0f, true}, {0.625f, true}, {1.0f, true}, {1.125f, false}};
     Canvas canvas(8, 8);
-    for (const auto& row : kRows) {
+    for (const float z : {-0.125f, 0.0f, 0.625f, 1.0f, 1.125f}) {
         canvas.Clear(kBack);
-        canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Quad(-1, -1, 1, 1, row.z));
-        EXPECT_EQ(Covered(canvas) > 0, row.drawn) << row.z;
+        canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Quad(-1, -1, 1, 1, z));
+        EXPECT_EQ(Covered(canvas) > 0, z >= 0 && z <= 1) << z;
     }
 }
 
-TEST(Raster, KeepsTheDepthOfFinalPositions) {
-    Canvas canvas(4, 4);
-    canvas.Clear(kBack, 1.0f);
-    canvas.FillAll(kFront, 0xFF000000, 1.0f);   // passes "less or equal" only if 1 stays 1
-    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
-    canvas.Clear(kBack, 0.375f);
-    canvas->SetRenderState(D3DRS_ZFUNC, D3DCMP_EQUAL);
-    canvas.FillAll(kFront, 0xFF000000, 0.375f);
-    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
-}
-
-TEST(Raster, EndsFinalPositionsAtTheViewport) {
+TEST(Raster, PlacesClipSpaceInTheViewportAndEndsFinalPositionsThere) {
     Canvas canvas(8, 8);
-    canvas.Clear(kBack);
     const D3DVIEWPORT9 viewport = {2, 1, 3, 5, 0.25f, 0.75f};
+    const auto wanted = Box(8, 8, {2, 1, 5, 6}, kFront, kBack);
+    canvas.Clear(kBack);
     EXPECT_EQ(canvas->SetViewport(&viewport), D3D_OK);
     canvas.FillAll(kFront);
-    EXPECT_EQ(Covered(canvas), 3 * 5);
-    EXPECT_EQ(canvas.PixelArgb(2, 1), kFront);
-    EXPECT_EQ(canvas.PixelArgb(4, 5), kFront);
-}
-
-TEST(Raster, MapsClipSpaceToTheViewport) {
-    Canvas canvas(8, 8);
-    canvas.Clear(kBack);
-    const D3DVIEWPORT9 viewport = {1, 2, 6, 4, 0.0f, 1.0f};
-    canvas->SetViewport(&viewport);
+    EXPECT_EQ(canvas.Pixels(), wanted);
+    canvas.FillAll(kBack);
     canvas.Draw(PlainVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Quad(-1, -1, 1, 1, 0.5f));
-    ExpectPixels(canvas, {1, 2, 7, 6}, "viewport");
+    EXPECT_EQ(canvas.Pixels(), wanted);
 }
 
 TEST(Raster, TestsAndWritesDepth) {
     constexpr struct {
         DWORD enable, write, function;
-        bool second_seen, third_seen;   // at depth 0.75 after 0.5, then at 0.625
-    } kRows[] = {{1, 1, D3DCMP_LESSEQUAL, false, false},
-                 {1, 1, D3DCMP_GREATER, true, false},
-                 {1, 0, D3DCMP_GREATER, true, true},
-                 {1, 1, D3DCMP_ALWAYS, true, true},
-                 {0, 1, D3DCMP_NEVER, true, true}};
+        float first;   // the depth cleared to; then come 0.75 and 0.625
+        bool second_seen, third_seen;
+    } kRows[] = {{1, 1, D3DCMP_LESSEQUAL, 0.5f, false, false}, {1, 1, D3DCMP_GREATER, 0.5f, true, false},
+                 {1, 0, D3DCMP_GREATER, 0.5f, true, true},     {1, 1, D3DCMP_ALWAYS, 0.5f, true, true},
+                 {0, 1, D3DCMP_NEVER, 0.5f, true, true},       {1, 1, D3DCMP_EQUAL, 0.75f, true, false}};
     constexpr D3DCOLOR kSecond = Argb(255, 1, 2, 3), kThird = Argb(255, 4, 5, 6);
     Canvas canvas(4, 4);
+    canvas.FillAll(kFront, 0xFF000000, 1.0f);   // passes "less or equal" only if 1 stays 1
+    EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
     for (const auto& row : kRows) {
-        canvas.Clear(kBack, 0.5f);
+        canvas.Clear(kBack, row.first);
         canvas->SetRenderState(D3DRS_ZENABLE, row.enable);
         canvas->SetRenderState(D3DRS_ZWRITEENABLE, row.write);
         canvas->SetRenderState(D3DRS_ZFUNC, row.function);
@@ -200,19 +164,11 @@ TEST(Raster, DrawsIndexedFansListsAndLines) {
     Canvas canvas(16, 16);
     const std::vector<PlainVertex> corners = Quad(-0.8f, -0.8f, 0.8f, 0.8f, 0.5f);   // 13 x 13 pixels
     DevicePtr<IDirect3DVertexBuffer9> vertices;
-    DevicePtr<IDirect3DIndexBuffer9> indices;
-    void* data = nullptr;
     ASSERT_EQ(
         canvas->CreateVertexBuffer(6 * sizeof(PlainVertex), 0, PlainVertex::kFvf, D3DPOOL_MANAGED, vertices.Receive()),
         D3D_OK);
-    vertices->Lock(0, 0, &data, 0);
-    std::copy(corners.begin(), corners.end(), static_cast<PlainVertex*>(data) + 2);   // used from vertex 2 on
-    vertices->Unlock();
-    ASSERT_EQ(canvas->CreateIndexBuffer(7 * 2, 0, D3DFMT_INDEX16, D3DPOOL_MANAGED, indices.Receive()), D3D_OK);
-    indices->Lock(0, 0, &data, 0);
-    constexpr WORD kIndices[] = {9, 1, 2, 4, 3, 3, 1};
-    std::copy(std::begin(kIndices), std::end(kIndices), static_cast<WORD*>(data));
-    indices->Unlock();
+    FillBuffer(*vertices, 2 * sizeof(PlainVertex), corners.data(), 4 * sizeof(PlainVertex));   // used from there on
+    const auto indices = MakeIndices(canvas.Device(), {9, 1, 2, 4, 3, 3, 1});
     canvas->SetFVF(PlainVertex::kFvf);
     canvas->SetStreamSource(0, vertices.Get(), 0, sizeof(PlainVertex));
     canvas->SetIndices(indices.Get());

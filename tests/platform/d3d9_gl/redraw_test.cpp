@@ -1,8 +1,6 @@
 // Draws that follow each other: what changed in between counts, and nothing else does.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "tests/support/canvas.h"
 
 namespace sparkrig {
@@ -26,10 +24,7 @@ class Redraw : public testing::Test {
                                      {right, -0.25f, 0, 1, colour, 0, 1, 0},
                                      {left, 7.75f, 0, 1, colour, 0, 0, 1},
                                      {right, 7.75f, 0, 1, colour, 0, 1, 1}};
-        void* data = nullptr;
-        ASSERT_EQ(quads_->Lock(which * sizeof quad, sizeof quad, &data, 0), D3D_OK);
-        std::memcpy(data, quad, sizeof quad);
-        quads_->Unlock();
+        FillBuffer(*quads_, which * sizeof quad, quad, sizeof quad);
     }
     void DrawQuads() {
         canvas_.Clear(kBack);
@@ -166,17 +161,14 @@ TEST_F(Redraw, SendsAllRowsThatSeveralLocksWrote) {
 
 TEST_F(Redraw, FollowsStatesThatAreOnlyValues) {
     canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
-    canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_TFACTOR);
-    for (const D3DCOLOR colour : {kFirst, kSecond, kBack}) {
-        canvas_->SetRenderState(D3DRS_TEXTUREFACTOR, colour);
-        canvas_.FillAll(0xFFFFFFFF);
-        EXPECT_EQ(canvas_.PixelArgb(2, 2), colour);
-    }
-    canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_CONSTANT);
-    for (const D3DCOLOR colour : {kSecond, kFirst}) {
-        canvas_->SetTextureStageState(0, D3DTSS_CONSTANT, colour);
-        canvas_.FillAll(0xFFFFFFFF);
-        EXPECT_EQ(canvas_.PixelArgb(2, 2), colour);
+    for (const DWORD source : {D3DTA_TFACTOR, D3DTA_CONSTANT}) {
+        canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, source);
+        for (const D3DCOLOR colour : {kFirst, kSecond, kBack}) {
+            canvas_->SetRenderState(D3DRS_TEXTUREFACTOR, colour);
+            canvas_->SetTextureStageState(0, D3DTSS_CONSTANT, ~colour | 0xFF000000);
+            canvas_.FillAll(0xFFFFFFFF);
+            EXPECT_EQ(canvas_.PixelArgb(2, 2), source == D3DTA_TFACTOR ? colour : ~colour | 0xFF000000);
+        }
     }
 }
 

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cstring>
 #include <tuple>
 
 #include "tests/support/canvas.h"
@@ -63,14 +62,8 @@ TEST_F(Samplers, ContinueOutsideByTheirAddressMode) {
 TEST_F(Samplers, ChooseLevelsByFilterBiasAndLimit) {
     DevicePtr<IDirect3DTexture9> texture;
     canvas_->CreateTexture(8, 8, 0, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
-    for (UINT level = 0; level < 4; ++level) {
-        D3DLOCKED_RECT locked;
-        texture->LockRect(level, &locked, nullptr, 0);
-        for (UINT i = 0; i < 64u >> (2 * level); ++i) {
-            static_cast<D3DCOLOR*>(locked.pBits)[i] = Argb(255, 50 * (level + 1), 0, 0);
-        }
-        texture->UnlockRect(level);
-    }
+    for (UINT level = 0; level < 4; ++level)
+        FillLevel(*texture, level, std::vector<D3DCOLOR>(64, Argb(255, 50 * (level + 1), 0, 0)).data());
     canvas_->SetTexture(0, texture.Get());
     canvas_->SetTextureStageState(0, D3DTSS_ALPHAOP, D3DTOP_SELECTARG2);
     constexpr struct {
@@ -101,10 +94,8 @@ TEST_F(Samplers, ChooseLevelsByFilterBiasAndLimit) {
 TEST_F(Samplers, EnlargeTheLargestLevelThatTheyReadByTheirOwnFilter) {
     DevicePtr<IDirect3DTexture9> texture;
     canvas_->CreateTexture(4, 4, 2, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
-    D3DLOCKED_RECT locked;
-    texture->LockRect(1, &locked, nullptr, 0);
-    for (int i = 0; i < 4; ++i) static_cast<D3DCOLOR*>(locked.pBits)[i] = i % 2 == 0 ? 0xFF000000 : 0xFFC80000;
-    texture->UnlockRect(1);
+    constexpr D3DCOLOR kTexels[] = {0xFF000000, 0xFFC80000, 0xFF000000, 0xFFC80000};
+    FillLevel(*texture, 1, kTexels);
     canvas_->SetTexture(0, texture.Get());
     canvas_->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, 1);
     constexpr std::tuple<DWORD, DWORD, int> kRows[] = {{D3DTEXF_LINEAR, D3DTEXF_POINT, 50},
@@ -113,37 +104,6 @@ TEST_F(Samplers, EnlargeTheLargestLevelThatTheyReadByTheirOwnFilter) {
         canvas_->SetSamplerState(0, D3DSAMP_MAGFILTER, enlarging);
         canvas_->SetSamplerState(0, D3DSAMP_MINFILTER, reducing);
         EXPECT_NEAR(At(0.375f, 0.5f), wanted, 1);
-    }
-}
-
-TEST_F(Samplers, DecodeCompressedBlocks) {
-    // Ends (248, 0, 0) and (0, 0, 248); the texels of the first row use the codes 0 to 3.
-    constexpr BYTE kColours[] = {0x00, 0xF8, 0x1F, 0x00, 0xE4, 0xE4, 0xE4, 0xE4};
-    constexpr struct {
-        D3DFORMAT format;
-        BYTE alpha[8];
-        int alphas[4];
-    } kRows[] = {{D3DFMT_DXT1, {}, {255, 255, 255, 255}},
-                 {D3DFMT_DXT3, {0x60, 0xF9, 0x60, 0xF9, 0x60, 0xF9, 0x60, 0xF9}, {0, 102, 153, 255}},
-                 {D3DFMT_DXT5, {200, 60, 0x88, 0x86, 0x68, 0x88, 0x86, 0x68}, {200, 60, 180, 160}}};
-    Canvas canvas(4, 4, D3DFMT_A8R8G8B8);
-    for (const auto& row : kRows) {
-        DevicePtr<IDirect3DTexture9> texture;
-        D3DLOCKED_RECT locked;
-        canvas->CreateTexture(4, 4, 1, 0, row.format, D3DPOOL_MANAGED, texture.Receive());
-        texture->LockRect(0, &locked, nullptr, 0);
-        BYTE* bytes = static_cast<BYTE*>(locked.pBits);
-        if (row.format != D3DFMT_DXT1) std::memcpy(bytes, row.alpha, 8), bytes += 8;
-        std::memcpy(bytes, kColours, 8);
-        texture->UnlockRect(0);
-        canvas->SetTexture(0, texture.Get());
-        canvas.Clear(0);
-        canvas.Fill({0, 0, 4, 4}, 0xFFFFFFFF);
-        constexpr Rgb kWanted[] = {{255, 0, 0}, {0, 0, 255}, {170, 0, 85}, {85, 0, 170}};
-        for (UINT x = 0; x < 4; ++x) {
-            EXPECT_TRUE(Near(canvas.Pixel(x, 0), kWanted[x], 2)) << row.format << " " << x << canvas.Pixel(x, 0);
-            EXPECT_NEAR(static_cast<int>(canvas.PixelArgb(x, 0) >> 24), row.alphas[x], 2) << row.format << " " << x;
-        }
     }
 }
 

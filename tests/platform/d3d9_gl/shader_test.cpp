@@ -16,8 +16,18 @@ struct Vertex {
 
 constexpr D3DCOLOR kDiffuse = Argb(128, 200, 100, 50);
 
-// Passes on the position, moved by a global; writes colour, coordinates and fog as asked for.
-ShaderCode VertexCode(DWORD varyings, const std::string& body, bool globals = false) {
+std::string Varyings(DWORD varyings, const char* direction) {
+    std::string text;
+    for (int i = 0; i < kVaryings; ++i) {
+        if ((varyings >> i & 1) == 0) continue;
+        const std::string number = std::to_string(i);
+        text += "layout(location = " + number + ") " + direction + " vec4 " + direction + "_" + number + ";\n";
+    }
+    return text;
+}
+
+// Passes on the position; the body may move it, and writes the varyings out_N.
+ShaderCode VertexCode(DWORD varyings, const std::string& body, const std::string& declarations = "") {
     ShaderCode code;
     code.glsl = R"(#version 450
 layout(location = 0) in vec4 in_position;
@@ -26,30 +36,16 @@ layout(location = 5) in vec4 in_color;
 layout(location = 6) in vec4 in_color1;
 layout(location = 7) in vec4 in_uv;
 layout(location = 8) in vec4 in_uv1;
-)";
-    for (int i = 0; i < kVaryings; ++i) {
-        if ((varyings >> i & 1) != 0) {
-            code.glsl += "layout(location = " + std::to_string(i) + ") out vec4 out_" + std::to_string(i) + ";\n";
-        }
-    }
-    if (globals) {
-        code.glsl += "layout(std140, binding = 0) uniform VertexGlobals { vec4 offset; vec4 tint; } globals;\n";
-        code.globals_bytes = 32;
-    }
-    code.glsl += "void main() { gl_Position = vec4(in_position.xyz, 1.0);\n" + body + "}\n";
+)" + Varyings(varyings, "out") +
+                declarations + "void main() { gl_Position = vec4(in_position.xyz, 1.0);\n" + body + "}\n";
     code.varyings = varyings;
     return code;
 }
 
 ShaderCode PixelCode(DWORD varyings, const std::string& body, const std::string& declarations = "") {
     ShaderCode code;
-    code.glsl = "#version 450\n" + declarations;
-    for (int i = 0; i < kVaryings; ++i) {
-        if ((varyings >> i & 1) != 0) {
-            code.glsl += "layout(location = " + std::to_string(i) + ") in vec4 in_" + std::to_string(i) + ";\n";
-        }
-    }
-    code.glsl += "layout(location = 0) out vec4 pixel_color;\nvoid main() { " + body + " }\n";
+    code.glsl = "#version 450\n" + declarations + Varyings(varyings, "in") +
+                "layout(location = 0) out vec4 pixel_color;\nvoid main() { " + body + " }\n";
     code.varyings = varyings;
     return code;
 }
@@ -71,12 +67,10 @@ class Shaders : public testing::Test {
     // A quad over the canvas, or over a part of it in clip coordinates.
     Rgb Draw(float left = -1.1f, float bottom = -1.1f, float right = 1.1f, float top = 1.1f) {
         canvas_.Clear(0);
-        EXPECT_EQ(canvas_.Draw<Vertex>(Vertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-                                       {{left, bottom, 0.5f, kDiffuse, 0.25f, 0.75f},
-                                        {left, top, 0.5f, kDiffuse, 0.25f, 0.75f},
-                                        {right, bottom, 0.5f, kDiffuse, 0.25f, 0.75f},
-                                        {right, top, 0.5f, kDiffuse, 0.25f, 0.75f}}),
-                  D3D_OK);
+        const auto corner = [](float x, float y) { return Vertex{x, y, 0.5f, kDiffuse, 0.25f, 0.75f}; };
+        const std::vector<Vertex> quad = {corner(left, bottom), corner(left, top), corner(right, bottom),
+                                          corner(right, top)};
+        EXPECT_EQ(canvas_.Draw(Vertex::kFvf, D3DPT_TRIANGLESTRIP, 2, quad), D3D_OK);
         return canvas_.Pixel(3, 4);
     }
 
@@ -119,8 +113,9 @@ TEST_F(Shaders, MissingVertexElementsHaveDefaults) {
 }
 
 TEST_F(Shaders, ReadTheirGlobals) {
-    const ShaderCode vertex =
-        VertexCode(kColour, "gl_Position += globals.offset; out_0 = globals.tint;", /*globals=*/true);
+    ShaderCode vertex = VertexCode(kColour, "gl_Position += offset; out_0 = tint;",
+                                   "layout(std140, binding = 0) uniform VertexGlobals { vec4 offset, tint; };\n");
+    vertex.globals_bytes = 32;
     ShaderCode pixel = PixelCode(kColour, "pixel_color = in_0 * scale;",
                                  "layout(std140, binding = 1) uniform PixelGlobals { vec4 scale; };\n");
     pixel.globals_bytes = 16;
@@ -143,13 +138,7 @@ TEST_F(Shaders, AreShiftedByHalfAPixelToo) {
     Use(&code, nullptr);
     constexpr float kPixel = 2.0f / 8.0f;
     Draw(-1 + kPixel * 1.75f, 1 - kPixel * 6.75f, -1 + kPixel * 4.75f, 1 - kPixel * 2.75f);
-    const auto pixels = canvas_.Pixels();
-    for (LONG y = 0; y < 8; ++y) {
-        for (LONG x = 0; x < 8; ++x) {
-            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 7;
-            EXPECT_EQ(ToRgb(pixels[static_cast<std::size_t>(8 * y + x)]).r, inside ? 255 : 0) << x << ", " << y;
-        }
-    }
+    EXPECT_EQ(canvas_.Pixels(), Box(8, 8, {2, 3, 5, 7}, 0xFFFFFFFF, 0xFF000000));
 }
 
 TEST_F(Shaders, AreFoggedAndAlphaTested) {

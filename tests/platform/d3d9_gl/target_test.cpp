@@ -1,7 +1,7 @@
 // Render targets, copies between surfaces, and the calls that are refused.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <utility>
 
 #include "tests/support/canvas.h"
 
@@ -16,11 +16,11 @@ DevicePtr<IDirect3DSurface9> MakeTarget(Canvas& canvas, UINT width, UINT height,
     return target;
 }
 
-DevicePtr<IDirect3DTexture9> MakeTargetTexture(Canvas& canvas, UINT width, UINT height, DWORD usage = 0) {
+DevicePtr<IDirect3DTexture9> MakeTargetTexture(Canvas& canvas, DWORD usage = 0) {
     DevicePtr<IDirect3DTexture9> texture;
-    EXPECT_EQ(canvas->CreateTexture(width, height, 1, D3DUSAGE_RENDERTARGET | usage, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT,
-                                    texture.Receive()),
-              D3D_OK);
+    const UINT levels = usage == 0 ? 1 : 0;
+    usage |= D3DUSAGE_RENDERTARGET;
+    canvas->CreateTexture(4, 4, levels, usage, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT, texture.Receive());
     return texture;
 }
 
@@ -32,7 +32,7 @@ DevicePtr<IDirect3DSurface9> Level0(IDirect3DTexture9& texture) {
 
 TEST(Targets, ATextureDrawnIntoIsReadWithItsFirstRowOnTop) {
     Canvas canvas(4, 4);
-    const auto texture = MakeTargetTexture(canvas, 4, 4);
+    const auto texture = MakeTargetTexture(canvas);
     DevicePtr<IDirect3DSurface9> back;
     canvas->GetRenderTarget(0, back.Receive());
     ASSERT_EQ(canvas->SetRenderTarget(0, Level0(*texture).Get()), D3D_OK);
@@ -42,8 +42,7 @@ TEST(Targets, ATextureDrawnIntoIsReadWithItsFirstRowOnTop) {
     canvas.Clear(0);
     canvas->SetTexture(0, texture.Get());
     canvas.FillAll(0xFFFFFFFF);
-    EXPECT_TRUE(Near(canvas.Pixel(1, 0), ToRgb(kFront), 0)) << canvas.Pixel(1, 0);
-    EXPECT_TRUE(Near(canvas.Pixel(1, 3), ToRgb(kBack), 0)) << canvas.Pixel(1, 3);
+    EXPECT_EQ(canvas.Pixels(), Box(4, 4, {0, 0, 4, 1}, kFront, kBack));
 }
 
 TEST(Targets, SettingOneMakesTheViewportItsSizeAndKeepsDepthWorking) {
@@ -60,16 +59,14 @@ TEST(Targets, SettingOneMakesTheViewportItsSizeAndKeepsDepthWorking) {
         canvas->GetViewport(&viewport);
         EXPECT_EQ(viewport, (D3DVIEWPORT9{0, 0, size.width, size.height, 0.0f, 1.0f}));
         canvas.Clear(kBack, 0.5f);
-        const RECT all = {-1, -1, static_cast<LONG>(size.width) + 1, static_cast<LONG>(size.height) + 1};
-        canvas.Fill(all, kFront, 0, 0.75f);   // behind
         const auto plain = MakeTarget(canvas, size.width, size.height);
-        ASSERT_EQ(canvas->StretchRect(target.Get(), nullptr, plain.Get(), nullptr, D3DTEXF_NONE), D3D_OK);
-        auto pixels = ReadTarget(canvas.Device(), *plain);
-        EXPECT_EQ(std::count(pixels.begin(), pixels.end(), kBack), size.width * size.height);
-        canvas.Fill(all, kFront, 0, 0.25f);
-        canvas->StretchRect(target.Get(), nullptr, plain.Get(), nullptr, D3DTEXF_NONE);
-        pixels = ReadTarget(canvas.Device(), *plain);
-        EXPECT_EQ(std::count(pixels.begin(), pixels.end(), kFront), size.width * size.height) << size.width;
+        for (const float z : {0.75f, 0.25f}) {   // behind and before
+            const RECT all = {-1, -1, static_cast<LONG>(size.width) + 1, static_cast<LONG>(size.height) + 1};
+            canvas.Fill(all, kFront, 0, z);
+            ASSERT_EQ(canvas->StretchRect(target.Get(), nullptr, plain.Get(), nullptr, D3DTEXF_NONE), D3D_OK);
+            EXPECT_EQ(ReadTarget(canvas.Device(), *plain),
+                      std::vector<D3DCOLOR>(std::size_t{size.width} * size.height, z > 0.5f ? kBack : kFront));
+        }
     }
 }
 
@@ -80,10 +77,7 @@ TEST(Targets, StretchRectCopiesScalesAndConverts) {
     canvas.Clear(kBack);
     canvas.Fill({2, 0, 4, 1}, kFront);
     ASSERT_EQ(canvas->StretchRect(source.Get(), nullptr, scaled.Get(), nullptr, D3DTEXF_POINT), D3D_OK);
-    const auto pixels = ReadTarget(canvas.Device(), *scaled);
-    for (UINT y = 0; y < 4; ++y) {
-        for (UINT x = 0; x < 8; ++x) EXPECT_EQ(pixels[8 * y + x], x >= 4 && y < 2 ? kFront : kBack) << x << ", " << y;
-    }
+    EXPECT_EQ(ReadTarget(canvas.Device(), *scaled), Box(8, 4, {4, 0, 8, 2}, kFront, kBack));
     DevicePtr<IDirect3DSurface9> small;
     canvas->CreateRenderTarget(2, 1, D3DFMT_R5G6B5, 0, 0, TRUE, small.Receive());
     const RECT from = {2, 0, 4, 1};
@@ -106,10 +100,7 @@ TEST(Targets, StretchRectGivesAnAlphaThatTheSourceLacks) {
     canvas->GetBackBuffer(0, 0, 0, back_buffer.Receive());
     const RECT from = {0, 0, 2, 2}, to = {1, 1, 3, 3};
     ASSERT_EQ(canvas->StretchRect(back_buffer.Get(), &from, target.Get(), &to, D3DTEXF_NONE), D3D_OK);
-    const auto pixels = ReadTarget(canvas.Device(), *target);
-    EXPECT_EQ(pixels[4 * 1 + 1], kFront);
-    EXPECT_EQ(pixels[4 * 2 + 2], kFront);
-    EXPECT_EQ(pixels[4 * 3 + 3], kBack & 0x00FFFFFF);
+    EXPECT_EQ(ReadTarget(canvas.Device(), *target), Box(4, 4, to, kFront, kBack & 0x00FFFFFF));
 }
 
 TEST(Targets, StretchRectCopiesWithinASurfaceWhatLiesApart) {
@@ -125,19 +116,14 @@ TEST(Targets, StretchRectCopiesWithinASurfaceWhatLiesApart) {
 
 TEST(Targets, ColorFillReachesItsRectangleOnly) {
     Canvas canvas(8, 8);
-    const auto texture = MakeTargetTexture(canvas, 4, 4);
+    const auto texture = MakeTargetTexture(canvas);
     const auto surface = Level0(*texture);
     const D3DVIEWPORT9 viewport = {3, 3, 1, 1, 0, 1};
     canvas->SetViewport(&viewport);   // has no effect on it
     const RECT rect = {1, 2, 3, 4};
     EXPECT_EQ(canvas->ColorFill(surface.Get(), nullptr, kBack), D3D_OK);
     EXPECT_EQ(canvas->ColorFill(surface.Get(), &rect, kFront), D3D_OK);
-    const auto pixels = ReadTarget(canvas.Device(), *surface);
-    for (UINT y = 0; y < 4; ++y) {
-        for (UINT x = 0; x < 4; ++x) {
-            EXPECT_EQ(pixels[4 * y + x], x >= 1 && x < 3 && y >= 2 ? kFront : kBack) << x << ", " << y;
-        }
-    }
+    EXPECT_EQ(ReadTarget(canvas.Device(), *surface), Box(4, 4, rect, kFront, kBack));
 }
 
 TEST(Targets, UpdateTextureCopiesEveryLevel) {
@@ -145,19 +131,14 @@ TEST(Targets, UpdateTextureCopiesEveryLevel) {
     DevicePtr<IDirect3DTexture9> source, destination;
     canvas->CreateTexture(4, 2, 2, 0, D3DFMT_A8R8G8B8, D3DPOOL_SYSTEMMEM, source.Receive());
     canvas->CreateTexture(4, 2, 2, 0, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT, destination.Receive());
-    for (UINT level = 0; level < 2; ++level) {
-        D3DLOCKED_RECT locked;
-        source->LockRect(level, &locked, nullptr, 0);
-        for (UINT i = 0; i < 8u >> (2 * level); ++i)
-            static_cast<D3DCOLOR*>(locked.pBits)[i] = level == 0 ? kBack : kFront;
-        source->UnlockRect(level);
-    }
+    FillLevel(*source, 0, std::vector<D3DCOLOR>(8, kBack).data());
+    FillLevel(*source, 1, std::vector<D3DCOLOR>(2, kFront).data());
     ASSERT_EQ(canvas->UpdateTexture(source.Get(), destination.Get()), D3D_OK);
     canvas->SetTexture(0, destination.Get());
     for (DWORD level = 0; level < 2; ++level) {
         canvas->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, level);
         canvas.FillAll(0xFFFFFFFF);
-        EXPECT_TRUE(Near(canvas.Pixel(1, 1), ToRgb(level == 0 ? kBack : kFront), 0)) << level << canvas.Pixel(1, 1);
+        EXPECT_EQ(canvas.PixelArgb(1, 1), level == 0 ? kBack : kFront);
     }
 }
 
@@ -168,21 +149,16 @@ TEST(Targets, MakeTheSmallerLevelsOfATextureThatAsksForThem) {
         canvas->CreateTexture(2, 2, 0, D3DUSAGE_AUTOGENMIPMAP, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive()),
         D3D_OK);
     EXPECT_EQ(texture->GetLevelCount(), 1u);
-    D3DLOCKED_RECT locked;
-    texture->LockRect(0, &locked, nullptr, 0);
-    for (int i = 0; i < 4; ++i) {
-        static_cast<D3DCOLOR*>(static_cast<void*>(static_cast<BYTE*>(locked.pBits) + i / 2 * locked.Pitch))[i % 2] =
-            i % 2 == 0 ? Argb(255, 40, 80, 120) : Argb(255, 60, 120, 200);
-    }
-    texture->UnlockRect(0);
+    constexpr D3DCOLOR kLeft = Argb(255, 40, 80, 120), kRight = Argb(255, 60, 120, 200);
+    constexpr D3DCOLOR kTexels[] = {kLeft, kRight, kLeft, kRight};
+    FillLevel(*texture, 0, kTexels);
     canvas->SetTexture(0, texture.Get());
     canvas->SetSamplerState(0, D3DSAMP_MIPFILTER, D3DTEXF_POINT);
     canvas->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, 1);
     canvas.FillAll(0xFFFFFFFF);
     EXPECT_TRUE(Near(canvas.Pixel(1, 1), Rgb{50, 100, 160}, 1)) << canvas.Pixel(1, 1);
 
-    canvas->CreateTexture(4, 4, 0, D3DUSAGE_AUTOGENMIPMAP | D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT,
-                          texture.Receive());
+    texture = MakeTargetTexture(canvas, D3DUSAGE_AUTOGENMIPMAP);
     DevicePtr<IDirect3DSurface9> back_buffer;
     canvas->GetBackBuffer(0, 0, 0, back_buffer.Receive());
     for (const D3DCOLOR colour : {kFront, kBack}) {   // drawn into for the first time, and again
@@ -192,7 +168,7 @@ TEST(Targets, MakeTheSmallerLevelsOfATextureThatAsksForThem) {
         canvas->SetRenderTarget(0, back_buffer.Get());
         canvas->SetTexture(0, texture.Get());
         canvas.FillAll(0xFFFFFFFF);
-        EXPECT_TRUE(Near(canvas.Pixel(1, 1), ToRgb(colour), 0)) << canvas.Pixel(1, 1);
+        EXPECT_EQ(canvas.PixelArgb(1, 1), colour);
     }
 }
 
@@ -206,10 +182,7 @@ TEST(Targets, RefuseWhatTheRulesForbid) {
     canvas->CreateOffscreenPlainSurface(4, 4, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT, plain.Receive());
     const RECT outside = {0, 0, 5, 4}, half = {0, 0, 2, 2};
     IDirect3DDevice9& device = canvas.Device();
-    const struct {
-        const char* call;
-        HRESULT result;
-    } kRefused[] = {
+    const std::pair<const char*, HRESULT> kRefused[] = {
         {"null target", device.SetRenderTarget(0, nullptr)},
         {"second target", device.SetRenderTarget(1, target.Get())},
         {"system surface as target", device.SetRenderTarget(0, system.Get())},
@@ -235,7 +208,7 @@ TEST(Targets, RefuseWhatTheRulesForbid) {
         {"clear of a stencil that is not there", device.Clear(0, nullptr, D3DCLEAR_STENCIL, 0, 0, 0)},
         {"clear to a depth outside", device.Clear(0, nullptr, D3DCLEAR_ZBUFFER, 0, 1.5f, 0)},
     };
-    for (const auto& row : kRefused) EXPECT_EQ(row.result, D3DERR_INVALIDCALL) << row.call;
+    for (const auto& [call, result] : kRefused) EXPECT_EQ(result, D3DERR_INVALIDCALL) << call;
     EXPECT_EQ(device.ColorFill(plain.Get(), nullptr, kFront), D3D_OK);
     D3DLOCKED_RECT locked;
     ASSERT_EQ(plain->LockRect(&locked, nullptr, D3DLOCK_READONLY), D3D_OK);
