@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "platform/d3dx/dds_file.h"
 #include "platform/d3dx/pixel_formats.h"
@@ -40,31 +40,29 @@ TEST(DdsFile, KnowsEachPixelFormat) {
 }
 
 TEST(DdsFile, RefusesHostileHeads) {
-    const auto head = [](DdsFields change) { return DdsHead(change) + std::string(64, '\x11'); };
     const DdsFields good = {4, 4, 1, 0x41, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000};
+    const std::string pixels(64, '\x11');
     D3DXIMAGE_INFO info = {};
-    ASSERT_TRUE(ReadDdsInfo(BytesOf(head(good)), info));
-    const auto with = [&good](auto change) {
+    ASSERT_TRUE(ReadDdsInfo(BytesOf(DdsHead(good) + pixels), info));
+    constexpr void (*kChanges[])(DdsFields&) = {
+        [](DdsFields& f) { f.width = 0; },
+        [](DdsFields& f) { f.height = 0xFFFFFFFF; },
+        [](DdsFields& f) { f.width = f.height = 65536; },
+        [](DdsFields& f) { f.width = 5; },       // one column more than there are bytes for
+        [](DdsFields& f) { f.mip_count = 2; },   // its second level is missing
+        [](DdsFields& f) { f.mip_count = 0x80000000; },
+        [](DdsFields& f) { f.caps2 = 0x200; },      // a cube
+        [](DdsFields& f) { f.caps2 = 0x200000; },   // a volume
+        [](DdsFields& f) { f.flags = 4, f.four_cc = MakeFourCC('D', 'X', '1', '0'); },
+        [](DdsFields& f) { f.bits = 31; },
+        [](DdsFields& f) { f.g = 0xFF01; }};
+    for (const auto& change : kChanges) {
         DdsFields fields = good;
         change(fields);
-        return fields;
-    };
-    const DdsFields rows[] = {
-        with([](DdsFields& f) { f.width = 0; }),
-        with([](DdsFields& f) { f.height = 0xFFFFFFFF; }),
-        with([](DdsFields& f) { f.width = f.height = 65536; }),
-        with([](DdsFields& f) { f.width = 5; }),       // one column more than there are bytes for
-        with([](DdsFields& f) { f.mip_count = 2; }),   // its second level is missing
-        with([](DdsFields& f) { f.mip_count = 0x80000000; }),
-        with([](DdsFields& f) { f.caps2 = 0x200; }),      // a cube
-        with([](DdsFields& f) { f.caps2 = 0x200000; }),   // a volume
-        with([](DdsFields& f) { f.flags = 4, f.four_cc = MakeFourCC('D', 'X', '1', '0'); }),
-        with([](DdsFields& f) { f.bits = 31; }),
-        with([](DdsFields& f) { f.g = 0xFF01; }),
-    };
-    for (const DdsFields& row : rows) EXPECT_FALSE(ReadDdsInfo(BytesOf(head(row)), info)) << (&row - rows);
+        EXPECT_FALSE(ReadDdsInfo(BytesOf(DdsHead(fields) + pixels), info)) << &change - kChanges;
+    }
     for (const std::size_t size_field : {4u, 76u}) {
-        std::string file = head(good);
+        std::string file = DdsHead(good) + pixels;
         ++file[size_field];
         EXPECT_FALSE(ReadDdsInfo(BytesOf(file), info)) << size_field;
     }
@@ -80,18 +78,11 @@ TEST(DdsFile, CutShortAtEveryLengthIsRefused) {
 
 TEST(DdsFile, FindsLevelsOneAfterTheOther) {
     const D3DXIMAGE_INFO info = {10, 4, 1, 4, D3DFMT_DXT1, D3DRTYPE_TEXTURE, D3DXIFF_DDS};
-    const struct {
-        UINT width, height;
-        std::size_t offset, row_bytes;
-        UINT rows;
-    } rows[] = {{10, 4, 128, 24, 1}, {5, 2, 152, 16, 1}, {2, 1, 168, 8, 1}, {1, 1, 176, 8, 1}};
+    constexpr std::size_t kRows[][5] = {{10, 4, 128, 24, 1}, {5, 2, 152, 16, 1}, {2, 1, 168, 8, 1}, {1, 1, 176, 8, 1}};
     for (UINT level = 0; level < 4; ++level) {
         const DdsLevel found = FindDdsLevel(info, level);
-        EXPECT_EQ(found.width, rows[level].width);
-        EXPECT_EQ(found.height, rows[level].height);
-        EXPECT_EQ(found.offset, rows[level].offset);
-        EXPECT_EQ(found.row_bytes, rows[level].row_bytes);
-        EXPECT_EQ(found.rows, rows[level].rows);
+        EXPECT_THAT(kRows[level],
+                    testing::ElementsAre(found.width, found.height, found.offset, found.row_bytes, found.rows));
     }
 }
 

@@ -8,34 +8,21 @@
 namespace sparkrig {
 namespace {
 
-constexpr D3DFORMAT kFormats[] = {D3DFMT_DXT1, D3DFMT_DXT2, D3DFMT_DXT3, D3DFMT_DXT4, D3DFMT_DXT5};
-
-TEST(DxtBlocks, DecodeTheColoursOfADxt1Block) {
+TEST(DxtBlocks, DecodeTheColoursOfABlock) {
     // Ends 0xF800 (red) and 0x001F (blue); the rows hold the indices 0, 1, 2, 3.
-    const struct {
-        const char* name;
-        BYTE block[8];
-        D3DCOLOR row[4];
-    } rows[] = {
-        {"four colours",
-         {0x00, 0xF8, 0x1F, 0x00, 0xE4, 0xE4, 0xE4, 0xE4},
-         {0xFFFF0000, 0xFF0000FF, 0xFFAA0055, 0xFF5500AA}},
-        {"three colours", {0x1F, 0x00, 0x00, 0xF8, 0xE4, 0xE4, 0xE4, 0xE4}, {0xFF0000FF, 0xFFFF0000, 0xFF7F007F, 0}},
-    };
-    for (const auto& row : rows) {
-        D3DCOLOR pixels[16];
-        DecodeDxtBlock(D3DFMT_DXT1, row.block, pixels);
-        for (int i = 0; i < 16; ++i) EXPECT_EQ(pixels[i], row.row[i % 4]) << row.name << i;
-    }
-}
-
-TEST(DxtBlocks, OtherFormatsAlwaysHaveFourColours) {
-    const BYTE block[16] = {0, 0, 0, 0, 0, 0, 0, 0, 0x1F, 0x00, 0x00, 0xF8, 0xE4, 0xE4, 0xE4, 0xE4};
-    for (const D3DFORMAT format : {D3DFMT_DXT2, D3DFMT_DXT3, D3DFMT_DXT4, D3DFMT_DXT5}) {
-        D3DCOLOR pixels[16];
-        DecodeDxtBlock(format, block, pixels);
-        EXPECT_EQ(pixels[2], 0x005500AAu);
-        EXPECT_EQ(pixels[3], 0x00AA0055u);
+    constexpr BYTE kRedFirst[] = {0, 0, 0, 0, 0, 0, 0, 0, 0x00, 0xF8, 0x1F, 0x00, 0xE4, 0xE4, 0xE4, 0xE4},
+                   kBlueFirst[] = {0, 0, 0, 0, 0, 0, 0, 0, 0x1F, 0x00, 0x00, 0xF8, 0xE4, 0xE4, 0xE4, 0xE4};
+    D3DCOLOR pixels[16];
+    const auto row = [&](int y) { return std::vector<D3DCOLOR>(&pixels[4 * y], &pixels[4 * y + 4]); };
+    for (int y = 0; y < 4; ++y) {
+        DecodeDxtBlock(D3DFMT_DXT1, kRedFirst + 8, pixels);
+        EXPECT_EQ(row(y), (std::vector<D3DCOLOR>{0xFFFF0000, 0xFF0000FF, 0xFFAA0055, 0xFF5500AA}));
+        DecodeDxtBlock(D3DFMT_DXT1, kBlueFirst + 8, pixels);   // three colours
+        EXPECT_EQ(row(y), (std::vector<D3DCOLOR>{0xFF0000FF, 0xFFFF0000, 0xFF7F007F, 0}));
+        for (const D3DFORMAT format : {D3DFMT_DXT2, D3DFMT_DXT3, D3DFMT_DXT4, D3DFMT_DXT5}) {   // always four
+            DecodeDxtBlock(format, kBlueFirst, pixels);
+            EXPECT_EQ(row(y), (std::vector<D3DCOLOR>{0x000000FF, 0x00FF0000, 0x005500AA, 0x00AA0055}));
+        }
     }
 }
 
@@ -60,14 +47,6 @@ TEST(DxtBlocks, DecodeInterpolatedAlpha) {
     }
 }
 
-Image SmoothImage(UINT width, UINT height) {
-    Image image(width, height);
-    for (UINT y = 0; y < height; ++y)
-        for (UINT x = 0; x < width; ++x)
-            image.Row(y)[x] = (200 + x) << 24 | (40 + 5 * x) << 16 | (90 + 3 * y) << 8 | (200 - 2 * x - 2 * y);
-    return image;
-}
-
 int LargestDifference(const Image& a, const Image& b, int channels) {
     int largest = 0;
     for (std::size_t i = 0; i < a.Count(); ++i)
@@ -78,8 +57,11 @@ int LargestDifference(const Image& a, const Image& b, int channels) {
 }
 
 TEST(DxtBlocks, EncodingIsUndoneByDecoding) {
-    const Image image = SmoothImage(13, 6);   // blocks stick out on both sides
-    for (const D3DFORMAT format : kFormats) {
+    Image image(13, 6);   // blocks stick out on both sides
+    for (UINT y = 0; y < 6; ++y)
+        for (UINT x = 0; x < 13; ++x)
+            image.Row(y)[x] = (200 + x) << 24 | (40 + 5 * x) << 16 | (90 + 3 * y) << 8 | (200 - 2 * x - 2 * y);
+    for (const D3DFORMAT format : {D3DFMT_DXT1, D3DFMT_DXT2, D3DFMT_DXT3, D3DFMT_DXT4, D3DFMT_DXT5}) {
         const std::size_t pitch = DxtBlocks(13) * DxtBlockBytes(format);
         std::vector<BYTE> blocks(pitch * DxtBlocks(6));
         EncodeDxt(format, image, blocks.data(), pitch);

@@ -23,26 +23,19 @@ std::vector<D3DCOLOR> Scaled(const Image& source, UINT width, UINT height, DWORD
 
 TEST(ImageScale, FiltersOfOneRow) {
     const Image row = MakeImage(2, 1, {0x10203040, 0x50A070C0});
-    const struct {
-        const char* name;
-        DWORD filter;
-        UINT width;
-        std::vector<D3DCOLOR> expected;
-    } rows[] = {
-        {"point", D3DX_FILTER_POINT, 4, {0x10203040, 0x10203040, 0x50A070C0, 0x50A070C0}},
-        {"point down", D3DX_FILTER_POINT, 1, {0x50A070C0}},
+    constexpr DWORD kMirrored = D3DX_FILTER_LINEAR | D3DX_FILTER_MIRROR_U;
+    const std::pair<DWORD, std::vector<D3DCOLOR>> kRows[] = {
+        {D3DX_FILTER_POINT, {0x10203040, 0x10203040, 0x50A070C0, 0x50A070C0}},
+        {D3DX_FILTER_POINT, {0x50A070C0}},
         // Destinations lie at -0.25, 0.25, 0.75 and 1.25; beyond the edges the other end follows, or the same one.
-        {"linear wraps", D3DX_FILTER_LINEAR, 4, {0x20404060, 0x20404060, 0x408060A0, 0x408060A0}},
-        {"linear mirrors",
-         D3DX_FILTER_LINEAR | D3DX_FILTER_MIRROR_U,
-         4,
-         {0x10203040, 0x20404060, 0x408060A0, 0x50A070C0}},
-        {"linear down", D3DX_FILTER_LINEAR, 1, {0x30605080}},
-        {"triangle down", D3DX_FILTER_TRIANGLE | D3DX_FILTER_MIRROR_U, 1, {0x30605080}},
-        {"box", D3DX_FILTER_BOX, 1, {0x30605080}},
-        {"none", D3DX_FILTER_NONE, 3, {0x10203040, 0x50A070C0, 0}},
-    };
-    for (const auto& r : rows) EXPECT_EQ(Scaled(row, r.width, 1, r.filter), r.expected) << r.name;
+        {D3DX_FILTER_LINEAR, {0x20404060, 0x20404060, 0x408060A0, 0x408060A0}},
+        {kMirrored, {0x10203040, 0x20404060, 0x408060A0, 0x50A070C0}},
+        {D3DX_FILTER_LINEAR, {0x30605080}},
+        {D3DX_FILTER_TRIANGLE | D3DX_FILTER_MIRROR_U, {0x30605080}},
+        {D3DX_FILTER_BOX, {0x30605080}},
+        {D3DX_FILTER_NONE, {0x10203040, 0x50A070C0, 0}}};
+    for (const auto& [filter, expected] : kRows)
+        EXPECT_EQ(Scaled(row, static_cast<UINT>(expected.size()), 1, filter), expected) << filter;
 }
 
 TEST(ImageScale, KeepsAPictureOfTheSameSize) {
@@ -53,9 +46,8 @@ TEST(ImageScale, KeepsAPictureOfTheSameSize) {
 
 TEST(ImageScale, RefusesUnknownFiltersAndBoxesOfAnotherSize) {
     Image scaled;
-    EXPECT_EQ(ScaleImage(MakeImage(2, 2, {1, 2, 3, 4}), 4, 4, 6, scaled), D3DERR_INVALIDCALL);
-    EXPECT_EQ(ScaleImage(MakeImage(2, 2, {1, 2, 3, 4}), 4, 4, 0, scaled), D3DERR_INVALIDCALL);
-    EXPECT_EQ(ScaleImage(MakeImage(2, 2, {1, 2, 3, 4}), 4, 4, D3DX_FILTER_BOX, scaled), D3DERR_INVALIDCALL);
+    for (const DWORD filter : {DWORD{6}, DWORD{0}, D3DX_FILTER_BOX})
+        EXPECT_EQ(ScaleImage(MakeImage(2, 2, {1, 2, 3, 4}), 4, 4, filter, scaled), D3DERR_INVALIDCALL) << filter;
 }
 
 TEST(ImageScale, HalvesWithRoundingAndDropsTheOddEdge) {

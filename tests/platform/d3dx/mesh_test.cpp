@@ -53,15 +53,13 @@ std::vector<int> Named(ID3DXMesh& mesh) {
     return named;
 }
 
-std::vector<std::vector<DWORD>> Table(ID3DXMesh& mesh) {
+/// Attribute, first face, faces, first vertex, vertices.
+std::vector<std::array<DWORD, 5>> Table(ID3DXMesh& mesh) {
     DWORD size = 0;
     mesh.GetAttributeTable(nullptr, &size);
-    std::vector<D3DXATTRIBUTERANGE> table(size);
-    mesh.GetAttributeTable(table.data(), &size);
-    std::vector<std::vector<DWORD>> rows;
-    for (const D3DXATTRIBUTERANGE& r : table) {
-        rows.push_back({r.AttribId, r.FaceStart, r.FaceCount, r.VertexStart, r.VertexCount});
-    }
+    std::vector<std::array<DWORD, 5>> rows(size);
+    static_assert(sizeof(rows[0]) == sizeof(D3DXATTRIBUTERANGE));
+    mesh.GetAttributeTable(reinterpret_cast<D3DXATTRIBUTERANGE*>(rows.data()), &size);
     return rows;
 }
 
@@ -74,8 +72,7 @@ TEST(D3dxMesh, SortsFacesAndVerticesByAttribute) {
     EXPECT_TRUE(Table(*mesh).empty());
     ASSERT_EQ(mesh->OptimizeInplace(D3DXMESHOPT_ATTRSORT), D3D_OK);
     EXPECT_THAT(Named<WORD>(*mesh), ElementsAre(4, 5, 6, 5, 4, 7, 1, 2, 3, 3, 2, 1));
-    EXPECT_THAT(Table(*mesh), ElementsAre(std::vector<DWORD>{2, 0, 1, 0, 3}, std::vector<DWORD>{5, 1, 1, 0, 4},
-                                          std::vector<DWORD>{7, 2, 2, 4, 3}));
+    EXPECT_EQ(Table(*mesh), (std::vector<std::array<DWORD, 5>>{{2, 0, 1, 0, 3}, {5, 1, 1, 0, 4}, {7, 2, 2, 4, 3}}));
     EXPECT_EQ(mesh->GetNumVertices(), 8u);
 }
 

@@ -10,22 +10,22 @@ namespace {
 
 using testing::ElementsAre;
 
+struct Options {
+    UINT width = D3DX_DEFAULT_NONPOW2, height = D3DX_DEFAULT_NONPOW2, levels = 1;
+    DWORD usage = 0;
+    D3DFORMAT format = D3DFMT_UNKNOWN;
+    D3DPOOL pool = D3DPOOL_MANAGED;
+    DWORD filter = D3DX_FILTER_LINEAR, mip_filter = D3DX_FILTER_BOX;
+    D3DCOLOR colour_key = 0;
+};
+
 class TextureFromFile : public TemporaryFolder {
   protected:
-    struct Options {
-        UINT width = D3DX_DEFAULT_NONPOW2, height = D3DX_DEFAULT_NONPOW2, levels = 1;
-        DWORD usage = 0;
-        D3DFORMAT format = D3DFMT_UNKNOWN;
-        D3DPOOL pool = D3DPOOL_MANAGED;
-        DWORD filter = D3DX_FILTER_LINEAR, mip_filter = D3DX_FILTER_BOX;
-        D3DCOLOR colour_key = 0;
-    };
-    HRESULT Load(const std::string& content, const Options& o) {
+    HRESULT Load(const std::string& content, const Options& o = {}) {
         WriteFile("picture", content);
         return D3DXCreateTextureFromFileExA(device_.Get(), "picture", o.width, o.height, o.levels, o.usage, o.format,
                                             o.pool, o.filter, o.mip_filter, o.colour_key, &info_, texture_.Receive());
     }
-    HRESULT Load(const std::string& content) { return Load(content, Options()); }
 
     RecordedImage& Level(UINT level) { return static_cast<RecordedTexture&>(*texture_).Level(level); }
     std::vector<D3DCOLOR> Pixels(UINT level = 0) {
@@ -57,10 +57,7 @@ TEST_F(TextureFromFile, KeepsSizePixelsAndFormat) {
 TEST_F(TextureFromFile, TakesTheNearestFormatThatTheDeviceHas) {
     recording_.refused_texture_formats.insert(D3DFMT_A8L8);
     const TestPicture picture = TestPicture::Pattern(4, 4);
-    const struct {
-        std::string file;
-        D3DFORMAT asked, given;
-    } rows[] = {
+    const std::tuple<std::string, D3DFORMAT, D3DFORMAT> kRows[] = {
         {BmpFile(picture, D3DFMT_R8G8B8), D3DFMT_UNKNOWN, D3DFMT_X8R8G8B8},
         {PalettePngFile(picture, 0xFF102030, 0xFF405060), D3DFMT_UNKNOWN, D3DFMT_X8R8G8B8},
         {PalettePngFile(picture, 0x80102030, 0xFF405060), D3DFMT_UNKNOWN, D3DFMT_A8R8G8B8},
@@ -70,11 +67,9 @@ TEST_F(TextureFromFile, TakesTheNearestFormatThatTheDeviceHas) {
         {PngFile(picture, 4), D3DFMT_DXT5, D3DFMT_DXT5},
         {JpgFile(picture, 3), D3DFMT_R5G6B5, D3DFMT_R5G6B5},
     };
-    for (const auto& row : rows) {
-        Options options;
-        options.format = row.asked;
-        ASSERT_EQ(Load(row.file, options), D3D_OK);
-        EXPECT_EQ(Level(0).desc.Format, row.given);
+    for (const auto& [file, asked, given] : kRows) {
+        ASSERT_EQ(Load(file, {.format = asked}), D3D_OK);
+        EXPECT_EQ(Level(0).desc.Format, given);
     }
 }
 
@@ -88,10 +83,7 @@ TEST_F(TextureFromFile, ChoosesTheSize) {
                 {D3DX_FROM_FILE, D3DX_FROM_FILE, 6, 20},
                 {3, 40, 3, 40}};
     for (const auto& row : rows) {
-        Options options;
-        options.width = row.asked_width;
-        options.height = row.asked_height;
-        ASSERT_EQ(Load(file, options), D3D_OK);
+        ASSERT_EQ(Load(file, {.width = row.asked_width, .height = row.asked_height}), D3D_OK);
         EXPECT_EQ(Level(0).desc.Width, row.width);
         EXPECT_EQ(Level(0).desc.Height, row.height);
     }
@@ -99,52 +91,37 @@ TEST_F(TextureFromFile, ChoosesTheSize) {
 
 TEST_F(TextureFromFile, CountsLevels) {
     const std::string file = PngFile(TestPicture::Pattern(20, 9), 3);
-    const struct {
-        UINT asked, given;
-    } rows[] = {{0, 5}, {D3DX_DEFAULT, 5}, {1, 1}, {3, 3}, {99, 5}, {D3DX_FROM_FILE, 1}};
-    for (const auto& row : rows) {
-        Options options;
-        options.levels = row.asked;
-        ASSERT_EQ(Load(file, options), D3D_OK);
-        EXPECT_EQ(texture_->GetLevelCount(), row.given);
+    for (const auto& [asked, given] : std::initializer_list<std::pair<UINT, UINT>>{
+             {0, 5}, {D3DX_DEFAULT, 5}, {1, 1}, {3, 3}, {99, 5}, {D3DX_FROM_FILE, 1}}) {
+        ASSERT_EQ(Load(file, {.levels = asked}), D3D_OK);
+        EXPECT_EQ(texture_->GetLevelCount(), given);
     }
 }
 
 TEST_F(TextureFromFile, AveragesEachLevelFromTheOneAbove) {
     TestPicture picture = {4, 1, {0xFF000000, 0xFF0A1401, 0x80FF0000, 0x40000080}};
-    Options options;
-    options.levels = 0;
-    ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+    ASSERT_EQ(Load(PngFile(picture, 4), {.levels = 0}), D3D_OK);
     EXPECT_THAT(Pixels(1), ElementsAre(0xFF050A01, 0x60800040));
     EXPECT_THAT(Pixels(2), ElementsAre(0xB0430521));
 }
 
 TEST_F(TextureFromFile, MakesThePixelsOfTheColourKeyTransparent) {
     TestPicture picture = {3, 1, {0xFFFF00FF, 0x80FF00FF, 0xFF123456}};
-    Options options;
-    options.colour_key = 0xFFFF00FF;
-    ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+    ASSERT_EQ(Load(PngFile(picture, 4), {.colour_key = 0xFFFF00FF}), D3D_OK);
     EXPECT_THAT(Pixels(), ElementsAre(0u, 0x80FF00FF, 0xFF123456));
 }
 
 TEST_F(TextureFromFile, WithoutAFilterSurroundsOrCutsThePicture) {
     TestPicture picture = {2, 2, {0xFF112233, 0xFF445566, 0xFF778899, 0xFFAABBCC}};
-    Options options;
-    options.filter = D3DX_FILTER_NONE;
-    options.width = 3;
-    options.height = 1;
-    ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+    ASSERT_EQ(Load(PngFile(picture, 4), {.width = 3, .height = 1, .filter = D3DX_FILTER_NONE}), D3D_OK);
     EXPECT_THAT(Pixels(), ElementsAre(0xFF112233, 0xFF445566, 0u));
 }
 
 TEST_F(TextureFromFile, FillsWhatCannotBeLockedThroughSystemMemory) {
     const TestPicture picture = TestPicture::Pattern(4, 2);
     for (const DWORD usage : {0u, D3DUSAGE_RENDERTARGET, D3DUSAGE_DYNAMIC}) {
-        Options options;
-        options.pool = D3DPOOL_DEFAULT;
-        options.usage = usage;
         recording_.ForgetCalls();
-        ASSERT_EQ(Load(PngFile(picture, 4), options), D3D_OK);
+        ASSERT_EQ(Load(PngFile(picture, 4), {.usage = usage, .pool = D3DPOOL_DEFAULT}), D3D_OK);
         EXPECT_EQ(Level(0).desc.Pool, D3DPOOL_DEFAULT);
         EXPECT_EQ(Pixels(), picture.pixels);
         EXPECT_EQ(recording_.Count("UpdateTexture"), usage == D3DUSAGE_DYNAMIC ? 0 : 1);
@@ -171,9 +148,7 @@ TEST_F(TextureFromFile, TakesTheStoredLevelsOfADdsFileAndMakesTheOthers) {
     std::string file = DdsHead({4, 4, 2, 0x41, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000});
     for (int i = 0; i < 16; ++i) file += "\x10\x20\x30\x40";
     for (int i = 0; i < 4; ++i) file += "\x04\x08\x0C\x14";
-    Options options;
-    options.levels = 3;
-    ASSERT_EQ(Load(file, options), D3D_OK);
+    ASSERT_EQ(Load(file, {.levels = 3}), D3D_OK);
     EXPECT_EQ(Pixels(0)[15], 0x40302010u);
     EXPECT_EQ(Pixels(1)[3], 0x140C0804u);
     EXPECT_THAT(Pixels(2), ElementsAre(0x140C0804u));
@@ -184,9 +159,7 @@ TEST_F(TextureFromFile, TakesStoredLevelsAlsoInAnotherFormat) {
     file +=
         "\x10\x20\x30\x40\x50\x60"
         "\x70\x80\x90";
-    Options options;
-    options.levels = 2;
-    ASSERT_EQ(Load(file, options), D3D_OK);
+    ASSERT_EQ(Load(file, {.levels = 2}), D3D_OK);
     EXPECT_EQ(Level(0).desc.Format, D3DFMT_X8R8G8B8);
     EXPECT_THAT(Pixels(0), ElementsAre(0xFF302010u, 0xFF605040u));
     EXPECT_THAT(Pixels(1), ElementsAre(0xFF908070u));
