@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <map>
+#include <sstream>
 
 #include "tests/base/reports.h"
 #include "tests/support/temporary_folder.h"
@@ -11,7 +13,6 @@ namespace sparkrig {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class ConfigFileReaderTest : public TemporaryFolder {
   protected:
@@ -30,8 +31,28 @@ class ConfigFileReaderTest : public TemporaryFolder {
         const int found = reader_.NextBlock(name, sizeof name);
         return found ? name : std::string("none") + name;
     }
-    std::string LoadError(const std::string& content) {
-        return ErrorOf([&] { Load(content); });
+    /// The answers to some words: #N selects a block; next, enter, skip and exit walk; any other is a key.
+    std::string Walk(const std::string& words) {
+        std::istringstream stream(words);
+        std::string answers;
+        for (std::string word; stream >> word;) {
+            if (word[0] == '#') {
+                reader_.SelectBlock(std::stoi(word.substr(1)));
+            } else if (word == "enter") {
+                reader_.EnterBlock();
+            } else if (word == "skip") {
+                reader_.SkipBlock();
+            } else if (word == "exit") {
+                reader_.ExitBlock();
+            } else {
+                answers += (answers.empty() ? "" : ", ") + (word == "next" ? Next() : Text(word.c_str()));
+            }
+        }
+        return answers;
+    }
+    template <class Action>
+    void ExpectError(Action action, const std::string& message) {
+        EXPECT_EQ(ErrorOf(action), "ConfigFileReader: " + message);
     }
 
     ConfigFileReader reader_;
@@ -61,25 +82,19 @@ constexpr char kEffects[] =
 TEST_F(ConfigFileReaderTest, FindsBlocksAndTheirIndexValues) {
     ASSERT_EQ(Load(kEffects), 0);
     EXPECT_EQ(reader_.GetBlockCount(), 2);
-    EXPECT_EQ(reader_.GetBlockLineCount(0), 15);
-    EXPECT_EQ(reader_.GetBlockLineCount(1), 3);
-    EXPECT_EQ(reader_.GetBlockLineCount(-1), 19);
-    EXPECT_EQ(reader_.GetBlockLineCount(2), -1);
+    for (const auto& [block, lines] : std::map<int, int>{{0, 15}, {1, 3}, {-1, 19}, {2, -1}})
+        EXPECT_EQ(reader_.GetBlockLineCount(block), lines);
     EXPECT_EQ(reader_.FindBlock("SMOKE"), 1);
     EXPECT_EQ(reader_.FindBlock("fog"), -1);
 }
 
 TEST_F(ConfigFileReaderTest, ReadsKeysOfBlocksAtAnyDepthWhileNoneIsSelected) {
     Load(kEffects);
-    EXPECT_EQ(Text("texture", 0), "fire");
-    EXPECT_EQ(Text("TYPE", 0), "linear");
-    EXPECT_EQ(Text("texture", 1), "code 1");
-    EXPECT_EQ(Text("sound", 1), "hiss");
-    EXPECT_EQ(Text("sound"), "crackle");
-    EXPECT_EQ(Text("before"), "first");
-    EXPECT_EQ(Text("sound", 2), "code 2");
-    EXPECT_EQ(Text("life", 0), "code 1");   // a comment
-    EXPECT_EQ(Text("scale", 0), "code 9");
+    const std::tuple<const char*, int, const char*> kRows[] = {
+        {"texture", 0, "fire"}, {"TYPE", 0, "linear"},    {"texture", 1, "code 1"},
+        {"sound", 1, "hiss"},   {"sound", -1, "crackle"}, {"before", -1, "first"},
+        {"sound", 2, "code 2"}, {"scale", 0, "code 9"},   {"life", 0, "code 1"}};   // a comment
+    for (const auto& [key, block, text] : kRows) EXPECT_EQ(Text(key, block), text) << key << block;
 }
 
 TEST_F(ConfigFileReaderTest, WalksSubBlocks) {
@@ -88,60 +103,39 @@ TEST_F(ConfigFileReaderTest, WalksSubBlocks) {
     float scale = 0;
     EXPECT_EQ(reader_.ReadFloat("scale", scale), 0);
     EXPECT_EQ(scale, 2);
-    EXPECT_EQ(Text("texture"), "code 1");   // only inside a sub-block
-    EXPECT_EQ(Next(), "PARTICLE");
+    EXPECT_EQ(Walk("texture next"), "code 1, PARTICLE");   // a key only inside a sub-block
     EXPECT_EQ(reader_.CursorLineNumber(), 6);
-    EXPECT_EQ(Next(), "PARTICLE");
-    reader_.EnterBlock();
-    EXPECT_EQ(Text("texture"), "fire");
-    EXPECT_EQ(Text("sound"), "code 1");
+    EXPECT_EQ(Walk("next enter texture sound"), "PARTICLE, fire, code 1");
     reader_.ReadFloat("scale", scale);
     EXPECT_EQ(scale, 3);
-    EXPECT_EQ(Next(), "POSITION");
-    reader_.SkipBlock();
-    EXPECT_EQ(Text("texture"), "code 1");   // stands above the cursor now
-    EXPECT_EQ(Next(), "none");
-    reader_.ExitBlock();
-    EXPECT_EQ(Text("desc"), "code 1");
-    EXPECT_EQ(Text("sound"), "crackle");
-    EXPECT_EQ(Next(), "MESH");
-    reader_.SkipBlock();
-    EXPECT_EQ(Next(), "none");
-    EXPECT_EQ(Text("sound"), "code 1");   // of the next entry
-    reader_.SelectBlock(1);
-    EXPECT_EQ(Text("sound"), "hiss");
-    EXPECT_EQ(Next(), "none");
-    reader_.SelectBlock(-1);   // the whole file
-    EXPECT_EQ(Text("before"), "first");
-    EXPECT_EQ(Next(), "PARTICLE");
+    EXPECT_EQ(Walk("next skip texture next"), "POSITION, code 1, none");   // a key above the cursor
+    EXPECT_EQ(Walk("exit desc sound next skip next sound"),
+              "code 1, crackle, MESH, none, code 1");   // of the next entry
+    EXPECT_EQ(Walk("#1 sound next"), "hiss, none");
+    EXPECT_EQ(Walk("#-1 before next"), "first, PARTICLE");   // the whole file
 }
 
 TEST_F(ConfigFileReaderTest, MatchesKeysWithTheirSeparators) {
-    const struct {
-        const char *line, *key, *text;
-    } kRows[] = {{"desc=\"X\"", "desc", "X"},
-                 {"desc = \"X\"", "desc", "X"},
-                 {" \tDesc \"X\"", "desc", "X"},
-                 {"desc\t= \"X\"", "desc", "code 1"},
-                 {"description \"X\"", "desc", "code 1"},
-                 {"desc", "desc", "code 1"},
-                 {" ;desc = \"X\"", "desc", "code 1"},
-                 {"desc = X", "desc", "code 9"},
-                 {"desc = \"X", "desc", "code 9"},
-                 {"desc = \"\"", "desc", ""},
-                 {"a b = \"X\"", "a b", "X"},
-                 {"a=b \"X\"", "A=B", "X"},
-                 {"a b = \"X\"", "a", "X"},
-                 {"1st\t\"X\"", "1s", "X"},
-                 {"desc = \"X;{\" }", "desc", "X;{"}};
-    for (const auto& row : kRows) {
-        WriteFile("k.cfg", row.line);
-        ConfigFileReader reader;
-        ASSERT_EQ(reader.Load("k.cfg", false), 0);
-        ASSERT_EQ(reader.BuildLineIndex(), 0);
-        char buffer[32];
-        const int code = reader.ReadString(row.key, buffer, sizeof buffer);
-        EXPECT_EQ(code == 0 ? buffer : "code " + std::to_string(code), row.text) << row.line;
+    constexpr const char* kRows[][3] = {{"desc=\"X\"", "desc", "X"},
+                                        {"desc = \"X\"", "desc", "X"},
+                                        {" \tDesc \"X\"", "desc", "X"},
+                                        {"desc\t= \"X\"", "desc", "code 1"},
+                                        {"description \"X\"", "desc", "code 1"},
+                                        {"desc", "desc", "code 1"},
+                                        {" ;desc = \"X\"", "desc", "code 1"},
+                                        {"desc = X", "desc", "code 9"},
+                                        {"desc = \"X", "desc", "code 9"},
+                                        {"desc = \"\"", "desc", ""},
+                                        {"a b = \"X\"", "a b", "X"},
+                                        {"a=b \"X\"", "A=B", "X"},
+                                        {"a b = \"X\"", "a", "X"},
+                                        {"1st\t\"X\"", "1s", "X"},
+                                        {"desc = \"X;{\" }", "desc", "X;{"}};
+    for (const auto& [line, key, text] : kRows) {
+        WriteFile("k.cfg", line);
+        ASSERT_EQ(reader_.Load("k.cfg", false), 0);
+        ASSERT_EQ(reader_.BuildLineIndex(), 0);
+        EXPECT_EQ(Text(key), text) << line;
     }
 }
 
@@ -160,20 +154,15 @@ TEST_F(ConfigFileReaderTest, ReadsNumbers) {
         "#\ndesc \"d\"\na = 1E3\nb = 1e3\nc =x\nd =\ne = -70000.9\nf = 9e99\ng= 0.49\nh =-0.5 \n"
         "i = 1234567890123456789012345678901234567890\nj \t = 7");
     double number = -5;
-    EXPECT_EQ(reader_.ReadNumber("a", number), 0);
-    EXPECT_EQ(number, 1);
-    EXPECT_EQ(reader_.ReadNumber("b", number), 0);
-    EXPECT_EQ(number, 1000);
-    EXPECT_EQ(reader_.ReadNumber("d", number), 1);
-    EXPECT_EQ(reader_.ReadNumber("z", number), 1);
-    EXPECT_EQ(reader_.ReadNumber("b", number, 1), 2);
-    EXPECT_EQ(number, 1000);
-    EXPECT_EQ(reader_.ReadNumber("c", number), 0);
-    EXPECT_EQ(number, 0);
-    EXPECT_EQ(reader_.ReadNumber("i", number), 0);
-    EXPECT_DOUBLE_EQ(number, 1234567890123456789012345678901.0);   // 31 digits count
-    EXPECT_EQ(reader_.ReadNumber("j", number), 0);
-    EXPECT_EQ(number, 7);
+    const std::tuple<const char*, int, int, double> kRows[] = {
+        {"a", -1, 0, 1},    {"b", -1, 0, 1000},
+        {"d", -1, 1, 1000}, {"z", -1, 1, 1000},
+        {"b", 1, 2, 1000},  {"c", -1, 0, 0},
+        {"j", -1, 0, 7},    {"i", -1, 0, 1234567890123456789012345678901.0}};   // 31 digits count
+    for (const auto& [key, block, result, wanted] : kRows) {
+        EXPECT_EQ(reader_.ReadNumber(key, number, block), result) << key;
+        EXPECT_DOUBLE_EQ(number, wanted) << key;
+    }
     int i = 0;
     EXPECT_EQ(reader_.ReadInt("e", i), 0);
     EXPECT_EQ(i, -70000);
@@ -256,60 +245,43 @@ TEST_F(ConfigFileReaderTest, WarnsOfMissingAndRepeatedIndexValues) {
                             "warning ConfigFileReader: 'desc' entry in 'e.cfg' (3) not unique: 'a' @e.cfg:6",
                             "warning ConfigFileReader: 'desc' entry in 'e.cfg' (4) not unique: 'a' @e.cfg:7"));
     EXPECT_EQ(reader_.FindBlock("A"), 1);
-    EXPECT_EQ(LoadError("#\ndesc=\"\"\n"), "SearchTree: Empty name string");
+    EXPECT_EQ(ErrorOf([&] { Load("#\ndesc=\"\"\n"); }), "SearchTree: Empty name string");
 }
 
 TEST_F(ConfigFileReaderTest, ReportsBracesThatDoNotFit) {
-    const struct {
-        const char *content, *error;
-    } kRows[] = {{"#\na {\n}\n }\n", "ConfigFileReader: Invalid '}' in file 'e.cfg' at line 4"},
-                 {"#\na { b\n}\n", "ConfigFileReader: Invalid block start/end in file 'e.cfg' at line 2"},
-                 {"#\na {\n} \xE4\n", "ConfigFileReader: Invalid block start/end in file 'e.cfg' at line 3"},
-                 {"#\na {}\n", "ConfigFileReader: Invalid block start/end in file 'e.cfg' at line 2"},
-                 {"#\ndesc=\"{\"\n", "ConfigFileReader: Invalid block start/end in file 'e.cfg' at line 2"},
-                 {"#\ndesc=\"d\"\na {\n", "ConfigFileReader: Unfinished block in file 'e.cfg'"},
-                 {"} before the first block {\n#\ndesc=\"d\"\n", "no error"},
-                 {"#\ndesc=\"d\"\na {\n#\ndesc=\"e\"\n", "no error"},
-                 {"#\ndesc=\"d\"\n; {\n}\n", "no error"}};
-    for (const auto& row : kRows) EXPECT_EQ(LoadError(row.content), row.error) << row.content;
+    constexpr const char* kRows[][2] = {{"#\na {\n}\n }\n", "Invalid '}' in file 'e.cfg' at line 4"},
+                                        {"#\na { b\n}\n", "Invalid block start/end in file 'e.cfg' at line 2"},
+                                        {"#\na {\n} \xE4\n", "Invalid block start/end in file 'e.cfg' at line 3"},
+                                        {"#\na {}\n", "Invalid block start/end in file 'e.cfg' at line 2"},
+                                        {"#\ndesc=\"{\"\n", "Invalid block start/end in file 'e.cfg' at line 2"},
+                                        {"#\ndesc=\"d\"\na {\n", "Unfinished block in file 'e.cfg'"}};
+    for (const auto& [content, message] : kRows) ExpectError([&] { Load(content); }, message);
+    for (const char* fine : {"} before the first block {\n#\ndesc=\"d\"\n", "#\ndesc=\"d\"\na {\n#\ndesc=\"e\"\n",
+                             "#\ndesc=\"d\"\n; {\n}\n"})
+        EXPECT_EQ(ErrorOf([&] { Load(fine); }), "no error") << fine;
 }
 
 TEST_F(ConfigFileReaderTest, ReportsAWrongWalk) {
     Load("#\ndesc=\"d\"\nNAME{\n}\n{\n}\nGOOD {\nlast \t {\n}\n}\n");
-    EXPECT_EQ(ErrorOf([&] { Next(); }), "ConfigFileReader: NextBlock() before block read start in file 'e.cfg'");
-    EXPECT_EQ(ErrorOf([&] { reader_.EnterBlock(); }),
-              "ConfigFileReader: Invalid EnterBlock() at line 1 in file 'e.cfg'");
-    reader_.SelectBlock(0);
-    EXPECT_EQ(ErrorOf([&] { Next(); }), "ConfigFileReader: Unreachable code in file 'e.cfg' at line 3");
-    EXPECT_EQ(ErrorOf([&] { reader_.EnterBlock(); }),
-              "ConfigFileReader: Invalid EnterBlock() at line 1 in file 'e.cfg'");
-    EXPECT_EQ(ErrorOf([&] { reader_.ExitBlock(); }),
-              "ConfigFileReader: Invalid ExitBlock() at line: 1 in file 'e.cfg'");
+    ExpectError([&] { Walk("next"); }, "NextBlock() before block read start in file 'e.cfg'");
+    ExpectError([&] { Walk("enter"); }, "Invalid EnterBlock() at line 1 in file 'e.cfg'");
+    ExpectError([&] { Walk("#0 next"); }, "Unreachable code in file 'e.cfg' at line 3");
+    ExpectError([&] { Walk("enter"); }, "Invalid EnterBlock() at line 1 in file 'e.cfg'");
+    ExpectError([&] { Walk("exit"); }, "Invalid ExitBlock() at line: 1 in file 'e.cfg'");
     Load("#\ndesc=\"d\"\n {\n}\n");
-    reader_.SelectBlock(0);
-    EXPECT_EQ(ErrorOf([&] { Next(); }), "ConfigFileReader: Invalid block start in file 'e.cfg' at line 3");
+    ExpectError([&] { Walk("#0 next"); }, "Invalid block start in file 'e.cfg' at line 3");
 }
 
 TEST_F(ConfigFileReaderTest, StaysInsideAnUnfinishedEntry) {
     Load("#\ndesc=\"d\"\nA {\nB {\nx=1\n#\ndesc=\"e\"\nC {\nD {\n}\n}\n");
-    reader_.SelectBlock(0);
-    EXPECT_EQ(Next(), "A");
-    reader_.EnterBlock();
-    EXPECT_EQ(Next(), "B");
-    reader_.EnterBlock();
-    EXPECT_EQ(Text("desc"), "code 1");
-    EXPECT_EQ(Next(), "none");
-    EXPECT_EQ(ErrorOf([&] { reader_.ExitBlock(); }),
-              "ConfigFileReader: Invalid ExitBlock() at line: 5 in file 'e.cfg'");
+    EXPECT_EQ(Walk("#0 next enter next enter desc next"), "A, B, code 1, none");
+    ExpectError([&] { Walk("exit"); }, "Invalid ExitBlock() at line: 5 in file 'e.cfg'");
 }
 
 TEST_F(ConfigFileReaderTest, ReturnsTheCodesOfTheLineReader) {
     EXPECT_EQ(reader_.Load("none.cfg", true), 1);
     EXPECT_STREQ(reader_.GetErrorText(), "Can not open file none.cfg, Code:2");
-    EXPECT_EQ(Text("desc"), "code 1");
-    reader_.SelectBlock(-1);
-    EXPECT_EQ(Text("desc"), "code 1");
-    EXPECT_EQ(Next(), "none");
+    EXPECT_EQ(Walk("desc #-1 desc next"), "code 1, code 1, none");
     EXPECT_EQ(Load(std::string(8388480, '\n')), 3);
     EXPECT_EQ(Load("#\n" + std::string(65536, 'x')), 4);
     EXPECT_EQ(Load(""), 0);
@@ -320,17 +292,13 @@ TEST_F(ConfigFileReaderTest, ReportsOfOthersNameTheKeysLine) {
     struct User : KRN_Base {};
     Reports reports;
     Load(kEffects);
-    reader_.SelectBlock(0);
-    Text("scale");
-    User().Warning("scale");
-    Text("missing");
-    User().Warning("missing");
-    Next();
-    reader_.EnterBlock();
-    Text("texture");
-    User().Warning("texture");
-    EXPECT_THAT(reports.All(), ElementsAre("warning Undefined: scale @e.cfg:5", "warning Undefined: missing @e.cfg:2",
-                                           "warning Undefined: texture @e.cfg:7"));
+    for (const char* words : {"#0 scale", "missing", "next enter texture"}) {
+        Walk(words);
+        User().Warning("%s", words);
+    }
+    EXPECT_THAT(reports.All(),
+                ElementsAre("warning Undefined: #0 scale @e.cfg:5", "warning Undefined: missing @e.cfg:2",
+                            "warning Undefined: next enter texture @e.cfg:7"));
 }
 
 TEST_F(ConfigFileReaderTest, SurvivesDeepNesting) {

@@ -16,17 +16,14 @@ namespace {
 
 using testing::ElementsAre;
 
-class FileTest : public TemporaryFolder, public testing::WithParamInterface<bool> {
-  protected:
-    bool InMemory() const { return GetParam(); }
-};
+class FileTest : public TemporaryFolder, public testing::WithParamInterface<bool> {};
 INSTANTIATE_TEST_SUITE_P(OnDiskAndInMemory, FileTest, testing::Bool(),
                          [](const auto& row) { return row.param ? "InMemory" : "OnDisk"; });
 
 TEST_P(FileTest, ReadsLittleEndianNumbersAndStrings) {
     WriteFile("a.bin", std::string("\x78\x56\x34\x92\xFE\xFF\x81\3\0\0\0abc\0\0\0\0\xFF\xFF\xFF\xFFz", 23));
     File file;
-    ASSERT_TRUE(file.Open("A.BIN", true, InMemory(), true));
+    ASSERT_TRUE(file.Open("A.BIN", true, GetParam(), true));
     EXPECT_EQ(file.GetSize(), 23);
     EXPECT_EQ(file.ReadInt32(), static_cast<std::int32_t>(0x92345678));
     EXPECT_EQ(file.ReadInt16(), -2);
@@ -47,7 +44,7 @@ TEST_P(FileTest, ReadsLittleEndianNumbersAndStrings) {
 TEST_P(FileTest, RefusesToReadOutsideTheContent) {
     WriteFile("a.bin", "0123456");
     File file;
-    ASSERT_TRUE(file.Open("a.bin", true, InMemory(), true));
+    ASSERT_TRUE(file.Open("a.bin", true, GetParam(), true));
     char bytes[16];
     EXPECT_EQ(ErrorOf([&] { file.Read(bytes, 8); }), "File: a.bin: Error reading from file (Success)");
     file.Seek(9);
@@ -55,7 +52,7 @@ TEST_P(FileTest, RefusesToReadOutsideTheContent) {
     file.Seek(3);
     EXPECT_THROW(file.Read(bytes, -2), ErrorMsg);
     WriteFile("long.bin", std::string("\xFF\xFF\xFF\x7F", 4) + "x");   // claims two thousand million characters
-    ASSERT_TRUE(file.Open("long.bin", true, InMemory(), true));
+    ASSERT_TRUE(file.Open("long.bin", true, GetParam(), true));
     String text;
     EXPECT_EQ(ErrorOf([&] { file.ReadString(text); }), "File: long.bin: Error reading from file (Success)");
 }
@@ -63,7 +60,7 @@ TEST_P(FileTest, RefusesToReadOutsideTheContent) {
 TEST_P(FileTest, WritesWhatItReadsBack) {
     WriteFile("a.bin", "0123456789");
     File file;
-    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
     EXPECT_EQ(file.ReadByte(), '0');
     file.WriteInt32(0x44434241);
     EXPECT_EQ(file.ReadByte(), '5');
@@ -81,7 +78,7 @@ TEST_P(FileTest, WritesWhatItReadsBack) {
 TEST_P(FileTest, SetSizeOnlyCuts) {
     WriteFile("a.bin", "0123456789");
     File file;
-    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
     file.SetSize(12);
     EXPECT_FALSE(file.IsModified());
     file.Write("abcdefgh", 8);
@@ -91,7 +88,7 @@ TEST_P(FileTest, SetSizeOnlyCuts) {
     file.WriteByte('x');   // the gap reads as zeros
     file.Close();
     EXPECT_EQ(ReadFile("a.bin"), std::string("abcd\0\0x", 7));
-    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
     file.SetSize(0);
     file.Close();
     EXPECT_EQ(ReadFile("a.bin"), "");
@@ -101,10 +98,10 @@ TEST_P(FileTest, ReportsWhatIsNotAllowed) {
     WriteFile("a.bin", "0123456789");
     File file;
     EXPECT_EQ(ErrorOf([&] { file.ReadByte(); }), "File: File is not readable");
-    ASSERT_TRUE(file.Open("a.bin", true, InMemory(), true));
+    ASSERT_TRUE(file.Open("a.bin", true, GetParam(), true));
     EXPECT_EQ(ErrorOf([&] { file.WriteByte('x'); }), "File: a.bin: File is not writeable");
     EXPECT_EQ(ErrorOf([&] { file.SetSize(3); }), "File: a.bin: Can not delete data without write permission");
-    ASSERT_TRUE(file.Open("a.bin", false, InMemory(), true));
+    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
     EXPECT_EQ(ErrorOf([&] { file.SetSize(-1); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
     EXPECT_EQ(ErrorOf([&] { file.Write("x", -1); }), "File: a.bin: Error writing to file (File too large)");
     file.Close();
@@ -112,11 +109,6 @@ TEST_P(FileTest, ReportsWhatIsNotAllowed) {
 }
 
 using FileOnDisk = TemporaryFolder;
-
-std::string CloseOnAFullDisk(File& file) {
-    const FileSizeLimit limit;
-    return ErrorOf([&] { file.Close(); });
-}
 
 TEST_F(FileOnDisk, OpenWarnsOnlyWhenAsked) {
     Reports reports;
@@ -254,18 +246,14 @@ class PackedFileTest : public TemporaryFolder {
 };
 
 TEST_F(PackedFileTest, IsToldFromAPlainOne) {
-    const struct {
-        const char* name;
-        std::string file, content;
-    } kRows[] = {{"four bytes", "\xA7VT\xA7", "\xA7VT\xA7"},
-                 {"behind the version", kHeader, kHeader},
-                 {"mode 0", PackedFile(0, kStoredHello), PackedFile(0, kStoredHello)},
-                 {"another magic", "\xA7VT\xA8\1\1", "\xA7VT\xA8\1\1"},
-                 {"packed", PackedFile(1, kStoredHello), "hello"},
-                 {"an unknown mode", PackedFile(77, kStoredHello), "hello"}};
-    for (const auto& row : kRows) {
-        WriteFile("a.bin", row.file);
-        for (const bool in_memory : {false, true}) EXPECT_EQ(Content("a.bin", in_memory), row.content) << row.name;
+    for (const int mode : {1, 77}) {
+        WriteFile("a.bin", PackedFile(mode, kStoredHello));
+        for (const bool in_memory : {false, true}) EXPECT_EQ(Content("a.bin", in_memory), "hello");
+    }
+    for (const std::string& plain :   // too short, too short, of mode 0, with another magic
+         {std::string("\xA7VT\xA7"), kHeader, PackedFile(0, kStoredHello), std::string("\xA7VT\xA8\1\1")}) {
+        WriteFile("a.bin", plain);
+        for (const bool in_memory : {false, true}) EXPECT_EQ(Content("a.bin", in_memory), plain);
     }
 }
 
@@ -345,7 +333,10 @@ TEST_F(PackedFileTest, KeepsItsContentWhenTheDiskIsFull) {
     file.Open("a.bin", false, true, true);
     const std::string content(20000, 'n');
     file.Write(content.data(), 20000);
-    const std::string error = CloseOnAFullDisk(file);
+    const std::string error = [&] {
+        const FileSizeLimit limit;
+        return ErrorOf([&] { file.Close(); });
+    }();
     EXPECT_FALSE(file.IsOpen() || file.IsModified());
     EXPECT_EQ(error, "File: a.bin: Error writing to file (File too large)");
     EXPECT_EQ(ReadFile("a.bin"), PackedFile(8, kStoredHello));
@@ -356,20 +347,19 @@ TEST_F(PackedFileTest, KeepsItsContentWhenTheDiskIsFull) {
 }
 
 TEST(FileValidator, AcceptsRelativePathsOnly) {
-    const struct {
-        const char *path, *report;
-    } kRows[] = {{"data\\a.tga", ""},
-                 {"a", ""},
-                 {"\\", ""},
-                 {"", ""},
-                 {"C:\\data\\a.tga", "warning ErrorClassSimple: Absolute file path: 'C:\\data\\a.tga'"},
-                 {"\\data\\a.tga", "warning ErrorClassSimple: Absolute file path: '\\data\\a.tga'"},
-                 {"/data/a.tga", "warning ErrorClassSimple: Absolute file path: '/data/a.tga'"},
-                 {"\\\\server\\a.tga", "warning ErrorClassSimple: Network file accessed: '\\\\server\\a.tga'"}};
-    for (const auto& row : kRows) {
+    constexpr const char* kRows[][2] = {
+        {"data\\a.tga", ""},
+        {"a", ""},
+        {"\\", ""},
+        {"", ""},
+        {"C:\\data\\a.tga", "warning ErrorClassSimple: Absolute file path: 'C:\\data\\a.tga'"},
+        {"\\data\\a.tga", "warning ErrorClassSimple: Absolute file path: '\\data\\a.tga'"},
+        {"/data/a.tga", "warning ErrorClassSimple: Absolute file path: '/data/a.tga'"},
+        {"\\\\server\\a.tga", "warning ErrorClassSimple: Network file accessed: '\\\\server\\a.tga'"}};
+    for (const auto& [path, report] : kRows) {
         Reports reports;
-        EXPECT_EQ(CFileValidator().CheckPath(row.path), *row.report == '\0') << row.path;
-        EXPECT_EQ(reports.Last(), row.report);
+        EXPECT_EQ(CFileValidator().CheckPath(path), *report == '\0') << path;
+        EXPECT_EQ(reports.Last(), report);
     }
 }
 
