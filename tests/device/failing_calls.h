@@ -8,12 +8,6 @@
 namespace sparkrig {
 
 /// The codes that a call of the contract may answer.
-struct CallCodes {
-    const char* method;
-    std::vector<HRESULT> codes;
-};
-const std::vector<CallCodes>& CodesOfCalls();
-/// Empty for a call that is not in the list.
 std::vector<HRESULT> CodesOf(const std::string& method);
 
 /// Calls whose refusal is not reported by the code's name, by design.

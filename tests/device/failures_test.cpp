@@ -68,11 +68,11 @@ void RefuseOneByOne(BackEnd back_end, WholeProgram::State state, void (*act)(Who
         return FirstCalls(whole.recording);
     }();
     for (const auto& [method, nth] : calls) {
-        const std::vector<HRESULT> codes = CodesOf(method);
-        if (nth > 1 || codes.empty()) continue;
+        if (nth > 1) continue;
         SCOPED_TRACE(method);
         WholeProgram program(back_end, state);
-        ExpectReport(ReportOfFailure(program, method, nth, codes.back(), act), method, codes.back());
+        const HRESULT code = CodesOf(method).back();
+        ExpectReport(ReportOfFailure(program, method, nth, code, act), method, code);
         program.End();
         EXPECT_EQ(program.recording.LiveObjects(), 0);
     }
@@ -117,7 +117,6 @@ TEST_P(Failures, WhileTheProgramPlays) {
         program.Gfx().ResetDevice(nullptr, -1);
         for (const auto& [method, nth] : calls) {
             std::vector<HRESULT> codes = CodesOf(method);
-            ASSERT_TRUE(!codes.empty() || FindQuiet(method)) << method << " has no codes";
             if (!seen.insert(method).second) codes.resize(std::min<std::size_t>(codes.size(), 1));
             for (const HRESULT code : codes) {
                 SCOPED_TRACE(std::string(act.name) + ": " + method + " " + std::to_string(nth) + " " +

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "app/effect_choice.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/device/whole_program.h"
 #include "tests/support/forwarding_device.h"
@@ -25,16 +26,10 @@ long CountStarting(const Recording& recording, const char* beginning) {
                                  [&](const RecordedCall& call) { return call.method.starts_with(beginning); });
 }
 
-int IndexOf(WholeProgram& program, const char* effect) {
-    int index = 0;
-    while (index < program.player->EffectCount() && program.engine.effects.GetEffectName(index) != effect) ++index;
-    return index;
-}
-
 TEST(SteadyFrames, SendNothingThatTheDeviceHolds) {
     WholeProgram program(BackEnd::Recording);
     // The defaults of creation, and of the first points, are sent to a new device that holds them.
-    const int with_points = IndexOf(program, "torch flame");
+    const int with_points = ChooseEffect(program.engine.effects, "torch flame").value();
     program.player->StartEffect(with_points);
     program.Play(with_points, kFewFrames);
     long sent = 0, draws = 0;

@@ -27,22 +27,20 @@ std::string edited, chosen;
 
 bool FormProcedure(HDLG dialog, UINT message, WPARAM wParam, LPARAM) {
     if (message == WM_INITDIALOG) {
-        for (const std::string& entry : entries) {
+        for (const std::string& entry : entries)
             SendDlgItemMessageA(dialog, kList, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.c_str()));
-        }
     } else if (wParam == IDOK || wParam == IDCANCEL) {
         char text[100];
         GetDlgItemTextA(dialog, kEdit, text, sizeof(text));
         edited = text;
         const LRESULT selected = SendDlgItemMessageA(dialog, kList, LB_GETCURSEL, 0, 0);
         const WPARAM index = static_cast<WPARAM>(selected);
-        chosen.assign(selected < 0
-                          ? 1
-                          : static_cast<std::size_t>(SendDlgItemMessageA(dialog, kList, LB_GETTEXTLEN, index, 0)) + 1,
-                      0);
-        if (selected >= 0)
+        chosen.clear();
+        if (selected >= 0) {
+            chosen.resize(static_cast<std::size_t>(SendDlgItemMessageA(dialog, kList, LB_GETTEXTLEN, index, 0)) + 1);
             SendDlgItemMessageA(dialog, kList, LB_GETTEXT, index, reinterpret_cast<LPARAM>(chosen.data()));
-        chosen.pop_back();
+            chosen.pop_back();
+        }
         EndDialog(dialog, static_cast<std::intptr_t>(wParam));
     }
     return true;
@@ -111,10 +109,7 @@ TEST_F(DialogTest, TenThousandNamesOfAnyBytesAreListedSortedAndFound) {
         std::string name = std::to_string(i * 7919 % 10000) + std::string(1000, static_cast<char>(128 + i % 128));
         entries.push_back(name + (i % 3 == 0 ? "\n\xFF%s" : "日本"));
     }
-    Post(WM_CHAR, '9');
-    Post(WM_CHAR, '9');
-    Post(WM_CHAR, '9');
-    Post(WM_CHAR, '9');
+    for (int i = 0; i < 4; ++i) Post(WM_CHAR, '9');
     Type({VK_RETURN});
     EXPECT_EQ(Run(), IDOK);
     EXPECT_TRUE(chosen.starts_with("9999"));
@@ -139,7 +134,10 @@ TEST_F(DialogTest, ClosingTheOwnerCancelsFirst) {
     EXPECT_EQ(received, std::vector<UINT>());
 }
 
-TEST_F(DialogTest, TheMenuIsUsedByKeysAndMouse) {
+TEST_F(DialogTest, TheMenuAboveTheClientAreaIsUsedByKeysAndMouse) {
+    RECT client;
+    GetClientRect(window_, client);
+    EXPECT_EQ(client, (RECT{0, 0, 640, 454}));
     constexpr UINT kIn = WM_ENTERMENULOOP, kOut = WM_EXITMENULOOP;
     const std::tuple<LPARAM, std::vector<WPARAM>, std::vector<UINT>> kRows[] = {
         {'F', {'O'}, {kIn, kOut, 11}},
@@ -166,12 +164,6 @@ TEST_F(DialogTest, TheMenuIsUsedByKeysAndMouse) {
     Post(WM_SYSCOMMAND, SC_MOUSEMENU, at(20, -10));
     Post(WM_LBUTTONDOWN, 0, at(400, 300));
     EXPECT_EQ(Handle(), (std::vector<UINT>{kIn, kOut}));
-}
-
-TEST_F(DialogTest, TheMenuIsAboveTheClientArea) {
-    RECT client;
-    GetClientRect(window_, client);
-    EXPECT_EQ(client, (RECT{0, 0, 640, 454}));
 }
 
 }   // namespace

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <array>
-
 #include <vector>
 
 #include "tests/support/canvas.h"
@@ -15,7 +14,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::Field;
-using ::testing::IsEmpty;
 
 std::vector<MSG> received;
 
@@ -38,22 +36,27 @@ class WindowTest : public ::testing::Test {
         ASSERT_NE(window_, nullptr);
         ShowWindow(window_);
         UpdateWindow(window_);
-        MSG message;
-        while (PeekMessageA(message, PM_REMOVE)) {
-        }
+        Drop();
         received.clear();
     }
     void TearDown() override {
         DestroyWindow(window_);
-        MSG message;
-        while (PeekMessageA(message, PM_REMOVE)) {
+        Drop();
+    }
+    /// What waits.
+    static void Drop() {
+        for (MSG message; PeekMessageA(message, PM_REMOVE);) {
         }
     }
     Uint32 Id() { return SDL_GetWindowID(NativeWindow(window_)); }
-    void PushKey(Uint32 type, SDL_Keycode key, bool repeat) {
+    void PushKey(Uint32 type, SDL_Keycode key, bool repeat = false) {
         SDL_Event event = {};
         event.key = {type, 0, Id(), SDL_PRESSED, repeat, 0, 0, {SDL_GetScancodeFromKey(key), key, 0, 0}};
         SDL_PushEvent(&event);
+    }
+    void Tap(SDL_Keycode key) {
+        PushKey(SDL_KEYDOWN, key);
+        PushKey(SDL_KEYUP, key);
     }
     void PushText(const char* text) {
         SDL_Event event = {};
@@ -96,19 +99,14 @@ TEST_F(WindowTest, HasTheSizeAskedForOrTheDefault) {
     DestroyWindow(by_default);
 }
 
-TEST_F(WindowTest, DispatchesPostedMessagesInOrder) {
+TEST_F(WindowTest, DispatchesPostedMessagesInOrderAndLooksWithoutTakingThem) {
     PostMessageA(window_, WM_COMMAND, 105, 0);
     PostMessageA(window_, WM_ENTERMENULOOP, 0, 0);
-    HandleAll();
-    EXPECT_THAT(received, ElementsAre(Is(WM_COMMAND, 105), Is(WM_ENTERMENULOOP, 0)));
-}
-
-TEST_F(WindowTest, LooksAtAMessageWithoutTakingIt) {
-    PostMessageA(window_, WM_ACTIVATEAPP, 1, 0);
     MSG message;
     EXPECT_TRUE(PeekMessageA(message, PM_NOREMOVE));
-    EXPECT_TRUE(PeekMessageA(message, PM_REMOVE));
-    EXPECT_EQ(message.message, WM_ACTIVATEAPP);
+    EXPECT_EQ(message.message, WM_COMMAND);
+    HandleAll();
+    EXPECT_THAT(received, ElementsAre(Is(WM_COMMAND, 105), Is(WM_ENTERMENULOOP, 0)));
     EXPECT_FALSE(PeekMessageA(message, PM_REMOVE));
 }
 
@@ -124,26 +122,23 @@ TEST_F(WindowTest, ClosingDestroysAndQuits) {
 }
 
 TEST_F(WindowTest, TypedTextFollowsItsKey) {
-    PushKey(SDL_KEYDOWN, SDLK_d, false);
+    PushKey(SDL_KEYDOWN, SDLK_d);
     PushText("d");
-    PushKey(SDL_KEYUP, SDLK_d, false);
+    PushKey(SDL_KEYUP, SDLK_d);
     HandleAll();
     EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, 'D'), Is(WM_CHAR, 'd'), Is(WM_KEYUP, 'D')));
 }
 
 TEST_F(WindowTest, ATapIsSeenWithTheKeysHeldMeanwhile) {
     std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
-    PushKey(SDL_KEYDOWN, SDLK_LSHIFT, false);
-    PushKey(SDL_KEYDOWN, SDLK_b, false);
-    PushKey(SDL_KEYUP, SDLK_b, false);
+    PushKey(SDL_KEYDOWN, SDLK_LSHIFT);
+    Tap(SDLK_b);
     CollectEvents();
     AdjustKeys(keys);
     keys.fill(0);
-    PushKey(SDL_KEYDOWN, SDLK_RIGHT, false);
-    PushKey(SDL_KEYUP, SDLK_RIGHT, false);
-    PushKey(SDL_KEYUP, SDLK_LSHIFT, false);
-    PushKey(SDL_KEYDOWN, SDLK_c, false);
-    PushKey(SDL_KEYUP, SDLK_c, false);
+    Tap(SDLK_RIGHT);
+    PushKey(SDL_KEYUP, SDLK_LSHIFT);
+    Tap(SDLK_c);
     CollectEvents();
     AdjustKeys(keys);
     EXPECT_TRUE(keys[SDL_SCANCODE_RIGHT] && keys[SDL_SCANCODE_LSHIFT] && keys[SDL_SCANCODE_C]);
@@ -151,8 +146,7 @@ TEST_F(WindowTest, ATapIsSeenWithTheKeysHeldMeanwhile) {
 }
 
 TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnce) {
-    PushKey(SDL_KEYDOWN, SDLK_r, false);
-    PushKey(SDL_KEYUP, SDLK_r, false);
+    Tap(SDLK_r);
     PushKey(SDL_KEYDOWN, SDLK_F5, true);   // held since long ago
     CollectEvents();
     std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
@@ -166,17 +160,15 @@ TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnce) {
 }
 
 TEST_F(WindowTest, RepeatsOfAWaitingKeyAreMerged) {
-    for (const bool repeat : {false, true, true}) {
-        PushKey(SDL_KEYDOWN, SDLK_SPACE, repeat);
-        PushText(" ");
+    for (const auto& repeats : {std::vector<bool>{false, true, true}, {true}}) {
+        received.clear();
+        for (const bool repeat : repeats) {
+            PushKey(SDL_KEYDOWN, SDLK_SPACE, repeat);
+            PushText(" ");
+        }
+        HandleAll();
+        EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, ' '), Is(WM_CHAR, ' ')));
     }
-    HandleAll();
-    EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, ' '), Is(WM_CHAR, ' ')));
-    received.clear();
-    PushKey(SDL_KEYDOWN, SDLK_SPACE, true);
-    PushText(" ");
-    HandleAll();
-    EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, ' '), Is(WM_CHAR, ' ')));
 }
 
 TEST_F(WindowTest, ClicksCarrySignedClientCoordinates) {
@@ -201,12 +193,9 @@ TEST_F(WindowTest, FocusAndSizeBecomeMessages) {
     EXPECT_EQ(received[3].lParam, (600 << 16) | 800);
 }
 
-TEST_F(WindowTest, CountsAsForegroundWhereThereIsNoFocus) {
+TEST_F(WindowTest, WithoutADisplayHasTheFocusAndSaysTheMessageBoxOnTheErrorStream) {
     EXPECT_FALSE(HasDisplay());
     EXPECT_TRUE(IsForegroundWindow(window_));
-}
-
-TEST_F(WindowTest, SaysTheMessageBoxOnTheErrorStream) {
     ::testing::internal::CaptureStderr();
     MessageBoxA(window_, "KRN_Gfx: broken", "A caption");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "A caption: KRN_Gfx: broken\n");
