@@ -24,6 +24,13 @@ class Pack : public TemporaryFolder {
         outcome.exit_code = WEXITSTATUS(pclose(pipe));
         return outcome;
     }
+    /// What it printed.
+    static std::string ExpectOutcome(const std::string& arguments, int exit_code, const std::string& text) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exit_code, exit_code) << arguments;
+        EXPECT_THAT(outcome.text, HasSubstr(text)) << arguments;
+        return outcome.text;
+    }
     static std::string Content() {
         std::string content;
         for (int i = 0; i < 9000; ++i) content += static_cast<char>(i * i % 23);
@@ -37,15 +44,12 @@ TEST_F(Pack, PacksAndUnpacksInEveryMode) {
     ASSERT_EQ(chmod("a.bin", 0640), 0);
     for (int mode = 1; mode <= 8; ++mode) {
         const std::string number = std::to_string(mode);
-        const Outcome packed = Run("A.BIN --mode " + number);
-        EXPECT_EQ(packed.exit_code, 0) << packed.text;
-        EXPECT_THAT(packed.text, HasSubstr("A.BIN: mode " + number + " ("));
-        EXPECT_THAT(packed.text, HasSubstr(" 9000 bytes packed into " + std::to_string(ReadFile("a.bin").size())));
+        const std::string packed = ExpectOutcome("A.BIN --mode " + number, 0, "A.BIN: mode " + number + " (");
+        const std::string size = std::to_string(ReadFile("a.bin").size());
+        EXPECT_THAT(packed, HasSubstr(" 9000 bytes packed into " + size));
         EXPECT_EQ(ReadFile("a.bin").substr(0, 6), std::string("\xA7VT\xA7\1") + static_cast<char>(mode));
-        const Outcome listed = Run("--list a.bin");
-        EXPECT_EQ(listed.exit_code, 0);
-        EXPECT_THAT(listed.text, HasSubstr("a.bin: mode " + number + " ("));
-        EXPECT_THAT(listed.text, HasSubstr(std::to_string(ReadFile("a.bin").size()) + " bytes packed, 9000 plain"));
+        const std::string listed = ExpectOutcome("--list a.bin", 0, "a.bin: mode " + number + " (");
+        EXPECT_THAT(listed, HasSubstr(size + " bytes packed, 9000 plain"));
         if (mode == 3) continue;   // the next one packs a packed file
         EXPECT_EQ(Run("--unpack a.bin").exit_code, 0);
         EXPECT_EQ(ReadFile("a.bin"), content);
@@ -74,9 +78,7 @@ TEST_F(Pack, LeavesEmptyContentEmptyAndPlain) {
                  {packed, "--unpack a.bin", "a.bin: plain, 0 bytes\n"}};
     for (const auto& row : kRows) {
         WriteFile("a.bin", row.before);
-        const Outcome outcome = Run(row.arguments);
-        EXPECT_EQ(outcome.exit_code, 0);
-        EXPECT_EQ(outcome.text, row.text);
+        EXPECT_EQ(ExpectOutcome(row.arguments, 0, ""), row.text);
         EXPECT_EQ(ReadFile("a.bin"), "");
     }
 }
@@ -99,44 +101,30 @@ TEST_F(Pack, SaysWhatItFinds) {
     WriteFile("plain.bin", "plain");
     WriteFile("broken.bin", "\xA7VT\xA7\1\2\x2\5");
     EXPECT_THAT(Run("--list plain.bin").text, HasSubstr("plain.bin: mode 0 (plain), 5 bytes packed, 5 plain"));
-    const struct {
-        const char *arguments, *text;
-    } kRows[] = {{"--list broken.bin plain.bin", "pack: broken.bin: End of read buffer"},
-                 {"--list broken.bin plain.bin", "plain.bin: mode 0"},
-                 {"broken.bin --mode 3", "pack: broken.bin: End of read buffer"},
-                 {"--unpack plain.bin", "pack: plain.bin: is plain already"},
-                 {"--unpack none.bin", "pack: none.bin: No such file or directory"},
-                 {"none.bin --mode 1", "pack: none.bin: No such file or directory"}};
-    for (const auto& row : kRows) {
-        const Outcome outcome = Run(row.arguments);
-        EXPECT_EQ(outcome.exit_code, 1) << row.arguments;
-        EXPECT_THAT(outcome.text, HasSubstr(row.text)) << row.arguments;
-    }
+    constexpr const char* kRows[][2] = {{"--list broken.bin plain.bin", "pack: broken.bin: End of read buffer"},
+                                        {"--list broken.bin plain.bin", "plain.bin: mode 0"},
+                                        {"broken.bin --mode 3", "pack: broken.bin: End of read buffer"},
+                                        {"--unpack plain.bin", "pack: plain.bin: is plain already"},
+                                        {"--unpack none.bin", "pack: none.bin: No such file or directory"},
+                                        {"none.bin --mode 1", "pack: none.bin: No such file or directory"}};
+    for (const auto& [arguments, text] : kRows) ExpectOutcome(arguments, 1, text);
     EXPECT_EQ(ReadFile("plain.bin"), "plain");
 }
 
 TEST_F(Pack, RefusesWrongUsage) {
     WriteFile("a.bin", "plain");
-    const struct {
-        const char *arguments, *text;
-    } kRows[] = {{"a.bin", "one of --mode, --list and --unpack is needed"},
-                 {"--list", "a file is needed"},
-                 {"a.bin --mode 9", "--mode"},
-                 {"a.bin --mode 0", "--mode"},
-                 {"a.bin --mode x", "--mode"},
-                 {"a.bin --mode 1 --unpack", "one of --mode, --list and --unpack is needed"},
-                 {"a.bin b.bin --mode 1", "one file at a time"},
-                 {"--lst a.bin", "unknown option --lst; did you mean --list?"},
-                 {"--unpak=3 a.bin", "unknown option --unpak; did you mean --unpack?"}};
-    for (const auto& row : kRows) {
-        const Outcome outcome = Run(row.arguments);
-        EXPECT_EQ(outcome.exit_code, 2) << row.arguments;
-        EXPECT_THAT(outcome.text, HasSubstr(row.text)) << row.arguments;
-    }
+    constexpr const char* kRows[][2] = {{"a.bin", "one of --mode, --list and --unpack is needed"},
+                                        {"--list", "a file is needed"},
+                                        {"a.bin --mode 9", "--mode"},
+                                        {"a.bin --mode 0", "--mode"},
+                                        {"a.bin --mode x", "--mode"},
+                                        {"a.bin --mode 1 --unpack", "one of --mode, --list and --unpack is needed"},
+                                        {"a.bin b.bin --mode 1", "one file at a time"},
+                                        {"--lst a.bin", "unknown option --lst; did you mean --list?"},
+                                        {"--unpak=3 a.bin", "unknown option --unpak; did you mean --unpack?"}};
+    for (const auto& [arguments, text] : kRows) ExpectOutcome(arguments, 2, text);
     EXPECT_EQ(ReadFile("a.bin"), "plain");
-    const Outcome help = Run("--help");
-    EXPECT_EQ(help.exit_code, 0);
-    EXPECT_THAT(help.text, HasSubstr("4  LZMA, strongest"));
+    ExpectOutcome("--help", 0, "4  LZMA, strongest");
 }
 
 }   // namespace

@@ -76,9 +76,8 @@ void KeepDriverLoaded() {
         return 0;
     };
     dl_iterate_phdr(collect, &libraries);
-    for (const std::string& library : libraries) {
+    for (const std::string& library : libraries)
         if (!library.empty()) dlopen(library.c_str(), RTLD_LAZY | RTLD_NODELETE);
-    }
     context.reset();
     SDL_DestroyWindow(window);
 #endif

@@ -73,17 +73,15 @@ int Recording::Count(const std::string& method) const { return static_cast<int>(
 
 std::vector<std::vector<DWORD>> Recording::ArgumentsOf(const std::string& method) const {
     std::vector<std::vector<DWORD>> all;
-    for (const RecordedCall& call : calls_) {
+    for (const RecordedCall& call : calls_)
         if (call.method == method) all.push_back(call.arguments);
-    }
     return all;
 }
 
 std::vector<std::string> Recording::Methods(const std::set<std::string>& of) const {
     std::vector<std::string> methods;
-    for (const RecordedCall& call : calls_) {
+    for (const RecordedCall& call : calls_)
         if (of.empty() || of.count(call.method) > 0) methods.push_back(call.method);
-    }
     return methods;
 }
 
@@ -124,9 +122,8 @@ HRESULT Recording::Record(const char* method, std::vector<DWORD> arguments) {
     if (found == failures_.end()) return D3D_OK;
     HRESULT result = D3D_OK;
     std::vector<Failure>& waiting = found->second;
-    for (Failure& failure : waiting) {
+    for (Failure& failure : waiting)
         if (--failure.left == 0) result = failure.code;
-    }
     std::erase_if(waiting, [](const Failure& failure) { return failure.left <= 0; });
     return result;
 }

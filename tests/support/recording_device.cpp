@@ -246,9 +246,8 @@ class RecordingDirect3D : public RecordedObject<IDirect3D9> {
     }
     HRESULT EnumAdapterModes(UINT adapter, D3DFORMAT format, UINT index, D3DDISPLAYMODE* mode) override {
         return Do("EnumAdapterModes", {adapter, format, index}, [&] {
-            for (const D3DDISPLAYMODE& offered : recording_.modes) {
+            for (const D3DDISPLAYMODE& offered : recording_.modes)
                 if (offered.Format == format && index-- == 0) return *mode = offered, D3D_OK;
-            }
             return D3DERR_INVALIDCALL;
         });
     }

@@ -72,9 +72,8 @@ bool ExpectReference(const Scene& scene, Canvas& canvas) {
 class Dice {
   public:
     explicit Dice(unsigned seed) : random_(seed) {
-        for (fixed::Texture& texture : textures_) {
+        for (fixed::Texture& texture : textures_)
             for (D3DCOLOR& texel : texture.texels) texel = Colour();
-        }
         textures_.back().is_signed = true;
     }
 

@@ -154,9 +154,8 @@ TEST_F(Redraw, SendsAllRowsThatSeveralLocksWrote) {
         texture->UnlockRect(0);
     }
     canvas_.FillAll(0xFFFFFFFF);
-    for (UINT row = 0; row < 8; ++row) {
+    for (UINT row = 0; row < 8; ++row)
         EXPECT_EQ(canvas_.PixelArgb(2, row), row % 2 == 1 && row < 6 ? kFirst : kBack) << row;
-    }
 }
 
 TEST_F(Redraw, FollowsStatesThatAreOnlyValues) {

@@ -79,9 +79,8 @@ TEST(ImageInfo, RefusesAJpgWhoseTablesTheDecoderCouldNotUse) {
                  {"a component whose quantisation was never given", frame + 8, "\x03"}};
     D3DXIMAGE_INFO info = {};
     ASSERT_EQ(ReadImageInfo(BytesOf(whole), info), D3D_OK);
-    for (const auto& row : kRows) {
+    for (const auto& row : kRows)
         EXPECT_EQ(ReadImageInfo(BytesOf(With(whole, row.place, row.bytes)), info), D3DXERR_INVALIDDATA) << row.name;
-    }
 }
 
 TEST(ImageInfo, TakesTheLongestSideThatIsAllowed) {
