@@ -13,10 +13,9 @@
 namespace sparkrig {
 namespace {
 
-void Append(std::string& out, UINT value, int bytes) { out += Little(value, bytes); }
-
-void Big(std::string& out, UINT value) {
-    for (int shift = 24; shift >= 0; shift -= 8) out += static_cast<char>(value >> shift & 0xFF);
+std::string Big(UINT value) {
+    std::string bytes = Little(value, 4);
+    return {bytes.rbegin(), bytes.rend()};
 }
 
 void AppendData(void* context, void* data, int size) {
@@ -42,11 +41,9 @@ std::string Stored(D3DFORMAT format, const D3DCOLOR* pixels, std::size_t count) 
     return bytes;
 }
 
-void PngChunk(std::string& out, const std::string& type, const std::string& data) {
-    Big(out, static_cast<UINT>(data.size()));
-    std::string body = type + data;
-    out += body;
-    Big(out, stbiw__crc32(reinterpret_cast<unsigned char*>(body.data()), static_cast<int>(body.size())));
+/// Without its check, which nobody asks for.
+std::string PngChunk(const std::string& type, const std::string& data) {
+    return Big(static_cast<UINT>(data.size())) + type + data + Big(0);
 }
 
 }   // namespace
@@ -68,26 +65,14 @@ std::string PngFile(const TestPicture& picture, int channels) {
 }
 
 std::string PalettePngFile(const TestPicture& picture, D3DCOLOR first, D3DCOLOR second) {
-    std::string file = "\x89PNG\r\n\x1a\n", head, palette, rows;
-    Big(head, picture.width);
-    Big(head, picture.height);
-    head += std::string("\x08\x03\x00\x00\x00", 5);
-    for (const D3DCOLOR c : {first, second})
-        for (int shift = 16; shift >= 0; shift -= 8) palette += static_cast<char>(c >> shift & 0xFF);
-    for (UINT y = 0; y < picture.height; ++y) {
-        rows += '\0';
-        for (UINT x = 0; x < picture.width; ++x) rows += static_cast<char>(picture.At(x, y) & 1);
-    }
-    int length = 0;
-    unsigned char* packed =
-        stbi_zlib_compress(reinterpret_cast<unsigned char*>(rows.data()), static_cast<int>(rows.size()), &length, 8);
-    PngChunk(file, "IHDR", head);
-    PngChunk(file, "PLTE", palette);
-    if (first >> 24 != 255) PngChunk(file, "tRNS", std::string(1, static_cast<char>(first >> 24)));
-    PngChunk(file, "IDAT", std::string(reinterpret_cast<char*>(packed), static_cast<std::size_t>(length)));
-    PngChunk(file, "IEND", "");
-    std::free(packed);
-    return file;
+    TestPicture indices = picture;
+    for (D3DCOLOR& pixel : indices.pixels) pixel = (pixel & 1) << 16;
+    std::string file = PngFile(indices, 1), between;
+    constexpr std::size_t kColourType = 25, kBehindHead = 33;
+    file[kColourType] = 3;
+    between = PngChunk("PLTE", Big(first).substr(1) + Big(second).substr(1));
+    if (first >> 24 != 255) between += PngChunk("tRNS", std::string(1, static_cast<char>(first >> 24)));
+    return file.insert(kBehindHead, between);
 }
 
 std::string JpgFile(const TestPicture& picture, int channels) {
@@ -98,31 +83,19 @@ std::string JpgFile(const TestPicture& picture, int channels) {
 }
 
 std::string BmpFile(const TestPicture& picture, D3DFORMAT format) {
-    const bool masks = format == D3DFMT_R5G6B5 || format == D3DFMT_A8R8G8B8;
-    const UINT header = format == D3DFMT_A8R8G8B8 ? 108 : 40, bytes = PixelBytes(format);
-    std::string info;
-    Append(info, header, 4);
-    Append(info, picture.width, 4);
-    Append(info, picture.height, 4);
-    Append(info, 1, 2);
-    Append(info, bytes * 8, 2);
-    Append(info, masks ? 3 : 0, 4);
-    info.append(20, '\0');
-    if (format == D3DFMT_R5G6B5)
-        for (const UINT mask : {0xF800u, 0x7E0u, 0x1Fu}) Append(info, mask, 4);
-    if (format == D3DFMT_A8R8G8B8) {
-        for (const UINT mask : {0xFF0000u, 0xFF00u, 0xFFu, 0xFF000000u}) Append(info, mask, 4);
-        info.append(52, '\0');
-    }
-    std::string file = "BM";
-    Append(file, 0, 4);
-    Append(file, 0, 4);
-    Append(file, static_cast<UINT>(14 + info.size()), 4);
-    file += info;
+    std::string masks;
+    if (format == D3DFMT_R5G6B5) masks = Little(0xF800, 4) + Little(0x7E0, 4) + Little(0x1F, 4);
+    if (format == D3DFMT_A8R8G8B8)
+        masks =
+            Little(0xFF0000, 4) + Little(0xFF00, 4) + Little(0xFF, 4) + Little(0xFF000000, 4) + std::string(52, '\0');
+    const UINT header = format == D3DFMT_A8R8G8B8 ? 108 : 40;
+    const std::string info = Little(header, 4) + Little(picture.width, 4) + Little(picture.height, 4) + Little(1, 2) +
+                             Little(PixelBytes(format) * 8, 2) + Little(masks.empty() ? 0 : 3, 4) +
+                             std::string(20, '\0') + masks;
+    std::string file = "BM" + Little(0, 8) + Little(static_cast<UINT>(14 + info.size()), 4) + info;
     for (UINT y = picture.height; y-- > 0;) {
-        std::string row = Stored(format, &picture.pixels[y * picture.width], picture.width);
-        row.resize((row.size() + 3) / 4 * 4);
-        file += row;
+        file += Stored(format, &picture.pixels[y * picture.width], picture.width);
+        while ((file.size() - 14 - info.size()) % 4 != 0) file += '\0';
     }
     return file;
 }
@@ -130,13 +103,9 @@ std::string BmpFile(const TestPicture& picture, D3DFORMAT format) {
 std::string TgaFile(const TestPicture& picture, D3DFORMAT format, bool packed) {
     const UINT bytes = PixelBytes(format);
     const UINT alpha_bits = format == D3DFMT_A8R8G8B8 ? 8 : format == D3DFMT_A1R5G5B5 ? 1 : 0;
-    std::string file(2, '\0');
-    file += static_cast<char>((format == D3DFMT_L8 ? 3 : 2) + (packed ? 8 : 0));
-    file.append(9, '\0');
-    Append(file, picture.width, 2);
-    Append(file, picture.height, 2);
-    file += static_cast<char>(bytes * 8);
-    file += static_cast<char>(0x20 | alpha_bits);   // rows from the top
+    const UINT type = (format == D3DFMT_L8 ? 3 : 2) + (packed ? 8 : 0);
+    std::string file = Little(type << 16, 4) + Little(0, 8) + Little(picture.width, 2) + Little(picture.height, 2) +
+                       Little(bytes * 8, 1) + Little(0x20 | alpha_bits, 1);   // rows from the top
     const std::string data = Stored(format, picture.pixels.data(), picture.pixels.size());
     if (!packed) return file + data;
     for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
@@ -150,11 +119,11 @@ std::string TgaFile(const TestPicture& picture, D3DFORMAT format, bool packed) {
 std::string DdsHead(const DdsFields& fields) {
     std::string file = "DDS ";
     for (const UINT value : {124u, 0x1007u, fields.height, fields.width, 0u, 0u, fields.mip_count})
-        Append(file, value, 4);
+        file += Little(value, 4);
     file.append(44, '\0');
     for (const UINT value : {32u, fields.flags, fields.four_cc, fields.bits, fields.r, fields.g, fields.b, fields.a,
                              0x1000u, fields.caps2, 0u, 0u, 0u})
-        Append(file, value, 4);
+        file += Little(value, 4);
     return file;
 }
 

@@ -57,19 +57,20 @@ class Shaders : public testing::Test {
   protected:
     Shaders() : canvas_(8, 8) {}
 
-    void Use(const ShaderCode* vertex, const ShaderCode* pixel) {
+    // Empty code: that of the device.
+    void Use(const ShaderCode& vertex, const ShaderCode& pixel) {
         vertex_.Reset(), pixel_.Reset();
-        EXPECT_EQ(vertex == nullptr ? D3D_OK : canvas_->CreateVertexShader(*vertex, vertex_.Receive()), D3D_OK);
-        EXPECT_EQ(pixel == nullptr ? D3D_OK : canvas_->CreatePixelShader(*pixel, pixel_.Receive()), D3D_OK);
+        EXPECT_EQ(vertex.glsl.empty() ? D3D_OK : canvas_->CreateVertexShader(vertex, vertex_.Receive()), D3D_OK);
+        EXPECT_EQ(pixel.glsl.empty() ? D3D_OK : canvas_->CreatePixelShader(pixel, pixel_.Receive()), D3D_OK);
         canvas_->SetVertexShader(vertex_.Get());
         canvas_->SetPixelShader(pixel_.Get());
     }
-    // A quad over the canvas, or over a part of it in clip coordinates.
-    Rgb Draw(float left = -1.1f, float bottom = -1.1f, float right = 1.1f, float top = 1.1f) {
+    // A quad over the canvas.
+    Rgb Draw() {
         canvas_.Clear(0);
         const auto corner = [](float x, float y) { return Vertex{x, y, 0.5f, kDiffuse, 0.25f, 0.75f}; };
-        const std::vector<Vertex> quad = {corner(left, bottom), corner(left, top), corner(right, bottom),
-                                          corner(right, top)};
+        const std::vector<Vertex> quad = {corner(-1.1f, -1.1f), corner(-1.1f, 1.1f), corner(1.1f, -1.1f),
+                                          corner(1.1f, 1.1f)};
         EXPECT_EQ(canvas_.Draw(Vertex::kFvf, D3DPT_TRIANGLESTRIP, 2, quad), D3D_OK);
         return canvas_.Pixel(3, 4);
     }
@@ -83,32 +84,25 @@ TEST_F(Shaders, VertexFunctionsFeedTheTextureStages) {
     const auto texture = MakeTexture(
         canvas_.Device(), 2, 2, {Argb(255, 1, 1, 1), Argb(255, 2, 2, 2), Argb(255, 51, 102, 204), Argb(255, 4, 4, 4)});
     canvas_->SetTexture(0, texture.Get());
-    const ShaderCode code = VertexCode(kColour | kCoordinate, "out_0 = in_color; out_2 = in_uv;");
-    Use(&code, nullptr);
+    Use(VertexCode(kColour | kCoordinate, "out_0 = in_color; out_2 = in_uv;"), {});
     EXPECT_TRUE(Near(Draw(), Rgb{40, 40, 40}, 1)) << Draw();   // texture times diffuse
 }
 
 TEST_F(Shaders, UnwrittenInterpolantsHaveDefaults) {
     const ShaderCode vertex = VertexCode(0, "");
-    const ShaderCode pixel = PixelCode(kColour | kColour1 | kCoordinate,
-                                       "pixel_color = vec4(in_0.r * 0.25, in_1.a * 0.5 + 0.25, in_2.a * 0.75, 1.0);");
-    Use(&vertex, &pixel);
+    Use(vertex, PixelCode(kColour | kColour1 | kCoordinate,
+                          "pixel_color = vec4(in_0.r * 0.25, in_1.a * 0.5 + 0.25, in_2.a * 0.75, 1.0);"));
     EXPECT_TRUE(Near(Draw(), Rgb{64, 64, 191}, 1)) << Draw();   // white, (0, 0, 0, 0), (0, 0, 0, 1)
-    Use(&vertex, nullptr);
+    Use(vertex, {});
     EXPECT_TRUE(Near(Draw(), Rgb{255, 255, 255}, 0)) << Draw();
 }
 
 TEST_F(Shaders, MissingVertexElementsHaveDefaults) {
     // No size, second colour or second set in the format; a missing first colour is white.
-    const ShaderCode vertex = VertexCode(kColour, "out_0 = vec4(in_color1.a, in_uv1.a, in_size.r, 1.0) * 0.5;");
-    Use(&vertex, nullptr);
+    Use(VertexCode(kColour, "out_0 = vec4(in_color1.a, in_uv1.a, in_size.r, 1.0) * 0.5;"), {});
     EXPECT_TRUE(Near(Draw(), Rgb{128, 128, 0}, 1)) << Draw();
-    struct Bare {
-        float x, y, z;
-    };
-    const ShaderCode colour = VertexCode(kColour, "out_0 = in_color;");
-    Use(&colour, nullptr);
-    canvas_.Draw<Bare>(D3DFVF_XYZ, D3DPT_TRIANGLELIST, 1, {{-3, -3, 0.5f}, {-3, 9, 0.5f}, {9, -3, 0.5f}});
+    Use(VertexCode(kColour, "out_0 = in_color;"), {});
+    canvas_.Draw<D3DVECTOR>(D3DFVF_XYZ, D3DPT_TRIANGLELIST, 1, {{-3, -3, 0.5f}, {-3, 9, 0.5f}, {9, -3, 0.5f}});
     EXPECT_TRUE(Near(canvas_.Pixel(3, 4), Rgb{255, 255, 255}, 0));
 }
 
@@ -119,7 +113,7 @@ TEST_F(Shaders, ReadTheirGlobals) {
     ShaderCode pixel = PixelCode(kColour, "pixel_color = in_0 * scale;",
                                  "layout(std140, binding = 1) uniform PixelGlobals { vec4 scale; };\n");
     pixel.globals_bytes = 16;
-    Use(&vertex, &pixel);
+    Use(vertex, pixel);
     const float for_vertex[] = {1.0f, 0, 0, 0, 0.8f, 0.6f, 0.4f, 1}, for_pixel[] = {0.5f, 1, 0.25f, 1};
     EXPECT_EQ(canvas_->SetVertexShaderGlobals(for_vertex, sizeof for_vertex), D3D_OK);
     EXPECT_EQ(canvas_->SetPixelShaderGlobals(for_pixel, sizeof for_pixel), D3D_OK);
@@ -133,41 +127,32 @@ TEST_F(Shaders, ReadTheirGlobals) {
     EXPECT_EQ(canvas_->SetVertexShaderGlobals(nullptr, 16), D3DERR_INVALIDCALL);
 }
 
-TEST_F(Shaders, AreShiftedByHalfAPixelToo) {
-    const ShaderCode code = VertexCode(kColour, "out_0 = vec4(1.0);");
-    Use(&code, nullptr);
-    constexpr float kPixel = 2.0f / 8.0f;
-    Draw(-1 + kPixel * 1.75f, 1 - kPixel * 6.75f, -1 + kPixel * 4.75f, 1 - kPixel * 2.75f);
-    EXPECT_EQ(canvas_.Pixels(), Box(8, 8, {2, 3, 5, 7}, 0xFFFFFFFF, 0xFF000000));
-}
-
 TEST_F(Shaders, AreFoggedAndAlphaTested) {
     canvas_->SetRenderState(D3DRS_FOGENABLE, TRUE);
     canvas_->SetRenderState(D3DRS_FOGCOLOR, Argb(0, 40, 80, 120));
     const ShaderCode fogged = VertexCode(kColour | kFogFactor, "out_0 = in_color; out_10 = vec4(0.25);");
     const ShaderCode plain = VertexCode(kColour, "out_0 = in_color;");
     const ShaderCode pixel = PixelCode(kColour, "pixel_color = in_0;");
-    for (const ShaderCode* code : {static_cast<const ShaderCode*>(nullptr), &pixel}) {
-        Use(&fogged, code);
+    for (const ShaderCode& code : {ShaderCode(), pixel}) {
+        Use(fogged, code);
         EXPECT_TRUE(Near(Draw(), Rgb{80, 85, 103}, 1)) << Draw();
-        Use(&plain, code);
+        Use(plain, code);
         EXPECT_TRUE(Near(Draw(), ToRgb(kDiffuse), 0)) << Draw();
     }
     canvas_->SetRenderState(D3DRS_FOGENABLE, FALSE);
     canvas_->SetRenderState(D3DRS_ALPHATESTENABLE, TRUE);
     canvas_->SetRenderState(D3DRS_ALPHAFUNC, D3DCMP_GREATER);
     canvas_->SetRenderState(D3DRS_ALPHAREF, 127);
-    Use(&plain, &pixel);
+    Use(plain, pixel);
     EXPECT_TRUE(Near(Draw(), ToRgb(kDiffuse), 0));
     canvas_->SetRenderState(D3DRS_ALPHAREF, 128);
     EXPECT_TRUE(Near(Draw(), Rgb{0, 0, 0}, 0));
 }
 
 TEST_F(Shaders, PixelFunctionsReadTheFixedPipeline) {
-    const ShaderCode pixel = PixelCode(kColour | kCoordinate | kCoordinate1,
-                                       "pixel_color = vec4(in_0.r, in_2.y, texture(picture, in_3.xy).b, 1.0);",
-                                       "layout(binding = 3) uniform sampler2D picture;\n");
-    Use(nullptr, &pixel);
+    Use({}, PixelCode(kColour | kCoordinate | kCoordinate1,
+                      "pixel_color = vec4(in_0.r, in_2.y, texture(picture, in_3.xy).b, 1.0);",
+                      "layout(binding = 3) uniform sampler2D picture;\n"));
     const auto texture = MakeTexture(canvas_.Device(), 1, 1, {Argb(255, 10, 20, 77)});
     canvas_->SetTexture(3, texture.Get());
     EXPECT_TRUE(Near(Draw(), Rgb{200, 191, 77}, 1)) << Draw();
@@ -178,8 +163,7 @@ TEST_F(Shaders, PixelFunctionsReadTheFixedPipeline) {
 TEST_F(Shaders, DrawPointsOfTheirOwnSizeAndAsSprites) {
     ShaderCode vertex = VertexCode(kCoordinate | kColour, "out_2 = vec4(0.3); out_0 = vec4(1.0); gl_PointSize = 4.0;");
     vertex.writes_point_size = true;
-    const ShaderCode pixel = PixelCode(kCoordinate, "pixel_color = vec4(in_2.xy, 1.0, 1.0);");
-    Use(&vertex, &pixel);
+    Use(vertex, PixelCode(kCoordinate, "pixel_color = vec4(in_2.xy, 1.0, 1.0);"));
     canvas_->SetRenderState(D3DRS_POINTSPRITEENABLE, TRUE);
     canvas_.Draw<Vertex>(Vertex::kFvf, D3DPT_POINTLIST, 1, {{-0.19f, 0.06f, 0.5f, kDiffuse, 0, 0}});   // at 3.24, 3.76
     int drawn = 0;
@@ -199,12 +183,11 @@ TEST_F(Shaders, TakeTheirProgramsAlongWhenTheyGo) {
     Draw();
     const std::size_t before = ProgramCount(canvas_.Device());
     for (int i = 0; i < 3; ++i) {
-        const ShaderCode pixel = PixelCode(kColour, "pixel_color = in_0 * 0." + std::to_string(i + 3) + ";");
-        Use(nullptr, &pixel);
+        Use({}, PixelCode(kColour, "pixel_color = in_0 * 0." + std::to_string(i + 3) + ";"));
         EXPECT_NEAR(Draw().r, 20 * (i + 3), 1);
         EXPECT_EQ(ProgramCount(canvas_.Device()), before + 1);
     }
-    Use(nullptr, nullptr);
+    Use({}, {});
     Draw();
     EXPECT_EQ(ProgramCount(canvas_.Device()), before);
 }
