@@ -218,6 +218,7 @@ void KRN_Gfx::SetShaderSharing(bool on) { parts_->shader_effects.SetSharing(on);
 void KRN_Gfx::SetGameTimeSource(float (*source)()) { parts_->shader_effects.SetGameTimeSource(source); }
 void KRN_Gfx::SetShaderEffect(KRN_ShaderEffect* effect) { parts_->effects.SetCurrent(effect); }
 void KRN_Gfx::SetShaderEffect2D(KRN_ShaderEffect* effect) { parts_->effects.SetFor2D(effect); }
+void KRN_Gfx::SetSkinningEffect(KRN_ShaderEffect* effect) { parts_->effects.SetSkinning(effect); }
 KRN_ShaderEffect* KRN_Gfx::EffectForDraw() const { return parts_->effects.ForDraw(); }
 
 void KRN_Gfx::SetFrameCache(bool on) { parts_->frame_cache.on = on; }

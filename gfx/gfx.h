@@ -218,6 +218,9 @@ class KRN_Gfx final : public KRN_Base {
     /// The effect of the screen drawing below (DrawTexture2D and its like), as long as it is valid; null for none.
     /// Borrowed.
     void SetShaderEffect2D(KRN_ShaderEffect* effect);
+    /// Draws meshes with bones that have no other effect; while there is none, the device blends their vertices.
+    /// Borrowed.
+    void SetSkinningEffect(KRN_ShaderEffect* effect);
     /// The effect that a draw uses now, or null.
     KRN_ShaderEffect* EffectForDraw() const;
 

@@ -70,8 +70,8 @@ struct GfxParts {
     VertexListDrawer lists{states, effects, statistics};
     ImmediateLists immediate;
     ScreenDrawer screen{states, effects, statistics};
-    MeshDrawer meshes{states, texture_stages, effects, statistics};
-    SceneLoader scene_loader{graphics, texture_loader};
+    MeshDrawer meshes{states, texture_stages, texture_loader, effects, statistics};
+    SceneLoader scene_loader{graphics, texture_loader, shader_effects};
     SceneDrawer scenes{states, meshes};
 
     // Text

@@ -8,11 +8,9 @@ namespace sparkrig {
 
 namespace {
 
-constexpr D3DCOLORVALUE kLightGrey = {0.9f, 0.9f, 0.9f, 1.0f}, kBlack = {0, 0, 0, 1};
-
 MeshMaterial DefaultMaterial() {
     MeshMaterial material;
-    material.colours = {kLightGrey, kLightGrey, kBlack, kBlack, kDefaultSpecularPower};
+    material.colours = kDefaultColours;
     return material;
 }
 

@@ -1,5 +1,5 @@
-// How one group of a mesh's faces looks: colours and maps, each with the tracks that move them. Plain data; a device's
-// textures hang on the maps.
+// How one group of a mesh's faces looks: colours and maps, each with the tracks that move them. Plain data; what
+// a device makes of it hangs on it.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -16,6 +16,8 @@ namespace sparkrig {
 
 /// Of materials that say nothing else.
 inline constexpr float kDefaultSpecularPower = 16.0f;
+inline constexpr D3DMATERIAL9 kDefaultColours = {
+    {0.9f, 0.9f, 0.9f, 1}, {0.9f, 0.9f, 0.9f, 1}, {0, 0, 0, 1}, {0, 0, 0, 1}, kDefaultSpecularPower};
 
 enum class MaterialBlend : std::uint32_t { Normal = 0, Additive = 1, Subtractive = 2 };
 
@@ -32,6 +34,7 @@ struct ShaderSettings {
     };
     String effect;   // empty for none
     Parameter parameters[8];
+    std::shared_ptr<DeviceResource> device;   // the effect, once it was found; copies of the settings share it
 };
 
 struct MeshMaterial {
@@ -64,8 +67,7 @@ struct MapSlot {
     MapRole role = MapRole::None;
     float factor = 1;
     KRN_TextMatrixAni animation;
-    TextureMatrixValues values;                // of the animation at the time that was set last
-    std::shared_ptr<DeviceResource> texture;   // copies of the slot share it
+    TextureMatrixValues values;   // of the animation at the time that was set last
 };
 
 /// The maps of one group. A reflection map stands first.
@@ -80,6 +82,7 @@ struct TextureRecord {
     float start = 0, frame_seconds = 0;
     std::uint32_t unknown[3] = {};   // kept as read
     MapSlot slots[kSlots];
+    std::shared_ptr<DeviceResource> device;   // the texture with the maps as its layers; copies of the record share it
 };
 
 }   // namespace sparkrig

@@ -1,18 +1,16 @@
 // Draws a mesh group by group: opaque groups first, then blended ones.
 #pragma once
 #include <optional>
+#include <vector>
 
 #include "gfx/device/draw_statistics.h"
+#include "gfx/geometry/device_mesh.h"
+#include "gfx/geometry/material_states.h"
+#include "gfx/geometry/skinning.h"
 #include "gfx/shaders/shader_effect_choice.h"
-#include "gfx/states/gfx_states.h"
-#include "gfx/textures/texture_stages.h"
+#include "gfx/shaders/shader_effect_passes.h"
 
 namespace sparkrig {
-
-class ID3DXMesh;
-class KRN_MeshBase;
-struct DeviceMesh;
-struct MeshMaterial;
 
 /// How DrawMesh departs from what the mesh says.
 struct MeshDrawing {
@@ -23,32 +21,43 @@ struct MeshDrawing {
 
 class MeshDrawer {
   public:
-    MeshDrawer(GfxStates& states, TextureStages& textures, const ShaderEffectChoice& effects,
+    MeshDrawer(GfxStates& states, TextureStages& textures, TextureLoader& loader, const ShaderEffectChoice& effects,
                DrawStatistics& statistics)
-        : states_(states), textures_(textures), effects_(effects), statistics_(statistics) {}
+        : states_(states), materials_(states, textures, loader), effects_(effects), statistics_(statistics) {}
 
-    /// Makes its buffers first if there are none. False for a mesh that is null (a warning), without geometry, or out
+    /// Makes what the device needs of the mesh first. False for a mesh that is null (a warning), without faces, or out
     /// of view. A null world is the identity.
     bool Draw(KRN_MeshBase* mesh, const D3DXMATRIX* world, const MeshDrawing& drawing);
     /// One group, or a run of faces, with the states and the material of the moment.
     void DrawSubset(KRN_MeshBase& mesh, int subset);
     void DrawRange(KRN_MeshBase& mesh, UINT first_face, UINT faces);
-    /// Takes the place of the materials' diffuse and ambient colours, and with lighting off of the vertices' colour.
+    /// Takes the place of the materials' diffuse and ambient colours; with lighting off, of all colours.
     void SetColourOverride(const D3DCOLOR* colour);
 
   private:
     void PrepareStates(const DeviceMesh& buffers, bool world_given);
-    void DrawGroupsInColour(const KRN_MeshBase& mesh, ID3DXMesh& buffers);
-    void DrawGroups(const KRN_MeshBase& mesh, ID3DXMesh& buffers);
-    void DrawMaterial(const MeshMaterial& material, ID3DXMesh& buffers, DWORD group);
-    void SetMaterial(const MeshMaterial& material);
-    void DrawSubset(ID3DXMesh& buffers, DWORD subset);
+    void Place(const KRN_MeshBase& mesh, const D3DXMATRIX& placed, const D3DXMATRIX& world);
+    void PlaceAlone(const KRN_MeshBase& mesh);
+    void BlendVertices(const KRN_MeshBase& mesh);
+
+    void DrawGroupsInColour(KRN_MeshBase& mesh, DeviceMesh& buffers, const MeshDrawing& drawing);
+    void DrawGroups(KRN_MeshBase& mesh, DeviceMesh& buffers, const MeshDrawing& drawing,
+                    const MaterialStates::Colours& colours);
+    void DrawGroup(KRN_MeshBase& mesh, DeviceMesh& buffers, int group);
+    /// material: the group's; null for none.
+    void DrawBuffers(const KRN_MeshBase& mesh, DeviceMesh& buffers, int group, const MeshMaterial* material);
+    void ComputeReflection(const KRN_MeshBase& mesh, DeviceMesh& buffers, int group);
+    D3DXATTRIBUTERANGE AttributeOf(const KRN_MeshBase& mesh, DeviceMesh& buffers, int group) const;
+    KRN_ShaderEffect* EffectFor(const KRN_MeshBase& mesh, const MeshMaterial* material) const;
+    DrawnObject ObjectOf(const KRN_MeshBase& mesh) const;
 
     GfxStates& states_;
-    TextureStages& textures_;
+    MaterialStates materials_;
     const ShaderEffectChoice& effects_;
     DrawStatistics& statistics_;
     std::optional<D3DCOLOR> colour_override_;
+    std::vector<D3DXMATRIX> palette_;    // of the mesh that is drawn: its bones in the world, or the mesh alone
+    std::vector<PlacedVertex> placed_;   // of the group that is drawn, where it reflects
 };
 
 }   // namespace sparkrig

@@ -78,6 +78,8 @@ std::string ShaderEffectLoader::Find(const char* file) const {
     return FileExists(own.c_str()) ? own : file;
 }
 
+bool ShaderEffectLoader::CanLoad(const char* file) const { return FileExists(Find(file).c_str()); }
+
 bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool required, DWORD flags, bool use_pool) {
     effect.Release();
     effect.context_ = &context_;

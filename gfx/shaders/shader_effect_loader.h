@@ -27,6 +27,9 @@ class ShaderEffectLoader {
     /// The first of the candidates that exists. False for an empty list.
     bool Load(KRN_ShaderEffect& effect, const ShaderSearchList& candidates, bool required, DWORD flags, bool use_pool);
 
+    /// Whether Load would find the file.
+    bool CanLoad(const char* file) const;
+
     /// Where a file that the current directory does not have is looked for: the program's own shaders stand there.
     void SetProgramFolder(const char* folder) { program_folder_ = folder; }
 

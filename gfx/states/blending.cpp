@@ -79,11 +79,15 @@ int KeptAlpha(Kept kept, int old, int given) {
 
 }   // namespace
 
+bool FadesByFactor(int mode) {
+    const BlendRow* row = mode >= 0 && mode < kMostModes ? kRowOfMode[static_cast<std::size_t>(mode)] : nullptr;
+    return row && row->kept == Kept::Given;
+}
+
 int BlendingState::Set(int mode, int alpha, int stage) {
     if (mode == -1) mode = 1;
     if (mode == 1) {
-        mode_ = mode;
-        alpha_ = given_alpha_ = alpha;
+        now_ = {mode, alpha, alpha};
         sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{FALSE});
         return 1;
     }
@@ -92,17 +96,23 @@ int BlendingState::Set(int mode, int alpha, int stage) {
     if (stage < 0 || stage + 1 >= static_cast<int>(kTextureStages))
         sender_.Reporter().Error("Invalid stage: %i", stage);
 
-    alpha_ = KeptAlpha(row->kept, alpha_, alpha);
-    mode_ = row->kept == Kept::Scaled ? 7 : mode;
-    given_alpha_ = row->kept == Kept::Scaled ? alpha_ : alpha;
+    now_.alpha = KeptAlpha(row->kept, now_.alpha, alpha);
+    now_.mode = row->kept == Kept::Scaled ? 7 : mode;
+    now_.given_alpha = row->kept == Kept::Scaled ? now_.alpha : alpha;
     sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{TRUE});
     SendStage(*row, static_cast<DWORD>(stage));
-    if (row->factor == Factor::Alpha) factor_.SetAlpha(given_alpha_);
-    if (row->factor == Factor::Whole) factor_.Set(static_cast<D3DCOLOR>(given_alpha_ & 0xFF));
+    if (row->factor == Factor::Alpha) factor_.SetAlpha(now_.given_alpha);
+    if (row->factor == Factor::Whole) factor_.Set(static_cast<D3DCOLOR>(now_.given_alpha & 0xFF));
     sender_.SetRenderState(D3DRS_SRCBLEND, row->source);
     sender_.SetRenderState(D3DRS_DESTBLEND, row->destination);
     sender_.SetStageState(static_cast<DWORD>(stage) + 1, D3DTSS_ALPHAOP, D3DTOP_DISABLE);
     return 1;
+}
+
+void BlendingState::GoBackTo(const Setting& before) {
+    if (now_ == before) return;
+    Set(before.mode, before.given_alpha, 0);
+    now_ = before;
 }
 
 void BlendingState::SendStage(const BlendRow& row, DWORD stage) {

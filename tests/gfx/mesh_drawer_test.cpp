@@ -123,19 +123,32 @@ TEST(DrawMesh, AMeshOutOfViewIsNotDrawn) {
     EXPECT_TRUE(t.gfx->DrawMesh(&t.mesh, nullptr)) << "never culled";
 }
 
-TEST(DrawMesh, AColourOverrideReplacesTheMaterials) {
+TEST(DrawMesh, WhatStandsInForTheMaterialsColours) {
     DrawnMesh t(1);
     const D3DCOLOR colour = 0x80FF3300;
-    const std::tuple<const D3DCOLOR*, D3DCOLORVALUE, DWORD> kRows[] = {
-        {&colour, {1, 0.2f, 0, 128 / 255.0f}, D3DTA_TFACTOR}, {nullptr, {0.9f, 0.9f, 0.9f, 1}, D3DTA_DIFFUSE}};
-    t.gfx->SetLighting(false, nullptr);
-    for (const auto& [override, diffuse, argument] : kRows) {
-        t.gfx->SetColourOverride(override);
-        t.gfx->DrawMesh(&t.mesh, nullptr);
+    const D3DCOLORVALUE red = {1, 0.2f, 0, 128 / 255.0f}, grey = {0.9f, 0.9f, 0.9f, 1}, black = {0, 0, 0, 1};
+    const D3DMATERIAL9 given = {{0.1f, 0.2f, 0.3f, 0.4f}, {0.5f, 0.6f, 0.7f, 0.8f}, black, black, 3};
+    const struct {
+        const char* name;
+        bool lighting;
+        const D3DCOLOR* colour;
+        const D3DMATERIAL9* material;
+        D3DCOLORVALUE diffuse, ambient, emissive;
+    } kRows[] = {{"nothing", true, nullptr, nullptr, grey, grey, black},
+                 {"a material", true, nullptr, &given, given.Diffuse, given.Ambient, black},
+                 {"a colour", true, &colour, nullptr, red, red, black},
+                 {"an unlit colour", false, &colour, &given, {0, 0, 0, red.a}, black, red}};
+    for (const auto& row : kRows) {
+        t.gfx->SetLighting(row.lighting, nullptr);
+        t.gfx->SetColourOverride(row.colour);
+        t.gfx->DrawMesh(&t.mesh, nullptr, row.material);
         D3DMATERIAL9 material = {};
         t.gfx->Device()->GetMaterial(&material);
-        EXPECT_EQ(material.Diffuse, diffuse);
-        EXPECT_EQ(t.gfx.recording.Sent(0, D3DTSS_COLORARG2).back(), argument) << "unlit: the texture factor";
+        EXPECT_EQ(material.Diffuse, row.diffuse) << row.name;
+        EXPECT_EQ(material.Ambient, row.ambient) << row.name;
+        EXPECT_EQ(material.Emissive, row.emissive) << row.name;
+        EXPECT_EQ(t.gfx->Lighting(), row.lighting) << row.name;
+        EXPECT_TRUE(t.gfx.recording.Draws().back().render_states.at(D3DRS_LIGHTING)) << row.name;
     }
 }
 
