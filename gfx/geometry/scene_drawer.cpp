@@ -6,6 +6,13 @@
 
 namespace sparkrig {
 
+namespace {
+
+/// Whether the device takes the light: a record that was never filled, or a file's, may be of no type.
+bool HasType(const D3DLIGHT9& light) { return light.Type >= D3DLIGHT_POINT && light.Type <= D3DLIGHT_DIRECTIONAL; }
+
+}   // namespace
+
 bool SceneDrawer::Draw(KRN_3dScene* scene) {
     if (!scene) {
         states_.Reporter().Warning("Pointer to 3dScene is zero");
@@ -53,8 +60,8 @@ void SceneDrawer::Restore(const Remembered& before, const KRN_3dScene& scene) {
     if (!states_.lighting.On()) return;
     states_.lighting.SetAmbient(before.ambient);
     for (int i = 0; i < LightSlots::kCount; ++i) {
-        if (before.lights_on[i]) states_.lights.Set(i, before.lights[i]);
-        states_.lights.SetEnable(i, before.lights_on[i]);
+        if (before.lights_on[i] && HasType(before.lights[i])) states_.lights.Set(i, before.lights[i]);
+        if (states_.lights.Enabled(i) != before.lights_on[i]) states_.lights.SetEnable(i, before.lights_on[i]);
     }
 }
 
@@ -86,12 +93,13 @@ void SceneDrawer::SetLights(const KRN_3dScene& scene) {
     states_.lighting.SetAmbient(scene.ambient);
     int used = 0;
     for (KRN_Light& light : scene.lights) {
-        if (light.off || used == LightSlots::kCount) continue;
+        if (light.off || !HasType(light.record) || used == LightSlots::kCount) continue;
         light.ApplyOrientation(&scene.WorldMatrix());
         states_.lights.Set(used, light.record);
         states_.lights.SetEnable(used++, light.enabled);
     }
-    while (used < LightSlots::kCount) states_.lights.SetEnable(used++, false);
+    for (; used < LightSlots::kCount; ++used)
+        if (states_.lights.Enabled(used)) states_.lights.SetEnable(used, false);
 }
 
 void SceneDrawer::DrawMeshes(const KRN_3dScene& scene) {

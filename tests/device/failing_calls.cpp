@@ -7,7 +7,7 @@
 #include "gfx/textures/texture.h"
 #include "gfx/textures/video_sources.h"
 #include "scene/light.h"
-#include "scene/mesh.h"
+#include "scene/scene.h"
 #include "tests/base/reports.h"
 
 namespace sparkrig {
@@ -123,6 +123,13 @@ void DrawMesh(WholeProgram& program) {
     program.Gfx().BeginScene();
     program.Gfx().DrawMesh(&program.player->Loop().stage_mesh, nullptr);
 }
+void DrawBones(WholeProgram& program) {
+    KRN_3dScene scene;
+    program.Gfx().LoadScene(scene, "models\\flag.kva");
+    program.Gfx().BeginScene();
+    program.Gfx().DrawScene(&scene);
+    program.Gfx().DrawMeshRange(scene.meshes[0], 0, 2);
+}
 void MakeMesh(WholeProgram& program) {
     KRN_Mesh mesh;
     mesh.CreateGeometry({.faces = 4, .vertices = 6, .format = 0x112});
@@ -220,7 +227,7 @@ const std::vector<Act>& Acts() {
         {"screen buffer", MakeScreenBuffer}, {"into a screen buffer", DrawIntoScreenBuffer}, {"texture", FillTexture},
         {"picture", LoadManaged}, {"picture in the default pool", LoadIntoDefaultPool}, {"frames", LoadFrames},
         {"video", ShowVideo}, {"colour fill", CreateTarget}, {"triangles", DrawTriangles}, {"quad", DrawQuad},
-        {"text", DrawText}, {"mesh", DrawMesh}, {"making a mesh", MakeMesh}, {"loading an effect", LoadEffect},
+        {"text", DrawText}, {"mesh", DrawMesh}, {"bones", DrawBones}, {"making a mesh", MakeMesh}, {"loading an effect", LoadEffect},
         {"effect", RunEffect},
     };
     // clang-format on

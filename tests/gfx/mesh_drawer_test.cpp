@@ -4,12 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <numeric>
 
+#include "gfx/geometry/device_mesh.h"
 #include "gfx/gfx.h"
-#include "scene/mesh.h"
+#include "scene/scene.h"
+#include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -18,12 +22,13 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// One triangle for each group, in the plane z = 10 before the camera.
-void BuildMesh(KRN_Mesh& mesh, std::uint32_t groups) {
+void BuildMesh(KRN_Mesh& mesh, std::uint32_t groups, DWORD format = 0x112) {
     MeshGeometry& geometry =
-        mesh.CreateGeometry({.faces = groups, .vertices = 3 * groups, .groups = groups, .format = 0x112});
+        mesh.CreateGeometry({.faces = groups, .vertices = 3 * groups, .groups = groups, .format = format});
     for (std::uint32_t i = 0; i < 3 * groups; ++i) {
-        const float vertex[8] = {i % 3 == 1 ? 2.0f : 0.0f, i % 3 == 2 ? 2.0f : 0.0f, 10, 0, 0, -1, 0, 0};
-        std::memcpy(geometry.Vertex(i), vertex, sizeof vertex);
+        const float position[3] = {i % 3 == 1 ? 2.0f : 0.0f, i % 3 == 2 ? 2.0f : 0.0f, 10}, normal[3] = {0, 0, -1};
+        std::memcpy(geometry.Vertex(i), position, sizeof position);
+        std::memcpy(geometry.Vertex(i) + geometry.layout.normal, normal, sizeof normal);
     }
     std::iota(geometry.indices.begin(), geometry.indices.end(), std::uint16_t{0});
     std::iota(geometry.groups.begin(), geometry.groups.end(), std::uint16_t{0});
@@ -150,6 +155,139 @@ TEST(DrawMesh, WhatStandsInForTheMaterialsColours) {
         EXPECT_EQ(t.gfx->Lighting(), row.lighting) << row.name;
         EXPECT_TRUE(t.gfx.recording.Draws().back().render_states.at(D3DRS_LIGHTING)) << row.name;
     }
+}
+
+/// A reflection map before a diffuse one, on a mesh with a coordinate set for each.
+TEST(DrawMesh, ReflectionsAreComputedIntoTheSecondCoordinates) {
+    const ScratchFolder folder;
+    const std::string picture = folder.Write("map.png", PngFile(TestPicture::Pattern(4, 4), 4));
+    RecordedGfx gfx;
+    KRN_Mesh mesh;
+    BuildMesh(mesh, 2, 0x212);
+    mesh.SortByGroup();
+    mesh.reflection_stage = 1;
+    for (const int slot : {0, 1}) {
+        mesh.Textures(1).slots[slot].path = picture.c_str();
+        mesh.Textures(1).slots[slot].role = slot == 0 ? MapRole::Reflection : MapRole::Diffuse;
+    }
+    mesh.Material(1).addressing = {.mirror_u = true, .tile_v = false};
+    gfx->BeginScene();
+    gfx.recording.ForgetCalls();
+    EXPECT_TRUE(gfx->DrawMesh(&mesh, nullptr));
+    EXPECT_THAT(gfx.recording.Sent(0, D3DTSS_TEXCOORDINDEX), ElementsAre(1, 0)) << "and back";
+    EXPECT_THAT(gfx.recording.Sent(1, D3DTSS_TEXCOORDINDEX), ElementsAre(0, 1));
+    EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_ADDRESSU), ElementsAre(D3DTADDRESS_MIRROR, D3DTADDRESS_WRAP));
+    EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_ADDRESSV), ElementsAre(D3DTADDRESS_CLAMP, D3DTADDRESS_WRAP));
+    // Its fifth vertex stands at (2, 0, 10) before a camera at (0, 0, 0) and looks at (0, 0, -1).
+    void* data = nullptr;
+    auto& buffers = *static_cast<DeviceMesh&>(*mesh.Geometry()->device).buffers;
+    buffers.LockVertexBuffer(D3DLOCK_READONLY, &data);
+    float uv[2];
+    std::memcpy(uv, static_cast<std::uint8_t*>(data) + 4 * 40 + 32, sizeof uv);
+    buffers.UnlockVertexBuffer();
+    const double length = std::sqrt(104.0), e_x = 2 / length, e_z = 10 / length;
+    const double r_x = -e_x, r_z = 2 * e_z - e_z;   // r = 2 (n . e) n - e
+    EXPECT_NEAR(uv[0], r_x / (2.8284 * std::hypot(r_x, r_z + 1)) + 0.5, 1e-5);
+    EXPECT_NEAR(uv[1], 0.5, 1e-6);
+
+    mesh.Geometry()->device.reset();   // a mesh whose first group has no faces
+    mesh.Geometry()->groups = {1, 1};
+    mesh.SortByGroup();
+    EXPECT_EQ(ErrorOf([&] { gfx->DrawMesh(&mesh, nullptr); }),
+              "KRN_Gfx: Attribute set for material 1 in mesh '*undefined*' with wrong ID");
+    mesh.Clear();
+}
+
+TEST(DrawMesh, SendsOnlyWhatDiffers) {
+    DrawnMesh t(6);
+    for (int group = 2; group < 6; ++group) t.mesh.Material(group).blending = true;
+    t.mesh.Material(5).transparency = 0.5f;
+    t.gfx->DrawMesh(&t.mesh, nullptr);
+    t.gfx.recording.ForgetCalls();
+    t.gfx->DrawMesh(&t.mesh, nullptr);
+    EXPECT_THAT(t.gfx.recording.Redundant(), IsEmpty());
+    EXPECT_EQ(t.gfx.recording.Draws().size(), 6u);
+    EXPECT_THAT(t.gfx.recording.Sent(D3DRS_ALPHABLENDENABLE), ElementsAre(1, 0));
+    EXPECT_EQ(t.gfx.recording.Count("SetMaterial"), 2) << "the half transparent one, and back";
+    for (const char* method : {"SetTransform", "SetTexture", "SetSamplerState"})
+        EXPECT_EQ(t.gfx.recording.Count(method), 0) << method;
+}
+
+TEST(DrawMesh, BonesBecomeWorldMatrices) {
+    for (const DWORD highest : {255u, 1u}) {
+        RecordedGfx gfx([highest](Recording& recording) { recording.caps.MaxVertexBlendMatrixIndex = highest; });
+        const Reports reports;
+        KRN_Mesh mesh;
+        KRN_3dScene scene;
+        KRN_3dObject& bone = scene.helpers.Add();
+        BuildMesh(mesh, 1, 0x1018);
+        mesh.SortByGroup();
+        mesh.influences = 2;
+        mesh.bones.resize(2);
+        mesh.bone_nodes = {&bone, nullptr};
+        D3DXMATRIX world, moved;
+        D3DXMatrixTranslation(&world, 7, 8, 9);
+        D3DXMatrixTranslation(&moved, 1, 2, 3);
+        bone.SetWorldMatrix(moved);
+        gfx->BeginScene();
+        EXPECT_TRUE(gfx->DrawMesh(&mesh, &world));
+        EXPECT_EQ(gfx.recording.Draws()[0].world.m[3][0], 8) << "the first bone's";
+        EXPECT_EQ(gfx.recording.Draws()[0].render_states.at(D3DRS_VERTEXBLEND), D3DVBF_1WEIGHTS);
+        D3DXMATRIX second;
+        gfx->Device()->GetTransform(D3DTS_WORLDMATRIX(1), &second);
+        EXPECT_EQ(second, world) << "a missing bone moves with the mesh";
+        EXPECT_EQ(gfx.recording.Sent(D3DRS_VERTEXBLEND).back(), D3DVBF_DISABLE);
+        const char* too_high = "warning KRN_Gfx: Number of bones too high for hardware vertex blending: 2";
+        EXPECT_EQ(reports.Last(), highest == 1 ? too_high : "") << highest;
+        mesh.Clear();
+    }
+}
+
+TEST(DrawMesh, ARangeIsDrawnThroughTheMeshsOwnBuffers) {
+    DrawnMesh t(4);
+    t.gfx->DrawMeshRange(t.mesh, 1, 0);
+    EXPECT_THAT(t.gfx.recording.Draws(), IsEmpty());
+    t.gfx->DrawMeshRange(t.mesh, 1, 2);
+    const RecordedDraw& draw = t.gfx.recording.Draws().at(0);
+    EXPECT_THAT((std::vector<UINT>{draw.first, draw.count, draw.fvf, draw.stride}), ElementsAre(3, 2, 0x112, 32));
+    t.gfx->DrawSubset(t.mesh, 3);
+    EXPECT_THAT(DrawnFaces(t.gfx), ElementsAre(1, 3));
+}
+
+TEST(DrawScene, DrawsWhatIsVisibleInItsOrderAndLeavesTheStates) {
+    RecordedGfx gfx;
+    const Reports reports;
+    EXPECT_FALSE(gfx->DrawScene(nullptr));
+    EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Pointer to 3dScene is zero");
+    KRN_3dScene scene;
+    for (int i = 0; i < 3; ++i) {
+        KRN_Mesh& mesh = scene.meshes.Add();
+        BuildMesh(mesh, 1);
+        mesh.SortByGroup();
+        mesh.SetPosition(static_cast<float>(i), 0, 0, true);
+    }
+    scene.meshes[1].visible = false;
+    for (const D3DLIGHTTYPE type : {D3DLIGHTTYPE{}, D3DLIGHT_POINT}) {   // what is no light is left out
+        KRN_Light& light = scene.lights.Add();
+        light.off = false;
+        light.record.Type = type;
+    }
+    scene.render_settings.words[RenderSettings::kFogOn] = 1;
+    scene.cameras.Add().SetEye(0, 0, -5, true);
+    scene.SelectCamera(0);
+    scene.SetPosition(4, 0, 0, true);
+    gfx->BeginScene();
+    const D3DXMATRIX view = gfx->ViewMatrix(), projection = gfx->ProjectionMatrix();
+    EXPECT_TRUE(gfx->DrawScene(&scene));
+    std::vector<float> places;
+    for (const RecordedDraw& draw : gfx.recording.Draws()) places.push_back(draw.world.m[3][0]);
+    EXPECT_THAT(places, ElementsAre(4, 6));
+    EXPECT_TRUE(gfx.recording.Draws()[0].render_states.at(D3DRS_FOGENABLE));
+    EXPECT_FALSE(gfx->FogEnable());
+    EXPECT_EQ(gfx->ViewMatrix(), view);
+    EXPECT_EQ(gfx->ProjectionMatrix(), projection);
+    EXPECT_THAT(gfx.recording.ArgumentsOf("LightEnable"), ElementsAre(ElementsAre(0, 1), ElementsAre(0, 0)));
+    scene.Clear();
 }
 
 TEST(DrawMesh, IsCountedOnlyWhileDrawsAreSuppressed) {
