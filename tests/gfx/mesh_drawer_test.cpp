@@ -10,7 +10,7 @@
 
 #include "gfx/geometry/device_mesh.h"
 #include "gfx/gfx.h"
-#include "scene/scene.h"
+#include "scene/binary_scene.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/temporary_folder.h"
@@ -65,27 +65,6 @@ TEST(DrawMesh, DrawsOpaqueGroupsBeforeBlendedOnes) {
     EXPECT_EQ(t.gfx.recording.Sent(0, D3DTSS_TEXTURETRANSFORMFLAGS).size(), 1u);
 }
 
-TEST(DrawMesh, SendsEachGroupsMaterial) {
-    DrawnMesh t(2);
-    t.mesh.Material(1).colours.Ambient = {0.3f, 0.2f, 0.1f, 1};
-    t.gfx->DrawMesh(&t.mesh, nullptr);
-    D3DMATERIAL9 material = {};
-    t.gfx->Device()->GetMaterial(&material);
-    EXPECT_EQ(material.Ambient, (D3DCOLORVALUE{0.3f, 0.2f, 0.1f, 1}));
-    EXPECT_EQ(material.Diffuse, (D3DCOLORVALUE{0.9f, 0.9f, 0.9f, 1}));
-    EXPECT_EQ(t.gfx.recording.Draws()[0].texture, 0u);
-}
-
-TEST(DrawMesh, APlacedMeshKeepsItsOwnTransform) {
-    DrawnMesh t(1);
-    t.mesh.SetScale(3, 4, 5, true);
-    D3DXMATRIX world;
-    D3DXMatrixTranslation(&world, 7, 8, 9);
-    t.gfx->DrawMesh(&t.mesh, &world);
-    const D3DXMATRIX expected = {{{3, 0, 0, 0}, {0, 4, 0, 0}, {0, 0, 5, 0}, {7, 8, 9, 1}}};
-    EXPECT_EQ(t.gfx.recording.Draws()[0].world, expected);
-}
-
 TEST(DrawMesh, AMirroredMeshTurnsCullingOverForItself) {
     DrawnMesh t(2);
     t.mesh.Material(1).two_sided = true;
@@ -96,26 +75,6 @@ TEST(DrawMesh, AMirroredMeshTurnsCullingOverForItself) {
     for (const RecordedDraw& draw : t.gfx.recording.Draws()) culling.push_back(draw.render_states.at(D3DRS_CULLMODE));
     EXPECT_THAT(culling, ElementsAre(D3DCULL_CW, D3DCULL_NONE));
     EXPECT_EQ(t.gfx->CullingMode(), -1);
-}
-
-TEST(DrawMesh, WithoutAnAttributeTableItIsDrawnAsOne) {
-    RecordedGfx gfx;
-    KRN_Mesh mesh;
-    BuildMesh(mesh, 1);
-    gfx->BeginScene();
-    EXPECT_TRUE(gfx->DrawMesh(&mesh, nullptr));
-    EXPECT_EQ(gfx.recording.Draws().size(), 1u);
-    mesh.Clear();
-}
-
-TEST(DrawMesh, NothingIsDrawnOfWhatIsNotThere) {
-    RecordedGfx gfx;
-    const Reports reports;
-    EXPECT_FALSE(gfx->DrawMesh(nullptr, nullptr));
-    EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Pointer to mesh is zero");
-    KRN_Mesh empty;
-    EXPECT_FALSE(gfx->DrawMesh(&empty, nullptr));
-    EXPECT_EQ(gfx->Statistics().meshes, 0u);
 }
 
 TEST(DrawMesh, AMeshOutOfViewIsNotDrawn) {
@@ -147,14 +106,27 @@ TEST(DrawMesh, WhatStandsInForTheMaterialsColours) {
         t.gfx->SetLighting(row.lighting, nullptr);
         t.gfx->SetColourOverride(row.colour);
         t.gfx->DrawMesh(&t.mesh, nullptr, row.material);
-        D3DMATERIAL9 material = {};
-        t.gfx->Device()->GetMaterial(&material);
+        const D3DMATERIAL9& material = t.gfx->Material();
         EXPECT_EQ(material.Diffuse, row.diffuse) << row.name;
         EXPECT_EQ(material.Ambient, row.ambient) << row.name;
         EXPECT_EQ(material.Emissive, row.emissive) << row.name;
         EXPECT_EQ(t.gfx->Lighting(), row.lighting) << row.name;
         EXPECT_TRUE(t.gfx.recording.Draws().back().render_states.at(D3DRS_LIGHTING)) << row.name;
     }
+}
+
+TEST(DrawMesh, SendsOnlyWhatDiffers) {
+    DrawnMesh t(6);
+    for (int group = 2; group < 6; ++group) t.mesh.Material(group).blending = true;
+    t.mesh.Material(5).transparency = 0.5f;
+    t.gfx->DrawMesh(&t.mesh, nullptr);
+    t.gfx.recording.ForgetCalls();
+    t.gfx->DrawMesh(&t.mesh, nullptr);
+    EXPECT_THAT(t.gfx.recording.Redundant(), IsEmpty());
+    EXPECT_THAT(t.gfx.recording.Sent(D3DRS_ALPHABLENDENABLE), ElementsAre(1, 0));
+    EXPECT_EQ(t.gfx.recording.Count("SetMaterial"), 2) << "the half transparent one, and back";
+    for (const char* method : {"SetTransform", "SetTexture", "SetSamplerState"})
+        EXPECT_EQ(t.gfx.recording.Count(method), 0) << method;
 }
 
 /// A reflection map before a diffuse one, on a mesh with a coordinate set for each.
@@ -166,107 +138,100 @@ TEST(DrawMesh, ReflectionsAreComputedIntoTheSecondCoordinates) {
     BuildMesh(mesh, 2, 0x212);
     mesh.SortByGroup();
     mesh.reflection_stage = 1;
-    for (const int slot : {0, 1}) {
+    for (const auto& [slot, role] : {std::pair(0, MapRole::Reflection), std::pair(1, MapRole::Diffuse)}) {
         mesh.Textures(1).slots[slot].path = picture.c_str();
-        mesh.Textures(1).slots[slot].role = slot == 0 ? MapRole::Reflection : MapRole::Diffuse;
+        mesh.Textures(1).slots[slot].role = role;
     }
     mesh.Material(1).addressing = {.mirror_u = true, .tile_v = false};
     gfx->BeginScene();
     gfx.recording.ForgetCalls();
-    EXPECT_TRUE(gfx->DrawMesh(&mesh, nullptr));
+    gfx->DrawMesh(&mesh, nullptr);
     EXPECT_THAT(gfx.recording.Sent(0, D3DTSS_TEXCOORDINDEX), ElementsAre(1, 0)) << "and back";
     EXPECT_THAT(gfx.recording.Sent(1, D3DTSS_TEXCOORDINDEX), ElementsAre(0, 1));
     EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_ADDRESSU), ElementsAre(D3DTADDRESS_MIRROR, D3DTADDRESS_WRAP));
     EXPECT_THAT(gfx.recording.Sent(1, D3DSAMP_ADDRESSV), ElementsAre(D3DTADDRESS_CLAMP, D3DTADDRESS_WRAP));
-    // Its fifth vertex stands at (2, 0, 10) before a camera at (0, 0, 0) and looks at (0, 0, -1).
+    // Its fifth vertex stands at (2, 0, 10) before a camera at (0, 0, 0) and looks at (0, 0, -1): r = (-e_x, 0, e_z).
     void* data = nullptr;
-    auto& buffers = *static_cast<DeviceMesh&>(*mesh.Geometry()->device).buffers;
+    ID3DXMesh& buffers = *static_cast<DeviceMesh&>(*mesh.Geometry()->device).buffers;
     buffers.LockVertexBuffer(D3DLOCK_READONLY, &data);
     float uv[2];
     std::memcpy(uv, static_cast<std::uint8_t*>(data) + 4 * 40 + 32, sizeof uv);
     buffers.UnlockVertexBuffer();
-    const double length = std::sqrt(104.0), e_x = 2 / length, e_z = 10 / length;
-    const double r_x = -e_x, r_z = 2 * e_z - e_z;   // r = 2 (n . e) n - e
-    EXPECT_NEAR(uv[0], r_x / (2.8284 * std::hypot(r_x, r_z + 1)) + 0.5, 1e-5);
+    const double e_x = 2 / std::sqrt(104.0), e_z = 10 / std::sqrt(104.0);
+    EXPECT_NEAR(uv[0], -e_x / (2.8284 * std::hypot(e_x, e_z + 1)) + 0.5, 1e-5);
     EXPECT_NEAR(uv[1], 0.5, 1e-6);
 
-    mesh.Geometry()->device.reset();   // a mesh whose first group has no faces
-    mesh.Geometry()->groups = {1, 1};
+    mesh.Geometry()->device.reset();
+    mesh.Geometry()->groups = {1, 1};   // the first group has no faces
     mesh.SortByGroup();
     EXPECT_EQ(ErrorOf([&] { gfx->DrawMesh(&mesh, nullptr); }),
               "KRN_Gfx: Attribute set for material 1 in mesh '*undefined*' with wrong ID");
     mesh.Clear();
 }
 
-TEST(DrawMesh, SendsOnlyWhatDiffers) {
-    DrawnMesh t(6);
-    for (int group = 2; group < 6; ++group) t.mesh.Material(group).blending = true;
-    t.mesh.Material(5).transparency = 0.5f;
-    t.gfx->DrawMesh(&t.mesh, nullptr);
-    t.gfx.recording.ForgetCalls();
-    t.gfx->DrawMesh(&t.mesh, nullptr);
-    EXPECT_THAT(t.gfx.recording.Redundant(), IsEmpty());
-    EXPECT_EQ(t.gfx.recording.Draws().size(), 6u);
-    EXPECT_THAT(t.gfx.recording.Sent(D3DRS_ALPHABLENDENABLE), ElementsAre(1, 0));
-    EXPECT_EQ(t.gfx.recording.Count("SetMaterial"), 2) << "the half transparent one, and back";
-    for (const char* method : {"SetTransform", "SetTexture", "SetSamplerState"})
-        EXPECT_EQ(t.gfx.recording.Count(method), 0) << method;
-}
-
 TEST(DrawMesh, BonesBecomeWorldMatrices) {
     for (const DWORD highest : {255u, 1u}) {
         RecordedGfx gfx([highest](Recording& recording) { recording.caps.MaxVertexBlendMatrixIndex = highest; });
         const Reports reports;
-        KRN_Mesh mesh;
         KRN_3dScene scene;
         KRN_3dObject& bone = scene.helpers.Add();
+        bone.SetPosition(1, 2, 3, true);
+        KRN_Mesh mesh;
         BuildMesh(mesh, 1, 0x1018);
         mesh.SortByGroup();
         mesh.influences = 2;
         mesh.bones.resize(2);
         mesh.bone_nodes = {&bone, nullptr};
-        D3DXMATRIX world, moved;
+        D3DXMATRIX world, second;
         D3DXMatrixTranslation(&world, 7, 8, 9);
-        D3DXMatrixTranslation(&moved, 1, 2, 3);
-        bone.SetWorldMatrix(moved);
         gfx->BeginScene();
         EXPECT_TRUE(gfx->DrawMesh(&mesh, &world));
         EXPECT_EQ(gfx.recording.Draws()[0].world.m[3][0], 8) << "the first bone's";
-        EXPECT_EQ(gfx.recording.Draws()[0].render_states.at(D3DRS_VERTEXBLEND), D3DVBF_1WEIGHTS);
-        D3DXMATRIX second;
         gfx->Device()->GetTransform(D3DTS_WORLDMATRIX(1), &second);
         EXPECT_EQ(second, world) << "a missing bone moves with the mesh";
-        EXPECT_EQ(gfx.recording.Sent(D3DRS_VERTEXBLEND).back(), D3DVBF_DISABLE);
+        EXPECT_THAT(gfx.recording.Sent(D3DRS_VERTEXBLEND), ElementsAre(D3DVBF_1WEIGHTS, D3DVBF_DISABLE));
         const char* too_high = "warning KRN_Gfx: Number of bones too high for hardware vertex blending: 2";
         EXPECT_EQ(reports.Last(), highest == 1 ? too_high : "") << highest;
         mesh.Clear();
     }
 }
 
-TEST(DrawMesh, ARangeIsDrawnThroughTheMeshsOwnBuffers) {
+TEST(DrawMesh, PartsAreDrawnCountedOrLeftOut) {
     DrawnMesh t(4);
-    t.gfx->DrawMeshRange(t.mesh, 1, 0);
-    EXPECT_THAT(t.gfx.recording.Draws(), IsEmpty());
+    t.gfx->DrawMeshRange(t.mesh, 1, 0);   // nothing
     t.gfx->DrawMeshRange(t.mesh, 1, 2);
-    const RecordedDraw& draw = t.gfx.recording.Draws().at(0);
-    EXPECT_THAT((std::vector<UINT>{draw.first, draw.count, draw.fvf, draw.stride}), ElementsAre(3, 2, 0x112, 32));
     t.gfx->DrawSubset(t.mesh, 3);
     EXPECT_THAT(DrawnFaces(t.gfx), ElementsAre(1, 3));
+    EXPECT_EQ(t.gfx->Statistics().primitives, 3u);
+    t.gfx->SuppressDraws(true);
+    EXPECT_TRUE(t.gfx->DrawMesh(&t.mesh, nullptr));
+    EXPECT_EQ(t.gfx.recording.Draws().size(), 2u);
+    EXPECT_EQ(t.gfx->Statistics().primitives, 7u);
+    t.gfx->SuppressDraws(false);
+
+    KRN_Mesh unsorted;
+    BuildMesh(unsorted, 1);
+    EXPECT_TRUE(t.gfx->DrawMesh(&unsorted, nullptr));
+    EXPECT_EQ(t.gfx.recording.Draws().size(), 3u) << "as one";
+    unsorted.Clear();
+    EXPECT_FALSE(t.gfx->DrawMesh(&unsorted, nullptr)) << "nothing left";
+    const Reports reports;
+    EXPECT_FALSE(t.gfx->DrawMesh(nullptr, nullptr));
+    EXPECT_FALSE(t.gfx->DrawScene(nullptr));
+    EXPECT_THAT(reports.All(),
+                ElementsAre("warning KRN_Gfx: Pointer to mesh is zero", "warning KRN_Gfx: Pointer to 3dScene is zero"));
 }
 
 TEST(DrawScene, DrawsWhatIsVisibleInItsOrderAndLeavesTheStates) {
     RecordedGfx gfx;
-    const Reports reports;
-    EXPECT_FALSE(gfx->DrawScene(nullptr));
-    EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Pointer to 3dScene is zero");
     KRN_3dScene scene;
-    for (int i = 0; i < 3; ++i) {
+    for (const float x : {0.0f, 1.0f, 2.0f}) {
         KRN_Mesh& mesh = scene.meshes.Add();
         BuildMesh(mesh, 1);
         mesh.SortByGroup();
-        mesh.SetPosition(static_cast<float>(i), 0, 0, true);
+        mesh.SetPosition(x, 0, 0, true);
+        mesh.visible = x != 1;
     }
-    scene.meshes[1].visible = false;
     for (const D3DLIGHTTYPE type : {D3DLIGHTTYPE{}, D3DLIGHT_POINT}) {   // what is no light is left out
         KRN_Light& light = scene.lights.Add();
         light.off = false;
@@ -290,11 +255,21 @@ TEST(DrawScene, DrawsWhatIsVisibleInItsOrderAndLeavesTheStates) {
     scene.Clear();
 }
 
-TEST(DrawMesh, IsCountedOnlyWhileDrawsAreSuppressed) {
-    DrawnMesh t(1);
-    t.gfx->SuppressDraws(true);
-    EXPECT_TRUE(t.gfx->DrawMesh(&t.mesh, nullptr));
-    EXPECT_THAT(t.gfx.recording.Draws(), IsEmpty());
+TEST(LoadScene, MakesWhatADeviceNeedsAndSaysWhatIsMissing) {
+    const ScratchFolder folder;
+    folder.Enter();
+    KRN_3dScene scene, loaded;
+    BuildMesh(scene.meshes.Add(), 2);
+    scene.meshes[0].SortByGroup();
+    for (const int group : {0, 1}) scene.meshes[0].Material(group).shader.effect = "nowhere";
+    SaveBinaryScene(scene, "scene.3sc");
+    RecordedGfx gfx;
+    const Reports reports;
+    gfx->LoadScene(loaded, "scene.3sc");
+    EXPECT_THAT(reports.All(), ElementsAre("warning KRN_Gfx: DirectX shader effect 'nowhere' not found (for scene "
+                                           "'scene.3sc')"));
+    EXPECT_TRUE(loaded.meshes[0].Geometry()->device);
+    loaded.Clear();
 }
 
 }   // namespace
