@@ -24,7 +24,8 @@ D3DMATERIAL9 Coloured(const D3DMATERIAL9& own, const MaterialStates::Colours& co
         coloured.Diffuse = coloured.Ambient = colour;
         return coloured;
     }
-    return {{0, 0, 0, colour.a}, kBlack, kBlack, colour, coloured.Power};
+    const D3DCOLORVALUE unlit = {0, 0, 0, colour.a};
+    return {colours.shaded ? colour : unlit, kBlack, kBlack, colour, coloured.Power};
 }
 
 DWORD AddressMode(bool mirrored, bool tiled) {

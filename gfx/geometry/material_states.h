@@ -21,6 +21,7 @@ class MaterialStates {
         const D3DMATERIAL9* material = nullptr;   // null for none
         const D3DCOLOR* colour = nullptr;         // over either; null for none
         bool emitted = false;                     // that colour is all that is seen, whatever the lights
+        bool shaded = false;                      // by a shader effect, which finds it as the diffuse colour too
     };
     /// Colours, blending and maps of a group. With `every_stage` each map goes to its stage, however many are in use.
     void Set(KRN_MeshBase& mesh, int group, const Colours& colours, bool every_stage);

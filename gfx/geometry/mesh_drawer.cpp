@@ -119,10 +119,11 @@ void MeshDrawer::DrawGroupsInColour(KRN_MeshBase& mesh, DeviceMesh& buffers, con
 }
 
 void MeshDrawer::DrawGroups(KRN_MeshBase& mesh, DeviceMesh& buffers, const MeshDrawing& drawing,
-                            const MaterialStates::Colours& colours) {
+                            MaterialStates::Colours colours) {
     DWORD entries = 0;
     states_.Graphics().Require(buffers.buffers->GetAttributeTable(nullptr, &entries), "GetAttributeTable failed: ");
     if (entries == 0) {   // not sorted by group: drawn as one
+        colours.shaded = EffectFor(mesh, nullptr) != nullptr;
         if (!drawing.no_material) materials_.SetPlain(kDefaultColours, colours);
         return DrawBuffers(mesh, buffers, 0, nullptr);
     }
@@ -133,6 +134,7 @@ void MeshDrawer::DrawGroups(KRN_MeshBase& mesh, DeviceMesh& buffers, const MeshD
             const bool drawn = !material.hidden && material.transparency != 1.0f && RangeOf(mesh, group);
             if (!drawn || material.blending != blending) continue;
             states_.culling.Set(material.two_sided ? int{kCullNone} : culling);
+            colours.shaded = EffectFor(mesh, &material) != nullptr;
             if (!drawing.no_material) materials_.Set(mesh, group, colours, drawing.reflection_pass);
             DrawGroup(mesh, buffers, group);
         }

@@ -42,7 +42,7 @@ class MeshDrawer {
 
     void DrawGroupsInColour(KRN_MeshBase& mesh, DeviceMesh& buffers, const MeshDrawing& drawing);
     void DrawGroups(KRN_MeshBase& mesh, DeviceMesh& buffers, const MeshDrawing& drawing,
-                    const MaterialStates::Colours& colours);
+                    MaterialStates::Colours colours);
     void DrawGroup(KRN_MeshBase& mesh, DeviceMesh& buffers, int group);
     /// material: the group's; null for none.
     void DrawBuffers(const KRN_MeshBase& mesh, DeviceMesh& buffers, int group, const MeshMaterial* material);

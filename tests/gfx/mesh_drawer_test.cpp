@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <numeric>
 
+#include "gfx/geometry/device_maps.h"
 #include "gfx/geometry/device_mesh.h"
 #include "gfx/gfx.h"
 #include "scene/binary_scene.h"
@@ -255,20 +258,33 @@ TEST(DrawScene, DrawsWhatIsVisibleInItsOrderAndLeavesTheStates) {
     scene.Clear();
 }
 
-TEST(LoadScene, MakesWhatADeviceNeedsAndSaysWhatIsMissing) {
+TEST(LoadScene, GivesMaterialsTheirEffectsAndSaysWhatIsMissing) {
     const ScratchFolder folder;
     folder.Enter();
+    std::filesystem::create_directory("shader");
+    folder.Write("shader/own.fx",
+                 "float Size : fParam1 = 2; float4 V(float4 p : POSITION) : POSITION { return p * Size; }"
+                 "technique { pass { VertexShader = compile vs_1_1 V(); } }");
     KRN_3dScene scene, loaded;
-    BuildMesh(scene.meshes.Add(), 2);
-    scene.meshes[0].SortByGroup();
-    for (const int group : {0, 1}) scene.meshes[0].Material(group).shader.effect = "nowhere";
+    KRN_Mesh& mesh = scene.meshes.Add();
+    BuildMesh(mesh, 2);
+    mesh.SortByGroup();
+    mesh.Material(0).shader.effect = "own";
+    mesh.Material(0).shader.parameters[0].number = 5.0f;
+    mesh.Material(1).shader.effect = "nowhere";
     SaveBinaryScene(scene, "scene.3sc");
     RecordedGfx gfx;
     const Reports reports;
     gfx->LoadScene(loaded, "scene.3sc");
     EXPECT_THAT(reports.All(), ElementsAre("warning KRN_Gfx: DirectX shader effect 'nowhere' not found (for scene "
                                            "'scene.3sc')"));
-    EXPECT_TRUE(loaded.meshes[0].Geometry()->device);
+    gfx->BeginScene();
+    EXPECT_TRUE(gfx->DrawScene(&loaded));
+    EXPECT_EQ(gfx.recording.ArgumentsOf("SetVertexShaderGlobals").at(0).at(0), std::bit_cast<DWORD>(5.0f));
+    float after = 0;
+    ID3DXEffect& effect = *EffectOf(loaded.meshes[0].Material(0))->Effect();
+    effect.GetFloat(effect.GetParameterBySemantic(nullptr, "fParam1"), &after);
+    EXPECT_EQ(after, 2) << "the effect's own again";
     loaded.Clear();
 }
 
