@@ -9,12 +9,14 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: models FOLDER\n");
         return 2;
     }
-    for (const sparkrig::SampleScene& scene : sparkrig::SampleScenes()) {
-        const std::string name = std::string(argv[1]) + "/" + scene.file;
-        std::ofstream file(name, std::ios::binary);
-        if (file << scene.make() << std::flush) continue;
-        std::fprintf(stderr, "models: can not write %s\n", name.c_str());
-        return 1;
+    for (const auto scenes : {sparkrig::SampleScenes(), sparkrig::EffectScenes()}) {
+        for (const sparkrig::SampleScene& scene : scenes) {
+            const std::string name = std::string(argv[1]) + "/" + scene.file;
+            std::ofstream file(name, std::ios::binary);
+            if (file << scene.make() << std::flush) continue;
+            std::fprintf(stderr, "models: can not write %s\n", name.c_str());
+            return 1;
+        }
     }
     return 0;
 }

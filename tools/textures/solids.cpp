@@ -219,6 +219,24 @@ Pixel PaintLedge(Point p) {
     return MixColour(stone, {0.3f * light + 0.04f, 0.46f * light + 0.05f, 0.16f * light, inside}, 0.85f * moss);
 }
 
+/// Four bands of a material each, stone, gold, rust and skin from the top, from shade on the left to light on the
+/// right: meshes take the light of their faces from it.
+Pixel PaintFacets(Point p) {
+    struct Shades {
+        Pixel dark, middle, bright;
+    };
+    constexpr Shades kBands[] = {
+        {{0.17f, 0.15f, 0.16f, 1}, {0.52f, 0.48f, 0.45f, 1}, {0.93f, 0.89f, 0.83f, 1}},
+        {{0.25f, 0.09f, 0.01f, 1}, {0.86f, 0.53f, 0.1f, 1}, {1, 0.95f, 0.66f, 1}},
+        {{0.13f, 0.03f, 0.03f, 1}, {0.42f, 0.13f, 0.08f, 1}, {0.74f, 0.33f, 0.2f, 1}},
+        {{0.08f, 0.02f, 0.13f, 1}, {0.46f, 0.14f, 0.42f, 1}, {0.98f, 0.68f, 0.76f, 1}},
+    };
+    const Shades& band = kBands[p.y > 0.425f ? 0 : p.y > -0.005f ? 1 : p.y > -0.435f ? 2 : 3];
+    const float light = Unit((p.x + 0.8f) / 1.6f);
+    return light < 0.5f ? MixColour(band.dark, band.middle, 2 * light)
+                        : MixColour(band.middle, band.bright, 2 * light - 1);
+}
+
 }   // namespace
 
 std::vector<Sprite> SolidSprites() {
@@ -236,6 +254,7 @@ std::vector<Sprite> SolidSprites() {
         {"logs", 128, PaintLogs},
         {"ledge", 256, PaintLedge},
         {"brazier", 128, PaintBrazier},
+        {"facets", 64, PaintFacets},
     };
 }
 
