@@ -2,6 +2,7 @@
 // from its shade on the left to its light on the right.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -31,22 +32,25 @@ Point Normal(const Point& a, const Point& b, const Point& c) {
 /// The light of a lamp above, before and beside, and a little from everywhere.
 double LightOn(const Point& n) {
     const double lamp = 0.38 * n.x + 0.6 * n.y + 0.7 * n.z;
-    return 0.3 + 0.3 * lamp + 0.4 * std::max(lamp, 0.0);
+    return 0.3 + 0.3 * lamp + 0.38 * std::max(lamp, 0.0);
 }
 
-/// A face of its own light, with points of its own.
-void AddFacet(Geometry& g, const Point& a, const Point& b, const Point& c, Band band, double light) {
+/// Lights of its three corners, which are points of its own.
+void AddFacet(Geometry& g, const std::array<Point, 3>& corners, Band band, const std::array<double, 3>& lights) {
     const int first = static_cast<int>(g.points.size());
-    g.points.insert(g.points.end(), {a, b, c});
-    const double least = 0.02, most = 0.98;
-    g.texture_points.insert(g.texture_points.end(), 3, TexturePoint(band, std::min(std::max(light, least), most)));
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        g.points.push_back(corners[i]);
+        g.texture_points.push_back(TexturePoint(band, std::clamp(lights[i], 0.02, 0.98)));
+    }
     g.faces.push_back({first, first + 1, first + 2});
 }
 
-void AddQuad(Geometry& g, const std::array<Point, 4>& p, Band band) {
+/// `fall` is how much darker it is at its foot, z = -foot, than at its top.
+void AddQuad(Geometry& g, const std::array<Point, 4>& p, Band band, double fall, double foot) {
     const double light = LightOn(Normal(p[0], p[1], p[2]));
-    AddFacet(g, p[0], p[1], p[2], band, light);
-    AddFacet(g, p[0], p[2], p[3], band, light);
+    const auto at = [&](std::size_t i) { return light + fall * (p[i].z / foot - 1) / 2; };
+    AddFacet(g, {p[0], p[1], p[2]}, band, {at(0), at(1), at(2)});
+    AddFacet(g, {p[0], p[2], p[3]}, band, {at(0), at(2), at(3)});
 }
 
 std::string Material(int number, const char* name, const char* picture, bool two_sided) {
@@ -97,7 +101,8 @@ std::string Chunk() {
     };
     const auto facet = [&](const Point& a, const Point& b, const Point& c) {
         const Point p = rough(a), q = rough(b), r = rough(c);
-        AddFacet(g, p, q, r, Band::Stone, LightOn(Normal(p, q, r)) + 0.14 * (Noise(seed++) - 0.5));
+        const double light = LightOn(Normal(p, q, r)) - 0.12 + 0.2 * (Noise(seed++) - 0.5);
+        AddFacet(g, {p, q, r}, Band::Stone, {light, light, light});
     };
     for (std::size_t i = 0; i < corners.size(); ++i) {
         for (std::size_t j = i + 1; j < corners.size(); ++j) {
@@ -153,7 +158,7 @@ std::string Tentacle() {
     for (Point& p : arm.texture_points) {
         const double angle = 2 * kPi * p.x, rings = 0.07 * std::sin(46 * std::pow(p.y, 0.8));
         const double light = LightOn({std::cos(angle), std::sin(angle), 0.1}) + rings;
-        p = TexturePoint(Band::Skin, std::min(std::max(light, 0.05), 0.95));
+        p = TexturePoint(Band::Skin, std::clamp(light, 0.05, 0.95));
     }
     std::string bones;
     for (int i = 0; i < kBones; ++i) {
@@ -178,8 +183,10 @@ std::string Tentacle() {
         bones += "    }\n  }\n}\n";
         arm.bones.push_back(bone);
     }
+    Geometry bounds = Box(70, 30, 60);
+    for (Face& face : bounds.faces) face.smoothing = 1;
     return Head(0, kSeconds * kFramesPerSecond) + Materials({Material(0, "skin", "facets.png", false)}) + bones +
-           MeshNode("Arm", {0, 0, 0}, arm, "  *MATERIAL_REF 0\n") + MeshNode("Bounds", {0, 0, 40}, Box(70, 30, 60), "");
+           MeshNode("Arm", {0, 0, 0}, arm, "  *MATERIAL_REF 0\n") + MeshNode("Bounds", {0, 0, 40}, bounds, "");
 }
 
 /// A wheel of runes, 100 wide, whose rings turn against each other; repeats after four seconds.
@@ -200,7 +207,7 @@ std::string Rune() {
 /// behind.
 std::string Maw() {
     Geometry whirl = Grid(40, 8, 1, true, [](double u, double v) {
-        const double radius = 50 * v, angle = 2 * kPi * u;
+        const double radius = 0.4 + 49.6 * v, angle = 2 * kPi * u;
         return Point{radius * std::cos(angle), radius * std::sin(angle), -26 * (1 - v) * (1 - v)};
     });
     for (std::size_t i = 0; i < whirl.points.size(); ++i)
@@ -224,11 +231,11 @@ std::string Letter() {
     double half = kHalf;
     for (const auto& [corners] : kBars) {
         const auto at = [&](std::size_t i, double y) { return Point{corners[i].x, y, corners[i].z}; };
-        AddQuad(g, {at(0, half), at(1, half), at(2, half), at(3, half)}, Band::Gold);
-        AddQuad(g, {at(3, -half), at(2, -half), at(1, -half), at(0, -half)}, Band::Rust);
+        AddQuad(g, {at(0, half), at(1, half), at(2, half), at(3, half)}, Band::Gold, 0.6, kTop);
+        AddQuad(g, {at(3, -half), at(2, -half), at(1, -half), at(0, -half)}, Band::Rust, 0.3, kTop);
         for (std::size_t i = 0; i < 4; ++i) {
             const std::size_t next = (i + 1) % 4;
-            AddQuad(g, {at(i, half), at(i, -half), at(next, -half), at(next, half)}, Band::Gold);
+            AddQuad(g, {at(i, half), at(i, -half), at(next, -half), at(next, half)}, Band::Gold, 0.3, kTop);
         }
         half -= 0.4;   // the faces of bars that cross do not lie in one another
     }
