@@ -78,7 +78,9 @@ INSTANTIATE_TEST_SUITE_P(Samples, EffectPictures, testing::Values(
     Row{"fireworks", "1.6"},      Row{"muzzle flash", "0.1"},   Row{"torch flame", "1"},       Row{"healing helix", "1"},
     Row{"energy snake", "0.8"},   Row{"silk wave", "1"},        Row{"jelly drifter", "0.9"},   Row{"comet", "1.2"},
     Row{"firework bloom", "0.5"}, Row{"water crown", "0.4"},    Row{"chimney smoke", "1.2"},   Row{"ribbon dance", "1.3"},
-    Row{"sword sweep", "0.4"},    Row{"lightning strike", "0.4"}),
+    Row{"sword sweep", "0.4"},    Row{"stone burst", "0.6"},    Row{"shock wave", "0.3"},      Row{"deep tentacle", "2"},
+    Row{"rune wheel", "2.5"},     Row{"golden letter", "0.5"},  Row{"upright letter", "0.6"},  Row{"letter pop", "0.45"},
+    Row{"letter banner", "0.5"},  Row{"wisp flight", "2.2"},    Row{"shadow maw", "2"},        Row{"lightning strike", "0.4"}),
     [](const auto& row) {
         std::string name = row.param.effect;
         std::ranges::replace(name, ' ', '_');
