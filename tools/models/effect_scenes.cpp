@@ -219,17 +219,15 @@ std::string Maw() {
 /// The letter A, 42 high and 9 thick: golden, with a back of rust. Its front looks along y.
 std::string Letter() {
     constexpr double kHalf = 4.5, kTop = 21;
-    struct Outline {
-        std::array<Point, 4> corners;   // x and z; as seen from the front, where x runs to the left, counter-clockwise
-    };
-    constexpr Outline kBars[] = {
-        {{{{18, 0, -kTop}, {10, 0, -kTop}, {-4, 0, kTop}, {4, 0, kTop}}}},
-        {{{{-10, 0, -kTop}, {-18, 0, -kTop}, {-4, 0, kTop}, {4, 0, kTop}}}},
-        {{{{11, 0, -9}, {-11, 0, -9}, {-8.4, 0, -2}, {8.4, 0, -2}}}},
+    // x and z of each bar; as seen from the front, where x runs to the left, counter-clockwise.
+    constexpr std::array<Point, 4> kBars[] = {
+        {{{18, 0, -kTop}, {10, 0, -kTop}, {-4, 0, kTop}, {4, 0, kTop}}},
+        {{{-10, 0, -kTop}, {-18, 0, -kTop}, {-4, 0, kTop}, {4, 0, kTop}}},
+        {{{11, 0, -9}, {-11, 0, -9}, {-8.4, 0, -2}, {8.4, 0, -2}}},
     };
     Geometry g;
     double half = kHalf;
-    for (const auto& [corners] : kBars) {
+    for (const std::array<Point, 4>& corners : kBars) {
         const auto at = [&](std::size_t i, double y) { return Point{corners[i].x, y, corners[i].z}; };
         AddQuad(g, {at(0, half), at(1, half), at(2, half), at(3, half)}, Band::Gold, 0.6, kTop);
         AddQuad(g, {at(3, -half), at(2, -half), at(1, -half), at(0, -half)}, Band::Rust, 0.3, kTop);
