@@ -30,7 +30,7 @@ int CallsOf(WholeProgram& program, Action action) {
 
 TEST_P(Loss, BetweenAnyTwoCallsOfAFrame) {
     WholeProgram program(GetParam());
-    for (const char* effect : {"campfire", "scrying mirror", "portal"}) {
+    for (const char* effect : {"campfire", "scrying mirror", "portal", "deep tentacle"}) {
         program.player->StartEffect(ChooseEffect(program.engine.effects, effect).value());
         for (int frame = 0; frame < 40; ++frame) program.player->Advance();
         program.Frame();   // loads what is shown first
