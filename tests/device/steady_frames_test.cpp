@@ -28,10 +28,12 @@ long CountStarting(const Recording& recording, const char* beginning) {
 
 TEST(SteadyFrames, SendNothingThatTheDeviceHolds) {
     WholeProgram program(BackEnd::Recording);
-    // The defaults of creation, and of the first points, are sent to a new device that holds them.
-    const int with_points = ChooseEffect(program.engine.effects, "torch flame").value();
-    program.player->StartEffect(with_points);
-    program.Play(with_points, kFewFrames);
+    // The defaults of creation, and of the first points and meshes, are sent to a new device that holds them.
+    for (const char* first : {"torch flame", "stone burst"}) {
+        const int effect = ChooseEffect(program.engine.effects, first).value();
+        program.player->StartEffect(effect);
+        program.Play(effect, kFewFrames);
+    }
     long sent = 0, draws = 0;
     for (int effect = 0; effect < program.player->EffectCount(); ++effect) {
         program.player->StartEffect(effect);
