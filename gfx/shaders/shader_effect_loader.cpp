@@ -18,6 +18,13 @@ void ReportFailure(const KRN_Base& reporter, const char* file, HRESULT result, I
                    static_cast<const char*>(errors->GetBufferPointer()));
 }
 
+/// The source in place of a compiled effect that is missing or older; else the file itself.
+std::string Newest(const std::string& file) {
+    if (!file.ends_with(".fxo")) return file;
+    const std::string source = file.substr(0, file.size() - 1);
+    return FileModificationTime(source.c_str()) > FileModificationTime(file.c_str()) ? source : file;
+}
+
 /// `remarks` gets what the compiler says about an effect that it made: the functions that can not run.
 DevicePtr<ID3DXEffect> Compile(const GraphicsDevice& graphics, const char* file, DWORD flags, bool use_pool,
                                std::string& remarks) {
@@ -73,8 +80,9 @@ ShaderEffectLoader::ShaderEffectLoader(const ShaderEffectContext& context)
 ShaderEffectLoader::~ShaderEffectLoader() = default;
 
 std::string ShaderEffectLoader::Find(const char* file) const {
-    if (program_folder_.empty() || FileExists(file)) return file;
-    const std::string own = JoinPath(program_folder_, file);
+    const std::string here = Newest(file);
+    if (program_folder_.empty() || FileExists(here.c_str())) return here;
+    const std::string own = Newest(JoinPath(program_folder_, file));
     return FileExists(own.c_str()) ? own : file;
 }
 

@@ -533,6 +533,12 @@ TEST_F(ShaderEffectTest, ASearchListLoadsTheFirstThatExists) {
     KRN_ShaderEffect effect;
     EXPECT_TRUE(gfx_->LoadShaderEffect(effect, list, true, 0, false));
     EXPECT_TRUE(effect.IsValid());
+    EXPECT_TRUE(gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false)) << "there is only the source";
+    WriteFile("shader/glow.fxo", "not compiled");
+    EXPECT_NE(ErrorOf([&] { gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false); }), "no error");
+    std::filesystem::last_write_time("shader/glow.fx",
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_TRUE(gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false)) << "the source is newer";
     list.SetBaseName("Gone");
     EXPECT_EQ(ErrorOf([&] { gfx_->LoadShaderEffect(effect, list, true, 0, false); }),
               "KRN_Gfx: Shader effect file 'SHADER\\Gone.fxo' not found");
