@@ -231,6 +231,7 @@ bool KRN_Gfx::PostRenderEffects() const { return parts_->post_render.On(); }
 void KRN_Gfx::SetMultisampleTarget(bool wish) { parts_->post_render.SetMultisampleTarget(wish); }
 bool KRN_Gfx::MultisampleTarget() const { return parts_->post_render.MultisampleTarget(); }
 IDirect3DTexture9* KRN_Gfx::SceneTexture() { return parts_->post_render.SceneTexture(); }
+bool KRN_Gfx::DrawScreenEffect(KRN_ShaderEffect& effect) { return sparkrig::DrawScreenEffect(*parts_, effect); }
 bool KRN_Gfx::DrawScene(KRN_ShaderEffect& effect) { return sparkrig::DrawScene(*parts_, effect); }
 IDirect3DTexture9* KRN_Gfx::GetScreenCopy(bool viewport_only) {
     return parts_->screen_buffers.GetScreenCopy(viewport_only);

@@ -238,9 +238,10 @@ class KRN_Gfx final : public KRN_Base {
     bool MultisampleTarget() const;
     /// The scene as it was drawn; null with post-render effects off.
     IDirect3DTexture9* SceneTexture();
-    /// After EndScene: takes the scene to the screen. Every pass of the effect draws a square that covers the viewport,
-    /// in clip coordinates, which its vertex function passes on, and finds the scene as SCREENCOPY. False with
-    /// post-render effects off, and for an effect that was not found.
+    /// Inside a scene. Every pass of the effect draws a square that covers the viewport, in clip coordinates, which its
+    /// vertex function passes on, and finds what is drawn so far as SCREENCOPY. False for an effect that was not found.
+    bool DrawScreenEffect(KRN_ShaderEffect& effect);
+    /// After EndScene: takes the scene to the screen in the same way. False with post-render effects off, too.
     bool DrawScene(KRN_ShaderEffect& effect);
     /// What the render target shows now, or only the viewport of it.
     IDirect3DTexture9* GetScreenCopy(bool viewport_only);

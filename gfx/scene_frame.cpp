@@ -19,24 +19,6 @@ void LeaveSceneTarget(GfxParts& parts) {
     }
 }
 
-/// While it lives, the effect draws the scene to the screen, and nothing else does.
-class SceneDrawing {
-  public:
-    SceneDrawing(GfxParts& parts, KRN_ShaderEffect& effect) : parts_(parts), before_(parts.effects.Force(&effect)) {
-        parts_.post_render.SetDrawing(true);
-    }
-    ~SceneDrawing() {
-        parts_.post_render.SetDrawing(false);
-        parts_.effects.Force(before_);
-    }
-    SceneDrawing(const SceneDrawing&) = delete;
-    SceneDrawing& operator=(const SceneDrawing&) = delete;
-
-  private:
-    GfxParts& parts_;
-    KRN_ShaderEffect* before_;
-};
-
 /// A scene of the device's own, which an error ends too.
 class OpenScene {
   public:
@@ -58,7 +40,7 @@ class OpenScene {
     bool open_ = true;
 };
 
-/// Covers the screen: whatever states the program left, nothing of what is there stays.
+/// Covers the viewport: whatever states the program left, nothing of what is there stays.
 void DrawScreenSquare(GfxParts& parts) {
     const int culling = parts.states.culling.Mode();
     const auto draw = [&] {
@@ -99,14 +81,24 @@ void ReleasePostRenderEffects(GfxParts& parts) {
     parts.post_render.Release();
 }
 
+bool DrawScreenEffect(GfxParts& parts, KRN_ShaderEffect& effect) {
+    if (!effect.Effect()) return false;
+    KRN_ShaderEffect* const before = parts.effects.Force(&effect);
+    WithRestore([&] { DrawScreenSquare(parts); }, [&] { parts.effects.Force(before); });
+    return true;
+}
+
 bool DrawScene(GfxParts& parts, KRN_ShaderEffect& effect) {
     if (!parts.post_render.On() || !effect.Effect()) return false;
-    const SceneDrawing drawing(parts, effect);
-    if (const D3DXHANDLE scene = effect.ParameterBySemantic("SCREENCOPY"))
-        effect.SetParameter(scene, parts.post_render.SceneTexture());
-    OpenScene scene(parts.graphics);
-    DrawScreenSquare(parts);
-    scene.End();
+    const auto draw = [&] {
+        parts.post_render.SetDrawing(true);
+        if (const D3DXHANDLE scene = effect.ParameterBySemantic("SCREENCOPY"))
+            effect.SetParameter(scene, parts.post_render.SceneTexture());
+        OpenScene scene(parts.graphics);
+        DrawScreenEffect(parts, effect);
+        scene.End();
+    };
+    WithRestore(draw, [&] { parts.post_render.SetDrawing(false); });
     return true;
 }
 

@@ -94,19 +94,6 @@ class ScreenBufferPicture : public TemporaryFolder {
             }
         }
     }
-    static void DrawSquare(KRN_ShaderEffect& effect) {
-        // Twice the screen, so that no edge lies on pixel centres.
-        constexpr KRN_VertexPosTex kCorners[] = {
-            {-2, -2, 0, -0.5f, 1.5f}, {-2, 2, 0, -0.5f, -0.5f}, {2, -2, 0, 1.5f, 1.5f}, {2, 2, 0, 1.5f, -0.5f}};
-        KRN_VertexListTemp<KRN_VertexPosTex> square(PrimitiveMode::TriangleStrip);
-        gfx_->CreateVertexList(&square, 4, 0, false);
-        std::ranges::copy(kCorners, square.Lock(0, 4, 0));
-        square.Unlock();
-        gfx_->SetShaderEffect(&effect);
-        gfx_->DrawTriangleList(square, 0, -1);
-        gfx_->SetShaderEffect(nullptr);
-    }
-
     using Formula = std::function<Rgb(int x, int y)>;
     static Rgb AsPainted(int x, int y) { return ToRgb(Painted(x, y)); }
     static Rgb Inverted(int x, int y) {
@@ -147,7 +134,7 @@ class ScreenBufferPicture : public TemporaryFolder {
         gfx_->InitPostRenderEffects();
         gfx_->BeginScene();
         Paint();
-        DrawSquare(invert);
+        gfx_->DrawScreenEffect(invert);
         gfx_->EndScene();
         ExpectScreen([&](int, int) { return screen; });
         DevicePtr<IDirect3DSurface9> level;
@@ -162,7 +149,7 @@ class ScreenBufferPicture : public TemporaryFolder {
         Load(effect, kBlurAndBlocks);
         gfx_->BeginScene();
         Paint();
-        DrawSquare(effect);
+        gfx_->DrawScreenEffect(effect);
         gfx_->EndScene();
         ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
     }
@@ -196,7 +183,7 @@ TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
         gfx_->BeginScene();
         Paint();
         gfx_->SetViewPort(view.left, view.top, view.right, view.bottom, 0, 1);
-        DrawSquare(invert);
+        gfx_->DrawScreenEffect(invert);
         gfx_->EndScene();
         ExpectScreen([&](int x, int y) {
             const bool inside = x >= view.left && x < view.right && y >= view.top && y < view.bottom;
@@ -213,8 +200,7 @@ TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
     gfx_->BeginScene();
     Paint();
     gfx_->SetViewPort(32, 16, 64, 48, 0, 1);
-    DrawSquare(effect);
-    gfx_->SetShaderEffect(nullptr);
+    gfx_->DrawScreenEffect(effect);
     EXPECT_EQ(gfx_->Viewport(), (D3DVIEWPORT9{32, 16, 32, 32, 0, 1}));
     D3DVIEWPORT9 of_device = {};
     gfx_->Device()->GetViewport(&of_device);
@@ -234,7 +220,7 @@ TEST_F(ScreenBufferPicture, EverythingWorksAfterAResizeAndALoss) {
     Load(kept, kBlurAndBlocks);
     gfx_->InitPostRenderEffects();
     gfx_->BeginScene();
-    DrawSquare(kept);
+    gfx_->DrawScreenEffect(kept);
     gfx_->EndScene();
     SDL_SetWindowSize(NativeWindow(window_), 160, 80);
     EXPECT_EQ(gfx_->PresentFrame(), 0);
@@ -256,7 +242,7 @@ TEST_F(ScreenBufferPicture, EverythingWorksAfterAResizeAndALoss) {
     LoseDevice(*gfx_->Device());
     gfx_->BeginScene();   // a whole frame goes by before anybody notices
     Paint();
-    DrawSquare(kept);
+    gfx_->DrawScreenEffect(kept);
     gfx_->EndScene();
     gfx_->DrawScene(kept);
     RestoreDevice(*gfx_->Device());
@@ -265,7 +251,7 @@ TEST_F(ScreenBufferPicture, EverythingWorksAfterAResizeAndALoss) {
     gfx_->ReleasePostRenderEffects();
     gfx_->BeginScene();
     Paint();
-    DrawSquare(kept);
+    gfx_->DrawScreenEffect(kept);
     gfx_->EndScene();
     ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
     CheckSceneTexture();
