@@ -7,6 +7,7 @@
 #include "app/video_generator.h"
 #include "effects/visual_effect_system.h"
 #include "gfx/gfx.h"
+#include "gfx/shaders/shader_effect.h"
 #include "gfx/text/font.h"
 #include "gfx/textures/texture.h"
 #include "input/input.h"
@@ -22,6 +23,7 @@ struct Engine {
     std::optional<KRN_Font> font;
     VisualEffectSystem effects;
     KRN_Texture background;
+    KRN_ShaderEffect screen_effect;   // that the picture goes through, below the overlay
 
     /// Makes device, keyboard and font on the window. Everything that fails is an error. A KRN_Gfx that is there
     /// already is used: tests bring one on a device of their own.

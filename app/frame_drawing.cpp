@@ -5,6 +5,7 @@
 #include "app/background_picture.h"
 #include "app/camera_commands.h"
 #include "app/overlay.h"
+#include "app/shader_files.h"
 #include "app/stage_mesh.h"
 #include "app/tester_commands.h"
 #include "gfx/device/with_restore.h"
@@ -69,6 +70,8 @@ void ShowBackgroundPicture(Engine& engine, TesterState& state) {
 void BeginPlaying(Engine& engine, TesterState& state, LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
     engine.effects.Init(gfx, 0);
+    gfx.SetGameTimeSource([] { return static_cast<float>(VisualEffectSystem::Current()->SystemTime()); });
+    LoadScreenEffect(engine, state);
     ReloadEffects(engine.effects, state, loop, false);
     BuildStageMesh(gfx, loop.stage_mesh);
     PlaceCameraAtHome(loop.camera);
@@ -88,6 +91,7 @@ void DrawFrame(Engine& engine, const TesterState& state, LoopState& loop) {
     gfx.ResetWorldTransform();
     DrawBackdrop(gfx, loop);
     DrawEffects(engine, loop);
+    gfx.DrawScreenEffect(engine.screen_effect);
     loop.rate.CountFrame(state.clock.FrameTime());
     DrawOverlay(engine, state, loop);
     gfx.EndScene();

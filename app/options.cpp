@@ -69,6 +69,9 @@ void AddOptions(CLI::App& app, Options& options) {
     app.add_option("--frames", options.frames, "frames of --sequence or --record (default: 60)")
         ->type_name("N")
         ->check(CLI::Range(1, kMostFrames));
+    app.add_option("--screen-effect", options.screen_effect,
+                   "take the picture through a shader effect, as shader/Glow.fx; R and F5 read it again")
+        ->type_name("FILE.fx");
     app.add_flag("!--no-overlay", options.overlay, "leave the text out");
     app.add_flag("!--no-backdrop", options.backdrop, "leave the floor and the wall out");
     app.add_option("--journal", options.journal,

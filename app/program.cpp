@@ -58,6 +58,7 @@ int RunTester(const Options& options) {
     std::optional<Journal> journal;
     if (!OpenJournal(options.journal, journal)) return kCannot;
     TesterState& state = Tester();
+    state.screen_effect_path = options.screen_effect;
     const bool size_given = ReadWindowOptions(state, options.command_line);
     const bool sized = state.windowed && size_given;
     if (!MakeTesterWindow(state, sized ? WindowSize::Whole : WindowSize::ChosenBySystem)) return kErrorEnd;

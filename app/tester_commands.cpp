@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/camera_commands.h"
+#include "app/shader_files.h"
 #include "gfx/gfx.h"
 
 namespace sparkrig {
@@ -47,6 +48,7 @@ void RunKeyboardCommands(KRN_InputKeyboard& keyboard, TesterState& state, LoopSt
     if (pressed(DIK_L)) effects.PreloadEffect(effects.GetEffectName(state.current_effect).c_str());
     if (pressed(DIK_R)) ReloadEffects(effects, state, loop, false);
     if (pressed(DIK_F5)) ReloadEffects(effects, state, loop, true);
+    if (state.engine && (pressed(DIK_R) || pressed(DIK_F5))) ReloadShaders(*state.engine, state);
     if (pressed(DIK_F8)) loop.show_overlay = !loop.show_overlay;
     if (pressed(DIK_B)) loop.show_backdrop = !loop.show_backdrop;
     if (pressed(DIK_C)) PlaceCameraAtHome(loop.camera);

@@ -36,6 +36,7 @@ struct TesterState {
     int client_width = 0, client_height = 0;
     char base_path[kPathBytes] = "";
     char background_path[kPathBytes] = "";
+    std::string screen_effect_path;   // empty: the picture is shown as it is drawn
     int window_visible = 1;
     int application_active = 1;
     int quit_requested = 0;

@@ -18,6 +18,7 @@ class EffectDrawing {
     static constexpr int kParticlesPerBatch = 1024;
 
     void Init(KRN_Gfx& gfx, int buffer_mode);
+    void ReloadShader() { particles_.LoadShader(); }
     void Release();
     /// Draws into the scene that has begun, and leaves the device's states as they were.
     void Draw(EffectSimulation& simulation);

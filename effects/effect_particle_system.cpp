@@ -8,6 +8,7 @@ namespace sparkrig {
 namespace {
 
 constexpr char kShaderFile[] = "shader\\EffectParticle.fxo";
+constexpr char kBillboardMatrix[] = "BillboardMatrix", kUseParticlePosition[] = "UseParticlePos";
 constexpr DWORD kLeastShaderVersion = 0xFFFE0101;   // vertex shaders 1.1
 constexpr int kFullAlpha = 255;
 constexpr int kTrianglesPerParticle = 2;
@@ -20,15 +21,22 @@ constexpr D3DXMATRIX kBeforeCameraView = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1,
 
 void EffectParticleSystem::Init(KRN_Gfx& gfx, int capacity, bool force_software_processing, int buffer_mode) {
     gfx_ = &gfx;
-    gfx.LoadShaderEffect(shader_, kShaderFile, true, 0, false);
-    billboard_matrix_ = FindSemantic("BillboardMatrix");
-    use_particle_position_ = FindSemantic("UseParticlePos");
+    LoadShader();
     particles_.resize(static_cast<std::size_t>(capacity));
     CreateVertices(capacity, force_software_processing, buffer_mode);
 }
 
-D3DXHANDLE EffectParticleSystem::FindSemantic(const char* semantic) const {
-    const D3DXHANDLE handle = shader_.ParameterBySemantic(semantic);
+void EffectParticleSystem::LoadShader() {
+    KRN_ShaderEffect trial;   // what can not be loaded leaves the shader that there is
+    gfx_->LoadShaderEffect(trial, kShaderFile, true, 0, false);
+    for (const char* semantic : {kBillboardMatrix, kUseParticlePosition}) FindSemantic(trial, semantic);
+    gfx_->LoadShaderEffect(shader_, kShaderFile, true, 0, false);
+    billboard_matrix_ = FindSemantic(shader_, kBillboardMatrix);
+    use_particle_position_ = FindSemantic(shader_, kUseParticlePosition);
+}
+
+D3DXHANDLE EffectParticleSystem::FindSemantic(const KRN_ShaderEffect& shader, const char* semantic) const {
+    const D3DXHANDLE handle = shader.ParameterBySemantic(semantic);
     if (!handle) Error("Missing semantic '%s' in shader", semantic);
     return handle;
 }

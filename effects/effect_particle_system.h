@@ -19,6 +19,8 @@ class EffectParticleSystem : public ErrorClass {
     /// Borrows the device; loads "shader\EffectParticle.fxo". Buffer mode 1 takes a managed, 2 a dynamic vertex buffer,
     /// every other mode one in system memory.
     void Init(KRN_Gfx& gfx, int capacity, bool force_software_processing, int buffer_mode);
+    /// Again, when its file has changed. What fails is an error and leaves the shader that there is.
+    void LoadShader();
     void Release();
 
     /// Of the particles that are added from now on. A new texture, by name or by frame, flushes the batch first.
@@ -43,7 +45,7 @@ class EffectParticleSystem : public ErrorClass {
 
   private:
     void CreateVertices(int capacity, bool force_software_processing, int buffer_mode);
-    D3DXHANDLE FindSemantic(const char* semantic) const;
+    D3DXHANDLE FindSemantic(const KRN_ShaderEffect& shader, const char* semantic) const;
     void WarnFull();
     void DrawBatch();
     void BindTexture();

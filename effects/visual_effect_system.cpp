@@ -136,6 +136,8 @@ void VisualEffectSystem::Init(KRN_Gfx& gfx, int mode) {
     gfx.Catalogue().Load("cfg/texCatalogue.cfg", "", false);
 }
 
+void VisualEffectSystem::ReloadShader() { parts_->drawing.ReloadShader(); }
+
 void VisualEffectSystem::PreloadEffect(const char* name) { Preloading(*this, *parts_).Preload(name); }
 
 int VisualEffectSystem::Draw() {

@@ -38,6 +38,9 @@ class VisualEffectSystem : public ErrorClass {
     /// Borrows the device, which has been made. Loads "cfg/texCatalogue.cfg" and the particle shader effect. Everything
     /// but preloading and drawing works without it. Mode: the buffer mode of EffectParticleSystem::Init.
     void Init(KRN_Gfx& gfx, int mode);
+    /// Loads the particle shader effect again when its file has changed. What fails is an error and leaves the one that
+    /// there is.
+    void ReloadShader();
     /// With keep_instances running instances go on with the new definitions.
     void LoadEffects(const char* file, bool keep_instances);
     /// The one that was set up last, for the whole program; null before.

@@ -4,9 +4,11 @@
 
 #include <cstdlib>
 
+#include "app/shader_files.h"
 #include "app/tester_commands.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -58,6 +60,37 @@ TEST_F(PlayerTest, MovingTexturesAreTheSameAfterAResetAndAReload) {
         EXPECT_NE(Draw(), before) << effect;
         PlayHalfASecond(effect);   // reads the file afresh
         EXPECT_EQ(Draw(), before) << effect;
+    }
+}
+
+TEST_F(PlayerTest, AScreenEffectIsReadAgainAndStaysWhereThatFails) {
+    const ScratchFolder folder;
+    const auto write = [&](const std::string& colour, int age) {
+        const std::string file = folder.Write("Fill.fx",
+                                              "float4 V(float4 p : POSITION) : POSITION { return p; }\n"
+                                              "float4 P() : COLOR { return " +
+                                                  colour +
+                                                  "; }\n"
+                                                  "technique { pass { VertexShader = compile vs_2_0 V();"
+                                                  "PixelShader = compile ps_2_0 P(); } }");
+        std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(age));
+    };
+    const struct {
+        const char* colour;
+        Rgb shown;
+        const char* note;
+    } rows[] = {{"float4(1, 0.2, 0, 1)", {255, 51, 0}, ""},
+                {"float4(0, 0.6, 1, 1)", {0, 153, 255}, ""},
+                {"flot4(0, 0, 0, 1)", {0, 153, 255}, "Fill.fx(2): error X3000"},
+                {"0.4", {102, 102, 102}, ""}};
+    Tester().screen_effect_path = folder.Path("Fill.fxo");   // there is only the source
+    int age = 0;
+    for (const auto& row : rows) {
+        Tester().notice = {};
+        write(row.colour, ++age);
+        ReloadShaders(engine_, Tester());
+        EXPECT_TRUE(Near(ToRgb(Draw()[0]), row.shown, 1)) << row.colour;
+        EXPECT_NE(Tester().notice.text.find(row.note), std::string::npos) << Tester().notice.text;
     }
 }
 
