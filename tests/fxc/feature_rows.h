@@ -164,6 +164,12 @@ inline const Feature kFeatures[] = {
     {"matrix constants for transforms", "technique { pass { WorldTransform[0] = {1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1}; ViewTransform = float4x4(1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,0,1); TextureFactor = 0xFF336699; ColorOp[0] = SELECTARG1; ColorArg1[0] = TFACTOR; } }", "", {51, 102, 153}},
     {"a technique with a name of its own for each pass' state index", "texture T; technique { pass { Texture[0] = <T>; ColorOp[0] = SELECTARG1; ColorArg1[0] = TEXTURE; ColorOp[1] = DISABLE; AlphaOp[0] = SELECTARG1; AddressU[0] = CLAMP; } }", "", {51, 102, 204}},
     {"vertex function alone, drawn by the fixed stages", "float4 M(float4 p : POSITION, float4 c : COLOR0, out float4 o : COLOR0) : POSITION { o = c * 0.5; return p; } technique { pass { VertexShader = compile vs_1_1 M(); PixelShader = NULL; ColorOp[0] = SELECTARG1; ColorArg1[0] = DIFFUSE; } }", "", {128, 51, 26}},
+
+    // ---- Matrices, samplers and states in forms that few write
+    {"matrices times matrices by their elements", "float2x2 a = {1, 2, 3, 4}, b = {0.1, 0.1, 0.1, 0.1};", "float2x2 c = a * b, d = a; d *= b; return float4(c[0], (d * a * b)[1].x, 1);", {26, 51, 23}},
+    {"a sampler of an array in a loop", "texture T; sampler S[2] = { sampler_state { Texture = <T>; MinFilter = POINT; MagFilter = POINT; }, sampler_state { Texture = <T>; MinFilter = POINT; MagFilter = POINT; } };", "float4 c = 0; for (int i = 0; i < 2; i++) c += tex2D(S[i], uv) * (i + 1) / 3; return c;", {51, 102, 204}},
+    {"a state block", "stateblock B = stateblock_state { TextureFactor = 0xff336699; ColorOp[0] = SelectArg1; ColorArg1[0] = TFactor; }; technique { pass { ColorOp[0] = Disable; StateBlock = (B); } }", "", {51, 102, 153}},
+    {"targets in capitals, later models' semantics, fragments", "pixelfragment f = compile_fragment ps_2_0 P(); float4 P() : SV_Target { return 0.2; } technique { pass { PixelShader = compile PS_2_0 P(); } }", "", {51, 51, 51}},
 };
 // clang-format on
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "tools/fxc/stage_interface.h"
 #include "tools/fxc/state_table.h"
@@ -25,6 +26,10 @@ const char* const kIntrinsicFunctions =
     "#define fxc_tex1Dlod(s, x) tex2Dlod(s, float4((x).x, 0.5, (x).zw))\n"
     "#define fxc_tex1Dbias(s, x) tex2Dbias(s, float4((x).x, 0.5, (x).zw))\n"
     "#define fxc_tex1Dproj(s, x) tex2D(s, float2((x).x / (x).w, 0.5))\n"
+    "#define FXC_TIMES(T, N) T fxc_times(T a, T b) { for (int i = 0; i < N; ++i) a[i] *= b[i]; return a; }\n"
+    "FXC_TIMES(float2x2, 2) FXC_TIMES(float2x3, 2) FXC_TIMES(float2x4, 2)\n"
+    "FXC_TIMES(float3x2, 3) FXC_TIMES(float3x3, 3) FXC_TIMES(float3x4, 3)\n"
+    "FXC_TIMES(float4x2, 4) FXC_TIMES(float4x3, 4) FXC_TIMES(float4x4, 4)\n"
     "float4 fxc_lit(float d, float h, float m) {"
     " return float4(1, max(d, 0), d < 0 || h < 0 ? 0 : fxc_pow(h, m), 1); }\n"
     "#define FXC_TEST(T) bool fxc_any(T x) { return x != 0; } bool fxc_all(T x) { return x != 0; }\n"
@@ -157,6 +162,10 @@ constexpr std::string_view kReserved[] = {
     "catch",
 };
 
+// Semantics as later models call them.
+constexpr std::pair<const char*, const char*> kLaterSemantics[] = {
+    {"SV_Position", "POSITION"}, {"SV_Target", "COLOR0"}, {"SV_Target0", "COLOR0"}, {"SV_Depth", "DEPTH"}};
+
 // What stays where it begins a declaration.
 constexpr std::string_view kUsages[] = {"noperspective", "nointerpolation", "linear", "centroid",
                                         "volatile",      "extern",          "shared"};
@@ -212,6 +221,8 @@ class Speller {
         if (semantic) {
             // The compiler gives this one a type of its own.
             if (EqualIgnoringCase(token.text, "VPOS")) token.text = kPixelPosition;
+            for (const auto& [later, ours] : kLaterSemantics)
+                if (EqualIgnoringCase(token.text, later)) token.text = ours;
             return true;
         }
         if (!member && IsOneOf(kUsages, token.text) && NameFollows(i)) return !IsOneOf(kMeaningless, token.text);

@@ -48,6 +48,32 @@ const char* SamplerWord(SamplerShape shape) {
     return shape == SamplerShape::Cube ? "samplerCUBE" : shape == SamplerShape::Volume ? "sampler3D" : "sampler2D";
 }
 
+/// f(S[i], uv) becomes (i == 0 ? f(fxc_S_0, uv) : f(fxc_S_1, uv)), with `call` behind the "(". The index behind the
+/// call; `call` where it is none.
+std::size_t ChooseElement(const Tokens& code, std::size_t call, DWORD elements, Tokens& result) {
+    const Token& array = code[call];
+    if (result.size() < 2 || !result.back().Is("(") || result[result.size() - 2].kind != TokenKind::Identifier)
+        return call;
+    const std::size_t close = ClosingBracket(code, call + 1), end = ClosingBracket(code, call - 1);
+    if (close >= code.size() || end >= code.size()) return call;
+    const Token function = code[call - 2];
+    result.resize(result.size() - 2);
+    AppendText(result, array, "(");
+    for (DWORD i = 0; i < elements; ++i) {
+        if (i + 1 < elements) {
+            AppendText(result, array, "(");
+            AppendTo(result, Part(code, call + 2, close));
+            AppendText(result, array, ") == " + std::to_string(i) + " ?");
+        }
+        result.push_back(function);
+        AppendText(result, array, "( fxc_" + array.text + "_" + std::to_string(i));
+        AppendTo(result, Part(code, close + 1, end + 1));
+        if (i + 1 < elements) AppendText(result, array, ":");
+    }
+    AppendText(result, array, ")");
+    return end + 1;
+}
+
 /// S[1] becomes the sampler that stands for it.
 void NameElements(ParsedEffect& effect, Diagnostics& diagnostics) {
     Tokens result;
@@ -64,11 +90,18 @@ void NameElements(ParsedEffect& effect, Diagnostics& diagnostics) {
             constant != effect.symbols.constants.end() && !constant->second.values.empty())
             index = std::to_string(static_cast<int>(constant->second.values[0]));
         const std::string name = "fxc_" + token.text + "_" + index;
-        if (!effect.code[i + 3].Is("]") || !effect.samplers.contains(name))
+        if (effect.code[i + 3].Is("]") && effect.samplers.contains(name)) {
+            result.back().text = name;
+            i += 3;
+            continue;
+        }
+        result.pop_back();
+        const DWORD elements = effect.file.parameters[found->second].variable.elements;
+        const std::size_t behind = ChooseElement(effect.code, i, elements, result);
+        if (behind == i)
             return diagnostics.Error(token.place, ErrorCode::Unsupported,
-                                     "a sampler of an array is chosen by a constant only");
-        result.back().text = name;
-        i += 3;
+                                     "a sampler of an array is chosen in the call of a function only");
+        i = behind - 1;
     }
     effect.code = std::move(result);
 }

@@ -41,6 +41,10 @@ class EffectParser {
             if (cursor_.Accept(";")) continue;
             if (cursor_.AcceptWord("technique"))
                 ParseTechnique();
+            else if (cursor_.AcceptWord("stateblock"))
+                ParseStateBlock();
+            else if (cursor_.Peek().IsName("pixelfragment") || cursor_.Peek().IsName("vertexfragment"))
+                PassOverFragment();
             else if (cursor_.Peek().IsName("typedef"))
                 ParseTypedef();
             else
@@ -647,6 +651,25 @@ class EffectParser {
         while (!cursor_.AtEnd() && !cursor_.Peek().Is(",") && !cursor_.Peek().Is(")"))
             if (cursor_.Take().Is("(")) cursor_.SkipPast("(", ")");
         return cursor_.Since(start);
+    }
+
+    // ---- State blocks and fragments
+
+    void ParseStateBlock() {
+        const std::string name = cursor_.ExpectName("the name of the state block");
+        cursor_.Expect("=", "before the states");
+        if (!cursor_.AcceptWord("stateblock_state")) return cursor_.Fail(cursor_.Peek(), "expected stateblock_state");
+        ParseStates(cursor_, effect_, StateOwner::Pass, effect_.symbols.state_blocks[name]);
+        cursor_.Expect(";", "after the state block");
+    }
+
+    /// Parts of functions, for programs that put them together.
+    void PassOverFragment() {
+        const Token word = cursor_.Take();
+        if (effect_.unused_states.insert(word.text).second)
+            cursor_.Errors().Warning(word.place, ErrorCode::Unsupported,
+                                     fmt::format("a {} has no effect here", word.text));
+        while (!cursor_.AtEnd() && !cursor_.Accept(";")) cursor_.Take();
     }
 
     // ---- Techniques

@@ -74,6 +74,7 @@ struct Symbols {
     std::map<std::string, Type, std::less<>> types;           // typedefs
     std::map<std::string, std::vector<StructureMember>, std::less<>> structures;
     std::map<std::string, std::vector<FunctionSignature>, std::less<>> functions;   // all of one name
+    std::map<std::string, std::vector<StateAssignment>, std::less<>> state_blocks;
 };
 
 struct ParsedEffect {

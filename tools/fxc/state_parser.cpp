@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "platform/d3d9/d3d9_constants.h"
+#include "platform/system/ascii.h"
 #include "tools/fxc/expression_parser.h"
 #include "tools/fxc/state_table.h"
 
@@ -60,6 +61,7 @@ class StateParser {
         StateAssignment state;
         const DWORD index = ParseIndex();
         cursor_.Expect("=", fmt::format("after the state '{}'", name.text));
+        if (owner_ == StateOwner::Pass && EqualIgnoringCase(name.text, "StateBlock")) return ParseBlock(states);
         if (!row || !BelongsHere(*row)) return Refuse(name);
         if (row->unused) return PassOver(*row, name);
         state.group = row->group;
@@ -68,13 +70,29 @@ class StateParser {
         if (owner_ == StateOwner::Pass) SettleIndex(*row, name, index, state);
         ParseValue(*row, state);
         ExpectEnd(name);
+        Assign(std::move(state), states);
+    }
+
+  private:
+    static void Assign(StateAssignment state, std::vector<StateAssignment>& states) {
         std::erase_if(states, [&](const StateAssignment& other) {
             return other.group == state.group && other.state == state.state && other.index == state.index;
         });
         states.push_back(std::move(state));
     }
 
-  private:
+    /// The name of a block stands for its states.
+    void ParseBlock(std::vector<StateAssignment>& states) {
+        const char* close = cursor_.Accept("<") ? ">" : cursor_.Accept("(") ? ")" : nullptr;
+        const Token name = cursor_.Peek();
+        const auto block = effect_.symbols.state_blocks.find(cursor_.ExpectName("a state block"));
+        if (block == effect_.symbols.state_blocks.end())
+            return cursor_.Fail(name, fmt::format("'{}' is not a state block", name.text));
+        for (const StateAssignment& state : block->second) Assign(state, states);
+        if (close) cursor_.Expect(close, "after the state block");
+        ExpectEnd(name);
+    }
+
     bool BelongsHere(const StateRow& row) const {
         return owner_ == StateOwner::Pass || row.group == StateGroup::SamplerState || row.group == StateGroup::Texture;
     }
@@ -275,6 +293,7 @@ DWORD ParseCompile(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
     FunctionRequest request;
     request.place = cursor.Peek().place;
     request.target = cursor.ExpectName("a target such as vs_1_1");
+    std::ranges::transform(request.target, request.target.begin(), AsciiLower);
     if (!request.target.starts_with(stage == FunctionStage::Vertex ? "vs_" : "ps_") && !cursor.Failed())
         cursor.Errors().Error(request.place, ErrorCode::Syntax,
                               fmt::format("'{}' is not a target for this kind of function", request.target));
