@@ -137,6 +137,7 @@ int RunStarted(Engine& engine, TesterState& state, const Options& options) try {
 int RunAutomation(const Options& options) {
     TesterState& state = Tester();
     state.screen_effect_path = options.screen_effect;
+    state.mesh_effect_path = options.mesh_effect;
     if (!ChooseSize(state, options)) return kWrongUsage;
     Engine engine;
     const int end = StartUnseen(engine, state, options) ? RunStarted(engine, state, options) : kCannot;

@@ -56,6 +56,7 @@ void Engine::Start(TesterState& state, std::optional<std::uint32_t> seed) {
 void Engine::ShutDown() {
     background.Release();
     screen_effect.Release();
+    mesh_effect.Release();
     effects.Release();
     keyboard.reset();
     if (font) font->Release();

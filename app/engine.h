@@ -24,6 +24,7 @@ struct Engine {
     VisualEffectSystem effects;
     KRN_Texture background;
     KRN_ShaderEffect screen_effect;   // that the picture goes through, below the overlay
+    KRN_ShaderEffect mesh_effect;     // that the meshes of effects are drawn through
 
     /// Makes device, keyboard and font on the window. Everything that fails is an error. A KRN_Gfx that is there
     /// already is used: tests bring one on a device of their own.

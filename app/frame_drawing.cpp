@@ -71,7 +71,7 @@ void BeginPlaying(Engine& engine, TesterState& state, LoopState& loop) {
     KRN_Gfx& gfx = *engine.gfx;
     engine.effects.Init(gfx, 0);
     gfx.SetGameTimeSource([] { return static_cast<float>(VisualEffectSystem::Current()->SystemTime()); });
-    LoadScreenEffect(engine, state);
+    LoadShaderFiles(engine, state);
     ReloadEffects(engine.effects, state, loop, false);
     BuildStageMesh(gfx, loop.stage_mesh);
     PlaceCameraAtHome(loop.camera);

@@ -72,6 +72,8 @@ void AddOptions(CLI::App& app, Options& options) {
     app.add_option("--screen-effect", options.screen_effect,
                    "take the picture through a shader effect, as shader/Glow.fx; R and F5 read it again")
         ->type_name("FILE.fx");
+    app.add_option("--mesh-effect", options.mesh_effect, "draw the meshes of effects through one, as shader/Toon.fx")
+        ->type_name("FILE.fx");
     app.add_flag("!--no-overlay", options.overlay, "leave the text out");
     app.add_flag("!--no-backdrop", options.backdrop, "leave the floor and the wall out");
     app.add_option("--journal", options.journal,

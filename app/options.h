@@ -18,10 +18,10 @@ struct Options {
     std::string effect;         // empty: the first one
     bool repeat = false;
     std::optional<std::uint32_t> seed;
-    std::string screen_effect;   // file of the shader effect that the picture goes through; empty for none
-    std::string data;            // folder to work in; empty: not given
-    std::string output;          // the file or folder that the mode writes
-    std::string journal;         // file for the journal of an interactive run; empty for none
+    std::string screen_effect, mesh_effect;   // files of shader effects, for the picture and for meshes; empty for none
+    std::string data;                         // folder to work in; empty: not given
+    std::string output;                       // the file or folder that the mode writes
+    std::string journal;                      // file for the journal of an interactive run; empty for none
     double at_seconds = 1;
     int frames = 60;
     bool overlay = true, backdrop = true;

@@ -59,6 +59,7 @@ int RunTester(const Options& options) {
     if (!OpenJournal(options.journal, journal)) return kCannot;
     TesterState& state = Tester();
     state.screen_effect_path = options.screen_effect;
+    state.mesh_effect_path = options.mesh_effect;
     const bool size_given = ReadWindowOptions(state, options.command_line);
     const bool sized = state.windowed && size_given;
     if (!MakeTesterWindow(state, sized ? WindowSize::Whole : WindowSize::ChosenBySystem)) return kErrorEnd;

@@ -4,9 +4,9 @@
 
 namespace sparkrig {
 
-/// Loads the effect that the whole picture goes through; none where the setting is empty. What fails is an error, and
-/// leaves the effect that there is.
-void LoadScreenEffect(Engine& engine, const TesterState& state);
+/// Loads the effects that the settings name, for the whole picture and for meshes. What fails is an error, and leaves
+/// the effect that there is.
+void LoadShaderFiles(Engine& engine, const TesterState& state);
 
 /// Loads those whose files have changed again. The overlay tells about one that fails, which stays as it was.
 void ReloadShaders(Engine& engine, TesterState& state);

@@ -36,7 +36,7 @@ struct TesterState {
     int client_width = 0, client_height = 0;
     char base_path[kPathBytes] = "";
     char background_path[kPathBytes] = "";
-    std::string screen_effect_path;   // empty: the picture is shown as it is drawn
+    std::string screen_effect_path, mesh_effect_path;   // shader effects that the options name; empty for none
     int window_visible = 1;
     int application_active = 1;
     int quit_requested = 0;

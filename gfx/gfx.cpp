@@ -276,7 +276,13 @@ void KRN_Gfx::DrawMeshRange(KRN_Mesh& mesh, UINT first_face, UINT faces) {
 void KRN_Gfx::LoadScene(KRN_3dScene& scene, const char* file, int flags) {
     parts_->scene_loader.Load(scene, file, flags);
 }
-bool KRN_Gfx::DrawScene(KRN_3dScene* scene) { return parts_->scenes.Draw(scene); }
+bool KRN_Gfx::DrawScene(KRN_3dScene* scene) {
+    bool drawn = false;
+    parts_->effects.SetOverride(parts_->mesh_effect);
+    WithRestore([&] { drawn = parts_->scenes.Draw(scene); }, [this] { parts_->effects.SetOverride(nullptr); });
+    return drawn;
+}
+void KRN_Gfx::SetMeshEffect(KRN_ShaderEffect* effect) { parts_->mesh_effect = effect; }
 
 const DrawStatistics& KRN_Gfx::Statistics() const { return parts_->statistics; }
 void KRN_Gfx::SuppressDraws(bool on) { parts_->statistics.suppress_draws = on; }

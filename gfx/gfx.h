@@ -282,6 +282,9 @@ class KRN_Gfx final : public KRN_Base {
     /// its selected camera, and with its lights where lighting is on. The states are afterwards as they were. False for
     /// a scene that is null (a warning) or out of view.
     bool DrawScene(KRN_3dScene* scene);
+    /// Draws the meshes of scenes, as long as it is valid, through this effect, whatever their materials name; null for
+    /// none. Borrowed.
+    void SetMeshEffect(KRN_ShaderEffect* effect);
 
     /// What was drawn since the last frame was presented.
     const DrawStatistics& Statistics() const;

@@ -59,6 +59,7 @@ struct GfxParts {
 
     // Shader effects, and what they read of the screen
     ShaderEffectChoice effects;
+    KRN_ShaderEffect* mesh_effect = nullptr;   // borrowed; overrides while a scene is drawn
     ScreenBuffers screen_buffers{graphics, targets, states.transforms, frame_cache, textures};
     PostRender post_render{graphics, targets, surfaces};
     PassSwitch pass_switch{graphics, targets, states.transforms, screen_buffers, effects};

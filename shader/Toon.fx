@@ -63,7 +63,9 @@ float4 Paint(Lit input) : COLOR
     float3 towards = -normalize(Lights > 0 ? Light[0].xyz : kNoLamp);
     float light = 0.5 + 0.5 * dot(normalize(input.normal), towards);
     float step = (floor(light * Steps * 0.999) + 0.5) / Steps;
-    return float4(Diffuse.rgb * tex2D(Picture, input.uv).rgb * (0.25 + step), Opacity);
+    float3 picture = tex2D(Picture, input.uv).rgb;
+    if (!any(picture)) picture = 1;   // a mesh without picture reads black
+    return float4(Diffuse.rgb * picture * (0.25 + step), Opacity);
 }
 
 technique Toon

@@ -39,15 +39,15 @@ TEST(Options, EachModeTakesItsOutput) {
 }
 
 TEST(Options, ReadsTheRest) {
-    const Options options =
-        ParseCommandLine({"/resx:640", "--effect", "Blue Fire", "--repeat", "--seed", "4000000000", "--data", "dir",
-                          "--screen-effect", "a.fx", "--no-overlay", "--no-backdrop", "nonsense", "-x"})
-            .options;
+    const Options options = ParseCommandLine({"/resx:640", "--effect", "Blue Fire", "--repeat", "--seed", "4000000000",
+                                              "--data", "dir", "--screen-effect", "a.fx", "--mesh-effect", "b.fx",
+                                              "--no-overlay", "--no-backdrop", "nonsense", "-x"})
+                                .options;
     EXPECT_EQ(options.effect, "Blue Fire");
     EXPECT_TRUE(options.repeat);
     EXPECT_EQ(options.seed, 4000000000u);
     EXPECT_EQ(options.data, "dir");
-    EXPECT_EQ(options.screen_effect, "a.fx");
+    EXPECT_EQ(options.screen_effect + options.mesh_effect, "a.fxb.fx");
     EXPECT_FALSE(options.overlay || options.backdrop);
     EXPECT_THAT(options.command_line, HasSubstr("/resx:640 "));
 }
@@ -79,8 +79,8 @@ TEST(Options, HelpShowsEveryOption) {
     const ParsedCommandLine parsed = ParseCommandLine({"--help"});
     EXPECT_EQ(parsed.exit_code, 0);
     for (const char* option : {"--effect", "--repeat", "--seed", "--data", "--capture", "--at", "--sequence",
-                               "--frames", "--sheet", "--record", "--check", "--screen-effect", "--no-overlay",
-                               "--no-backdrop", "--version", "--journal", "/full", "/resx"}) {
+                               "--frames", "--sheet", "--record", "--check", "--screen-effect", "--mesh-effect",
+                               "--no-overlay", "--no-backdrop", "--version", "--journal", "/full", "/resx"}) {
         EXPECT_THAT(parsed.text, HasSubstr(option));
     }
     EXPECT_EQ(ParseCommandLine({"--version"}).text, "Sparkrig 1.3\n");
