@@ -13,7 +13,7 @@ bool MakeWindow(TesterState& state) {
     state = {};
     state.resolution_x = 1280;
     state.resolution_y = 720;
-    return MakeTesterWindow(state, WindowSize::Resolution);
+    return MakeTesterWindow(state, WindowSize::Picture);
 }
 
 void DrawFirstFrame(Engine& engine, TesterState& state) {
