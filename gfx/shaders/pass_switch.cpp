@@ -8,7 +8,9 @@ PassSwitch::OpenPass PassSwitch::Remember() const {
     IDirect3DDevice9& device = *graphics_.Device();
     OpenPass pass;
     graphics_.Require(device.GetRenderTarget(0, pass.target.Receive()), "Can not retrieve render target: ");
-    graphics_.Require(device.GetViewport(&pass.viewport), "GetViewport failed: ");
+    // A buffer's viewport is the device's to know; any other is the program's own, whatever a lost device answers.
+    pass.viewport = transforms_.Viewport();
+    if (Buffer()) graphics_.Require(device.GetViewport(&pass.viewport), "GetViewport failed: ");
     pass.has_depth = targets_.HasDepthBuffer();
     return pass;
 }

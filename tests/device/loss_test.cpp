@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/effect_choice.h"
+#include "app/shader_files.h"
 #include "tests/base/reports.h"
 #include "tests/device/whole_program.h"
 
@@ -30,7 +31,13 @@ int CallsOf(WholeProgram& program, Action action) {
 
 TEST_P(Loss, BetweenAnyTwoCallsOfAFrame) {
     WholeProgram program(GetParam());
-    for (const char* effect : {"campfire", "scrying mirror", "portal", "deep tentacle"}) {
+    for (const auto& [effect, screen_effect] :
+         std::initializer_list<std::pair<const char*, const char*>>{{"campfire", ""},
+                                                                    {"scrying mirror", "shader/HeatHaze.fxo"},
+                                                                    {"portal", "shader/Glow.fxo"},
+                                                                    {"deep tentacle", ""}}) {
+        Tester().screen_effect_path = screen_effect;
+        LoadShaderFiles(program.engine, Tester());
         program.player->StartEffect(ChooseEffect(program.engine.effects, effect).value());
         for (int frame = 0; frame < 40; ++frame) program.player->Advance();
         program.Frame();   // loads what is shown first
