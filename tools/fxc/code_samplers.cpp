@@ -51,8 +51,10 @@ const char* SamplerWord(SamplerShape shape) {
 /// f(S[i], uv) becomes (i == 0 ? f(fxc_S_0, uv) : f(fxc_S_1, uv)), with `call` behind the "(". The index behind the
 /// call; `call` where it is none.
 std::size_t ChooseElement(const Tokens& code, std::size_t call, DWORD elements, Tokens& result) {
+    constexpr DWORD kMostSamplers = 16;   // that a function can have
     const Token& array = code[call];
-    if (result.size() < 2 || !result.back().Is("(") || result[result.size() - 2].kind != TokenKind::Identifier)
+    if (elements > kMostSamplers || result.size() < 2 || !result.back().Is("(") ||
+        result[result.size() - 2].kind != TokenKind::Identifier)
         return call;
     const std::size_t close = ClosingBracket(code, call + 1), end = ClosingBracket(code, call - 1);
     if (close >= code.size() || end >= code.size()) return call;
