@@ -15,8 +15,11 @@ void PrintNotice(Engine& engine, const std::string& text, float width) {
     const float advance = kTextSize * engine.font->Advance('0');
     const std::size_t columns = static_cast<std::size_t>(std::max(width / advance, 1.0f));
     float y = kNoticeTop;
-    for (std::size_t i = 0; i < text.size(); i += columns, y += kMargin) {
-        engine.gfx->Printf(1, y, "%s", text.substr(i, columns).c_str());
+    for (std::size_t i = 0; i < text.size(); y += kMargin) {
+        const std::string line = text.substr(i, std::min(columns, text.find('\n', i) - i));
+        engine.gfx->Printf(1, y, "%s", line.c_str());
+        i += line.size();
+        if (i < text.size() && text[i] == '\n') ++i;
     }
 }
 

@@ -80,9 +80,9 @@ ShaderEffectLoader::ShaderEffectLoader(const ShaderEffectContext& context)
 ShaderEffectLoader::~ShaderEffectLoader() = default;
 
 std::string ShaderEffectLoader::Find(const char* file) const {
-    const std::string here = Newest(file);
+    std::string here = Newest(file);
     if (program_folder_.empty() || FileExists(here.c_str())) return here;
-    const std::string own = Newest(JoinPath(program_folder_, file));
+    std::string own = Newest(JoinPath(program_folder_, file));
     return FileExists(own.c_str()) ? own : file;
 }
 
