@@ -169,6 +169,7 @@ inline const Feature kFeatures[] = {
     {"matrices times matrices by their elements", "float2x2 a = {1, 2, 3, 4}, b = {0.1, 0.1, 0.1, 0.1};", "float2x2 c = a * b, d = a; d *= b; return float4(c[0], (d * a * b)[1].x, 1);", {26, 51, 23}},
     {"a sampler of an array in a loop", "texture T; sampler S[2] = { sampler_state { Texture = <T>; MinFilter = POINT; MagFilter = POINT; }, sampler_state { Texture = <T>; MinFilter = POINT; MagFilter = POINT; } };", "float4 c = 0; for (int i = 0; i < 2; i++) c += tex2D(S[i], uv) * (i + 1) / 3; return c;", {51, 102, 204}},
     {"a state block", "stateblock B = stateblock_state { TextureFactor = 0xff336699; ColorOp[0] = SelectArg1; ColorArg1[0] = TFactor; }; technique { pass { ColorOp[0] = Disable; StateBlock = (B); } }", "", {51, 102, 153}},
+    {"unsigned int, filters of four texels", "texture T; sampler S = sampler_state { Texture = <T>; MinFilter = GaussianQuad; MagFilter = POINT; }; unsigned int n = 2;", "unsigned int i = n; return tex2D(S, uv) * (i * 0.5);", {51, 102, 204}},
     {"targets in capitals, later models' semantics, fragments", "pixelfragment f = compile_fragment ps_2_0 P(); float4 P() : SV_Target { return 0.2; } technique { pass { PixelShader = compile PS_2_0 P(); } }", "", {51, 51, 51}},
 };
 // clang-format on

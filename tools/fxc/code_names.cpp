@@ -168,9 +168,9 @@ constexpr std::pair<const char*, const char*> kLaterSemantics[] = {
 
 // What stays where it begins a declaration.
 constexpr std::string_view kUsages[] = {"noperspective", "nointerpolation", "linear", "centroid",
-                                        "volatile",      "extern",          "shared"};
+                                        "volatile",      "extern",          "shared", "unsigned"};
 
-constexpr std::string_view kMeaningless[] = {"volatile", "extern", "shared"};
+constexpr std::string_view kMeaningless[] = {"volatile", "extern", "shared", "unsigned"};
 
 bool IsOneOf(std::span<const std::string_view> words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();

@@ -131,7 +131,8 @@ std::optional<Type> BuiltInType(const std::string& word, LetterCase letters) {
 std::optional<Type> AcceptType(Cursor& cursor, const Symbols& symbols) {
     if (cursor.Peek().kind != TokenKind::Identifier) return std::nullopt;
     if (std::optional<Type> type = TemplateType(cursor)) return type;
-    if (cursor.Peek(1).kind == TokenKind::Identifier) cursor.AcceptWord("struct");
+    for (const char* word : {"struct", "unsigned"})
+        if (cursor.Peek(1).kind == TokenKind::Identifier) cursor.AcceptWord(word);
     const std::string word = cursor.Peek().text;
     std::optional<Type> type = BuiltInType(word, LetterCase::Exact);
     if (const auto found = symbols.types.find(word); !type && found != symbols.types.end()) type = found->second;
