@@ -58,7 +58,7 @@ std::size_t ChooseElement(const Tokens& code, std::size_t call, DWORD elements, 
         return call;
     const std::size_t close = ClosingBracket(code, call + 1), end = ClosingBracket(code, call - 1);
     if (close >= code.size() || end >= code.size()) return call;
-    const Token function = code[call - 2];
+    const Token& function = code[call - 2];
     result.resize(result.size() - 2);
     AppendText(result, array, "(");
     for (DWORD i = 0; i < elements; ++i) {
