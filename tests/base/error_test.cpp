@@ -45,12 +45,11 @@ TEST(Reporter, CutsWhatIsTooLong) {
 
 TEST(Reporter, CopiesTheWordForDerivedClasses) {
     struct WithWord : KRN_Base {
-        explicit WithWord(std::uint32_t word) { user_word_ = word; }
-        std::uint32_t Word() const { return user_word_; }
+        using KRN_Base::user_word_;
     };
-    const WithWord first(123);
-    const WithWord copy = first;
-    EXPECT_EQ(copy.Word(), 123u);
+    WithWord first;
+    first.user_word_ = 123;
+    EXPECT_EQ(WithWord(first).user_word_, 123u);
 }
 
 TEST(ReportListener, HearsEveryReportWithItsPlace) {
@@ -63,12 +62,8 @@ TEST(ReportListener, HearsEveryReportWithItsPlace) {
         SetSourcePlace({12});
         file.Warning("same");
         {
-            SourceFileScope inner(
-                "fire.kva",
-                [](const void*) {
-                    return TextPlace{34, 5};
-                },
-                nullptr);
+            const auto place = [](const void*) { return TextPlace{34, 5}; };
+            SourceFileScope inner("fire.kva", place, nullptr);
             ErrorOf([] { Engine("KRN_Mesh").Error("broken"); });
         }
         file.Warning("same");
@@ -102,12 +97,7 @@ class LogDeathTest : public TemporaryFolder {
     /// The lines, without their suffix, that an action logs when it is the first thing that happens.
     template <class Action>
     std::vector<std::string> LogOf(Action action) {
-        EXPECT_EXIT(
-            {
-                action();
-                std::exit(0);
-            },
-            testing::ExitedWithCode(0), "");
+        EXPECT_EXIT((action(), std::exit(0)), testing::ExitedWithCode(0), "");
         std::vector<std::string> lines = ReadLines(Folder() / "logfile.txt");
         for (std::string& line : lines) line = line.substr(0, line.rfind("(Time:"));
         return lines;
@@ -193,15 +183,14 @@ TEST_F(LogDeathTest, LongLinesKeepTheirSuffix) {
     EXPECT_THAT(lines[0], MatchesRegex("x+\\(Time:[0-9.]+, free sysmem:[0-9]+\\)"));
 }
 
-class LogFileTest : public TemporaryFolder {
-  protected:
-    static void Write(LogFile& log, const char* format, ...) __attribute__((format(printf, 2, 3))) {
-        std::va_list arguments;
-        va_start(arguments, format);
-        log.Write(format, arguments);
-        va_end(arguments);
-    }
-};
+using LogFileTest = TemporaryFolder;
+
+void Write(LogFile& log, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    log.Write(format, arguments);
+    va_end(arguments);
+}
 
 TEST_F(LogFileTest, LastEntryIsMarked) {
     EXPECT_EQ(LogFile::kMaxEntries, 500000);

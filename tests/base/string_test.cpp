@@ -13,15 +13,11 @@ namespace {
 bool HasBuffer(const String& text) { return text.IndexOf("") == 0; }
 
 TEST(String, TellsNoBufferFromAnEmptyOne) {
-    const struct {
-        const char* name;
-        String string;
-        bool buffer;
-    } kRows[] = {{"default", String(), false}, {"null", String(nullptr), false}, {"empty", String(""), true}};
-    for (const auto& row : kRows) {
-        EXPECT_EQ(HasBuffer(row.string), row.buffer) << row.name;
-        EXPECT_EQ(row.string.GetLength(), 0) << row.name;
-        EXPECT_STREQ(row.string.c_str(), "") << row.name;
+    EXPECT_FALSE(HasBuffer(String()) || HasBuffer(String(nullptr)));
+    EXPECT_TRUE(HasBuffer(String("")));
+    for (const String& empty : {String(), String(nullptr), String("")}) {
+        EXPECT_EQ(empty.GetLength(), 0);
+        EXPECT_STREQ(empty.c_str(), "");
     }
 }
 
@@ -80,22 +76,18 @@ TEST(String, AppendsAlsoItself) {
 }
 
 TEST(String, SearchesIgnoringCase) {
-    const struct {
-        const char *text, *part;
-        int index;
-    } kRows[] = {{"abc", "B", 1},    {"abc", "abcd", -1},  {"abc", nullptr, -1}, {"abc", "", 0},
-                 {nullptr, "a", -1}, {"xxABxAb", "ab", 2}, {"\xE4z", "Z", 1}};
-    for (const auto& row : kRows) EXPECT_EQ(String(row.text).IndexOf(row.part), row.index) << row.part;
+    const std::tuple<const char*, const char*, int> kRows[] = {
+        {"abc", "B", 1},    {"abc", "abcd", -1},  {"abc", nullptr, -1}, {"abc", "", 0},
+        {nullptr, "a", -1}, {"xxABxAb", "ab", 2}, {"\xE4z", "Z", 1}};
+    for (const auto& [text, part, index] : kRows) EXPECT_EQ(String(text).IndexOf(part), index) << part;
 }
 
 TEST(String, StartsWithIgnoresCase) {
-    const struct {
-        const char *text, *prefix;
-        bool starts;
-    } kRows[] = {{"Trace:x", "trace:", true}, {"tra", "trace:", false}, {nullptr, nullptr, true}, {nullptr, "", true},
-                 {"a", nullptr, false},       {"", nullptr, true},      {nullptr, "a", false}};
-    for (const auto& row : kRows)
-        EXPECT_EQ(String(row.text).StartsWith(row.prefix), row.starts) << row.text << row.prefix;
+    const std::tuple<const char*, const char*, bool> kRows[] = {
+        {"Trace:x", "trace:", true}, {"tra", "trace:", false}, {nullptr, nullptr, true}, {nullptr, "", true},
+        {"a", nullptr, false},       {"", nullptr, true},      {nullptr, "a", false}};
+    for (const auto& [text, prefix, starts] : kRows)
+        EXPECT_EQ(String(text).StartsWith(prefix), starts) << text << prefix;
 }
 
 TEST(String, ReplacesTheFirstOccurrenceOnly) {
@@ -160,19 +152,17 @@ TEST(ToFloats, ReadsUpToTheFirstEmptyPiece) {
 }
 
 TEST(Paths, AreSplitAtTheLastSeparatorOfEitherKind) {
-    const struct {
-        const char *path, *directory, *file;
-    } kRows[] = {{"cfg/sub\\a.cfg", "cfg/sub", "a.cfg"},
-                 {"a.cfg", "", "a.cfg"},
-                 {"cfg\\", "cfg", ""},
-                 {"/x", "", "x"},
-                 {"", "", ""}};
-    for (const auto& row : kRows) {
+    constexpr const char* kRows[][3] = {{"cfg/sub\\a.cfg", "cfg/sub", "a.cfg"},
+                                        {"a.cfg", "", "a.cfg"},
+                                        {"cfg\\", "cfg", ""},
+                                        {"/x", "", "x"},
+                                        {"", "", ""}};
+    for (const auto& [path, directory, file] : kRows) {
         char out[32];
-        GetDirectory(row.path, out, sizeof out);
-        EXPECT_STREQ(out, row.directory) << row.path;
-        GetFileName(row.path, out, sizeof out);
-        EXPECT_STREQ(out, row.file) << row.path;
+        GetDirectory(path, out, sizeof out);
+        EXPECT_STREQ(out, directory) << path;
+        GetFileName(path, out, sizeof out);
+        EXPECT_STREQ(out, file) << path;
     }
     char small[4];
     GetFileName("cfg/effects.cfg", small, sizeof small);
@@ -201,26 +191,22 @@ TEST(CommandLine, CountsAndFindsWords) {
 }
 
 TEST(CommandLine, ReadsTheValueBehindAnOption) {
-    const struct {
-        const char* line;
-        bool found;
-        int value;
-    } kRows[] = {{"app.exe /resx:1024 /full", true, 1024},
-                 {"/RESX=768", true, 768},
-                 {"/resx=-5", true, -5},
-                 {"/resx=-2147483648", true, INT_MIN},
-                 {"/resx=-2147483649", true, INT_MIN},
-                 {"/resx:", true, 0},
-                 {"/resx 1024", false, 77},
-                 {"/resxx:3 /resx:4", false, 77},
-                 {"app.exe", false, 77},
-                 {"/resx:1a", true, 10 + ('a' - '0')},
-                 {"/resx:31234567890", true, 1234567890},
-                 {"/resx:9999999999", true, INT_MAX}};
-    for (const auto& row : kRows) {
+    const std::tuple<const char*, bool, int> kRows[] = {{"app.exe /resx:1024 /full", true, 1024},
+                                                        {"/RESX=768", true, 768},
+                                                        {"/resx=-5", true, -5},
+                                                        {"/resx=-2147483648", true, INT_MIN},
+                                                        {"/resx=-2147483649", true, INT_MIN},
+                                                        {"/resx:", true, 0},
+                                                        {"/resx 1024", false, 77},
+                                                        {"/resxx:3 /resx:4", false, 77},
+                                                        {"app.exe", false, 77},
+                                                        {"/resx:1a", true, 10 + ('a' - '0')},
+                                                        {"/resx:31234567890", true, 1234567890},
+                                                        {"/resx:9999999999", true, INT_MAX}};
+    for (const auto& [line, found, wanted] : kRows) {
         int value = 77;
-        EXPECT_EQ(GetOptionValue(row.line, "/resx", &value), row.found) << row.line;
-        EXPECT_EQ(value, row.value) << row.line;
+        EXPECT_EQ(GetOptionValue(line, "/resx", &value), found) << line;
+        EXPECT_EQ(value, wanted) << line;
     }
 }
 

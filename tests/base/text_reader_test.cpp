@@ -43,29 +43,28 @@ TEST(LineIndex, FindsTheLineOfEveryOffset) {
     EXPECT_THAT(lines, ElementsAre(0, 0, 0, 0, 1, 1, 1, 2, 2, 2, 3));
 }
 
-class TextFileReaderTest : public TemporaryFolder {
-  protected:
-    TextFileReader reader_;
-};
+using TextFileReaderTest = TemporaryFolder;
 
 TEST_F(TextFileReaderTest, FetchesLines) {
+    TextFileReader reader;
     WriteFile("a.ifl", "one\r\ntwo\r\n");
-    EXPECT_STREQ(reader_.GetErrorText(), "No error");
-    ASSERT_EQ(reader_.Load("A.ifl"), 0);
-    ASSERT_EQ(reader_.BuildLineIndex(), 0);
-    EXPECT_EQ(reader_.GetLineCount(), 3);
-    EXPECT_STREQ(reader_.GetLine(1), "two");
-    EXPECT_STREQ(reader_.GetLine(2), "");
-    EXPECT_STREQ(reader_.GetFileName(), "A.ifl");
+    EXPECT_STREQ(reader.GetErrorText(), "No error");
+    ASSERT_EQ(reader.Load("A.ifl"), 0);
+    ASSERT_EQ(reader.BuildLineIndex(), 0);
+    EXPECT_EQ(reader.GetLineCount(), 3);
+    EXPECT_STREQ(reader.GetLine(1), "two");
+    EXPECT_STREQ(reader.GetLine(2), "");
+    EXPECT_STREQ(reader.GetFileName(), "A.ifl");
     for (const int line : {3, -1}) {
-        EXPECT_EQ(reader_.GetLine(line), nullptr);
-        EXPECT_EQ(reader_.GetErrorText(), "Line #" + std::to_string(line) + " does not exist");
+        EXPECT_EQ(reader.GetLine(line), nullptr);
+        EXPECT_EQ(reader.GetErrorText(), "Line #" + std::to_string(line) + " does not exist");
     }
 }
 
 TEST_F(TextFileReaderTest, TellsWhyItCannotLoad) {
-    EXPECT_EQ(reader_.Load("none.ifl"), 1);
-    EXPECT_STREQ(reader_.GetErrorText(), "Can not open file none.ifl, Code:2");
+    TextFileReader reader;
+    EXPECT_EQ(reader.Load("none.ifl"), 1);
+    EXPECT_STREQ(reader.GetErrorText(), "Can not open file none.ifl, Code:2");
     const std::tuple<std::string, int, const char*> kRows[] = {
         {"a\n" + std::string(65536, 'x'), 4, "Line too long in file a.ifl"},
         {std::string(8388480, '\n'), 3, "File a.ifl too big"},
@@ -73,16 +72,16 @@ TEST_F(TextFileReaderTest, TellsWhyItCannotLoad) {
         {std::string(8388479, '\n'), 0, "No error"}};
     for (const auto& [content, result, text] : kRows) {
         WriteFile("a.ifl", content);
-        TextFileReader reader;
-        reader.Load("a.ifl");
-        EXPECT_EQ(reader.BuildLineIndex(), result);
-        EXPECT_STREQ(reader.GetErrorText(), text);
+        TextFileReader fresh;
+        fresh.Load("a.ifl");
+        EXPECT_EQ(fresh.BuildLineIndex(), result);
+        EXPECT_STREQ(fresh.GetErrorText(), text);
     }
     WriteFile("limit.ifl", "ab\n" + std::string(65535, 'x'));
-    reader_.Load("limit.ifl");
-    EXPECT_EQ(reader_.BuildLineIndex(), 0);
-    EXPECT_EQ(reader_.GetLine(1), nullptr);
-    EXPECT_STREQ(reader_.GetErrorText(), "Line #1 is too long:65535");
+    reader.Load("limit.ifl");
+    EXPECT_EQ(reader.BuildLineIndex(), 0);
+    EXPECT_EQ(reader.GetLine(1), nullptr);
+    EXPECT_STREQ(reader.GetErrorText(), "Line #1 is too long:65535");
 }
 
 class TextDataFileReaderTest : public TemporaryFolder, public testing::WithParamInterface<bool> {

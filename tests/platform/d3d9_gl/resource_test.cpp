@@ -72,22 +72,6 @@ TEST(Textures, LockRectanglesPointAtTheirFirstPixel) {
         EXPECT_EQ(texture->LockRect(0, &part, &bad, 0), D3DERR_INVALIDCALL);   // blocks are locked whole
 }
 
-TEST(Textures, SendWhatWasWrittenBetweenDraws) {
-    Canvas canvas(4, 4);
-    const auto texture = MakeTexture(canvas.Device(), 2, 1, {Argb(255, 9, 8, 7), Argb(255, 90, 80, 70)});
-    canvas->SetTexture(0, texture.Get());
-    canvas.FillAll(0xFFFFFFFF);
-    EXPECT_EQ(canvas.PixelArgb(3, 1), Argb(255, 90, 80, 70));
-    const RECT right = {1, 0, 2, 1};
-    D3DLOCKED_RECT locked;
-    texture->LockRect(0, &locked, &right, 0);
-    *static_cast<D3DCOLOR*>(locked.pBits) = Argb(255, 33, 44, 55);
-    texture->UnlockRect(0);
-    canvas.FillAll(0xFFFFFFFF);
-    EXPECT_EQ(canvas.PixelArgb(3, 1), Argb(255, 33, 44, 55));
-    EXPECT_EQ(canvas.PixelArgb(0, 1), Argb(255, 9, 8, 7));
-}
-
 TEST(Textures, RefuseWhatTheRulesForbid) {
     Canvas canvas(4, 4);
     DevicePtr<IDirect3DTexture9> made;

@@ -49,31 +49,19 @@ class WindowTest : public ::testing::Test {
         }
     }
     Uint32 Id() { return SDL_GetWindowID(NativeWindow(window_)); }
+    static void Push(SDL_Event event) { SDL_PushEvent(&event); }
     void PushKey(Uint32 type, SDL_Keycode key, bool repeat = false) {
-        SDL_Event event = {};
-        event.key = {type, 0, Id(), SDL_PRESSED, repeat, 0, 0, {SDL_GetScancodeFromKey(key), key, 0, 0}};
-        SDL_PushEvent(&event);
+        Push({.key = {type, 0, Id(), SDL_PRESSED, repeat, 0, 0, {SDL_GetScancodeFromKey(key), key, 0, 0}}});
     }
     void Tap(SDL_Keycode key) {
         PushKey(SDL_KEYDOWN, key);
         PushKey(SDL_KEYUP, key);
     }
-    void PushText(const char* text) {
-        SDL_Event event = {};
-        event.text = {SDL_TEXTINPUT, 0, Id(), {}};
-        SDL_strlcpy(event.text.text, text, sizeof(event.text.text));
-        SDL_PushEvent(&event);
-    }
+    void PushText(char letter) { Push({.text = {SDL_TEXTINPUT, 0, Id(), {letter}}}); }
     void PushMouse(Uint32 type, Uint8 button, int x, int y) {
-        SDL_Event event = {};
-        event.button = {type, 0, Id(), 0, button, SDL_PRESSED, 1, 0, x, y};
-        SDL_PushEvent(&event);
+        Push({.button = {type, 0, Id(), 0, button, SDL_PRESSED, 1, 0, x, y}});
     }
-    void PushWindowEvent(Uint8 kind) {
-        SDL_Event event = {};
-        event.window = {SDL_WINDOWEVENT, 0, Id(), kind, 0, 0, 0, 0, 0};
-        SDL_PushEvent(&event);
-    }
+    void PushWindowEvent(Uint8 kind) { Push({.window = {SDL_WINDOWEVENT, 0, Id(), kind, 0, 0, 0, 0, 0}}); }
     void HandleAll() {
         MSG message;
         while (PeekMessageA(message, PM_REMOVE) && message.message != WM_QUIT) {
@@ -123,7 +111,7 @@ TEST_F(WindowTest, ClosingDestroysAndQuits) {
 
 TEST_F(WindowTest, TypedTextFollowsItsKey) {
     PushKey(SDL_KEYDOWN, SDLK_d);
-    PushText("d");
+    PushText('d');
     PushKey(SDL_KEYUP, SDLK_d);
     HandleAll();
     EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, 'D'), Is(WM_CHAR, 'd'), Is(WM_KEYUP, 'D')));
@@ -164,7 +152,7 @@ TEST_F(WindowTest, RepeatsOfAWaitingKeyAreMerged) {
         received.clear();
         for (const bool repeat : repeats) {
             PushKey(SDL_KEYDOWN, SDLK_SPACE, repeat);
-            PushText(" ");
+            PushText(' ');
         }
         HandleAll();
         EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, ' '), Is(WM_CHAR, ' ')));
