@@ -1,7 +1,7 @@
 // Render targets, copies between surfaces, and the calls that are refused.
 #include <gtest/gtest.h>
 
-#include <utility>
+#include <tuple>
 
 #include "tests/support/canvas.h"
 
@@ -47,25 +47,21 @@ TEST(Targets, ATextureDrawnIntoIsReadWithItsFirstRowOnTop) {
 
 TEST(Targets, SettingOneMakesTheViewportItsSizeAndKeepsDepthWorking) {
     Canvas canvas(8, 8);
-    struct Size {
-        UINT width, height;
-        DWORD samples;
-    };
     // Smaller, larger and multisampled: the depth buffer of the back buffer fits the first one only.
-    for (const Size size : {Size{5, 3, 0}, Size{16, 12, 0}, Size{6, 6, 4}}) {
-        const auto target = MakeTarget(canvas, size.width, size.height, size.samples);
+    for (const auto& [width, height, samples] : {std::tuple<UINT, UINT, DWORD>{5, 3, 0}, {16, 12, 0}, {6, 6, 4}}) {
+        const auto target = MakeTarget(canvas, width, height, samples);
         ASSERT_EQ(canvas->SetRenderTarget(0, target.Get()), D3D_OK);
         D3DVIEWPORT9 viewport;
         canvas->GetViewport(&viewport);
-        EXPECT_EQ(viewport, (D3DVIEWPORT9{0, 0, size.width, size.height, 0.0f, 1.0f}));
+        EXPECT_EQ(viewport, (D3DVIEWPORT9{0, 0, width, height, 0.0f, 1.0f}));
         canvas.Clear(kBack, 0.5f);
-        const auto plain = MakeTarget(canvas, size.width, size.height);
+        const auto plain = MakeTarget(canvas, width, height);
         for (const float z : {0.75f, 0.25f}) {   // behind and before
-            const RECT all = {-1, -1, static_cast<LONG>(size.width) + 1, static_cast<LONG>(size.height) + 1};
+            const RECT all = {-1, -1, static_cast<LONG>(width) + 1, static_cast<LONG>(height) + 1};
             canvas.Fill(all, kFront, 0, z);
             ASSERT_EQ(canvas->StretchRect(target.Get(), nullptr, plain.Get(), nullptr, D3DTEXF_NONE), D3D_OK);
             EXPECT_EQ(ReadTarget(canvas.Device(), *plain),
-                      std::vector<D3DCOLOR>(std::size_t{size.width} * size.height, z > 0.5f ? kBack : kFront));
+                      std::vector<D3DCOLOR>(std::size_t{width} * height, z > 0.5f ? kBack : kFront));
         }
     }
 }
