@@ -1,13 +1,14 @@
 #include "base/file.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 
 #include "base/file_validator.h"
 #include "tests/base/file_size_limit.h"
-#include "tests/base/open_stream.h"
 #include "tests/base/reports.h"
 #include "tests/support/temporary_folder.h"
 
@@ -110,6 +111,28 @@ TEST_P(FileTest, ReportsWhatIsNotAllowed) {
 
 using FileOnDisk = TemporaryFolder;
 
+/// The descriptor under which this process has the file open, or -1.
+int DescriptorOf(const std::filesystem::path& file) {
+    const std::filesystem::path wanted = std::filesystem::canonical(file);
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        if (std::filesystem::read_symlink(entry, error) == wanted) return std::stoi(entry.path().filename().string());
+    }
+    return -1;
+}
+
+/// Puts another stream in the place of the one that is open, as a disk that goes away would.
+void Replace(const std::filesystem::path& file, int stream) {
+    dup2(stream, DescriptorOf(file));
+    close(stream);
+}
+/// It can be neither positioned nor cut.
+int Pipe() {
+    int ends[2] = {-1, -1};
+    if (pipe(ends) == 0) close(ends[0]);
+    return ends[1];
+}
+
 TEST_F(FileOnDisk, OpenWarnsOnlyWhenAsked) {
     Reports reports;
     File file;
@@ -195,11 +218,11 @@ TEST_F(FileOnDisk, ReportsAStreamThatBreaks) {
     WriteFile("a.bin", content);
     File file;
     file.Open("a.bin", false, false, true);
-    ReplaceByPipe("a.bin");
+    Replace("a.bin", Pipe());
     EXPECT_EQ(ErrorOf([&] { file.Seek(15000); }), "File: a.bin: fseek failed: -1");
     EXPECT_EQ(ErrorOf([&] { file.SetSize(5); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
     file.Open("a.bin", false, false, true);
-    ReplaceByFile("a.bin", "/dev/full", O_RDWR);
+    Replace("a.bin", open("/dev/full", O_RDWR));
     EXPECT_EQ(ErrorOf([&] { file.Write(content.data(), static_cast<int>(content.size())); }),
               "File: a.bin: Error writing to file (No space left on device)");
     Reports reports;
@@ -208,7 +231,7 @@ TEST_F(FileOnDisk, ReportsAStreamThatBreaks) {
 
     file.Open("a.bin", false, true, true);
     file.Write("x", 1);
-    ReplaceByPipe("a.bin");
+    Replace("a.bin", Pipe());
     EXPECT_EQ(ErrorOf([&] { file.Close(); }), "File: a.bin: fseek failed (WriteVirtualFile): -1");
     EXPECT_EQ(ReadFile("a.bin"), content);
 }

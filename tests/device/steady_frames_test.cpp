@@ -1,14 +1,32 @@
-// Frames in which nothing new is shown: nothing is made, and nothing is sent that the device holds.
+// Frames in which nothing new is shown: nothing is made, nothing is sent that the device holds, and no memory is taken
+// from the operator that everything of ours allocates with.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <new>
 
 #include "app/effect_choice.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/device/whole_program.h"
 #include "tests/support/forwarding_device.h"
+
+#ifndef __SANITIZE_ADDRESS__   // which has operators of its own
+
+namespace {
+long allocations = 0;
+}
+
+[[gnu::noinline]] void* operator new(std::size_t bytes) {
+    ++allocations;
+    if (void* memory = std::malloc(bytes)) return memory;
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#endif
 
 namespace sparkrig {
 namespace {
@@ -64,6 +82,27 @@ TEST(SteadyFrames, MakeNothing) {
         EXPECT_EQ(CountStarting(program.recording, "Create"), 0);
     }
 }
+
+#ifndef __SANITIZE_ADDRESS__
+TEST(SteadyFrames, TakeNoMemory) {
+    constexpr int kWarmUp = 90, kCounted = 30;
+    constexpr int kFramesThatGrow = 6;   // more instances than ever need a longer table now and then
+    WholeProgram program(BackEnd::OpenGlAlone);
+    for (const char* name : {"campfire", "snow", "fireworks", "signal smoke", "scrying mirror"}) {
+        const int effect = ChooseEffect(program.engine.effects, name).value();
+        program.player->StartEffect(effect);
+        program.Play(effect, kWarmUp);
+        int growing = 0;
+        for (int frame = 0; frame < kCounted; ++frame) {
+            const long before = allocations;
+            program.player->Advance();
+            program.Frame();
+            growing += allocations != before;
+        }
+        EXPECT_LE(growing, kFramesThatGrow) << name;
+    }
+}
+#endif
 
 }   // namespace
 }   // namespace sparkrig

@@ -68,6 +68,23 @@ TEST_F(Paths, CurrentDirectoryMoves) {
     EXPECT_FALSE(SetCurrentDirectoryA("none"));
 }
 
+TEST_F(Paths, NameFoldersThatAreMadeAndSpecialFiles) {
+    EXPECT_TRUE(MakeFolder("made"));
+    EXPECT_TRUE(MakeFolder("made")) << "it is there already";
+    EXPECT_FALSE(MakeFolder("none/made"));
+    EXPECT_EQ(errno, ENOENT);
+
+    EXPECT_FALSE(IsSpecialFile("made/file")) << "it is not there";
+    std::FILE* stream = OpenFileStream("made/file", "w");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_FALSE(IsTerminal(stream));
+    std::fclose(stream);
+    EXPECT_FALSE(IsSpecialFile("made/file"));
+    EXPECT_FALSE(MakeFolder("made/file"));
+    EXPECT_TRUE(IsSpecialFile("made"));
+    EXPECT_TRUE(IsSpecialFile("/dev/null"));
+}
+
 using ReplaceFile = Paths;
 
 TEST_F(ReplaceFile, KeepsPermissionsAndLinks) {
