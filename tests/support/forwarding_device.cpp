@@ -89,24 +89,14 @@ class Forwarding<IDirect3DTexture9> : public ForwardingObject<IDirect3DTexture9>
     HRESULT UnlockRect(UINT a) override { return CALL(UnlockRect, a); }
 };
 
-template <class Interface>
-class ForwardingBuffer : public ForwardingObject<Interface> {
+template <class Buffer>
+requires requires(Buffer& buffer) { buffer.Unlock(); }
+class Forwarding<Buffer> : public ForwardingObject<Buffer> {
   public:
-    using ForwardingObject<Interface>::ForwardingObject;
-    using typename ForwardingObject<Interface>::I;
+    using ForwardingObject<Buffer>::ForwardingObject;
+    using typename ForwardingObject<Buffer>::I;
     HRESULT Lock(UINT a, UINT b, void** c, DWORD d) override { return CALL(Lock, a, b, c, d); }
     HRESULT Unlock() override { return CALL(Unlock); }
-};
-
-template <>
-class Forwarding<IDirect3DVertexBuffer9> : public ForwardingBuffer<IDirect3DVertexBuffer9> {
-  public:
-    using ForwardingBuffer::ForwardingBuffer;
-};
-template <>
-class Forwarding<IDirect3DIndexBuffer9> : public ForwardingBuffer<IDirect3DIndexBuffer9> {
-  public:
-    using ForwardingBuffer::ForwardingBuffer;
 };
 
 template <>
