@@ -18,15 +18,19 @@ std::vector<BYTE> RandomBytes(std::size_t count) {
     return bytes;
 }
 
-constexpr D3DFORMAT kTextureFormats[] = {D3DFMT_A8R8G8B8, D3DFMT_X8R8G8B8, D3DFMT_R5G6B5, D3DFMT_X1R5G5B5,
-                                         D3DFMT_A1R5G5B5, D3DFMT_A4R4G4B4, D3DFMT_A8,     D3DFMT_L8,
-                                         D3DFMT_A8L8,     D3DFMT_V8U8,     D3DFMT_DXT1,   D3DFMT_DXT2,
-                                         D3DFMT_DXT3,     D3DFMT_DXT4,     D3DFMT_DXT5};
+constexpr struct {
+    D3DFORMAT format;
+    LONG rows, bytes;   // to the point (4, 4)
+} kTextureFormats[] = {{D3DFMT_A8R8G8B8, 4, 16}, {D3DFMT_X8R8G8B8, 4, 16}, {D3DFMT_R5G6B5, 4, 8},
+                       {D3DFMT_X1R5G5B5, 4, 8},  {D3DFMT_A1R5G5B5, 4, 8},  {D3DFMT_A4R4G4B4, 4, 8},
+                       {D3DFMT_A8, 4, 4},        {D3DFMT_L8, 4, 4},        {D3DFMT_A8L8, 4, 8},
+                       {D3DFMT_V8U8, 4, 8},      {D3DFMT_DXT1, 1, 8},      {D3DFMT_DXT2, 1, 16},
+                       {D3DFMT_DXT3, 1, 16},     {D3DFMT_DXT4, 1, 16},     {D3DFMT_DXT5, 1, 16}};
 
 TEST(Textures, GiveBackExactlyTheBytesThatWereWritten) {
     Canvas canvas(4, 4);
     for (const D3DPOOL pool : {D3DPOOL_MANAGED, D3DPOOL_SYSTEMMEM, D3DPOOL_SCRATCH, D3DPOOL_DEFAULT}) {
-        for (const D3DFORMAT format : kTextureFormats) {
+        for (const auto& [format, below, beside] : kTextureFormats) {
             DevicePtr<IDirect3DTexture9> texture;
             const DWORD usage = pool == D3DPOOL_DEFAULT ? D3DUSAGE_DYNAMIC : 0;
             ASSERT_EQ(canvas->CreateTexture(8, 8, 0, usage, format, pool, texture.Receive()), D3D_OK) << format;
@@ -53,19 +57,16 @@ TEST(Textures, GiveBackExactlyTheBytesThatWereWritten) {
 
 TEST(Textures, LockRectanglesPointAtTheirFirstPixel) {
     Canvas canvas(4, 4);
-    constexpr struct {
-        D3DFORMAT format;
-        LONG rows, bytes;   // to the point (4, 4)
-    } kRows[] = {{D3DFMT_R5G6B5, 4, 4 * 2}, {D3DFMT_DXT3, 1, 16}};
     const RECT rect = {4, 4, 12, 8};
     DevicePtr<IDirect3DTexture9> texture;
     D3DLOCKED_RECT all, part;
-    for (const auto& row : kRows) {
+    for (const auto& row : kTextureFormats) {
         canvas->CreateTexture(16, 8, 1, 0, row.format, D3DPOOL_MANAGED, texture.Receive());
         texture->LockRect(0, &all, nullptr, 0);
         texture->UnlockRect(0);
         ASSERT_EQ(texture->LockRect(0, &part, &rect, 0), D3D_OK);
-        EXPECT_EQ(static_cast<BYTE*>(part.pBits) - static_cast<BYTE*>(all.pBits), row.rows * all.Pitch + row.bytes);
+        EXPECT_EQ(static_cast<BYTE*>(part.pBits) - static_cast<BYTE*>(all.pBits), row.rows * all.Pitch + row.bytes)
+            << row.format;
         texture->UnlockRect(0);
     }
     for (const RECT bad : {RECT{1, 0, 8, 8}, RECT{0, 0, 6, 8}, RECT{0, 2, 8, 8}})

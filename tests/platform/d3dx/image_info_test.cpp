@@ -132,7 +132,8 @@ TEST(ImageFile, ColoursThatAPngsPaletteLacksAreBlack) {
 TEST(ImageFile, CutShortAtEveryLengthItLoadsOrIsRefused) {
     const TestPicture picture = TestPicture::Pattern(5, 3);
     for (const std::string& file :
-         {PngFile(picture, 4), PalettePngFile(picture, 0x40102030, 0xFF405060), JpgFile(picture, 3)}) {
+         {BmpFile(picture, D3DFMT_A8R8G8B8), TgaFile(picture, D3DFMT_A8R8G8B8, true), PngFile(picture, 4),
+          PalettePngFile(picture, 0x40102030, 0xFF405060), JpgFile(picture, 3)}) {
         for (std::size_t length = 0; length < file.size(); ++length) {
             const std::size_t count = Decoded(file.substr(0, length)).size();
             EXPECT_TRUE(count == 0 || count == 15) << length;
