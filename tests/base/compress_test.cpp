@@ -15,7 +15,6 @@
 namespace sparkrig {
 namespace {
 
-using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 

@@ -255,7 +255,7 @@ TEST_F(ConfigFileReaderTest, ReportsBracesThatDoNotFit) {
                                         {"#\na {}\n", "Invalid block start/end in file 'e.cfg' at line 2"},
                                         {"#\ndesc=\"{\"\n", "Invalid block start/end in file 'e.cfg' at line 2"},
                                         {"#\ndesc=\"d\"\na {\n", "Unfinished block in file 'e.cfg'"}};
-    for (const auto& [content, message] : kRows) ExpectError([&] { Load(content); }, message);
+    for (const auto& row : kRows) ExpectError([&] { Load(row[0]); }, row[1]);
     for (const char* fine : {"} before the first block {\n#\ndesc=\"d\"\n", "#\ndesc=\"d\"\na {\n#\ndesc=\"e\"\n",
                              "#\ndesc=\"d\"\n; {\n}\n"})
         EXPECT_EQ(ErrorOf([&] { Load(fine); }), "no error") << fine;

@@ -16,6 +16,7 @@ using testing::ElementsAre;
 template <class List>
 std::vector<int> Ids(const List& list) {
     std::vector<int> ids;
+    ids.reserve(static_cast<std::size_t>(list.GetCount()));
     for (int i = 0; i < list.GetCount(); ++i) ids.push_back(list.GetIdAt(i));
     return ids;
 }
@@ -23,6 +24,7 @@ std::vector<int> Ids(const List& list) {
 template <class List>
 std::vector<int> Values(const List& list) {
     std::vector<int> values;
+    values.reserve(static_cast<std::size_t>(list.GetCount()));
     for (int i = 0; i < list.GetCount(); ++i) values.push_back(*list.GetAt(i));
     return values;
 }
