@@ -20,8 +20,8 @@ std::string Varyings(DWORD varyings, const char* direction) {
     std::string text;
     for (int i = 0; i < kVaryings; ++i) {
         if ((varyings >> i & 1) == 0) continue;
-        const std::string number = std::to_string(i);
-        text += "layout(location = " + number + ") " + direction + " vec4 " + direction + "_" + number + ";\n";
+        text.append("layout(location = ").append(std::to_string(i)).append(") ").append(direction);
+        text.append(" vec4 ").append(direction).append("_").append(std::to_string(i)).append(";\n");
     }
     return text;
 }
