@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -99,20 +100,12 @@ TEST_F(Drawing, APartlyTransparentParticleBecomesSixVertices) {
         EXPECT_NEAR(vertex.rotation.x, std::cos(0.5f), 1e-6);
         EXPECT_NEAR(vertex.rotation.y, std::sin(0.5f), 1e-6);
     }
+    DrawEffect(Particle(
+        "a", 3, "BlendType = \"subtractive\"\ncol = 1, 0.5, 0.25\nALPHA {\ntype = \"cos\"\nTimeScale = 0, 0.5, 0\n}"));
+    EXPECT_EQ(Vertex(0, 0).colour, 0x017F3F1Fu) << "the alpha is in the colour";
 }
 
-TEST_F(Drawing, SubtractiveParticlesCarryTheAlphaInTheirColour) {
-    DrawEffect(Particle("a", 3, R"(
-        BlendType = "subtractive"
-        col = 1, 0.5, 0.25
-        ALPHA {
-            type = "cos"
-            TimeScale = 0, 0.5, 0
-        })"));
-    EXPECT_EQ(Vertex(0, 0).colour, 0x017F3F1Fu);
-}
-
-TEST_F(Drawing, AdditiveParticlesAreRegroupedByTexture) {
+TEST_F(Drawing, AdditiveParticlesAreRegroupedByTextureAndOthersKeepTheirOrder) {
     const std::string mixed = Particle("a", 1, kAdditive) + Particle("b", 2, kAdditive) + Particle("a", 3, kAdditive) +
                               Particle("b", 4, kAdditive);
     DrawEffect(mixed);
@@ -122,12 +115,10 @@ TEST_F(Drawing, AdditiveParticlesAreRegroupedByTexture) {
     EXPECT_EQ(Vertex(0, 0).position.y, 1);   // in a texture, the farther first
     EXPECT_EQ(Vertex(0, 6).position.y, 3);
     EXPECT_NE(DrawAt(0).texture, DrawAt(1).texture);
-}
-
-TEST_F(Drawing, AlphaBlendedParticlesKeepTheirDepthOrder) {
     DrawEffect(Particle("a", 1) + Particle("b", 2) + Particle("a", 3) + Particle("b", 4));
-    EXPECT_EQ(Redraw(), 4);
     for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(Vertex(i, 0).position.y, static_cast<float>(i + 1));
+    DrawEffect(Particle("a", 5) + Particle("a", 1, "SortClass = 2") + Particle("a", 3, "SortDistOff = -50"));
+    for (const std::size_t i : {0, 1, 2}) EXPECT_EQ(Vertex(0, 6 * i).position.y, static_cast<float>(5 - 2 * i));
 }
 
 TEST_F(Drawing, AFullBatchIsDrawnAndAnotherBegins) {
@@ -170,26 +161,34 @@ TEST_F(Drawing, BatchesEndWhereStatesChange) {
     EXPECT_EQ(DrawEffect(Particle("a", 1) + special + Particle("a", 3)), 2);
 }
 
-TEST_F(Drawing, DepthStatesAreThoseThatTheEffectAsksFor) {
+TEST_F(Drawing, StatesAreThoseThatTheEffectAsksForAndThenAsTheyWere) {
+    gfx->SetBlendingMode(7, 77, 0);
     gfx->SetZBufferMode(1);
     gfx->SetZWrite(true);
-    DrawEffect(Particle("a", 1, "UseZBuf = 0") + Particle("a", 2, "WriteZBuf = 0"));
-    ASSERT_EQ(gfx.recording.Draws().size(), 2u);
-    const auto state = [&](std::size_t draw, D3DRENDERSTATETYPE which) { return DrawAt(draw).render_states.at(which); };
-    EXPECT_EQ(state(0, D3DRS_ZENABLE), 0u);
-    EXPECT_EQ(state(0, D3DRS_ZWRITEENABLE), 1u);
-    EXPECT_EQ(state(1, D3DRS_ZENABLE), 1u);
-    EXPECT_EQ(state(1, D3DRS_ZWRITEENABLE), 0u);
-    EXPECT_EQ(state(1, D3DRS_CULLMODE), static_cast<DWORD>(D3DCULL_NONE));
-    EXPECT_EQ(state(1, D3DRS_LIGHTING), 0u);
-    EXPECT_EQ(state(1, D3DRS_FOGENABLE), 0u);
-}
-
-TEST_F(Drawing, SortClassesComeBeforeDistances) {
-    DrawEffect(Particle("a", 5) + Particle("a", 1, "SortClass = 2") + Particle("a", 3, "SortDistOff = -50"));
-    EXPECT_EQ(Vertex(0, 0).position.y, 5);
-    EXPECT_EQ(Vertex(0, 6).position.y, 3);
-    EXPECT_EQ(Vertex(0, 12).position.y, 1);
+    gfx->SetFogEnable(true);
+    gfx->SetLighting(true, nullptr);
+    gfx->SetCullingMode(1);
+    DrawEffect(Particle("a", 1, "UseZBuf = 0") + Particle("a", 2, "WriteZBuf = 0") +
+               "SPECIAL {\ntype = \"flame\"\npos = 0, 90, 0\n}\n");
+    const std::tuple<D3DRENDERSTATETYPE, DWORD, DWORD, DWORD> kStates[] = {
+        // of the two particles and the special
+        {D3DRS_ZENABLE, 0, 1, 1},
+        {D3DRS_ZWRITEENABLE, 1, 0, 0},
+        {D3DRS_CULLMODE, D3DCULL_NONE, D3DCULL_NONE, D3DCULL_CW},
+        {D3DRS_LIGHTING, 0, 0, 0},
+        {D3DRS_FOGENABLE, 0, 0, 0}};
+    for (const auto& [state, first, second, special] : kStates)
+        EXPECT_THAT((std::vector{DrawAt(0).render_states.at(state), DrawAt(1).render_states.at(state),
+                                 DrawAt(2).render_states.at(state)}),
+                    ElementsAre(first, second, special))
+            << state;
+    EXPECT_NE(DrawAt(2).texture, 0u) << "the spot";
+    EXPECT_EQ(gfx->BlendingMode(), 7);
+    EXPECT_EQ(gfx->BlendingAlpha(), 77);
+    EXPECT_EQ(gfx->ZBufferMode(), 1);
+    EXPECT_TRUE(gfx->ZWrite() && gfx->FogEnable() && gfx->Lighting());
+    EXPECT_EQ(gfx->CullingMode(), 1);
+    EXPECT_EQ(gfx->EffectForDraw(), nullptr);
 }
 
 TEST_F(Drawing, WhatHangsBeforeTheCameraIsSortedLastAndDrawnInCameraSpace) {
@@ -201,25 +200,10 @@ TEST_F(Drawing, WhatHangsBeforeTheCameraIsSortedLastAndDrawnInCameraSpace) {
     for (const RecordedCall& call : gfx.recording.Calls())
         views_sent += call.method == "SetTransform" && call.arguments[0] == D3DTS_VIEW;
     EXPECT_EQ(views_sent, 2);
+    const auto globals = gfx.recording.ArgumentsOf("SetVertexShaderGlobals");
+    EXPECT_EQ(std::ranges::count(globals.at(0), 1u), std::ranges::count(globals.at(1), 1u) + 1)
+        << "its place is unused";
     EXPECT_EQ(gfx->ViewMatrix(), view);
-}
-
-TEST_F(Drawing, LeavesTheStatesAsTheyWere) {
-    gfx->SetBlendingMode(7, 77, 0);
-    gfx->SetZBufferMode(1);
-    gfx->SetZWrite(true);
-    gfx->SetFogEnable(true);
-    gfx->SetLighting(true, nullptr);
-    gfx->SetCullingMode(1);
-    DrawEffect(Particle("a", 1, "UseZBuf = 0\nWriteZBuf = 0"));
-    EXPECT_EQ(gfx->BlendingMode(), 7);
-    EXPECT_EQ(gfx->BlendingAlpha(), 77);
-    EXPECT_EQ(gfx->ZBufferMode(), 1);
-    EXPECT_TRUE(gfx->ZWrite());
-    EXPECT_TRUE(gfx->FogEnable());
-    EXPECT_TRUE(gfx->Lighting());
-    EXPECT_EQ(gfx->CullingMode(), 1);
-    EXPECT_EQ(gfx->EffectForDraw(), nullptr);
 }
 
 TEST_F(Drawing, AnAnimatedTextureEndsTheBatchWhereItsFrameChanges) {
@@ -279,22 +263,7 @@ TEST_F(Drawing, MeshInstancesShareTheirSceneAndAreCountedOneByOne) {
     EXPECT_THROW(DrawEffect("MESH {\n}\n"), ErrorRecord);
 }
 
-TEST_F(Drawing, PreloadingLoadsWhatTheEffectEmits) {
-    system.LoadEffects(
-        EffectsFileOf("#e\ndesc = \"e\"\n" + Particle("a", 1, "EmitEffect = \"f\"") + "#f\ndesc = \"f\"\n" +
-                      Particle("b", 1, "EmitEffect = \"e\"") + Particle("b", 1, "EmitEffect = \"trace:none\""))
-            .Name(),
-        false);
-    gfx.recording.ForgetCalls();
-    system.PreloadEffect("e");
-    EXPECT_EQ(gfx.recording.Count("CreateTexture"), 2);
-    system.PreloadEffect("e");
-    EXPECT_EQ(gfx.recording.Count("CreateTexture"), 2);
-    system.PreloadEffect("trace:none");
-    EXPECT_THROW(system.PreloadEffect("g"), ErrorMsg);
-}
-
-TEST_F(Drawing, PreloadingGoesDepthFirstThroughParticlesMeshesSpecials) {
+TEST_F(Drawing, PreloadingGoesDepthFirstThroughWhatIsEmitted) {
     const auto effect = [](const std::string& name, const std::string& blocks) {
         return "#\ndesc = \"" + name + "\"\n" + blocks;
     };
@@ -307,6 +276,18 @@ TEST_F(Drawing, PreloadingGoesDepthFirstThroughParticlesMeshesSpecials) {
     };
     const std::string others = missing("p") + missing("q") + missing("m") + missing("s");
     const std::string special_and_mesh = emits("SPECIAL", "s") + emits("MESH", "m");
+    system.LoadEffects(EffectsFileOf(effect("e", Particle("a", 1, "EmitEffect = \"f\"")) +
+                                     effect("f", Particle("b", 1, "EmitEffect = \"e\"") +
+                                                     Particle("b", 1, "EmitEffect = \"trace:none\"")))
+                           .Name(),
+                       false);
+    gfx.recording.ForgetCalls();
+    for (int i = 0; i < 2; ++i) {
+        system.PreloadEffect("e");
+        EXPECT_EQ(gfx.recording.Count("CreateTexture"), 2) << "once";
+    }
+    system.PreloadEffect("trace:none");
+    EXPECT_THROW(system.PreloadEffect("g"), ErrorMsg);
     const std::pair<std::string, const char*> kRows[] = {
         {Particle("a", 1, "EmitEffect = \"p\"") + Particle("gone", 1, ""), "file p"},
         {special_and_mesh + Particle("a", 1, "EmitEffect = \"q\""), "file q"},

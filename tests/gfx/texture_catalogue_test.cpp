@@ -109,7 +109,6 @@ TEST_F(TextureCatalogue, BorrowedTexturesSurviveAReset) {
     KRN_Texture* const smoke = catalogue_.GetTexture("smoke");
     smoke->SelectLayer(2, false);   // the catalogue's picture is that of layer 0, whatever is chosen
     gfx_->ResetDevice(nullptr, -1);
-    catalogue_.Restore();
     EXPECT_NE(smoke->LayerTexture(0), nullptr);
     EXPECT_EQ(smoke->LayerTexture(2), nullptr);
     EXPECT_EQ(smoke->CurrentLayer(), 2);

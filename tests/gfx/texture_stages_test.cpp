@@ -72,7 +72,7 @@ TEST_F(TextureStagesTest, LayersMixByTheirKind) {
     // clang-format on
     Create(1, MapKind::None);
     for (const auto& row : kRows) {
-        texture_.SetStageMap(0, row.first, 0.25f);
+        texture_.SetStageMap(0, row.first, row.first == MapKind::Bump ? 0.25f : 0.5f);
         texture_.SetStageMap(1, row.second, 1);
         gfx_->SetTexture(&texture_, -1);
         EXPECT_EQ(Colour(0), row.first_colour) << row.name;

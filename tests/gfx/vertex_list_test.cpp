@@ -3,10 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-
-#include "gfx/geometry/immediate_lists.h"
 #include "gfx/gfx.h"
 #include "tests/support/recorded_gfx.h"
 
@@ -96,13 +92,10 @@ TEST(VertexList, PoolAndUsageFollowTheRequest) {
         EXPECT_EQ(list.PrimitiveCount(), 3u);
         EXPECT_EQ(list.SoftwareProcessing(), !row.hardware);
     }
-}
-
-TEST(VertexList, MoreWeightsThanTheHardwareBlendsAreProcessedInSoftware) {
-    RecordedGfx gfx([](Recording& recording) { recording.caps.MaxVertexBlendMatrices = 2; });
-    KRN_VertexList list(PrimitiveMode::PointList, 0x101A);
-    gfx->CreateVertexList(&list, 2, 0, false);
-    EXPECT_TRUE(list.SoftwareProcessing());
+    RecordedGfx poor([](Recording& recording) { recording.caps.MaxVertexBlendMatrices = 2; });
+    KRN_VertexList weighted(PrimitiveMode::PointList, 0x101A);
+    poor->CreateVertexList(&weighted, 2, 0, false);
+    EXPECT_TRUE(weighted.SoftwareProcessing()) << "more weights than the hardware blends";
 }
 
 TEST(VertexList, RefusesWhatNoBufferHolds) {
@@ -135,29 +128,13 @@ TEST(VertexList, LocksAPartInElements) {
     EXPECT_EQ(ErrorOf([&] { list.Lock(11, 0, 0); }), kLockFailed);
 }
 
-TEST(VertexList, IsDrawnWithItsWorldAndPoints) {
-    RecordedGfx gfx;
-    KRN_VertexListTemp<KRN_PointVertex> list(PrimitiveMode::PointList);
-    EXPECT_EQ(list.PointSprites().size, 4.0f);
-    list.PointSprites().sprites = true;
-    list.SetPosition(3, 5, 7, true);
-    gfx->CreateVertexList(&list, 4, -1, false);
-    std::fill_n(list.Lock(0, 4, 0), 4, KRN_PointVertex{1, 2, 3, 0xFF445566});
-    list.Unlock();
-    gfx->BeginScene();
-    gfx->DrawTriangleList(list, 1, 3);
-    ASSERT_EQ(gfx.recording.Draws().size(), 1u);
-    const RecordedDraw& draw = gfx.recording.Draws()[0];
-    EXPECT_THAT((std::vector<DWORD>{draw.type, draw.first, draw.count, draw.fvf, draw.stride}),
-                ElementsAre(D3DPT_POINTLIST, 1, 3, 0x42, 16));
-    EXPECT_EQ(draw.world.m[3][2], 7);
-    EXPECT_EQ(draw.render_states.at(D3DRS_POINTSPRITEENABLE), 1u);
-    EXPECT_EQ(draw.vertices.size(), 3 * sizeof(KRN_PointVertex));
-}
-
 TEST(VertexList, CountsWhatItDraws) {
     RecordedGfx gfx;
+    KRN_VertexListTemp<KRN_PointVertex> points(PrimitiveMode::PointList);
     KRN_VertexListTemp<KRN_LVertex> list;
+    list.SetPosition(3, 5, 7, true);
+    points.PointSprites().sprites = true;
+    gfx->CreateVertexList(&points, 4, -1, false);
     gfx->CreateVertexList(&list, 30, -1, false);
     gfx->BeginScene();
     gfx->DrawTriangleList(list, 0, 0);
@@ -168,46 +145,23 @@ TEST(VertexList, CountsWhatItDraws) {
         EXPECT_EQ(ErrorOf([&] { gfx->DrawTriangleList(list, 0, count); }),
                   "KRN_Gfx: Number of elements in DrawTriangleList too high! (" + std::to_string(count) + ")");
     }
+    EXPECT_EQ(gfx.recording.Draws().back().world.m[3][2], 7);
+    EXPECT_EQ(gfx.recording.Draws().back().render_states.at(D3DRS_POINTSPRITEENABLE), 0u);
     const DrawStatistics& statistics = gfx->Statistics();
     gfx->SuppressDraws(true);
     gfx->DrawTriangleList(list, 0, 4);
     EXPECT_EQ(gfx.recording.Draws().size(), 1u) << "counted, not drawn";
     EXPECT_EQ(statistics.draw_calls, 2u);
     EXPECT_EQ(statistics.primitives, 14u);
+    gfx->SuppressDraws(false);
+    gfx->DrawTriangleList(points, 1, 3);
+    const RecordedDraw& draw = gfx.recording.Draws().back();
+    EXPECT_THAT((std::vector<DWORD>{draw.type, draw.first, draw.count, draw.fvf, draw.stride}),
+                ElementsAre(D3DPT_POINTLIST, 1, 3, 0x42, 16));
+    EXPECT_EQ(draw.render_states.at(D3DRS_POINTSPRITEENABLE), 1u);
     gfx->EndScene();
     gfx->PresentFrame();
     EXPECT_EQ(statistics.draw_calls, 0u);
-}
-
-TEST(ImmediateLists, AreMadeOnceAndFilled) {
-    // The part alone, with those that it uses.
-    Recording recording;
-    const struct : KRN_Base {
-    } reporter;
-    GraphicsDevice graphics(reporter, Recording::Create, FakeEnvironment::kTable);
-    D3DPRESENT_PARAMETERS parameters = {};
-    parameters.Windowed = TRUE;
-    parameters.SwapEffect = D3DSWAPEFFECT_FLIP;
-    graphics.Create(FakeWindow(), {1, 0, 0}, parameters);
-    RenderTargets targets(graphics);
-    GfxStates states(graphics, targets);
-    const ShaderEffectChoice effects;
-    DrawStatistics statistics;
-    VertexListDrawer drawer(states, effects, statistics);
-    ImmediateLists lists;
-    lists.Create(drawer);
-    const KRN_TLVertex* screen = lists.screen.Lock(0, 32, 0);
-    EXPECT_EQ(screen[31].diffuse, 0xFFFFFFFF);
-    EXPECT_EQ(screen[31].rhw, 1.0f);
-    lists.screen.Unlock();
-    const KRN_VertexPosTex* quad = lists.quad.Lock(0, 4, 0);
-    EXPECT_EQ(quad[3].x, 2.0f);
-    EXPECT_EQ(quad[3].v, -0.5f);
-    lists.quad.Unlock();
-    EXPECT_EQ(lists.triangles.ElementCount(), 32u);
-    EXPECT_EQ(lists.lines.PrimitiveCount(), 16u);
-    EXPECT_EQ(lists.point.ElementCount(), 1u);
-    EXPECT_EQ(recording.LiveDefaultPoolObjects(), 1) << "the back buffer: the lists survive a reset";
 }
 
 }   // namespace
