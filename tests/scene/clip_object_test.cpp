@@ -6,88 +6,68 @@ namespace sparkrig {
 namespace {
 
 /// Half a right angle to every side, from 1 to 100, along +z.
-void MakePlanes(ViewPlane (&planes)[6]) {
-    D3DXMATRIX projection;
-    D3DXMatrixPerspectiveFovLH(&projection, 1.5707963f, 1, 1, 100);
-    ComputeViewPlanes(kIdentityMatrix, projection, planes);
-}
-
-TEST(ViewPlanes, PointOutwards) {
+struct View {
+    View() {
+        D3DXMATRIX projection;
+        D3DXMatrixPerspectiveFovLH(&projection, 1.5707963f, 1, 1, 100);
+        ComputeViewPlanes(kIdentityMatrix, projection, planes);
+    }
     ViewPlane planes[6];
-    MakePlanes(planes);
+};
+
+TEST(ViewPlanes, PointOutwardsAndFollowTheView) {
+    View view;
     constexpr std::tuple<D3DXVECTOR3, int> kRows[] = {{{0, 0, 50}, -1},  {{-60, 0, 50}, 0},  {{60, 0, 50}, 1},
                                                       {{0, -60, 50}, 2}, {{0, 60, 50}, 3},   {{0, 0, 0.5f}, 4},
                                                       {{0, 0, 101}, 5},  {{49, -49, 50}, -1}};
     for (const auto& [point, outside] : kRows) {
         for (int p = 0; p < 6; ++p) {
-            const float distance = D3DXVec3Dot(planes[p].normal, point - planes[p].point);
+            const float distance = D3DXVec3Dot(view.planes[p].normal, point - view.planes[p].point);
             EXPECT_EQ(distance > 0, p == outside) << p << " " << point.x << " " << point.y;
         }
     }
-}
-
-TEST(ViewPlanes, FollowTheView) {
-    D3DXMATRIX view, projection;
+    D3DXMATRIX look, projection;
     const D3DXVECTOR3 eye(10, 20, 30), at(10, 10, 30), up(0, 0, 1);
-    D3DXMatrixLookAtLH(&view, &eye, &at, &up);
+    D3DXMatrixLookAtLH(&look, &eye, &at, &up);
     D3DXMatrixPerspectiveFovLH(&projection, 1, 1, 1, 100);
-    ViewPlane planes[6];
-    ComputeViewPlanes(view, projection, planes);
-    EXPECT_TRUE(SphereVisible(planes, {10, -20, 30}, 0));
-    EXPECT_FALSE(SphereVisible(planes, {10, 60, 30}, 0));
-    EXPECT_FALSE(SphereVisible(planes, {60, -20, 30}, 10));
-}
-
-KRN_ClipObject Bounds(std::uint32_t mode) {
-    KRN_ClipObject bounds;
-    bounds.clip_mode = mode;
-    bounds.sphere_centre = {1, 0, 0};
-    bounds.sphere_radius = 2;
-    bounds.box_minimum = {0, -1, -1};
-    bounds.box_maximum = {2, 1, 1};
-    return bounds;
+    ComputeViewPlanes(look, projection, view.planes);
+    EXPECT_TRUE(SphereVisible(view.planes, {10, -20, 30}, 0));
+    EXPECT_FALSE(SphereVisible(view.planes, {10, 60, 30}, 0));
+    EXPECT_FALSE(SphereVisible(view.planes, {60, -20, 30}, 10));
 }
 
 TEST(Bounds, AreTestedByTheirMode) {
-    ViewPlane planes[6];
-    MakePlanes(planes);
+    const View view;
     // clang-format off
-    constexpr struct { const char* name; std::uint32_t mode; float x, z; bool visible; } kRows[] = {
-        {"never culled", 0, 500, 50, true},
-        {"inside", 3, 0, 50, true},
-        {"sphere out", 1, 60, 50, false},
-        {"box out", 2, 60, 50, false},
-        {"behind", 3, 0, -10, false},
-        {"sphere touches the side, box does not", 3, 51.5f, 50, false},
-        {"sphere alone touches", 1, 51.5f, 50, true},
-        {"box over the side", 2, 49, 50, true},
-        {"beyond", 2, 0, 200, false},
+    constexpr struct { const char* name; std::uint32_t mode; float x, z, scale_y; bool visible; } kRows[] = {
+        {"never culled",                          0, 500,   50,  1,    true},
+        {"inside",                                3, 0,     50,  1,    true},
+        {"sphere out",                            1, 60,    50,  1,    false},
+        {"box out",                               2, 60,    50,  1,    false},
+        {"behind",                                3, 0,     -10, 1,    false},
+        {"sphere touches the side, box does not", 3, 51.5f, 50,  1,    false},
+        {"sphere alone touches",                  1, 51.5f, 50,  1,    true},
+        {"box over the side",                     2, 49,    50,  1,    true},
+        {"beyond",                                2, 0,     200, 1,    false},
+        {"sphere grows with the largest scale",   1, 100,   50,  30,   true},
+        {"sphere of its own size",                1, 100,   50,  1,    false},
     };
     // clang-format on
     for (const auto& row : kRows) {
-        D3DXMATRIX world;
-        D3DXMatrixTranslation(&world, row.x, 0, row.z);
-        EXPECT_EQ(BoundsVisible(planes, Bounds(row.mode), world), row.visible) << row.name;
+        KRN_ClipObject bounds;
+        bounds.clip_mode = row.mode;
+        bounds.sphere_centre = {1, 0, 0};
+        bounds.sphere_radius = 2;
+        bounds.box_minimum = {0, -1, -1};
+        bounds.box_maximum = {2, 1, 1};
+        const D3DXMATRIX world = {{{1, 0, 0, 0}, {0, row.scale_y, 0, 0}, {0, 0, 1, 0}, {row.x, 0, row.z, 1}}};
+        EXPECT_EQ(BoundsVisible(view.planes, bounds, world), row.visible) << row.name;
     }
-}
-
-TEST(Bounds, TheSphereGrowsWithTheLargestScale) {
-    ViewPlane planes[6];
-    MakePlanes(planes);
-    D3DXMATRIX world = {{{1, 0, 0, 0}, {0, 30, 0, 0}, {0, 0, 1, 0}, {100, 0, 50, 1}}};
-    EXPECT_TRUE(BoundsVisible(planes, Bounds(1), world));
-    world.m[1][1] = 1;
-    EXPECT_FALSE(BoundsVisible(planes, Bounds(1), world));
-}
-
-TEST(Bounds, ABoxAroundTheWholeViewIsVisible) {
-    ViewPlane planes[6];
-    MakePlanes(planes);
-    KRN_ClipObject bounds;
-    bounds.clip_mode = 2;
-    bounds.box_minimum = {-500, -500, -500};
-    bounds.box_maximum = {500, 500, 500};
-    EXPECT_TRUE(BoundsVisible(planes, bounds, kIdentityMatrix)) << "no corner inside, no plane that parts them";
+    KRN_ClipObject around;
+    around.clip_mode = 2;
+    around.box_minimum = {-500, -500, -500};
+    around.box_maximum = {500, 500, 500};
+    EXPECT_TRUE(BoundsVisible(view.planes, around, kIdentityMatrix)) << "no corner inside, no plane that parts them";
 }
 
 }   // namespace

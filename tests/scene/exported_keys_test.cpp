@@ -73,33 +73,20 @@ TEST(ExportedRotations, ALongStepIsSplit) {
     }
 }
 
-TEST(ExportedRotations, AnAbsurdStepIsNotManyKeys) {
-    KeyTrack<KRN_RotKeyData> track;
-    ExportedRotations rotations(track);
-    for (const float angle : {1.0f, 1e30f, -INFINITY, NAN})
-        rotations.Add(track.IsEmpty() ? 2 : 5, kTcb, Exported(angle));
-    EXPECT_EQ(track.Count(), 1u + 4096 + 4096 + 1);
-}
-
-TEST(ExportedRotations, WhatIsOutOfOrderIsSkipped) {
-    KeyTrack<KRN_RotKeyData> track;
-    ExportedRotations rotations(track);
-    EXPECT_TRUE(rotations.Add(300, kTcb, Exported(0.5f)));
-    EXPECT_FALSE(rotations.Add(200, kTcb, Exported(0.75f)));
-    EXPECT_TRUE(rotations.Add(300, kTcb, Exported(0.25f)));
+TEST(ExportedRotations, OutOfOrderAbsurdAndOppositeStepsAreTaken) {
+    KeyTrack<KRN_RotKeyData> track, many;
+    ExportedRotations rotations(track), absurd(many);
+    EXPECT_TRUE(rotations.Add(300, kTcb, Exported(3)));
+    EXPECT_FALSE(rotations.Add(200, kTcb, Exported(0.75f))) << "skipped";
+    EXPECT_TRUE(rotations.Add(300, kTcb, Exported(-2.5f)));
     EXPECT_EQ(track.Count(), 2u);
+    EXPECT_NEAR(track.Tail()->data.rotation.z, -std::sin(0.25f), 1e-6f)
+        << "negated: it looked away from the one before";
+    EXPECT_NEAR(track.Tail()->data.rotation.w, -std::cos(0.25f), 1e-6f);
     EXPECT_TRUE(ExportedRotations(track).Add(200, kTcb, Exported(0.75f))) << "another block";
     EXPECT_EQ(track.Head()->time, 200);
-}
-
-TEST(ExportedRotations, AStepThatLooksAwayFromTheOneBeforeIsNegated) {
-    KeyTrack<KRN_RotKeyData> track;
-    ExportedRotations rotations(track);
-    rotations.Add(100, kTcb, Exported(3));
-    rotations.Add(200, kTcb, Exported(-2.5f));
-    const D3DXQUATERNION& rotation = track.Tail()->data.rotation;
-    EXPECT_NEAR(rotation.z, -std::sin(0.25f), 1e-6f);
-    EXPECT_NEAR(rotation.w, -std::cos(0.25f), 1e-6f);
+    for (const float angle : {1.0f, 1e30f, -INFINITY, NAN}) absurd.Add(many.IsEmpty() ? 2 : 5, kTcb, Exported(angle));
+    EXPECT_EQ(many.Count(), 1u + 4096 + 4096 + 1) << "not more";
 }
 
 struct Node : KRN_3dObject {

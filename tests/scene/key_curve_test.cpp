@@ -1,3 +1,4 @@
+// Single curves; their tangents and loops are also those of a plain reference in the tests of the effects' motion.
 #include "scene/key_curve.h"
 
 #include <gtest/gtest.h>
@@ -14,120 +15,63 @@ float At(const ScalarCurve& curve, double time) {
     return value[0];
 }
 
-/// Keys at 1, 2, 4 and 5.
-ScalarCurve FourKeys() {
+ScalarCurve CurveOf(std::initializer_list<std::pair<float, float>> keys) {
     ScalarCurve curve;
-    curve.AddKey(1, {2});
-    curve.AddKey(2, {5});
-    curve.AddKey(4, {-3});
-    curve.AddKey(5, {7});
+    for (const auto& [time, value] : keys) curve.AddKey(time, {value});
     return curve;
 }
 
-TEST(KeyCurve, HoldsItsEndsWithoutALoop) {
-    ScalarCurve curve = FourKeys();
-    curve.ComputeTangents(1);
-    for (const double time : {-9.0, 0.5, 1.0}) EXPECT_EQ(At(curve, time), 2) << time;
-    for (const double time : {5.0, 5.5, 99.0}) EXPECT_EQ(At(curve, time), 7) << time;
-}
-
-TEST(KeyCurve, TangentsAreTheMeanSlopesTimesTheIntervals) {
-    ScalarCurve curve = FourKeys();
-    curve.ComputeTangents(1);
-    // slopes of the segments: 3, -4, 10
-    const struct { float in, out; } kRows[] = {{0, 3}, {0.5f, -1}, {-6, 3}, {-10, 0}};
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_FLOAT_EQ(curve.GetKey(i).in[0], kRows[i].in) << i;
-        EXPECT_FLOAT_EQ(curve.GetKey(i).out[0], kRows[i].out) << i;
+TEST(KeyCurve, HasTheMeanSlopesTimesTheIntervalsAsTangents) {
+    ScalarCurve curve = CurveOf({{1, 2}, {2, 5}, {4, -3}, {5, 7}});   // slopes of the segments: 3, -4, 10
+    for (const float tension : {1.0f, 0.25f}) {
+        curve.ComputeTangents(tension);
+        constexpr std::pair<float, float> kRows[] = {{0, 3}, {0.5f, -1}, {-6, 3}, {-10, 0}};   // in, out
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_FLOAT_EQ(curve.GetKey(i).in[0], kRows[i].first * tension) << i;
+            EXPECT_FLOAT_EQ(curve.GetKey(i).out[0], kRows[i].second * tension) << i;
+        }
     }
-}
-
-TEST(KeyCurve, TensionScalesTheTangents) {
-    ScalarCurve curve = FourKeys();
-    curve.ComputeTangents(0.25f);
-    EXPECT_FLOAT_EQ(curve.GetKey(1).in[0], 0.125f);
-    EXPECT_FLOAT_EQ(curve.GetKey(2).out[0], 0.75f);
-}
-
-TEST(KeyCurve, InterpolatesByHermite) {
-    ScalarCurve curve = FourKeys();
     curve.ComputeTangents(1);
     // s = 0.25 between the keys at 2 and 4: 5 * 0.84375 - 3 * 0.15625 - 1 * 0.140625 - (-6) * -0.046875
     EXPECT_NEAR(At(curve, 2.5), 4.21875f - 0.46875f - 0.140625f - 0.28125f, 1e-5);
-}
-
-TEST(KeyCurve, InterpolatesStraightInLinearMode) {
-    ScalarCurve curve = FourKeys();
-    curve.SetMode(CurveMode::Linear);
-    EXPECT_FLOAT_EQ(At(curve, 2.5), 3);
+    EXPECT_EQ(At(curve, -9), 2);
+    EXPECT_EQ(At(curve, 99), 7);
+    curve.SetLoop(true, 3);   // ends at the last key all the same: the period is 5 - 1
+    curve.ComputeTangents(1);
+    EXPECT_NEAR(At(curve, 4), At(curve, 8), 1e-5);
+    EXPECT_TRUE(std::isfinite(At(curve, 3.999)));
 }
 
 TEST(KeyCurve, ALoopRunsFromTheLastKeyToTheFirst) {
-    ScalarCurve curve;
-    curve.SetMode(CurveMode::Linear);
-    curve.AddKey(0, {3});
-    curve.AddKey(1, {7});
-    curve.SetLoop(true, 2);
-    const std::tuple<double, float> kRows[] = {{0.5, 5}, {1, 7},   {1.25, 6},  {1.75, 4},
-                                               {2, 3},   {6.5, 5}, {-0.25, 4}, {-1.5, 5}};
-    for (const auto& [time, value] : kRows) EXPECT_FLOAT_EQ(At(curve, time), value) << time;
-}
-
-TEST(KeyCurve, TangentsOfALoopReachAcrossTheSeam) {
-    ScalarCurve curve;
-    curve.AddKey(0, {3});
-    curve.AddKey(1, {7});
+    ScalarCurve curve = CurveOf({{0, 3}, {1, 7}});
     curve.SetLoop(true, 3);
     curve.ComputeTangents(1);
     // slopes: 4 up, -2 from the last key to the first
     EXPECT_FLOAT_EQ(curve.GetKey(0).in[0], -2);   // -(-2 + 4) * 2 * 0.5
     EXPECT_FLOAT_EQ(curve.GetKey(0).out[0], 1);
-    EXPECT_FLOAT_EQ(curve.GetKey(1).in[0], -1);
-    EXPECT_FLOAT_EQ(curve.GetKey(1).out[0], 2);
     EXPECT_FLOAT_EQ(At(curve, 2), 3 * 0.5f + 7 * 0.5f + 2 * 0.125f - (-2) * -0.125f);
+    curve.SetMode(CurveMode::Linear);
+    curve.SetLoop(true, 2);
+    constexpr std::pair<double, float> kRows[] = {{0.5, 5}, {1, 7},   {1.25, 6},  {1.75, 4},
+                                                  {2, 3},   {6.5, 5}, {-0.25, 4}, {-1.5, 5}};
+    for (const auto& [time, value] : kRows) EXPECT_FLOAT_EQ(At(curve, time), value) << time;
 }
 
-TEST(KeyCurve, ALoopThatEndsBeforeTheLastKeyEndsThere) {
-    ScalarCurve curve = FourKeys();
-    curve.SetLoop(true, 3);
-    curve.ComputeTangents(1);
-    EXPECT_NEAR(At(curve, 4), At(curve, 8), 1e-5);   // the period is 5 - 1
-    EXPECT_TRUE(std::isfinite(At(curve, 3.999)));
-}
-
-TEST(KeyCurve, OneKeyIsAConstant) {
+TEST(KeyCurve, MayHaveNoKeyOneKeyOrTwoOfATime) {
+    EXPECT_EQ(At(ScalarCurve(), 3), 0);
     for (const bool loop : {false, true}) {
+        ScalarCurve one;
+        one.AddKey({.time = 2, .value = {6}, .in = {3}, .out = {4}});
         for (const float loop_end : {2.0f, 9.0f}) {
-            ScalarCurve curve;
-            curve.AddKey({.time = 2, .value = {6}, .in = {3}, .out = {4}});
-            curve.SetLoop(loop, loop_end);
-            for (const double time : {-3.0, 2.0, 4.5, 70.0}) EXPECT_FLOAT_EQ(At(curve, time), 6) << loop << time;
+            one.SetLoop(loop, loop_end);
+            for (const double time : {-3.0, 2.0, 4.5, 70.0}) EXPECT_FLOAT_EQ(At(one, time), 6) << loop << time;
         }
     }
-}
-
-TEST(KeyCurve, EqualTimesMakeAStep) {
-    ScalarCurve curve;
-    curve.SetMode(CurveMode::Linear);
-    curve.AddKey(0, {2});
-    curve.AddKey(1, {4});
-    curve.AddKey(1, {9});
-    curve.AddKey(2, {11});
-    EXPECT_NEAR(At(curve, 0.999999), 4, 1e-4);
-    EXPECT_FLOAT_EQ(At(curve, 1), 9);
-    EXPECT_FLOAT_EQ(At(curve, 1.5), 10);
-}
-
-TEST(KeyCurve, ComponentsAreIndependent) {
-    VectorCurve curve;
-    curve.AddKey(0, {2, -4, 6});
-    curve.AddKey(2, {4, 8, 3});
-    curve.ComputeTangents(1);
-    float value[3];
-    curve.EvaluateCurve(1, value);
-    EXPECT_FLOAT_EQ(value[0], 3);
-    EXPECT_FLOAT_EQ(value[1], 2);
-    EXPECT_FLOAT_EQ(value[2], 4.5f);
+    ScalarCurve step = CurveOf({{0, 2}, {1, 4}, {1, 9}, {2, 11}});
+    step.SetMode(CurveMode::Linear);
+    EXPECT_NEAR(At(step, 0.999999), 4, 1e-4);
+    EXPECT_FLOAT_EQ(At(step, 1), 9);
+    EXPECT_FLOAT_EQ(At(step, 1.5), 10);
 }
 
 TEST(KeyCurve, TheDerivativeIsTheSlopeOfTheCurve) {
@@ -149,24 +93,19 @@ TEST(KeyCurve, TheDerivativeIsTheSlopeOfTheCurve) {
     }
 }
 
-TEST(KeyCurve, WithoutKeysIsZero) { EXPECT_EQ(At(ScalarCurve(), 3), 0); }
-
-void ExpectScannedSegments(std::size_t count) {
-    std::mt19937 generator(7);
-    std::uniform_int_distribution<int> distance(0, 3);
-    std::vector<CurveKey<1>> keys(count);
-    for (std::size_t i = 1; i < keys.size(); ++i)
-        keys[i].time = keys[i - 1].time + 0.25f * static_cast<float>(distance(generator));
-    for (double time = -1; time < keys.back().time + 1; time += 0.0625) {
-        int last = 0;
-        for (int i = 0; i < static_cast<int>(keys.size()); ++i)
-            if (keys[static_cast<std::size_t>(i)].time <= time) last = i;
-        EXPECT_EQ(FindSegment(keys, time), last) << count << " keys, at " << time;
-    }
-}
-
 TEST(FindSegment, FindsTheSegmentThatAScanFinds) {
-    for (const std::size_t count : {1, 2, 8, 9, 200}) ExpectScannedSegments(count);
+    std::mt19937 generator(7);
+    for (const std::size_t count : {1, 2, 8, 9, 200}) {
+        std::vector<CurveKey<1>> keys(count);
+        for (std::size_t i = 1; i < count; ++i)
+            keys[i].time = keys[i - 1].time + 0.25f * static_cast<float>(generator() % 4);
+        for (double time = -1; time < keys.back().time + 1; time += 0.0625) {
+            int last = 0;
+            for (std::size_t i = 0; i < count; ++i)
+                if (keys[i].time <= time) last = static_cast<int>(i);
+            EXPECT_EQ(FindSegment(keys, time), last) << count << " keys, at " << time;
+        }
+    }
 }
 
 }   // namespace
