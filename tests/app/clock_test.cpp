@@ -8,37 +8,24 @@ namespace {
 double now;
 double Now() { return now; }
 
-TEST(FrameClock, ClampsLongFrames) {
+TEST(FrameClock, ClampsLongFramesAndKnowsNoStalls) {
     constexpr struct { double time, seconds; } kFrames[] = {{5.25, 0.0625}, {5.28125, 0.03125}, {8.5, 0.1}, {8.5, 0}};
     now = 5.1875;
     FrameClock clock(Now);
-    clock.Restart();
-    for (const auto& frame : kFrames) {
-        now = frame.time;
+    const auto frame_at = [&](double time) {
+        now = time;
         clock.NextFrame();
-        EXPECT_EQ(clock.FrameSeconds(), frame.seconds);
-        EXPECT_EQ(clock.FrameTime(), frame.time);
-    }
-}
-
-TEST(FrameClock, AFrameOfExactlyATenthIsKept) {
-    now = 0;
-    FrameClock clock(Now);
+        EXPECT_EQ(clock.FrameTime(), time);
+        return clock.FrameSeconds();
+    };
     clock.Restart();
-    now = 0.1;
-    clock.NextFrame();
-    EXPECT_EQ(clock.FrameSeconds(), 0.1);
-}
-
-TEST(FrameClock, AStallBelongsToNoFrame) {
-    now = 2;
-    FrameClock clock(Now);
-    clock.Restart();
+    for (const auto& frame : kFrames) EXPECT_EQ(frame_at(frame.time), frame.seconds);
     now = 60;
+    clock.Restart();   // the stall before belongs to no frame
+    EXPECT_EQ(frame_at(60.03125), 0.03125);
+    now = 0;
     clock.Restart();
-    now = 60.03125;
-    clock.NextFrame();
-    EXPECT_EQ(clock.FrameSeconds(), 0.03125);
+    EXPECT_EQ(frame_at(0.1), 0.1) << "exactly a tenth is kept";
 }
 
 TEST(FrameClock, SteppedMovesByEqualSteps) {

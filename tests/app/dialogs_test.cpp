@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "app/resources.h"
 #include "platform/system/system.h"
 #include "platform/window/dialog.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -15,22 +13,14 @@ namespace {
 class DialogsTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        char name[] = "/tmp/sparkrig_dialogs_XXXXXX";
-        folder_ = mkdtemp(name);
-        const std::string file = folder_ + "/effects.cfg";
-        std::FILE* effects = std::fopen(file.c_str(), "w");
-        for (const char* effect : {"whirl", "Ash", "mist", "ember"}) {
-            std::fprintf(effects, "#1\ndesc = \"%s\"\nPARTICLE {\nLife = 4\n}\n", effect);
-        }
-        std::fclose(effects);
-        engine_.effects.LoadEffects(file.c_str(), false);
+        std::string text;
+        for (const char* effect : {"whirl", "Ash", "mist", "ember"})
+            text += std::string("#1\ndesc = \"") + effect + "\"\nPARTICLE {\nLife = 4\n}\n";
+        engine_.effects.LoadEffects(ScratchFolder().Write("effects.cfg", text).c_str(), false);
         state_.current_effect = 3;
     }
-    void TearDown() override {
-        SetDialogDriver(nullptr);
-        std::system(("rm -r " + folder_).c_str());
-    }
-    std::string folder_;
+    void TearDown() override { SetDialogDriver(nullptr); }
+
     Engine engine_;
     TesterState state_;
 };
