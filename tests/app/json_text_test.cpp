@@ -2,21 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
 #include <nlohmann/json.hpp>
 
 namespace sparkrig {
 namespace {
-
-TEST(JsonLine, NumbersReadBackToTheSameFloat) {
-    for (const float value : {0.1f, 1.0f / 60, -3.0e-39f, 16777217.0f, 3.4028235e38f}) {
-        JsonLine line;
-        line.Add("value", value);
-        const std::string text = line.Finish();
-        EXPECT_EQ(std::strtof(text.c_str() + std::string("{\"value\":").size(), nullptr), value) << text;
-    }
-}
 
 TEST(JsonLine, WritesEveryKindOfValue) {
     const float values[] = {0.25f, std::numeric_limits<float>::infinity(), -2};
@@ -29,7 +19,11 @@ TEST(JsonLine, WritesEveryKindOfValue) {
     EXPECT_EQ(
         line.Finish(),
         "{\"name\":\"a \\\"b\\\"\\n\xEF\xBF\xBD\",\"count\":7,\"on\":true,\"list\":[0.25,null,-2],\"inner\":[3]}");
-    EXPECT_TRUE(nlohmann::json::accept(line.Finish()));
+    for (const float value : {0.1f, 1.0f / 60, -3.0e-39f, 16777217.0f, 3.4028235e38f}) {
+        JsonLine number;
+        number.Add("value", value);
+        EXPECT_EQ(nlohmann::json::parse(number.Finish())["value"].get<float>(), value) << "reads back the same";
+    }
 }
 
 }   // namespace

@@ -60,14 +60,9 @@ TEST_F(WindowProcedureTest, WaitsWhileHiddenOrInactiveUntilQuit) {
     EXPECT_FALSE(Tester().MustWait());
     Send(WM_SIZE, SIZE_MINIMIZED);
     EXPECT_TRUE(Tester().MustWait());
-    Send(WM_CLOSE);
-    EXPECT_EQ(Tester().quit_requested, 1);
-    EXPECT_FALSE(Tester().MustWait());
-}
-
-TEST_F(WindowProcedureTest, TheExitCommandDestroysTheWindow) {
     Send(WM_COMMAND, kCommandExit);
     EXPECT_EQ(Tester().quit_requested, 1);
+    EXPECT_FALSE(Tester().MustWait());
 }
 
 TEST_F(WindowProcedureTest, RecordsAClickOnce) {
@@ -97,17 +92,17 @@ TEST_F(WindowProcedureTest, MenusAndDragsPauseAndAlwaysGoOn) {
 }
 
 TEST(Resources, HoldTheStrings) {
-    constexpr std::tuple<UINT, const char*> kRows[] = {
-        {103, "Sparkrig"}, {106, "Sparkrig"}, {109, "KRN_DEFAULT"}, {77, ""}};
-    for (const auto& [id, text] : kRows) {
+    constexpr std::tuple<UINT, int, const char*> kRows[] = {// id, room, text
+                                                            {103, 100, "Sparkrig"},
+                                                            {106, 100, "Sparkrig"},
+                                                            {109, 100, "KRN_DEFAULT"},
+                                                            {77, 100, ""},
+                                                            {103, 4, "Spa"}};
+    for (const auto& [id, room, text] : kRows) {
         char buffer[100];
-        EXPECT_EQ(LoadStringA(id, buffer, 100), static_cast<int>(std::string(text).size()));
+        EXPECT_EQ(LoadStringA(id, buffer, room), static_cast<int>(std::string(text).size()));
         EXPECT_STREQ(buffer, text);
     }
-    char small[4];
-    EXPECT_EQ(LoadStringA(kWindowTitle, small, 4), 3);
-    EXPECT_STREQ(small, "Spa");
 }
-
 }   // namespace
 }   // namespace sparkrig
