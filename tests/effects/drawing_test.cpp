@@ -168,21 +168,21 @@ TEST_F(Drawing, StatesAreThoseThatTheEffectAsksForAndThenAsTheyWere) {
     gfx->SetFogEnable(true);
     gfx->SetLighting(true, nullptr);
     gfx->SetCullingMode(1);
-    DrawEffect(Particle("a", 1, "UseZBuf = 0") + Particle("a", 2, "WriteZBuf = 0") +
-               "SPECIAL {\ntype = \"flame\"\npos = 0, 90, 0\n}\n");
+    DrawEffect("SPECIAL {\ntype = \"flame\"\n}\n" + Particle("a", 1, "UseZBuf = 0") +
+               Particle("a", 2, "WriteZBuf = 0"));
     const std::tuple<D3DRENDERSTATETYPE, DWORD, DWORD, DWORD> kStates[] = {
-        // of the two particles and the special
-        {D3DRS_ZENABLE, 0, 1, 1},
-        {D3DRS_ZWRITEENABLE, 1, 0, 0},
-        {D3DRS_CULLMODE, D3DCULL_NONE, D3DCULL_NONE, D3DCULL_CW},
+        // of the special and the two particles
+        {D3DRS_ZENABLE, 1, 0, 1},
+        {D3DRS_ZWRITEENABLE, 0, 1, 0},
+        {D3DRS_CULLMODE, D3DCULL_CW, D3DCULL_NONE, D3DCULL_NONE},
         {D3DRS_LIGHTING, 0, 0, 0},
         {D3DRS_FOGENABLE, 0, 0, 0}};
-    for (const auto& [state, first, second, special] : kStates)
+    for (const auto& [state, special, first, second] : kStates)
         EXPECT_THAT((std::vector{DrawAt(0).render_states.at(state), DrawAt(1).render_states.at(state),
                                  DrawAt(2).render_states.at(state)}),
-                    ElementsAre(first, second, special))
+                    ElementsAre(special, first, second))
             << state;
-    EXPECT_NE(DrawAt(2).texture, 0u) << "the spot";
+    EXPECT_NE(DrawAt(0).texture, 0u) << "the spot";
     EXPECT_EQ(gfx->BlendingMode(), 7);
     EXPECT_EQ(gfx->BlendingAlpha(), 77);
     EXPECT_EQ(gfx->ZBufferMode(), 1);
