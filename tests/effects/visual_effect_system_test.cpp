@@ -60,6 +60,12 @@ TEST_F(System, AReloadThatKeepsInstancesBindsThemByNameKindAndPlace) {
     Load(kThree, false);
     EXPECT_THAT(Playing(), IsEmpty());
     EXPECT_EQ(system.SystemTime(), 0);
+    Reports reports;
+    for (int i = 0; i < 2; ++i) {
+        Load("#a\ndesc=\"a\"\nPARTICLE {\nCount = 1000000000\n}\n", false);
+        for (int start = 0; start < 2; ++start) system.StartEffect("a", {});
+    }
+    EXPECT_EQ(reports.All().size(), 2u) << "too many instances: said once after each load";
 }
 
 TEST_F(System, StatesShowWhatAnInstanceStoresAndItsColourAndAngle) {

@@ -86,8 +86,8 @@ TEST(AnimatedNode, FollowsItsTracks) {
 }
 
 TEST(AnimatedNode, TakesItsTimeFromTheLoop) {
-    const std::tuple<double, bool, float> rows[] = {{-1, false, 20}, {99, false, 40}, {9, true, 35},     {9, false, 40},
-                                                    {-3, true, 35},  {5, true, 25},   {5.5, true, 17.5f}};
+    const std::tuple<double, bool, float> rows[] = {{-1, false, 20}, {99, false, 40}, {9, true, 35},     {-3, true, 35},
+                                                    {5, true, 25},   {5, false, 40},  {5.5, true, 17.5f}};
     Node node;
     node.Tracks().position.Add(-2, KeyInterpolation::Linear, {{10, 2, 3}, {}, {}});
     node.Tracks().position.Add(4, KeyInterpolation::Linear, {{40, 5, 6}, {}, {}});
