@@ -244,8 +244,10 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
     ASSERT_TRUE(LoadText(effect,
                          "int a : NumDirectionalLights; int b : NumOmniLights; float4 c : AmbientColor;"
                          "float4 d[6] : OmniLightPosition; float4 e[2] : DirectionalLightDirection;"
-                         "float4 f[6] : OmniLightAttenuation; float4 g[2] : DirectionalLightDiffCol;\n"
-                         "#define USE d[0] + e[0] + f[0] + g[0]\n" +
+                         "float4 f[6] : OmniLightAttenuation; float4 g[2] : DirectionalLightDiffCol;"
+                         "float4 h[2] : DirectionalLightSpecCol; float4 k[6] : OmniLightDiffCol;"
+                         "float4 l[6] : OmniLightSpecCol; float4 m[6] : OmniLightAmbiCol;\n"
+                         "#define USE d[0] + e[0] + f[0] + g[0] + h[0] + k[0] + l[0] + m[0]\n" +
                              std::string(kVertexFunction) + kOneTechnique));
     // Directional ones in slots 1, 4 and 6; all eight are on but slot 2.
     for (int i = 0; i < 8; ++i) {
@@ -258,6 +260,7 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
         node.SetViewDirection(number, -2, -3, false);
         light.Diffuse = {number, 0.5f, 0.25f, 1};
         light.Ambient = {0.125f, 0, 0.25f, 1};
+        light.Specular = {0.75f, number, 0, 1};
         light.Attenuation0 = number;
         light.Attenuation2 = 9;
         gfx_->SetLight(i, node, 0, false);
@@ -277,11 +280,14 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
         const float* v = &sent.at(index * 4);
         return D3DXVECTOR4{v[0], v[1], v[2], v[3]};
     };
-    constexpr std::size_t kPositions = 2, kDirections = 8, kAttenuations = 10;
+    constexpr std::size_t kPositions = 2, kDirections = 8, kAttenuations = 10, kColours = 16, kOmniColours = 20;
     const float omni[] = {0, 3, 5, 7}, directional[] = {1, 4};
     for (std::size_t i = 0; i < 4; ++i) {
         EXPECT_EQ(vector(kPositions + i), (D3DXVECTOR4{omni[i], 20, 30, 1}));
         EXPECT_EQ(vector(kAttenuations + i), (D3DXVECTOR4{omni[i], 0, 9, 0}));
+        EXPECT_EQ(vector(kOmniColours + i), (D3DXVECTOR4{omni[i], 0.5f, 0.25f, 1})) << "diffuse";
+        EXPECT_EQ(vector(kOmniColours + 6 + i), (D3DXVECTOR4{0.75f, omni[i], 0, 1})) << "specular";
+        EXPECT_EQ(vector(kOmniColours + 12 + i), (D3DXVECTOR4{0.125f, 0, 0.25f, 1})) << "ambient";
     }
     EXPECT_EQ(vector(kPositions + 4), D3DXVECTOR4());
     for (std::size_t i = 0; i < 2; ++i) {
@@ -289,6 +295,8 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
         EXPECT_NEAR(direction.x / direction.z, directional[i] / -3, 1e-5f);
         EXPECT_NEAR(direction.y / direction.z, -2 / -3.0f, 1e-5f);
         EXPECT_EQ(direction.w, 1.0f);
+        EXPECT_EQ(vector(kColours + i), (D3DXVECTOR4{directional[i], 0.5f, 0.25f, 1})) << "diffuse";
+        EXPECT_EQ(vector(kColours + 2 + i), (D3DXVECTOR4{0.75f, directional[i], 0, 1})) << "specular";
     }
 
     const D3DCOLOR unlit = 0x00FF8040;
