@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "effects/particle_vertices.h"
@@ -69,40 +68,16 @@ class Drawing : public testing::Test {
 
 constexpr char kAdditive[] = "BlendType = \"additive\"";
 
-TEST_F(Drawing, APartlyTransparentParticleBecomesSixVertices) {
-    EXPECT_EQ(DrawEffect(Particle("a", 3, R"(
-        col = 0.5, 0.25, 2
-        scale = 7, 8, 9
-        ALPHA {
-            type = "cos"
-            TimeScale = 0, 0.75, 0
-        }
-        ROTATION {
-            type = "linear"
-            scale = 0.5, 0, 0
-            TimeOff = 1
-        })")),
-              1);
-    EXPECT_EQ(system.DrawnParticleCount(), 1);
-    ASSERT_THAT(TriangleCounts(), ElementsAre(2));
-    EXPECT_EQ(DrawAt(0).fvf, 0x272u);
-    EXPECT_EQ(DrawAt(0).type, D3DPT_TRIANGLELIST);
-    const struct {
-        float x, y, u, v;
-    } kCorners[] = {{-1, -1, 0, 0}, {1, 1, 1, 1}, {1, -1, 1, 0}, {-1, -1, 0, 0}, {-1, 1, 0, 1}, {1, 1, 1, 1}};
-    for (std::size_t i = 0; i < 6; ++i) {
-        const EffectParticleVertex vertex = Vertex(0, i);
-        EXPECT_EQ(vertex.position, D3DXVECTOR3(0, 3, 0));
-        EXPECT_EQ(vertex.corner, D3DXVECTOR3(kCorners[i].x, kCorners[i].y, 0));
-        EXPECT_EQ(vertex.uv, (D3DXVECTOR2{kCorners[i].u, kCorners[i].v}));
-        EXPECT_EQ(vertex.size, 7);
-        EXPECT_EQ(vertex.colour, 0xBF7F3FFEu);   // 2 is 510: the low byte counts
-        EXPECT_NEAR(vertex.rotation.x, std::cos(0.5f), 1e-6);
-        EXPECT_NEAR(vertex.rotation.y, std::sin(0.5f), 1e-6);
+TEST_F(Drawing, ColoursArePackedWithTheirAlpha) {
+    const std::tuple<const char*, const char*, D3DCOLOR> kRows[] = {
+        {"BlendType = \"default\"\ncol = 0.5, 0.25, 2", "0.75", 0xBF7F3FFE},   // 2 is 510: the low byte counts
+        {"BlendType = \"subtractive\"\ncol = 1, 0.5, 0.25", "0.5", 0x017F3F1F}};
+    for (const auto& [lines, alpha, colour] : kRows) {
+        DrawEffect(
+            Particle("a", 3, lines + std::string("\nALPHA {\ntype = \"cos\"\nTimeScale = 0, ") + alpha + ", 0\n}"));
+        EXPECT_EQ(Vertex(0, 0).colour, colour);
+        EXPECT_EQ(Vertex(0, 0).position, D3DXVECTOR3(0, 3, 0));
     }
-    DrawEffect(Particle(
-        "a", 3, "BlendType = \"subtractive\"\ncol = 1, 0.5, 0.25\nALPHA {\ntype = \"cos\"\nTimeScale = 0, 0.5, 0\n}"));
-    EXPECT_EQ(Vertex(0, 0).colour, 0x017F3F1Fu) << "the alpha is in the colour";
 }
 
 TEST_F(Drawing, AdditiveParticlesAreRegroupedByTextureAndOthersKeepTheirOrder) {

@@ -68,29 +68,19 @@ TEST(Creation, ChoosesAdapterTypeAndBehaviour) {
     EXPECT_EQ(unknown->Caps().MaxPointSize, 256.0f) << "the device's own were read afterwards";
 }
 
-TEST(Creation, StatesStartAtTheirDefaults) {
+TEST(Creation, BeginsWithTheWholeTargetInView) {
     RecordedGfx gfx;
-    constexpr std::pair<D3DRENDERSTATETYPE, DWORD> kStates[] = {
-        {D3DRS_FILLMODE, 3},         {D3DRS_ZENABLE, 1},       {D3DRS_LIGHTING, 1},           {D3DRS_SPECULARENABLE, 0},
-        {D3DRS_ALPHABLENDENABLE, 0}, {D3DRS_DITHERENABLE, 1},  {D3DRS_NORMALIZENORMALS, 1},   {D3DRS_CULLMODE, 3},
-        {D3DRS_FOGENABLE, 0},        {D3DRS_FOGVERTEXMODE, 1}, {D3DRS_FOGDENSITY, 0x3F000000}};
-    DWORD value = 999;
-    for (const auto& [state, expected] : kStates) {
-        gfx->Device()->GetRenderState(state, &value);
-        EXPECT_EQ(value, expected) << state;
-    }
-    for (DWORD stage = 0; stage < 3; ++stage) {
-        for (const D3DSAMPLERSTATETYPE filter : {D3DSAMP_MIPFILTER, D3DSAMP_MINFILTER}) {
-            gfx->Device()->GetSamplerState(stage, filter, &value);
-            EXPECT_EQ(value, D3DTEXF_LINEAR) << stage;
-        }
-    }
     EXPECT_EQ(gfx->Viewport(), (D3DVIEWPORT9{0, 0, 640, 480, 0, 1}));
     D3DXMATRIX projection;
     D3DXMatrixPerspectiveFovLH(&projection, 0.7854f, 640.0f / 480, 1, 10000);
     EXPECT_EQ(gfx->ProjectionMatrix(), projection);
     FakeEnvironment::now += 2.5;
     EXPECT_EQ(gfx->DeviceSeconds(), 2.5);
+    for (const auto& [state, expected] : {std::pair{D3DRS_DITHERENABLE, 1u}, {D3DRS_NORMALIZENORMALS, 1u}}) {
+        DWORD value = 999;
+        gfx->Device()->GetRenderState(state, &value);
+        EXPECT_EQ(value, expected) << "unlike a device's own";
+    }
 }
 
 TEST(Creation, ReportsAnEffectPoolThatCannotBeMade) {
@@ -101,46 +91,26 @@ TEST(Creation, ReportsAnEffectPoolThatCannotBeMade) {
     EXPECT_EQ(gfx.recording.LiveObjects(), 0);
 }
 
-TEST(Reset, AppliesTheKeptStatesInOrder) {
+TEST(Reset, AppliesWhatIsKeptAndNothingElse) {   // the single states: states_test.cpp
     RecordedGfx gfx;
-    D3DXMATRIX view;
+    D3DXMATRIX view, device_view, projection;
     D3DXMatrixTranslation(&view, 3, 5, 7);
     gfx->SetTransform(D3DTS_VIEW, view);
     gfx->SetProjection(2, 600, 1.1f, 1.7f);
-    gfx->SetLighting(false, nullptr);
-    gfx->SetSpecular(true);
     gfx->SetBlendingMode(7, 0x40, 0);
-    gfx->SetCullingMode(1);
-    gfx->SetFog({0xFF102030, D3DFOG_EXP2, false, 1, 2, 0.125f});
     gfx->SetFogEnable(true);
-    gfx->SetAlphaTest(3, 0x60);
-    gfx->SetFillMode(2, nullptr);
-    gfx->SetZWrite(false);
-    gfx->SetZBufferMode(0);
     gfx->SetMipmapMode(1, 0.25f, 0);
     gfx->SetMipmapMode(0, -0.5f, 2);
     gfx.recording.ForgetCalls();
     EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 1);
-
-    const std::vector<std::vector<DWORD>> expected = {
-        {D3DRS_LIGHTING, 0},         {D3DRS_SPECULARENABLE, 1},
-        {D3DRS_ALPHABLENDENABLE, 1}, {D3DRS_TEXTUREFACTOR, 0x40000000},
-        {D3DRS_SRCBLEND, 5},         {D3DRS_DESTBLEND, 6},
-        {D3DRS_CULLMODE, 2},         {D3DRS_FOGCOLOR, 0xFF102030},
-        {D3DRS_FOGTABLEMODE, 2},     {D3DRS_FOGDENSITY, Bits(0.125f)},
-        {D3DRS_FOGENABLE, 1},        {D3DRS_CLIPPING, 1},
-        {D3DRS_ALPHATESTENABLE, 3},  {D3DRS_ALPHAFUNC, 5},
-        {D3DRS_ALPHAREF, 0x60},      {D3DRS_PATCHEDGESTYLE, 0},
-        {D3DRS_FILLMODE, 2},         {D3DRS_ZENABLE, 0},
-        {D3DRS_ZWRITEENABLE, 0},     {D3DRS_DITHERENABLE, 1},
-        {D3DRS_AMBIENT, 0},          {D3DRS_NORMALIZENORMALS, 1},
-    };
-    EXPECT_EQ(gfx.recording.ArgumentsOf("SetRenderState"), expected);
-    D3DXMATRIX device_view, projection;
     gfx->Device()->GetTransform(D3DTS_VIEW, &device_view);
     EXPECT_EQ(device_view, view);
     D3DXMatrixPerspectiveFovLH(&projection, 0.7854f, 640.0f / 480, 2, 600);
     EXPECT_EQ(gfx->ProjectionMatrix(), projection) << "near and far are kept";
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(0x40000000));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_DESTBLEND), ElementsAre(D3DBLEND_INVSRCALPHA));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGENABLE), ElementsAre(1));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_DITHERENABLE), ElementsAre(1));
     EXPECT_THAT(gfx.recording.Sent(0, D3DSAMP_MIPFILTER), ElementsAre(1));
     EXPECT_THAT(gfx.recording.Sent(2, D3DSAMP_MIPFILTER), ElementsAre(0));
     EXPECT_EQ(gfx->MipmapBias(), -0.5f) << "as set last";
