@@ -110,7 +110,8 @@ TEST(Reset, AppliesWhatIsKeptAndNothingElse) {   // the single states: states_te
     EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(0x40000000));
     EXPECT_THAT(gfx.recording.Sent(D3DRS_DESTBLEND), ElementsAre(D3DBLEND_INVSRCALPHA));
     EXPECT_THAT(gfx.recording.Sent(D3DRS_FOGENABLE), ElementsAre(1));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_DITHERENABLE), ElementsAre(1));
+    for (const D3DRENDERSTATETYPE state : {D3DRS_DITHERENABLE, D3DRS_NORMALIZENORMALS, D3DRS_LIGHTING})
+        EXPECT_THAT(gfx.recording.Sent(state), ElementsAre(1)) << state;
     EXPECT_THAT(gfx.recording.Sent(0, D3DSAMP_MIPFILTER), ElementsAre(1));
     EXPECT_THAT(gfx.recording.Sent(2, D3DSAMP_MIPFILTER), ElementsAre(0));
     EXPECT_EQ(gfx->MipmapBias(), -0.5f) << "as set last";

@@ -243,21 +243,6 @@ TEST(Fog, OfVerticesEndsThatOfPixelsWhichWouldGoBefore) {
     EXPECT_EQ(gfx->Fog().end, 345.0f) << "kept all the same";
 }
 
-TEST(Lighting, AColourStandsInWhileItIsOff) {
-    RecordedGfx gfx;
-    const D3DCOLOR colour = 0xFF336699;
-    gfx->SetLighting(true, &colour);
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_AMBIENT), ElementsAre(colour)) << "while it is on it is the ambient light";
-    gfx->SetTexture(nullptr, -1);
-    gfx->SetLighting(false, &colour);
-    gfx->SetTexture(nullptr, -1);
-    gfx->EndLightingOverride();
-    gfx->SetTexture(nullptr, -1);
-    EXPECT_THAT(gfx.recording.Sent(0, D3DTSS_COLORARG2), ElementsAre(D3DTA_TFACTOR, D3DTA_DIFFUSE));
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(colour));
-    EXPECT_FALSE(gfx->Lighting());
-}
-
 TEST(Lighting, ALockedMaterialIsOnlyKept) {
     RecordedGfx gfx;
     D3DMATERIAL9 material = {};

@@ -47,23 +47,6 @@ struct Overlay {
     KRN_Font font;
 };
 
-TEST(Font, TheSheetShadesEachGlyph) {
-    Overlay overlay;
-    KRN_Texture& sheet = overlay.font.Sheet();
-    sheet.Lock(nullptr, 0);
-    const std::tuple<char, int, int, D3DCOLOR> kPixels[] = {// set ones in A above and B below, d on the way
-                                                            {'E', 0, 0, kA},
-                                                            {'E', 4, 4, kB},
-                                                            {'A', 0, 0, 0},
-                                                            {'A', 2, 0, 0xFF60B1CD},
-                                                            {']', 1, 0, 0xFF7BC6E6}};
-    for (const auto& [c, column, row, colour] : kPixels) {
-        const RECT& rect = overlay.font.GlyphOf(c).rect;
-        EXPECT_EQ(sheet.GetPixel(rect.left + column, rect.top + row), colour) << c;
-    }
-    sheet.Unlock();
-}
-
 TEST(Font, FallsBackToFourBits) {
     RecordedGfx gfx;
     gfx.recording.refused_texture_formats.insert(D3DFMT_A8R8G8B8);

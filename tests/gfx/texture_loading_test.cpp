@@ -113,11 +113,7 @@ TEST_F(TextureLoading, ReportsWhatIsWrong) {
     for (const auto& [name, parameter, error] : rows) EXPECT_EQ(LoadError(name, parameter), error);
     EXPECT_EQ(ErrorOf([&] { gfx_->LoadTexture(nullptr, "a.png", 0, -1); }),
               "KRN_Gfx: KRN_Texture pointer in LoadTexture is NULL pointer!");
-}
-
-TEST_F(TextureLoading, WarnsOfPathsThatLeaveTheData) {
-    WritePng("a.png", 2, 2);
-    Reports reports;
+    Reports reports;   // of paths that leave the data
     Load((Folder() / "a.png").c_str());
     EXPECT_EQ(reports.Last(), "warning ErrorClassSimple: Absolute file path: '" + (Folder() / "a.png").string() + "'");
     LoadError("\\\\server\\a.png");
@@ -287,18 +283,6 @@ TEST_F(TextureLoading, FollowsTheDevicesCapabilities) {
     texture.Release();
 }
 
-TEST_F(TextureLoading, PlaceholdersReadNoFile) {
-    WriteFile("a.png", "no picture");
-    WriteFile("b.png", "no picture");
-    Settings().placeholders = true;
-    KRN_Texture other;
-    Load("a.png");
-    gfx_->LoadTexture(&other, "b.png", 0, -1);
-    EXPECT_EQ(other.DeviceTexture(), texture_.DeviceTexture());
-    EXPECT_EQ(Desc().Width, 8u);
-    EXPECT_EQ(PixelAt(7, 5), 0xFFC8C8C8);
-}
-
 // ---- Sequences
 
 TEST_F(TextureLoading, AListLoadsAFrameForEachLine) {
@@ -382,9 +366,16 @@ TEST_F(TextureLoading, KnowsTheFileOfWhatItShows) {
     Load("a.png");
     EXPECT_EQ(LoadError("gone.png"), "KRN_Gfx: Can not open file gone.png");
     expect_file("", false);
-    Settings().placeholders = true;
+    Settings().placeholders = true;   // which read no file
+    WriteFile("a.png", "no picture");
+    WriteFile("b.png", "no picture");
+    KRN_Texture other;
     Load("a.png");
     expect_file("a.png", false);
+    gfx_->LoadTexture(&other, "b.png", 0, -1);
+    EXPECT_EQ(other.DeviceTexture(), texture_.DeviceTexture());
+    EXPECT_EQ(texture_.Width(), 8.0f);
+    EXPECT_EQ(PixelAt(7, 5), 0xFFC8C8C8);
 }
 
 // ---- Empty textures

@@ -112,6 +112,9 @@ TEST_F(TextureStagesTest, NoTextureUnbindsAndShowsTheDiffuseColour) {
 
 TEST_F(TextureStagesTest, TheColourOfUnlitDrawingStandsInForTheDiffuseOne) {
     const D3DCOLOR colour = 0x00123456;
+    gfx_->SetLighting(true, &colour);
+    EXPECT_THAT(gfx_.recording.Sent(D3DRS_AMBIENT), ElementsAre(colour))
+        << "while lighting is on it is the ambient light";
     gfx_->SetBlendingMode(7, 0x90, 0);
     gfx_->SetLighting(false, &colour);
     for (KRN_Texture* texture : {&texture_, static_cast<KRN_Texture*>(nullptr)}) {
@@ -121,6 +124,10 @@ TEST_F(TextureStagesTest, TheColourOfUnlitDrawingStandsInForTheDiffuseOne) {
         gfx_->Device()->GetRenderState(D3DRS_TEXTUREFACTOR, &factor);
         EXPECT_EQ(factor, 0x90123456);
     }
+    gfx_->EndLightingOverride();
+    gfx_->SetTexture(&texture_, -1);
+    EXPECT_EQ(State(0, D3DTSS_COLORARG2), D3DTA_DIFFUSE);
+    EXPECT_FALSE(gfx_->Lighting());
     gfx_->SetLighting(true, nullptr);
     for (const auto& [source, argument] : {std::pair{2, D3DTA_DIFFUSE}, {3, D3DTA_TFACTOR}}) {
         gfx_->SetRenderSource(source, 0, 0xFF102030);
