@@ -194,21 +194,5 @@ TEST(Scene, ClearsWhatTheTargetHas) {
     EXPECT_THAT(without.recording.ArgumentsOf("Clear"), ElementsAre(ElementsAre(0, 1, 0xFF123456, Bits(1), 0)));
 }
 
-TEST(Scene, ReadsTheBackBuffer) {
-    RecordedGfx gfx;
-    DevicePtr<IDirect3DSurface9> back_buffer;
-    gfx->Device()->GetBackBuffer(0, 0, 0, back_buffer.Receive());
-    const RECT dot = {5, 3, 6, 4};
-    gfx->Device()->ColorFill(back_buffer.Get(), nullptr, 0xFF203040);
-    gfx->Device()->ColorFill(back_buffer.Get(), &dot, 0xFF506070);
-    std::vector<D3DCOLOR> pixels;
-    UINT width = 0, height = 0;
-    gfx->ReadBackBuffer(pixels, width, height);
-    ASSERT_EQ(pixels.size(), 640u * 480u);
-    EXPECT_EQ(pixels.size(), width * height);
-    EXPECT_EQ(pixels[3 * width + 5], 0xFF506070);
-    EXPECT_EQ(pixels[3 * width + 6], 0xFF203040);
-}
-
 }   // namespace
 }   // namespace sparkrig
