@@ -235,30 +235,20 @@ TEST_F(EffectsFile, BlendTypeDependsOnWordKindAndTrace) {
 }
 
 TEST_F(EffectsFile, EmissionKeysNeedAnEmitEffect) {
-    const std::string keys = R"(
-        EmitEffectPerTime = 8
-        EmitEffectRand = 0
-        EmitEffectLocal = 1
-        EmitEffectVolume = 2, 3, 4
-        TraceEffectLifeTime = 0.5
-        TraceEffectFlag = 1
-        TraceEffectId = 2
-        TraceEffectTexScale = 3)";
-    const ParticleEffect& without = LoadParticle(keys);
-    EXPECT_EQ(without.emit.per_time, 0);
-    EXPECT_TRUE(without.emit.random);
-    EXPECT_EQ(without.trace.life_time, 1);
+    const std::string keys =
+        "EmitEffectPerTime = 8\nEmitEffectRand = 0\nEmitEffectLocal = 1\nEmitEffectVolume = 2, 3, 4\n"
+        "TraceEffectLifeTime = 0.5\nTraceEffectFlag = 1\nTraceEffectId = 2\nTraceEffectTexScale = 3\n";
+    const auto fields = [](const ParticleEffect& s) {
+        return Joined(s.emit.per_time, s.emit.random, s.emit.local, Digits(s.emit.volume), s.trace.life_time,
+                      s.trace.flag, s.trace.id, s.trace.texture_scale);
+    };
+    EXPECT_EQ(fields(LoadParticle(keys)), fields(LoadParticle("")));
     // The effect that is named may stand later in the file.
-    ASSERT_TRUE(Load("#a\ndesc=\"a\"\nPARTICLE {\nEmitEffect = \"B\"" + keys + "\n}\n#b\ndesc=\"b\"\n"));
+    ASSERT_TRUE(Load("#a\ndesc=\"a\"\nPARTICLE {\nEmitEffect = \"B\"\n" + keys + "}\n#b\ndesc=\"b\"\n"));
     const ParticleEffect& with = *definitions.effects.Find("a")->particles.Get(0);
     EXPECT_EQ(with.emit.effect, definitions.effects.Find("b"));
-    EXPECT_EQ(with.emit.per_time, 8);
-    EXPECT_FALSE(with.emit.random);
-    EXPECT_TRUE(with.emit.local && with.trace.flag);
-    EXPECT_EQ(with.emit.volume, D3DXVECTOR3(2, 3, 4));
-    EXPECT_EQ(with.trace.life_time, 0.5f);
-    EXPECT_EQ(with.trace.id, 2);
-    EXPECT_EQ(with.trace.texture_scale, 3);
+    EXPECT_EQ(fields(with), "8 0 1 432 0.5 1 2 3 ");
+    EXPECT_EQ(fields(LoadParticle("")), "0 1 0 0 1 0 0 1 ");
 }
 
 TEST_F(EffectsFile, TracesAreNumberedThroughTheFileByTheirId) {
@@ -268,36 +258,19 @@ TEST_F(EffectsFile, TracesAreNumberedThroughTheFileByTheirId) {
     };
     ASSERT_TRUE(Load("#b\ndesc=\"b\"\n" + trace("MESH", 0) + trace("SPECIAL", 3) + trace("PARTICLE", 0) +
                      trace("PARTICLE", -1) + "#a\ndesc=\"a\"\n" + trace("SPECIAL", 0) + trace("SPECIAL", 2)));
-    const VisualEffect& a = *definitions.effects.Find("a");
-    const VisualEffect& b = *definitions.effects.Find("b");
+    const VisualEffect &a = *definitions.effects.Find("a"), &b = *definitions.effects.Find("b");
     const auto number = [](const SubEffect* sub) { return sub->emit.trace_number; };
-    EXPECT_EQ(number(a.specials.Get(0)), 1);   // by name, not by place in the file
-    EXPECT_EQ(number(b.particles.Get(0)), 2);
-    EXPECT_EQ(number(b.specials.Get(0)), 3);
-    EXPECT_EQ(number(b.meshes.Get(0)), 4);
-    EXPECT_EQ(number(a.specials.Get(1)), 1);
-    EXPECT_EQ(number(b.particles.Get(1)), 2);   // -1 counts as 2
+    EXPECT_EQ(Joined(number(a.specials.Get(0)), number(b.particles.Get(0)), number(b.specials.Get(0)),
+                     number(b.meshes.Get(0)), number(a.specials.Get(1)), number(b.particles.Get(1))),
+              "1 2 3 4 1 2 ")
+        << "by name, not by place in the file; -1 counts as 2";
     EXPECT_EQ(b.particles.Get(0)->emit.effect, nullptr);
 }
 
 TEST_F(EffectsFile, UnknownBlocksAreSkippedWithAWarning) {
-    const VisualEffect& effect = LoadEffect(R"( SPARKS {
-        type = 3
-        DEEPER {
-        }
-    }
-    ;PARTICLE {
-    }
-    PARTICLE {
-        SIZE {
-        }
-        ;SCALE {
-        }
-        SCALE {
-            type = "rand1"
-        }
-    }
-    )");
+    const VisualEffect& effect = LoadEffect(
+        "SPARKS {\ntype = 3\nDEEPER {\n}\n}\n;PARTICLE {\n}\n"
+        "PARTICLE {\nSIZE {\n}\n;SCALE {\n}\nSCALE {\ntype = \"rand1\"\n}\n}\n");
     EXPECT_EQ(effect.particles.GetCount(), 1);
     EXPECT_EQ(effect.particles.Get(0)->scale_stages.GetCount(), 1);
     EXPECT_THAT(reports.All(), ElementsAre("3: Unknown block name 'SPARKS' in effects.cfg",
