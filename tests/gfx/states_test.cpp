@@ -131,7 +131,7 @@ TEST(States, OtherNumbersAreErrorsOrNothing) {
         {"Light index >7", [](KRN_Gfx& gfx) { gfx.SetLightEnable(-1, true); }},
     };
     RecordedGfx gfx;
-    for (const auto& [error, set] : kRows) EXPECT_EQ(ErrorOf([&] { set(*gfx); }), std::string("KRN_Gfx: ") + error);
+    for (const auto& row : kRows) EXPECT_EQ(ErrorOf([&] { row.second(*gfx); }), std::string("KRN_Gfx: ") + row.first);
     EXPECT_EQ(gfx->SetTextureFilter(-1, 1), 1);
     EXPECT_EQ(gfx->SetTextureFilter(0, 1), 0);
     EXPECT_EQ(gfx->SetTextureFilter(10, 1), 0);
@@ -169,7 +169,7 @@ TEST(States, OffNestsAndComesBackOnlyWhenItWasOn) {
          &KRN_Gfx::PopLightingOff}};
     for (const auto& [state, set_off, push, pop] : kRows) {
         RecordedGfx gfx;
-        const auto call = [&](std::initializer_list<void (KRN_Gfx::*)()> calls) {
+        const auto call = [&gfx, state = state](std::initializer_list<void (KRN_Gfx::*)()> calls) {
             for (const auto& one : calls) ((*gfx).*one)();
             return gfx.recording.Sent(state);
         };

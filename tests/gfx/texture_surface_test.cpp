@@ -33,7 +33,9 @@ TEST_F(TextureSurface, ReadsAndWritesPixelsOfTheLockedRectangle) {
                                                    {D3DFMT_A8, 0xA1000000},
                                                    {D3DFMT_A8L8, 0xA1C3C3C3}};
     const std::pair<int, int> inside[] = {{2, 1}, {5, 4}}, outside[] = {{6, 4}, {1, 3}, {3, 5}, {4, 0}};
-    for (const auto& [format, read] : rows) {
+    for (const auto& row : rows) {
+        const D3DFORMAT format = row.first;
+        const D3DCOLOR read = row.second;
         Create(8, 6, format);
         const RECT rectangle = {2, 1, 6, 5};
         Locked(
