@@ -62,7 +62,7 @@ class KRN_VertexList : public KRN_VertexListBase {
     }
     KRN_VertexList(const KRN_VertexList&) = delete;
     KRN_VertexList& operator=(const KRN_VertexList&) = delete;
-    ~KRN_VertexList() = default;
+    ~KRN_VertexList() override = default;
 
     /// First element, element count; 0, 0 locks all. Null never comes back: a failing lock is an error.
     void* LockElements(UINT first, UINT count, DWORD flags);
