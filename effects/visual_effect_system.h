@@ -50,7 +50,8 @@ class VisualEffectSystem : public ErrorClass {
     const String& GetEffectName(int index) const;
 
     void StartEffect(const char* name, const D3DXVECTOR3& position);
-    /// Loads the textures and scenes of the effect and of what it emits. A name that begins with "trace:" names a texture.
+    /// Loads the textures and scenes of the effect and of what it emits. A name that begins with "trace:" names a
+    /// texture.
     void PreloadEffect(const char* name);
     void Update(float elapsed_seconds);
     /// Draws into the scene that has begun. The number of draw calls.
