@@ -84,7 +84,6 @@ class StateSender {
 
     /// After creation, and before a reset: nothing is known, nothing is held, no effect is begun.
     void Forget();
-    StateCache& Cache() { return cache_; }
     const GraphicsDevice& Graphics() const { return graphics_; }
     IDirect3DDevice9& Device() const { return *graphics_.Device(); }
     const KRN_Base& Reporter() const { return graphics_.Reporter(); }

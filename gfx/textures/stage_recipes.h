@@ -7,7 +7,6 @@ namespace sparkrig {
 struct StageRecipe {
     DWORD operation;              // D3DTOP
     DWORD argument1, argument2;   // D3DTA
-    bool TakesDiffuse() const { return argument1 == D3DTA_DIFFUSE || argument2 == D3DTA_DIFFUSE; }
     bool operator==(const StageRecipe&) const = default;
 };
 

@@ -33,8 +33,6 @@ class TextureRegistry {
     /// One user less; -1 does nothing.
     void Release(int index);
 
-    /// Whether the entry exists and holds a texture.
-    bool IsPresent(int index) const { return Get(index) != nullptr; }
     /// Borrowed; null for -1 and for an entry whose texture went with a reset.
     IDirect3DTexture9* Get(int index) const;
 

@@ -7,7 +7,6 @@ namespace sparkrig {
 struct StageOp {
     DWORD op;
     bool reads_0, reads_1, reads_2;
-    bool colour_only;
     const char* formula;   // of the vectors a0, a1, a2, diffuse, current, texel and d3d_states.texture_factor
 };
 
