@@ -1,26 +1,18 @@
 // Any bytes as a command line: words are read, options found or refused, numbers taken within their ranges.
-#include <cstdlib>
-#include <string>
-
 #include "app/options.h"
 #include "base/string.h"
+#include "fuzz/target.h"
 
-using namespace sparkrig;
-
+namespace sparkrig {
 namespace {
 
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
-std::vector<std::string> SplitAtZeros(const std::uint8_t* data, std::size_t size) {
+std::vector<std::string> SplitAtZeros(Input input) {
     std::vector<std::string> words(1);
-    for (std::size_t i = 0; i < size; ++i) {
-        if (data[i] == 0) {
+    for (const std::uint8_t byte : input) {
+        if (byte == 0)
             words.emplace_back();
-        } else {
-            words.back() += static_cast<char>(data[i]);
-        }
+        else
+            words.back() += static_cast<char>(byte);
     }
     return words;
 }
@@ -40,8 +32,8 @@ void CheckWords(const std::string& line) {
 
 }   // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const ParsedCommandLine parsed = ParseCommandLine(SplitAtZeros(data, size));
+void Try(Input input) {
+    const ParsedCommandLine parsed = ParseCommandLine(SplitAtZeros(input));
     if (parsed.exit_code) {
         Require(!parsed.text.empty());
     } else {
@@ -49,5 +41,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(parsed.options.at_seconds >= 0 && parsed.options.at_seconds <= 3600);
         CheckWords(parsed.options.command_line);
     }
-    return 0;
 }
+
+}   // namespace sparkrig

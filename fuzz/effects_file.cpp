@@ -1,13 +1,11 @@
 // An effects file: checked, loaded, its effects started and simulated for ten seconds, loaded again under running
 // instances.
-#include <cstdint>
-
+#include "effects/effects_file.h"
 #include "base/random.h"
 #include "effects/effect_simulation.h"
-#include "effects/effects_file.h"
 #include "effects/special_effect_renderer.h"
 #include "effects/trace_ribbon.h"
-#include "fuzz/input_file.h"
+#include "fuzz/target.h"
 
 namespace sparkrig {
 namespace {
@@ -68,16 +66,12 @@ void Play(const char* file) {
 }
 
 }   // namespace
-}   // namespace sparkrig
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    sparkrig::SeedRandom(7);
-    try {
-        static const sparkrig::InputFile file;
-        file.Put(data, size);
-        sparkrig::Check(file.Name());
-        sparkrig::Play(file.Name());
-    } catch (const sparkrig::ErrorRecord&) {
-    }
-    return 0;
+void Try(Input input) {
+    SeedRandom(7);
+    const std::string file = Put(input);
+    Check(file.c_str());
+    Play(file.c_str());
 }
+
+}   // namespace sparkrig

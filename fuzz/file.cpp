@@ -1,22 +1,11 @@
 // A file with any bytes, mostly behind the header of a packed one: it is read, changed, written back, and read again.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
-
 #include "base/file.h"
-#include "base/log.h"
+#include "fuzz/target.h"
 
-using namespace sparkrig;
-
+namespace sparkrig {
 namespace {
-
-std::string file_name;
-
-void Put(const std::string& bytes) { std::ofstream(file_name, std::ios::binary) << bytes; }
 
 std::vector<char> Content(File& file) {
     std::vector<char> content(static_cast<std::size_t>(file.GetSize()));
@@ -44,40 +33,26 @@ void Operate(File& file, FuzzedDataProvider& input) try {
 } catch (const ErrorMsg&) {
 }
 
-void OpenChangeAndReopen(FuzzedDataProvider& input) {
+void OpenChangeAndReopen(const char* name, FuzzedDataProvider& input) {
     const bool in_memory = input.ConsumeBool();
     File file;
-    if (!file.Open(file_name.c_str(), false, in_memory, true)) std::abort();
+    Require(file.Open(name, false, in_memory, true));
     for (int i = input.ConsumeIntegralInRange(0, 12); i > 0; --i) Operate(file, input);
     const std::vector<char> before = Content(file);
     const bool packed = file.PackMode() != 0;
     file.Close();
     if (!packed) return;   // plain bytes may happen to begin as a packed file does
-    file.Open(file_name.c_str(), true, !in_memory, true);
-    if (Content(file) != before) std::abort();
+    file.Open(name, true, !in_memory, true);
+    Require(Content(file) == before);
 }
 
 }   // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    SilenceLog();
-    const std::filesystem::path memory = "/dev/shm";   // a disk would be a hundred times slower
-    const bool usable = std::filesystem::is_directory(memory);
-    std::string folder = ((usable ? memory : std::filesystem::temp_directory_path()) / "fuzz_file.XXXXXX").string();
-    if (!mkdtemp(folder.data())) std::abort();
-    file_name = folder + "/input";
-    std::atexit([] { std::filesystem::remove_all(std::filesystem::path(file_name).parent_path()); });
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    FuzzedDataProvider input(data, size);
+void Try(Input data) {
+    FuzzedDataProvider input(data.data(), data.size());
     std::string bytes = input.ConsumeRandomLengthString(4096);
     if (input.ConsumeBool()) bytes = std::string("\xA7VT\xA7\1") + bytes;
-    Put(bytes);
-    try {
-        OpenChangeAndReopen(input);
-    } catch (const ErrorMsg&) {
-    }
-    return 0;
+    OpenChangeAndReopen(Put(bytes).c_str(), input);
 }
+
+}   // namespace sparkrig

@@ -1,13 +1,11 @@
 // Any bytes as a jpg, tga, bmp or png file: the head, then the pixels, half the size, and every stored format.
-
-#include "fuzz/require.h"
+#include "fuzz/target.h"
 #include "platform/d3dx/dxt_blocks.h"
 #include "platform/d3dx/image_file.h"
 #include "platform/d3dx/image_scale.h"
 #include "platform/d3dx/pixel_formats.h"
 
-using namespace sparkrig;
-
+namespace sparkrig {
 namespace {
 
 constexpr std::size_t kMostPixels = 1 << 20;   // enough to find what there is to find, fast enough to look often
@@ -28,17 +26,17 @@ void StoreInEveryFormat(const Image& image) {
 
 }   // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const FileBytes file(data, size);
+void Try(Input input) {
     D3DXIMAGE_INFO info = {};
-    if (FAILED(ReadImageInfo(file, info))) return 0;
+    if (FAILED(ReadImageInfo(input, info))) return;
     Require(IsAllowedImageSize(info.Width, info.Height));
-    if (std::size_t{info.Width} * info.Height > kMostPixels) return 0;
+    if (std::size_t{info.Width} * info.Height > kMostPixels) return;
     Image image, half;
-    if (FAILED(DecodeImage(file, info, image))) return 0;
+    if (FAILED(DecodeImage(input, info, image))) return;
     Require(image.width == info.Width && image.height == info.Height);
     StoreInEveryFormat(image);
     Require(SUCCEEDED(HalveImage(image, half)));
     Require(SUCCEEDED(ScaleImage(half, image.width % 61 + 1, image.height % 61 + 1, D3DX_FILTER_LINEAR, image)));
-    return 0;
 }
+
+}   // namespace sparkrig

@@ -1,16 +1,12 @@
 // Any bytes as the keys of a node: they are read, or reported, and then animated, written and read again. The rotations
 // are also taken as exported ones.
 #include <cmath>
-#include <vector>
 
 #include "base/file.h"
-#include "base/log.h"
-#include "fuzz/input_file.h"
-#include "fuzz/require.h"
+#include "fuzz/target.h"
 #include "scene/exported_keys.h"
 
-using namespace sparkrig;
-
+namespace sparkrig {
 namespace {
 
 struct Node : KRN_3dObject {
@@ -24,10 +20,9 @@ void ReadTracks(File& file, NodeTracks& tracks) {
     tracks.scale.Read(file, static_cast<std::uint32_t>(file.ReadInt32()));
 }
 
-std::vector<char> WriteTracks(const InputFile& output, const NodeTracks& tracks) {
-    output.Put("", 0);
+std::string WriteTracks(const NodeTracks& tracks) {
     File file;
-    Require(file.Open(output.Name(), false, false, true));
+    Require(file.Open(Put(Input(), "output").c_str(), false, false, true));
     const auto write = [&](const auto& track) {
         file.WriteInt32(static_cast<std::int32_t>(track.Count()));
         Require(track.Write(file) == track.Count());
@@ -35,10 +30,8 @@ std::vector<char> WriteTracks(const InputFile& output, const NodeTracks& tracks)
     write(tracks.position);
     write(tracks.rotation);
     write(tracks.scale);
-    std::vector<char> bytes(static_cast<std::size_t>(file.GetSize()));
-    file.Seek(0);
-    file.Read(bytes.data(), file.GetSize());
-    return bytes;
+    file.Close();
+    return Get("output");
 }
 
 void Animate(KRN_3dObject& node) {
@@ -61,31 +54,21 @@ void TakeAsExported(const KeyTrack<KRN_RotKeyData>& keys) {
     Animate(node);
 }
 
-void Load(const InputFile& input, const InputFile& output) {
+}   // namespace
+
+void Try(Input input) {
     File file;
-    Require(file.Open(input.Name(), true, true, true));
+    Require(file.Open(Put(input).c_str(), true, true, true));
     Node node, again;
     ReadTracks(file, node.Tracks());
     node.RebuildLookupTables();
     Animate(node);
-    const std::vector<char> written = WriteTracks(output, node.Tracks());
-    Require(written.size() <= static_cast<std::size_t>(file.GetSize()));
-    Require(file.Open(output.Name(), true, true, true));
+    const std::string written = WriteTracks(node.Tracks());
+    Require(written.size() <= input.size());
+    Require(file.Open(PathOf("output").c_str(), true, true, true));
     ReadTracks(file, again.Tracks());
-    Require(WriteTracks(output, again.Tracks()) == written);
+    Require(WriteTracks(again.Tracks()) == written);
     TakeAsExported(node.Tracks().rotation);
 }
 
-}   // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const InputFile input, output;
-    SilenceLog();
-    input.Put(data, size);
-    try {
-        Load(input, output);
-    } catch (const ErrorMsg&) {
-    } catch (const KRN_Error&) {
-    }
-    return 0;
-}
+}   // namespace sparkrig

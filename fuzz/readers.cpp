@@ -1,33 +1,24 @@
 // The three text readers on any bytes, their operations called in any order.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <string>
-
 #include "base/config_file_reader.h"
-#include "base/log.h"
-#include "fuzz/input_file.h"
+#include "fuzz/target.h"
 
-using namespace sparkrig;
-
+namespace sparkrig {
 namespace {
 
 constexpr int kMostCalls = 200;
 
-const InputFile& File() {
-    static const InputFile file;
-    return file;
-}
-
-void CallLineReader(FuzzedDataProvider& input) {
+void CallLineReader(const char* file, FuzzedDataProvider& input) {
     TextFileReader reader;
-    if (reader.Load(File().Name()) != 0 || reader.BuildLineIndex() != 0) return;
+    if (reader.Load(file) != 0 || reader.BuildLineIndex() != 0) return;
     for (int line = -1; line <= reader.GetLineCount() && line < kMostCalls; ++line) reader.GetLine(line);
     reader.GetLine(input.ConsumeIntegral<int>());
 }
 
-void CallTokenizer(FuzzedDataProvider& input) {
+void CallTokenizer(const char* file, FuzzedDataProvider& input) {
     TextDataFileReader reader;
-    reader.Open(File().Name(), input.ConsumeBool());
+    reader.Open(file, input.ConsumeBool());
     char token[TextDataFileReader::kTokenSize];
     String text;
     float f, vector[3];
@@ -91,10 +82,10 @@ void Walk(ConfigFileReader& reader, FuzzedDataProvider& input) {
     }
 }
 
-void CallBlockReader(FuzzedDataProvider& input) {
+void CallBlockReader(const char* file, FuzzedDataProvider& input) {
     ConfigFileReader reader;
     reader.SetIndexKey(input.ConsumeBool() ? "desc" : "");
-    if (reader.Load(File().Name(), input.ConsumeIntegralInRange(0, 7) > 0) != 0) return;
+    if (reader.Load(file, input.ConsumeIntegralInRange(0, 7) > 0) != 0) return;
     for (int b = -1; b <= reader.GetBlockCount() && b < kMostCalls; ++b) reader.GetBlockLineCount(b);
     while (input.remaining_bytes() > 0) {
         try {
@@ -106,22 +97,14 @@ void CallBlockReader(FuzzedDataProvider& input) {
 
 }   // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    SilenceLog();
-    return 0;
+void Try(Input data) {
+    FuzzedDataProvider input(data.data(), data.size());
+    const std::string file = Put(input.ConsumeRandomLengthString(8192));
+    switch (input.ConsumeIntegralInRange(0, 3)) {
+        case 0: return CallLineReader(file.c_str(), input);
+        case 1: return CallTokenizer(file.c_str(), input);
+        default: return CallBlockReader(file.c_str(), input);
+    }
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    FuzzedDataProvider input(data, size);
-    const std::string content = input.ConsumeRandomLengthString(8192);
-    File().Put(content.data(), content.size());
-    try {
-        switch (input.ConsumeIntegralInRange(0, 3)) {
-            case 0: CallLineReader(input); break;
-            case 1: CallTokenizer(input); break;
-            default: CallBlockReader(input); break;
-        }
-    } catch (const ErrorMsg&) {
-    }
-    return 0;
-}
+}   // namespace sparkrig

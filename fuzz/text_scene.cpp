@@ -1,8 +1,4 @@
 // Any bytes as a text scene.
 #include "fuzz/scene_input.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static sparkrig::SceneInput scene;
-    scene.Load(data, size);
-    return 0;
-}
+void sparkrig::Try(Input input) { LoadAndPrint(input); }

@@ -1,12 +1,10 @@
 // Any bytes as a picture file, loaded through to the texture of a device. The first byte says how, the rest is the
 // file.
-#include "fuzz/input_file.h"
-#include "fuzz/require.h"
+#include "fuzz/target.h"
 #include "platform/d3dx/d3dx_texture.h"
 #include "tests/support/recording.h"
 
-using namespace sparkrig;
-
+namespace sparkrig {
 namespace {
 
 constexpr std::uint64_t kMostPixels = 1 << 18;   // enough to find what there is to find, fast enough to look often
@@ -34,22 +32,21 @@ constexpr Wish kWishes[] = {
 
 }   // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const InputFile file;
-    if (size == 0) return 0;
-    file.Put(data + 1, size - 1);
+void Try(Input input) {
+    if (input.empty()) return;
+    const std::string file = Put(input.subspan(1));
     D3DXIMAGE_INFO info = {};
-    if (FAILED(D3DXGetImageInfoFromFileA(file.Name(), &info))) return 0;
-    if (std::uint64_t{info.Width} * info.Height > kMostPixels) return 0;
+    if (FAILED(D3DXGetImageInfoFromFileA(file.c_str(), &info))) return;
+    if (std::uint64_t{info.Width} * info.Height > kMostPixels) return;
 
     Recording recording;
     const DevicePtr<IDirect3DDevice9> device = recording.MakeDevice();
     Require(bool(device));
     const int before = recording.LiveObjects();
 
-    const Wish& wish = kWishes[data[0] % std::size(kWishes)];
+    const Wish& wish = kWishes[input[0] % std::size(kWishes)];
     DevicePtr<IDirect3DTexture9> texture;
-    const HRESULT result = D3DXCreateTextureFromFileExA(device.Get(), file.Name(), wish.side, wish.side, wish.levels,
+    const HRESULT result = D3DXCreateTextureFromFileExA(device.Get(), file.c_str(), wish.side, wish.side, wish.levels,
                                                         wish.usage, wish.format, wish.pool, wish.filter,
                                                         wish.mip_filter, wish.colour_key, &info, texture.Receive());
     Require(SUCCEEDED(result) == bool(texture));
@@ -59,5 +56,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     texture.Reset();
     Require(recording.LiveObjects() == before);
-    return 0;
 }
+
+}   // namespace sparkrig
