@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -15,7 +13,6 @@
 namespace sparkrig {
 namespace {
 
-using ::testing::HasSubstr;
 using Json = nlohmann::json;
 
 /// A data folder of its own, with one effect that glows for ever and one that ends after 0.09 s, and no user settings.

@@ -1,6 +1,5 @@
 #include "app/clock.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

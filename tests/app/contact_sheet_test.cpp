@@ -1,11 +1,8 @@
 #include "app/contact_sheet.h"
-
-#include <gmock/gmock.h>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 TEST(Halve, GivesTheMeanOfFourPixelsInEachChannel) {
     const Picture picture = {5,

@@ -1,7 +1,5 @@
 #include "app/dialogs.h"
 
-#include <gtest/gtest.h>
-
 #include "app/resources.h"
 #include "platform/system/system.h"
 #include "platform/window/dialog.h"

@@ -2,7 +2,6 @@
 // tests/app/pictures/NAME.png. After a wanted change: build/release/sparkrig /resx:160 /resy:90 --no-overlay --capture
 // tests/app/pictures/EFFECT.png
 // --effect EFFECT --at SECONDS, with the seconds of the row. stage.png is that of an effect that shows nothing.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>

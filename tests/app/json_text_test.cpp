@@ -1,9 +1,8 @@
 #include "app/json_text.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <nlohmann/json.hpp>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,12 +1,11 @@
 // A picture file, decoded.
 #pragma once
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
 #include "platform/d3dx/image_file.h"
 #include "platform/system/system.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 

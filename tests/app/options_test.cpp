@@ -1,13 +1,11 @@
 #include "app/options.h"
 
-#include <gmock/gmock.h>
-
 #include "base/nearest_word.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
 
-using ::testing::HasSubstr;
 using Words = std::vector<std::string>;
 
 TEST(Options, EachModeTakesItsOutput) {

@@ -1,7 +1,5 @@
 #include "app/player.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
 #include "app/shader_files.h"

@@ -1,7 +1,5 @@
 #include "app/tester_commands.h"
 
-#include <gmock/gmock.h>
-
 #include <cmath>
 
 #include "app/camera_commands.h"

@@ -1,10 +1,10 @@
 #include "app/video_generator.h"
 
 // The picture as it looks: tests/app/pictures/scrying mirror.png; after a reset and a reload: player_test.cpp.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,10 +1,9 @@
 #include "app/window_procedure.h"
 
-#include <gtest/gtest.h>
-
 #include "app/resources.h"
 #include "app/tester_state.h"
 #include "tests/support/canvas.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,6 +1,5 @@
 #include "base/compress.h"
 
-#include <gmock/gmock.h>
 #include <lzma.h>
 #include <sys/resource.h>
 
@@ -10,13 +9,10 @@
 #include "base/little_endian.h"
 #include "base/random.h"
 #include "base/scramble.h"
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAreArray;
-using testing::HasSubstr;
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -127,7 +123,7 @@ TEST(Compress, DecodesRunsWithinBounds) {
         {"a negative length", 0xFFFFFFFE, 4, kA, "CCompress: Invalid data length: -2"}};
     for (const auto& [name, n, record_size, coded, result] : kRows)
         EXPECT_EQ(UnpackError(Join({{1}, Int32(n), {record_size}, coded})), result) << name;
-    EXPECT_THAT(Unpacked(Join({{1}, Int32(4), {4}, kMarker, {0}, kB, kA})), ElementsAreArray(kA));
+    EXPECT_THAT(Unpacked(Join({{1}, Int32(4), {4}, kMarker, {0}, kB, kA})), testing::ElementsAreArray(kA));
 }
 
 TEST(Compress, ReportsStreamsItCannotRead) {

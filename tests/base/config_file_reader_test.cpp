@@ -1,18 +1,13 @@
 #include "base/config_file_reader.h"
 
-#include <gmock/gmock.h>
-
 #include <climits>
 #include <map>
 #include <sstream>
 
-#include "tests/base/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 class ConfigFileReaderTest : public TemporaryFolder {
   protected:

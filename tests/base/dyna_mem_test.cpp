@@ -1,17 +1,12 @@
 #include "base/dyna_mem.h"
 
-#include <gmock/gmock.h>
-
 #include <map>
 #include <memory>
 #include <random>
-
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 template <class List>
 std::vector<int> Ids(const List& list) {

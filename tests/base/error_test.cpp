@@ -1,19 +1,12 @@
 #include "base/error.h"
 
-#include <gmock/gmock.h>
-
 #include "base/log.h"
 #include "base/log_file.h"
 #include "base/reporter_family.h"
-#include "tests/base/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
-using testing::MatchesRegex;
-using testing::StartsWith;
 
 struct Named : ErrorClass {
     explicit Named(const char* name) { SetName(name); }
@@ -114,7 +107,7 @@ TEST_F(LogDeathTest, FirstEntryEmptiesTheFileAndStaysInItsFolder) {
                 }),
                 ElementsAre("one 11", "two"));
     for (const std::string& line : ReadLines("logfile.txt"))
-        EXPECT_THAT(line, MatchesRegex("(one 11|two)\\(Time:[0-9]+\\.[0-9][0-9], free sysmem:[0-9]+\\)"));
+        EXPECT_THAT(line, testing::MatchesRegex("(one 11|two)\\(Time:[0-9]+\\.[0-9][0-9], free sysmem:[0-9]+\\)"));
 }
 
 TEST_F(LogDeathTest, FoldsRepeatedWarnings) {
@@ -180,7 +173,7 @@ TEST_F(LogDeathTest, LongLinesKeepTheirSuffix) {
     const std::vector<std::string> lines = ReadLines("logfile.txt");
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].size(), 1022u);   // 1024 with line end and terminator
-    EXPECT_THAT(lines[0], MatchesRegex("x+\\(Time:[0-9.]+, free sysmem:[0-9]+\\)"));
+    EXPECT_THAT(lines[0], testing::MatchesRegex("x+\\(Time:[0-9.]+, free sysmem:[0-9]+\\)"));
 }
 
 using LogFileTest = TemporaryFolder;

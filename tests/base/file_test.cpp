@@ -1,7 +1,6 @@
 #include "base/file.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,13 +8,10 @@
 
 #include "base/file_validator.h"
 #include "tests/base/file_size_limit.h"
-#include "tests/base/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 class FileTest : public TemporaryFolder, public testing::WithParamInterface<bool> {};
 INSTANTIATE_TEST_SUITE_P(OnDiskAndInMemory, FileTest, testing::Bool(),

@@ -1,12 +1,11 @@
 #include "base/numeric.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <limits>
 
 #include "base/random.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

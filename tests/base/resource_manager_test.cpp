@@ -1,10 +1,7 @@
 #include "base/resource_manager.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
-
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

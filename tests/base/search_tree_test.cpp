@@ -1,15 +1,10 @@
 #include "base/search_tree.h"
 
-#include <gmock/gmock.h>
-
 #include <string>
-
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 std::vector<std::string> Names(SearchTree<int>& tree) {
     std::vector<std::string> names;

@@ -1,10 +1,10 @@
 #include "base/string.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
+#include <random>
 #include <string>
 #include <utility>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
@@ -21,19 +21,79 @@ TEST(String, TellsNoBufferFromAnEmptyOne) {
     }
 }
 
-TEST(String, AssignReleasesOnEmptyAndKeepsItself) {
+std::string Folded(std::string text, char first, int step) {   // in ASCII only
+    for (char& c : text) c = static_cast<char>(c >= first && c < first + 26 ? c + step : c);
+    return text;
+}
+std::string Lower(const std::string& text) { return Folded(text, 'A', 32); }
+
+TEST(String, IsWhatTheStandardLibraryMakesOfTheSameSteps) {
+    std::mt19937 random(5);
+    const auto word = [&] {
+        std::string letters(random() % 4, ' ');
+        for (char& c : letters) c = "aAbB\xE4\xC4["[random() % 7];
+        return letters;
+    };
+    String text;
+    std::string held;
+    for (int step = 0; step < 20000; ++step) {
+        const std::string a = word(), b = word();
+        const bool exact = step % 2 == 0;
+        const std::size_t half = held.size() / 2, place = exact ? held.find(a) : Lower(held).find(Lower(a));
+        const bool found = HasBuffer(text) && place != std::string::npos;
+        switch (random() % (held.size() > 30 ? 2 : 8)) {
+            case 0: text.Assign(a.c_str()), held = a; break;
+            case 1: text.Assign(text.c_str() + half), held = held.substr(half); break;   // a part of its own buffer
+            case 2: text.Append(a.c_str()), held += a; break;
+            case 3: text.Append(text), held += held; break;
+            case 4: text.MakeUpper(), held = Folded(held, 'a', -32); break;
+            case 5: text.MakeLower(), held = Lower(held); break;
+            case 6: text.Format("%s-%s", text.c_str(), a.c_str()), held += "-" + a; break;
+            default:
+                EXPECT_EQ(text.Replace(a.c_str(), b.empty() ? nullptr : b.c_str(), exact), found);
+                if (found) held.replace(place, a.size(), b);
+        }
+        ASSERT_EQ(text.c_str(), held) << step;
+        ASSERT_EQ(text.GetLength(), static_cast<int>(held.size()));
+        EXPECT_TRUE(HasBuffer(text) || held.empty());
+        EXPECT_EQ(text.IndexOf(a.c_str()), HasBuffer(text) ? static_cast<int>(Lower(held).find(Lower(a))) : -1);
+        EXPECT_EQ(text.StartsWith(a.c_str()), Lower(held).starts_with(Lower(a)));
+        String copy = text, other(b.c_str());
+        EXPECT_TRUE(copy == text && copy == held.c_str());
+        const auto sign = [](int order) { return (order > 0) - (order < 0); };
+        EXPECT_EQ(text.Compare(a.c_str(), b.c_str()), sign(a.compare(b)));
+        EXPECT_EQ(text.CompareNoCase(a.c_str(), b.c_str()), sign(Lower(a).compare(Lower(b))));
+        EXPECT_EQ(text.CompareN(a.c_str(), b.c_str(), 2), sign(a.substr(0, 2).compare(b.substr(0, 2))));
+        EXPECT_EQ(text.CompareNNoCase(a.c_str(), b.c_str(), 2),
+                  sign(Lower(a).substr(0, 2).compare(Lower(b).substr(0, 2))));
+        other.Assign(copy);
+        copy = std::move(other);
+        EXPECT_TRUE(copy == text) << step;
+    }
+}
+
+TEST(String, AnEmptyOneThatIsAssignedReleasesItsBuffer) {
     String text("fire");
-    text.Assign(text.c_str());
-    EXPECT_STREQ(text.c_str(), "fire");
-    text.Assign(text.c_str() + 2);   // a part of the own buffer
-    EXPECT_STREQ(text.c_str(), "re");
-    String copy = text;
-    copy.Assign(text);
-    copy.MakeUpper();
-    EXPECT_STREQ(text.c_str(), "re");
-    text.Assign("");
-    EXPECT_FALSE(HasBuffer(text));
-    EXPECT_STREQ(copy.c_str(), "RE");
+    for (const auto& empty : {+[](String& s) { s.Assign(""); }, +[](String& s) { s.Format("%s", ""); }}) {
+        text = "smoke";
+        empty(text);
+        EXPECT_FALSE(HasBuffer(text));
+    }
+    text.Format("%s", std::string(9000, 'x').c_str());
+    EXPECT_EQ(text.GetLength(), 4094) << "cut";
+    const char* buffer = text.c_str();
+    const String taken = std::move(text);
+    EXPECT_EQ(taken.c_str(), buffer);
+    for (const String& none : {String(), String(nullptr)}) {
+        EXPECT_TRUE(none.StartsWith(nullptr) && none.StartsWith("") && !none.StartsWith("a"));
+        EXPECT_EQ(none.IndexOf("a"), -1);
+    }
+    EXPECT_FALSE(String("a").StartsWith(nullptr) || String("a").Replace(nullptr, "x", true));
+    EXPECT_EQ(String("a").IndexOf(nullptr), -1);
+    EXPECT_EQ(taken.Find("campfire", "fire"), 4);
+    char small[4] = "zzz";
+    taken.Copy(small, sizeof small, "flame");
+    EXPECT_STREQ(small, "fla");
 }
 
 TEST(String, BufferControlKeepsTheContent) {
@@ -54,84 +114,6 @@ TEST(String, BufferControlKeepsTheContent) {
     EXPECT_STREQ(text.c_str(), "");
     text.Alloc(-1);
     EXPECT_FALSE(HasBuffer(text));
-}
-
-TEST(String, FormatsCutsAndMayQuoteItself) {
-    String text("17");
-    text.Format("%s sparks of %i", text.c_str(), 23);
-    EXPECT_STREQ(text.c_str(), "17 sparks of 23");
-    text.Format("%s", "");
-    EXPECT_FALSE(HasBuffer(text));
-    text.Format("%s", std::string(9000, 'x').c_str());
-    EXPECT_EQ(text.GetLength(), 4094);
-}
-
-TEST(String, AppendsAlsoItself) {
-    String text;
-    text.Append("ab");
-    text.Append("");
-    text.Append(String("cd"));
-    text.Append(text);
-    EXPECT_STREQ(text.c_str(), "abcdabcd");
-}
-
-TEST(String, SearchesIgnoringCase) {
-    const std::tuple<const char*, const char*, int> kRows[] = {
-        {"abc", "B", 1},    {"abc", "abcd", -1},  {"abc", nullptr, -1}, {"abc", "", 0},
-        {nullptr, "a", -1}, {"xxABxAb", "ab", 2}, {"\xE4z", "Z", 1}};
-    for (const auto& [text, part, index] : kRows) EXPECT_EQ(String(text).IndexOf(part), index) << part;
-}
-
-TEST(String, StartsWithIgnoresCase) {
-    const std::tuple<const char*, const char*, bool> kRows[] = {
-        {"Trace:x", "trace:", true}, {"tra", "trace:", false}, {nullptr, nullptr, true}, {nullptr, "", true},
-        {"a", nullptr, false},       {"", nullptr, true},      {nullptr, "a", false}};
-    for (const auto& [text, prefix, starts] : kRows)
-        EXPECT_EQ(String(text).StartsWith(prefix), starts) << text << prefix;
-}
-
-TEST(String, ReplacesTheFirstOccurrenceOnly) {
-    const struct {
-        const char *text, *part, *replacement;
-        bool exact, found;
-        const char* result;
-    } kRows[] = {{"abcb", "b", "XY", true, true, "aXYcb"}, {"abcb", "b", nullptr, true, true, "acb"},
-                 {"abcb", "B", "XY", true, false, "abcb"}, {"abcb", "B", "XY", false, true, "aXYcb"},
-                 {"cab", "cab", "", true, true, ""},       {"ab", nullptr, "x", true, false, "ab"}};
-    for (const auto& row : kRows) {
-        String text(row.text);
-        EXPECT_EQ(text.Replace(row.part, row.replacement, row.exact), row.found) << row.result;
-        EXPECT_STREQ(text.c_str(), row.result);
-    }
-}
-
-TEST(String, ComparesBytesUnsignedAndCaseInAsciiOnly) {
-    const String s;
-    EXPECT_EQ(s.Compare("a\xE4", "az"), 1);
-    EXPECT_EQ(s.Compare("ab", "abc"), -1);
-    EXPECT_EQ(s.CompareN("abX", "abY", 2), 0);
-    EXPECT_EQ(s.CompareNoCase("FIRE", "fire"), 0);
-    EXPECT_NE(s.CompareNoCase("\xC4", "\xE4"), 0);
-    EXPECT_EQ(s.CompareNNoCase("AbX", "aBy", 2), 0);
-    EXPECT_EQ(s.Find("campfire", "fire"), 4);
-    EXPECT_EQ(s.Find("campfire", "Fire"), -1);
-    char small[4] = "zzz";
-    s.Copy(small, sizeof small, "flame");
-    EXPECT_STREQ(small, "fla");
-    String mixed("aZ\xE4@[`{");
-    mixed.MakeUpper();
-    EXPECT_STREQ(mixed.c_str(), "AZ\xE4@[`{");
-    mixed.MakeLower();
-    EXPECT_STREQ(mixed.c_str(), "az\xE4@[`{");
-    String().MakeUpper();
-}
-
-TEST(String, MovesWithoutCopying) {
-    String text("smoke");
-    const char* buffer = text.c_str();
-    const String taken = std::move(text);
-    EXPECT_EQ(taken.c_str(), buffer);
-    EXPECT_TRUE(taken == "smoke");
 }
 
 TEST(ToFloats, ReadsUpToTheFirstEmptyPiece) {

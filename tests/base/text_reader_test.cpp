@@ -1,18 +1,12 @@
-#include <gmock/gmock.h>
-
 #include <climits>
 #include <cmath>
 
 #include "base/text_data_file_reader.h"
 #include "base/text_file_reader.h"
-#include "tests/base/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
-using testing::Pair;
 
 TEST(LineIndex, FindsTheLines) {
     // Control characters at the start of a line are left out, but in the first line.

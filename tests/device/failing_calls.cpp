@@ -8,7 +8,7 @@
 #include "gfx/textures/video_sources.h"
 #include "scene/light.h"
 #include "scene/scene.h"
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 

@@ -11,8 +11,8 @@
 #include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
 #include "gfx/textures/texture_loader.h"
-#include "tests/base/reports.h"
 #include "tests/device/failing_calls.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 

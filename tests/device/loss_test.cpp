@@ -3,8 +3,8 @@
 
 #include "app/effect_choice.h"
 #include "app/shader_files.h"
-#include "tests/base/reports.h"
 #include "tests/device/whole_program.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -7,8 +7,8 @@
 #include <fstream>
 #include <vector>
 
-#include "tests/base/reports.h"
 #include "tests/device/whole_program.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

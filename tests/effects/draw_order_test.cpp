@@ -1,12 +1,11 @@
 #include "effects/draw_order.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <random>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -14,8 +11,6 @@
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 /// The system on the recording device; the camera stands 100 before the origin and looks along -y.
 class Drawing : public testing::Test {

@@ -1,19 +1,12 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <sstream>
 #include <string>
 
 #include "effects/effects_file.h"
 #include "scene/object_3d.h"
 #include "tests/effects/effects_file_text.h"
-#include "tests/support/reports.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct TestReporter : ErrorClass {
     TestReporter() { SetName("TestReporter"); }

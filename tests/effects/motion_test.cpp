@@ -1,7 +1,5 @@
 #include "effects/motion.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -10,6 +8,7 @@
 #include <vector>
 
 #include "effects/sine.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

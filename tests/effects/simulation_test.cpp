@@ -1,24 +1,15 @@
 #include "effects/effect_simulation.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <string>
 
 #include "base/random.h"
 #include "tests/effects/definitions_builder.h"
-#include "tests/support/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::FloatEq;
-using testing::FloatNear;
-using testing::Pointwise;
 
 struct TestReporter : ErrorClass {
     TestReporter() { SetName("TestReporter"); }
@@ -188,10 +179,10 @@ TEST_F(Simulation, EmitsEvenlyWithTheTimeAlreadyLived) {
     const auto [spark, emitter] = MakeEmission(10, false);
     Start("parent");
     Step(1, 0.25f);   // at 0.1 and 0.2
-    EXPECT_THAT(Times(spark), Pointwise(FloatNear(1e-6f), std::vector<float>{0.15f, 0.05f}));
+    EXPECT_THAT(Times(spark), testing::Pointwise(testing::FloatNear(1e-6f), std::vector<float>{0.15f, 0.05f}));
     Step(1, 0.28125f);   // at 0.3, 0.4 and 0.5
-    EXPECT_THAT(Times(spark),
-                Pointwise(FloatNear(1e-6f), std::vector<float>{0.43125f, 0.33125f, 0.23125f, 0.13125f, 0.03125f}));
+    EXPECT_THAT(Times(spark), testing::Pointwise(testing::FloatNear(1e-6f),
+                                                 std::vector<float>{0.43125f, 0.33125f, 0.23125f, 0.13125f, 0.03125f}));
     Step(55, 1 / 60.0f);
     EXPECT_EQ(Times(spark).size(), 14u);   // 1.448 s
 }
@@ -206,7 +197,7 @@ TEST_F(Simulation, EmitsAtRandomWithJitterAroundEvenShares) {
     std::vector<float> times;
     for (int k = 0; k < count; ++k)
         times.push_back(static_cast<float>((k + 0.5 + RandomRange(-0.25, 0.25)) * 0.25 / count));
-    EXPECT_THAT(Times(spark), Pointwise(FloatEq(), times));
+    EXPECT_THAT(Times(spark), testing::Pointwise(FloatEq(), times));
 }
 
 TEST_F(Simulation, ARateOfNothingStillDrawsItsChance) {

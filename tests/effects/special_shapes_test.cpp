@@ -1,14 +1,13 @@
 // Each shape beside a slow reference of its formula, point by point, in double.
 #include "effects/special_shapes.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
 
 #include "base/random.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,5 +1,4 @@
 // The store of live instances beside a slow, obvious one: a map from id to instance, walked one after the other.
-#include <gtest/gtest.h>
 #include <tbb/global_control.h>
 
 #include <limits>
@@ -16,6 +15,7 @@
 #include "effects/packed_colour.h"
 #include "scene/object_3d.h"
 #include "tests/effects/definitions_builder.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

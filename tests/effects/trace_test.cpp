@@ -1,18 +1,14 @@
 // Trails beside a slow, literal one that keeps every line that there ever was.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <map>
 #include <random>
 
 #include "effects/trace_ribbon.h"
-#include "tests/support/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 struct SlowLine {
     int channels = 0;

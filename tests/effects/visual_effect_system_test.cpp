@@ -1,18 +1,11 @@
 #include "effects/visual_effect_system.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "base/random.h"
 #include "effects/visual_effect_system_parts.h"
-#include "tests/base/reports.h"
 #include "tests/effects/effects_file_text.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class System : public testing::Test {
   protected:

@@ -1,5 +1,4 @@
 // A running effect takes no memory: counted over the sample effects, as the tester plays them.
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <new>
@@ -28,6 +27,7 @@ thread_local int allocations = 0;
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

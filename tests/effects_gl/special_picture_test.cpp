@@ -1,5 +1,4 @@
 // Special shapes and trails on OpenGL, beside where their formulas put them.
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <memory>

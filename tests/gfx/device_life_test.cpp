@@ -1,9 +1,6 @@
 // Creating the device, presenting, losing and resetting it.
 #include "gfx/device_life.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <bit>
 
 #include "gfx/textures/texture.h"
@@ -11,8 +8,6 @@
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 constexpr D3DDISPLAYMODE kSmallMode = {800, 600, 85, D3DFMT_X8R8G8B8}, kLargeMode = {1024, 768, 72, D3DFMT_R5G6B5};
 

@@ -1,7 +1,5 @@
 #include "gfx/geometry/device_mesh.h"
 
-#include <gtest/gtest.h>
-
 #include "gfx/gfx.h"
 #include "tests/support/recorded_gfx.h"
 

@@ -1,5 +1,4 @@
 // What is set while shader effects are begun stands when they have ended, whatever they changed and however they ended.
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <map>

@@ -1,6 +1,5 @@
 #include "gfx/device/frame_timing.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

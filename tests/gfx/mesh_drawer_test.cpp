@@ -1,8 +1,5 @@
 #include "gfx/geometry/mesh_drawer.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -20,9 +17,6 @@
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// One triangle for each group, in the plane z = 10 before the camera.
 void BuildMesh(KRN_Mesh& mesh, std::uint32_t groups, DWORD format = 0x112) {

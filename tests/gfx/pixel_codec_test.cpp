@@ -1,6 +1,5 @@
 #include "gfx/device/pixel_codec.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

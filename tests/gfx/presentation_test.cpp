@@ -1,14 +1,10 @@
 // What is asked of the display, and what it offers.
 #include "gfx/device/presentation.h"
 
-#include <gmock/gmock.h>
-
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 struct Reporter : KRN_Base {
     Reporter() { SetName("Reporter"); }

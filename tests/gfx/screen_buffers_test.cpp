@@ -1,20 +1,16 @@
 // Post-render effects, the copy of the screen, screen buffers, and the passes that draw into them.
 #include "gfx/shaders/screen_buffers.h"
 
-#include <gmock/gmock.h>
-
 #include "gfx/device/surface_registry.h"
 #include "gfx/gfx.h"
 #include "gfx/shaders/shader_effect_passes.h"
 #include "tests/support/recorded_gfx.h"
-#include "tests/support/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
 
 using ::testing::_;
-using ::testing::ElementsAre;
 
 constexpr const char* kReadsCopy = "texture t : SCREENCOPY; technique { pass { Texture[3] = <t>; } }";
 

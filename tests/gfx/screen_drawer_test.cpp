@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cstring>
 
 #include "gfx/geometry/vertex_list.h"
@@ -10,8 +7,6 @@
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 /// A picture of 16 x 8 to be drawn.
 struct ScreenTexture : testing::Test {

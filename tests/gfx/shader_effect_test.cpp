@@ -1,7 +1,5 @@
 #include "gfx/shaders/shader_effect.h"
 
-#include <gmock/gmock.h>
-
 #include <bit>
 #include <cmath>
 #include <filesystem>
@@ -13,17 +11,10 @@
 #include "gfx/textures/texture_catalogue.h"
 #include "scene/light.h"
 #include "tests/support/recorded_gfx.h"
-#include "tests/support/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::EndsWith;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 constexpr const char* kVertexFunction = "float4 V(float4 p : POSITION) : POSITION { return USE; }\n";
 constexpr const char* kOneTechnique = "technique { pass { VertexShader = compile vs_1_1 V(); } }\n";

@@ -1,7 +1,5 @@
 // Culling, depth, blending, filters, points, fog, lighting, alpha test, gamma: what is sent, and what is not sent
 // again.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <bit>
 #include <set>
@@ -13,10 +11,6 @@
 
 namespace sparkrig {
 namespace {
-
-using ::testing::Each;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 DWORD Bits(float value) { return std::bit_cast<DWORD>(value); }
 

@@ -1,6 +1,4 @@
 // The gathered lines, and what is drawn of them. How text looks stands in a picture: tests/app/pictures/overlay.png.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
 
@@ -13,7 +11,6 @@ namespace sparkrig {
 namespace {
 
 using ::testing::_;
-using ::testing::ElementsAre;
 
 constexpr D3DCOLOR kA = 0xFF96DCFF, kB = 0xFF006473;
 

@@ -1,20 +1,14 @@
 #include "gfx/textures/texture_catalogue.h"
 
-#include <gmock/gmock.h>
-
 #include "gfx/gfx.h"
 #include "gfx/textures/texture.h"
 #include "gfx/textures/video_sources.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
-#include "tests/support/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class TextureCatalogue : public TemporaryFolder {
   protected:

@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -11,13 +10,10 @@
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/recorded_objects.h"
-#include "tests/support/reports.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 class TextureLoading : public TemporaryFolder {
   protected:

@@ -1,5 +1,4 @@
 // The rules for textures that need no device: formats, frames, matrices, the order of layers.
-#include <gtest/gtest.h>
 
 #include <cmath>
 
@@ -7,6 +6,7 @@
 #include "gfx/textures/texture_format.h"
 #include "gfx/textures/texture_sequence.h"
 #include "scene/texture_matrix.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,14 +1,10 @@
 #include "gfx/textures/texture_stages.h"
 
-#include <gmock/gmock.h>
-
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/recorded_objects.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 class TextureStagesTest : public testing::Test {
   protected:

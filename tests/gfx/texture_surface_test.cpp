@@ -1,5 +1,4 @@
 // Pixels, levels and layers of textures and surfaces.
-#include <gmock/gmock.h>
 
 #include "gfx/device/surface.h"
 #include "gfx/gfx.h"

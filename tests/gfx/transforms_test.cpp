@@ -1,8 +1,5 @@
 #include "gfx/states/transforms.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "gfx/textures/texture.h"
 #include "scene/camera.h"
 #include "tests/scene/near.h"

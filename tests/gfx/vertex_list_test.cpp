@@ -1,15 +1,10 @@
 #include "gfx/geometry/vertex_list.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "gfx/gfx.h"
 #include "tests/support/recorded_gfx.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 TEST(VertexLayout, PlacesTheComponents) {
     // clang-format off

@@ -1,5 +1,4 @@
 // Meshes on the real device: pixels against formulas.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +12,7 @@
 #include "scene/scene.h"
 #include "scene/vertex_codec.h"
 #include "tests/support/canvas.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

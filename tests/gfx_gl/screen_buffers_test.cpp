@@ -1,6 +1,5 @@
 // Effects that read what was drawn: the scene's way to the screen, the copy of the screen, and passes through buffers.
 #include <SDL.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>

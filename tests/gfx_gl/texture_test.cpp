@@ -1,9 +1,8 @@
 // Textures from files on the real device: what is drawn against what stands in the file.
-#include <gtest/gtest.h>
 
+#include "gfx/textures/texture.h"
 #include "gfx/geometry/vertex_list.h"
 #include "gfx/gfx.h"
-#include "gfx/textures/texture.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
 #include "tests/support/picture_files.h"

@@ -1,12 +1,10 @@
 #include "input/input_keyboard.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 
 #include "input/input.h"
-#include "tests/base/reports.h"
 #include "tests/input/fake_direct_input.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,6 +1,5 @@
 #include "scene/clip_object.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

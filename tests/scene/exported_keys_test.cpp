@@ -1,8 +1,6 @@
 // What exported keys become.
 #include "scene/exported_keys.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/scene/near.h"
 
 namespace sparkrig {

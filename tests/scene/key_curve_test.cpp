@@ -1,10 +1,9 @@
 // Single curves; their tangents and loops are also those of a plain reference in the tests of the effects' motion.
 #include "scene/key_curve.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <random>
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

@@ -1,11 +1,8 @@
 #include "scene/mesh.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstring>
-
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {

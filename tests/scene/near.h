@@ -1,10 +1,9 @@
 // Vectors and orientations that are the same but for rounding.
 #pragma once
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 #include "platform/d3dx/d3dx_math.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 

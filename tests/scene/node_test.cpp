@@ -1,10 +1,8 @@
 // Nodes, nodes with a view, cameras and lights.
-#include <gtest/gtest.h>
 
 #include "base/file.h"
 #include "scene/camera.h"
 #include "scene/light.h"
-#include "tests/base/reports.h"
 #include "tests/scene/near.h"
 #include "tests/support/temporary_folder.h"
 

@@ -1,21 +1,15 @@
 // Chains of keys, their tables, their evaluation beside a slow and obvious one, and their bytes in a file.
 #include "scene/node_tracks.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <random>
 
 #include "base/file.h"
-#include "tests/base/reports.h"
 #include "tests/scene/near.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 // ---- The obvious way
 

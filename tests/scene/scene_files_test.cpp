@@ -1,5 +1,4 @@
 // Whole scenes: the samples against their answers, small texts against what the format says, old and broken files.
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -11,7 +10,7 @@
 #include "base/log.h"
 #include "scene/binary_scene.h"
 #include "scene/load_scene.h"
-#include "tests/base/reports.h"
+#include "tests/support/test.h"
 #include "tools/scene/dump.h"
 
 namespace sparkrig {

@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "gfx/gfx.h"
-#include "tests/base/reports.h"
 #include "tests/support/recording.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 

@@ -1,7 +1,5 @@
 // A folder of a test's own, below the system's temporary folder and gone with the test.
 #pragma once
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "tests/support/test.h"
 
 namespace sparkrig {
 

@@ -1,6 +1,7 @@
-// What was reported while it lived: "warning CLASS: message" or "error CLASS: message", with " @file:line" behind it
-// while a text file is being read; or what a writer of its own makes of a report.
+// What most tests use: GoogleTest with its usual matchers, and what was reported.
 #pragma once
+#include <gmock/gmock.h>
+
 #include <string>
 #include <vector>
 
@@ -9,6 +10,28 @@
 
 namespace sparkrig {
 
+using testing::Each;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::FloatEq;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::StartsWith;
+
+/// "CLASS: message" of the error that an action throws; "no error" when it throws none.
+template <class Action>
+std::string ErrorOf(Action action) {
+    try {
+        action();
+    } catch (const ErrorRecord& record) {
+        return std::string(record.class_name) + ": " + record.message;
+    }
+    return "no error";
+}
+
+/// What was reported while it lived: "warning CLASS: message" or "error CLASS: message", with " @file:line" behind it
+/// while a text file is being read; or what a writer of its own makes of a report.
 class Reports {
   public:
     using Writer = std::string (*)(const Report&);
