@@ -3,6 +3,7 @@
 #include "base/file_validator.h"
 #include "gfx/shaders/shader_effect_context.h"
 #include "gfx/shaders/shader_effect_registry.h"
+#include "gfx/shaders/shader_source.h"
 #include "gfx/textures/texture_paths.h"
 #include "platform/system/system.h"
 
@@ -22,7 +23,13 @@ void ReportFailure(const KRN_Base& reporter, const char* file, HRESULT result, I
 std::string Newest(const std::string& file) {
     if (!file.ends_with(".fxo")) return file;
     const std::string source = file.substr(0, file.size() - 1);
-    return FileModificationTime(source.c_str()) > FileModificationTime(file.c_str()) ? source : file;
+    return ShaderSourceTime(source) > FileModificationTime(file.c_str()) ? source : file;
+}
+
+/// Of a source it changes with the files that it includes.
+std::string ShaderKey(const std::string& file) {
+    const std::string key = FileKey(file.c_str());
+    return file.ends_with(".fxo") ? key : key + "_" + std::to_string(ShaderSourceTime(file));
 }
 
 /// `remarks` gets what the compiler says about an effect that it made: the functions that can not run.
@@ -94,7 +101,7 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
     CFileValidator().CheckPath(name);   // such a file is loaded nevertheless
     const std::string found = Find(name);
     const char* const file = found.c_str();
-    const std::string key = FileKey(file);
+    const std::string key = ShaderKey(found);
     const int shared = registry_->settings.sharing ? registry_->Share(key) : -1;
     if (shared >= 0) {
         effect.registry_ = registry_;

@@ -21,9 +21,9 @@ class ShaderEffectLoader {
     ShaderEffectLoader(const ShaderEffectLoader&) = delete;
     ShaderEffectLoader& operator=(const ShaderEffectLoader&) = delete;
 
-    /// A compiled effect (.fxo) that is missing or older than its source (.fx) gives way to it. False, after a warning,
-    /// for a missing file that is not required. A required one and a compile failure are errors. `flags` are
-    /// D3DXSHADER_ flags.
+    /// A compiled effect (.fxo) that is missing or older than its source (.fx), or a file that this includes, gives way
+    /// to it. False, after a warning, for a missing file that is not required. A required one and a compile failure are
+    /// errors. `flags` are D3DXSHADER_ flags.
     bool Load(KRN_ShaderEffect& effect, const char* file, bool required, DWORD flags, bool use_pool);
     /// The first of the candidates that exists. False for an empty list.
     bool Load(KRN_ShaderEffect& effect, const ShaderSearchList& candidates, bool required, DWORD flags, bool use_pool);

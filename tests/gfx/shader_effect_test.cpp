@@ -518,9 +518,19 @@ TEST_F(ShaderEffectTest, ASearchListLoadsTheFirstThatExists) {
     EXPECT_TRUE(gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false)) << "there is only the source";
     WriteFile("shader/glow.fxo", "not compiled");
     EXPECT_NE(ErrorOf([&] { gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false); }), "no error");
-    std::filesystem::last_write_time("shader/glow.fx",
-                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
-    EXPECT_TRUE(gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false)) << "the source is newer";
+    WriteFile("shader/glow.fx", "  # include \"Part.fxh\"\ntechnique { pass { } }");
+    WriteFile("shader/part.fxh", "float a : V = 1;");
+    const auto later = [](const char* file, int hours) {
+        const auto now = std::filesystem::file_time_type::clock::now();
+        std::filesystem::last_write_time(file, now + std::chrono::hours(hours));
+    };
+    later("shader/part.fxh", 1);
+    EXPECT_TRUE(gfx_->LoadShaderEffect(effect, "shader/glow.fxo", true, 0, false)) << "what it includes is newer";
+    KRN_ShaderEffect again;
+    WriteFile("shader/part.fxh", "float a : V = 1; float b : W = 2;");
+    later("shader/part.fxh", 2);
+    EXPECT_TRUE(gfx_->LoadShaderEffect(again, "shader/glow.fxo", true, 0, false));
+    EXPECT_TRUE(again.ParameterBySemantic("W")) << "changed while the former is still in use";
     list.SetBaseName("Gone");
     EXPECT_EQ(ErrorOf([&] { gfx_->LoadShaderEffect(effect, list, true, 0, false); }),
               "KRN_Gfx: Shader effect file 'SHADER\\Gone.fxo' not found");
