@@ -171,6 +171,8 @@ inline const Feature kFeatures[] = {
     {"a state block", "stateblock B = stateblock_state { TextureFactor = 0xff336699; ColorOp[0] = SelectArg1; ColorArg1[0] = TFactor; }; technique { pass { ColorOp[0] = Disable; StateBlock = (B); } }", "", {51, 102, 153}},
     {"unsigned int, filters of four texels", "texture T; sampler S = sampler_state { Texture = <T>; MinFilter = GaussianQuad; MagFilter = POINT; }; unsigned int n = 2;", "unsigned int i = n; return tex2D(S, uv) * (i * 0.5);", {51, 102, 204}},
     {"targets in capitals, later models' semantics, fragments", "pixelfragment f = compile_fragment ps_2_0 P(); float4 P() : SV_Target { return 0.2; } technique { pass { PixelShader = compile PS_2_0 P(); } }", "", {51, 51, 51}},
+    {"a sampler of a pass's own, a vertex format", "texture T; sampler S : register(s1); float4 P(float2 uv : TEXCOORD0) : COLOR { return tex2D(S, uv); } technique { pass { FVF = XYZ | NORMAL; Sampler[1] = sampler_state { Texture = <T>; MinFilter = POINT; MagFilter = POINT; }; Sampler[2] = NULL; PixelShader = compile ps_2_0 P(); } }", "", {51, 102, 204}},
+    {"parts for later models", "BlendState B { BlendEnable[0] = TRUE; }; SamplerState L { Filter = ANISOTROPIC; }; cbuffer C : register(b0) { float a = 0.2; int3x3 m = {4, 0, 0, 0, 0, 0, 0, 0, 0}; }; technique10 X < string s = \"x;\"; > { pass { SetPixelShader(CompileShader(ps_4_0, P())); } } technique Y { pass { SetVertexShader(NULL); } } float4 P() : COLOR { return a * m[0][0]; } technique Z { pass { PixelShader = compile ps_2_0 P(); } }", "", {204, 204, 204}},
 };
 // clang-format on
 

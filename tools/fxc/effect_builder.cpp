@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "platform/d3dx/effect_check.h"
 #include "tools/fxc/code_adaption.h"
@@ -65,6 +66,10 @@ class EffectBuilder {
         if (!known) translation.unsupported = fmt::format("the version '{}' is unknown", request.target);
         if (translation.unsupported.empty() && !IsGoodGlsl(translation.code.glsl, function.stage))
             return Error(request, kNotTranslatable);
+        if (!translation.missing_inputs.empty())
+            diagnostics_.Warning(request.place, ErrorCode::Unsupported,
+                                 fmt::format("{}: no vertex has {}: it reads (0, 0, 0, 1)", request.entry,
+                                             fmt::join(translation.missing_inputs, ", ")));
         function.unsupported = translation.unsupported;
         if (!function.unsupported.empty()) return LeaveOut(request, function);
         Bind(request, translation, function);
@@ -72,7 +77,7 @@ class EffectBuilder {
 
   private:
     static std::string CallOf(const FunctionRequest& request) {
-        if (request.entry == kAssembly) return kAssembly;
+        if (request.target.empty()) return request.entry;
         std::string text = request.target + " " + request.entry + "(";
         for (const Tokens& argument : request.arguments) {
             if (&argument != &request.arguments.front()) text += ", ";

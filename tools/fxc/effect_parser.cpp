@@ -11,6 +11,7 @@
 #include "tools/fxc/cursor.h"
 #include "tools/fxc/expression_parser.h"
 #include "tools/fxc/initial_values.h"
+#include "tools/fxc/object_parser.h"
 #include "tools/fxc/state_parser.h"
 #include "tools/fxc/token_tools.h"
 #include "tools/fxc/type_parser.h"
@@ -43,8 +44,13 @@ class EffectParser {
                 ParseTechnique();
             else if (cursor_.AcceptWord("stateblock"))
                 ParseStateBlock();
-            else if (cursor_.Peek().IsName("pixelfragment") || cursor_.Peek().IsName("vertexfragment"))
-                PassOverFragment();
+            else if (IsPassedOver())
+                PassOver();
+            else if (cursor_.Peek(1).kind == TokenKind::Identifier &&
+                     (cursor_.AcceptWord("cbuffer") || cursor_.AcceptWord("tbuffer")))
+                OpenBuffer();
+            else if (buffers_ > 0 && cursor_.Accept("}"))
+                --buffers_;
             else if (cursor_.Peek().IsName("typedef"))
                 ParseTypedef();
             else
@@ -349,7 +355,7 @@ class EffectParser {
         else if (type.kind == VariableClass::Structure)
             ParseStructureValue(type, name, dimensions, index);
         else
-            ParseObjects(type, name, index);
+            ParseObjects(cursor_, effect_, type, name, index);
     }
 
     // ---- Numbers and structures
@@ -399,31 +405,12 @@ class EffectParser {
         return variable;
     }
 
-    /// A parameter below another: a member of a structure, or an element of an array of structures or objects.
-    DWORD AddChild(DWORD parent, EffectVariable variable, const Token& name) {
-        constexpr std::size_t kMostParameters = 65536;
-        if (effect_.file.parameters.size() >= kMostParameters) cursor_.Fail(name, "too many members");
-        EffectParameter& child = effect_.file.parameters.emplace_back();
-        child.variable = std::move(variable);
-        child.parent = static_cast<std::int32_t>(parent);
-        if (IsNumeric(child.variable.kind)) child.variable.words.resize(child.variable.WordCount());
-        return static_cast<DWORD>(effect_.file.parameters.size() - 1);
-    }
-
-    /// Elements of an array, called NAME[0] and so on.
-    DWORD AddElement(DWORD array, DWORD element, const Token& name) {
-        EffectVariable variable = effect_.file.parameters[array].variable;
-        variable.name = fmt::format("{}[{}]", variable.name, element);
-        variable.elements = 0;
-        return AddChild(array, std::move(variable), name);
-    }
-
     void AddMembers(DWORD parent, const std::string& structure, const Token& name, int depth) {
         constexpr int kDeepest = 16;
         if (depth > kDeepest) return cursor_.Fail(name, "the structures are nested too deeply");
         const DWORD elements = effect_.file.parameters[parent].variable.elements;
         for (DWORD i = 0; i < elements && !cursor_.Failed(); ++i)
-            AddMembers(AddElement(parent, i, name), structure, name, depth + 1);
+            AddMembers(AddElement(cursor_, effect_, parent, i, name), structure, name, depth + 1);
         if (elements > 0) return;
         for (const StructureMember& member : effect_.symbols.structures[structure]) {
             if (cursor_.Failed()) return;
@@ -432,7 +419,7 @@ class EffectParser {
             const bool nested = member.type.kind == VariableClass::Structure;
             if (!nested && !IsNumeric(member.type.kind))
                 return cursor_.Fail(name, "a parameter's structure holds numbers and structures only");
-            const DWORD child = AddChild(parent, std::move(variable), name);
+            const DWORD child = AddChild(cursor_, effect_, parent, std::move(variable), name);
             if (nested) AddMembers(child, member.type.structure, name, depth + 1);
         }
     }
@@ -454,76 +441,6 @@ class EffectParser {
         }
     }
 
-    // ---- Textures, samplers, shaders and strings
-
-    /// One object, or an array with a list of values.
-    void ParseObjects(const Type& type, const Token& name, DWORD index) {
-        const DWORD elements = effect_.file.parameters[index].variable.elements;
-        if (elements == 0) return ParseObject(type, index, CodeName(name.text));
-        const bool listed = cursor_.Accept("=");
-        if (listed) cursor_.Expect("{", "before the values");
-        for (DWORD i = 0; i < elements && !cursor_.Failed(); ++i) {
-            const DWORD element = AddElement(index, i, name);
-            const std::string code_name = fmt::format("fxc_{}_{}", name.text, i);
-            if (type.kind == VariableClass::Sampler) AddSampler(type, element, code_name);
-            if (listed && !cursor_.Peek().Is("}")) ParseObjectValue(type, element);
-            if (listed) cursor_.Accept(",");
-        }
-        if (listed) cursor_.Expect("}", "after the values");
-    }
-
-    void ParseObject(const Type& type, DWORD index, const std::string& code_name) {
-        if (type.kind == VariableClass::Sampler) AddSampler(type, index, code_name);
-        if (type.kind == VariableClass::Sampler && cursor_.Peek().Is("{"))   // the older form, without a sign
-            return ParseSamplerStates(index);
-        if (cursor_.Accept("=")) ParseObjectValue(type, index);
-    }
-
-    void AddSampler(const Type& type, DWORD index, const std::string& code_name) {
-        effect_.samplers[code_name] = type.shape;
-        effect_.places[code_name] = index;
-    }
-
-    void ParseSamplerStates(DWORD index) {
-        std::vector<StateAssignment> states;
-        ParseStates(cursor_, effect_, StateOwner::Sampler, states);
-        effect_.file.parameters[index].states = std::move(states);
-    }
-
-    void ParseObjectValue(const Type& type, DWORD index) {
-        switch (type.kind) {
-            case VariableClass::Sampler:
-                if (!cursor_.AcceptWord("sampler_state")) return cursor_.Fail(cursor_.Peek(), "expected sampler_state");
-                return ParseSamplerStates(index);
-            case VariableClass::Texture:
-                if (!cursor_.AcceptWord("NULL") && !cursor_.Accept("0"))
-                    cursor_.Fail(cursor_.Peek(), "a texture starts as NULL");
-                return;
-            case VariableClass::Shader: return ParseShaderValue(type, index);
-            default: effect_.file.parameters[index].variable.text = ParseString();
-        }
-    }
-
-    void ParseShaderValue(const Type& type, DWORD index) {
-        if (cursor_.AcceptWord("NULL")) return;
-        const FunctionStage stage =
-            type.spelling[0].text == "vertexshader" ? FunctionStage::Vertex : FunctionStage::Pixel;
-        const bool assembly = cursor_.Peek().IsName("asm");
-        if (!assembly && !cursor_.AcceptWord("compile")) return cursor_.Fail(cursor_.Peek(), "expected compile");
-        const DWORD function =
-            assembly ? ParseAssembly(cursor_, effect_, stage) : ParseCompile(cursor_, effect_, stage);
-        effect_.file.parameters[index].function = static_cast<std::int32_t>(function);
-    }
-
-    std::string ParseString() {
-        std::string text;
-        const bool braces = cursor_.Accept("{");
-        if (cursor_.Peek().kind != TokenKind::String) cursor_.Fail(cursor_.Peek(), "expected a string");
-        while (cursor_.Peek().kind == TokenKind::String) text += cursor_.Take().text;
-        if (braces) cursor_.Expect("}", "after the string");
-        return text;
-    }
-
     void ParseSemantics(DWORD index, EffectParameter& parameter) {
         while (cursor_.Accept(":")) {
             const bool reserved = cursor_.Peek().IsName("register") || cursor_.Peek().IsName("packoffset");
@@ -533,24 +450,9 @@ class EffectParser {
                 continue;
             }
             cursor_.Expect("(", fmt::format("after {}", word));
-            ReadRegister(index, parameter);
+            if (parameter.variable.kind == VariableClass::Sampler) ReadSamplerRegister(cursor_, effect_, index);
             cursor_.SkipPast("(", ")");
         }
-    }
-
-    /// Only samplers keep their register; the place of everything else is found by name.
-    void ReadRegister(DWORD index, const EffectParameter& parameter) {
-        const std::string& text = cursor_.Peek().text;
-        if (parameter.variable.kind != VariableClass::Sampler || text.size() < 2 || text[0] != 's') return;
-        constexpr DWORD kSamplerCount = 16;
-        DWORD number = 0;
-        for (std::size_t i = 1; i < text.size(); ++i) {
-            if (text[i] < '0' || text[i] > '9' || number >= kSamplerCount)
-                return cursor_.Fail(cursor_.Peek(), "a sampler register is s0 to s15");
-            number = number * 10 + static_cast<DWORD>(text[i] - '0');
-        }
-        if (number >= kSamplerCount) return cursor_.Fail(cursor_.Peek(), "a sampler register is s0 to s15");
-        effect_.sampler_registers[index] = number;
     }
 
     void ParseAnnotations(std::vector<EffectVariable>& annotations) {
@@ -574,7 +476,7 @@ class EffectParser {
 
     void ParseAnnotationValue(const Token& name, EffectVariable& variable) {
         if (variable.kind == VariableClass::String) {
-            variable.text = ParseString();
+            variable.text = ParseString(cursor_);
             return;
         }
         const bool listed = cursor_.Peek().Is("{");
@@ -653,7 +555,7 @@ class EffectParser {
         return cursor_.Since(start);
     }
 
-    // ---- State blocks and fragments
+    // ---- State blocks, and what other programs and later models have
 
     void ParseStateBlock() {
         const std::string name = cursor_.ExpectName("the name of the state block");
@@ -663,13 +565,38 @@ class EffectParser {
         cursor_.Expect(";", "after the state block");
     }
 
-    /// Parts of functions, for programs that put them together.
-    void PassOverFragment() {
+    bool IsPassedOver() {
+        constexpr std::string_view kFragments[] = {"pixelfragment", "vertexfragment"};
+        constexpr std::string_view kLater[] = {"technique10",     "technique11",    "fxgroup",
+                                               "BlendState",      "SamplerState",   "SamplerComparisonState",
+                                               "RasterizerState", "GeometryShader", "DepthStencilState"};
+        const std::string& word = cursor_.Peek().text;
+        if (cursor_.Peek().kind != TokenKind::Identifier || effect_.symbols.structures.contains(word)) return false;
+        const bool later = std::ranges::count(kLater, word) > 0;
+        effect_.later_models |= later;
+        return later || std::ranges::count(kFragments, word) > 0;
+    }
+
+    /// Up to the semicolon or the braces that end it; named once.
+    void PassOver() {
         const Token word = cursor_.Take();
         if (effect_.unused_states.insert(word.text).second)
             cursor_.Errors().Warning(word.place, ErrorCode::Unsupported,
                                      fmt::format("a {} has no effect here", word.text));
-        while (!cursor_.AtEnd() && !cursor_.Accept(";")) cursor_.Take();
+        while (!cursor_.AtEnd() && !cursor_.Accept(";")) {
+            if (cursor_.Accept("<")) cursor_.SkipPast("<", ">");
+            if (cursor_.Accept("{")) return cursor_.SkipPast("{", "}");
+            if (!cursor_.Peek().Is(";")) cursor_.Take();
+        }
+    }
+
+    /// "cbuffer NAME : register(b0) {": what is in it are parameters like others.
+    void OpenBuffer() {
+        EffectParameter unused;
+        cursor_.ExpectName("the name of the buffer");
+        ParseSemantics(0, unused);
+        cursor_.Expect("{", "before the parameters");
+        ++buffers_;
     }
 
     // ---- Techniques
@@ -700,6 +627,7 @@ class EffectParser {
     std::set<std::string, std::less<>> declared_functions_;
     std::set<std::string, std::less<>> late_;   // static variables that get their value when a function begins
     Tokens initialisation_;
+    int buffers_ = 0;   // that are open
 };
 
 }   // namespace

@@ -56,16 +56,14 @@ struct FunctionSignature {
     std::vector<FunctionParameter> parameters;
 };
 
-/// "compile target entry(arguments)". The n-th one is compiled to EffectFile::functions[n].
+/// "compile target entry(arguments)", or without a target what the layer can not run. The n-th one is compiled to
+/// EffectFile::functions[n].
 struct FunctionRequest {
     Place place;
     std::string target;
     std::string entry;
     std::vector<Tokens> arguments;
 };
-
-/// What stands for the name of a function in assembly language.
-inline constexpr const char* kAssembly = "asm";
 
 /// The names that are visible in an effect.
 struct Symbols {
@@ -85,6 +83,7 @@ struct ParsedEffect {
     std::map<std::string, SamplerShape> samplers;   // by the name that the code has for them
     std::map<std::string, DWORD> places;            // parameters by the path that the code has for them
     std::set<std::string> unused_states;            // that were named
+    bool later_models = false;                      // parts of it are for them
     Tokens code;                                    // declarations and functions for the compiler
 };
 

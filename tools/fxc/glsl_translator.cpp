@@ -35,6 +35,7 @@ class Translator {
                 fmt::format("the parameters take {} bytes; {} are possible", out_.code.globals_bytes, kMaxGlobalsBytes);
             return false;
         }
+        out_.missing_inputs = interface_.MissingInputs();
         if (out_.unsupported.empty()) WriteCode();
         return true;
     }

@@ -25,7 +25,8 @@ struct Translation {
     ShaderCode code;
     std::vector<GlobalPlace> globals;
     std::vector<SamplerPlace> samplers;
-    std::string unsupported;   // what in it the layer can not run; then without code
+    std::vector<std::string> missing_inputs;   // that no vertex has
+    std::string unsupported;                   // what in it the layer can not run; then without code
 };
 
 struct TranslationRequest {

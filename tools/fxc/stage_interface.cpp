@@ -40,7 +40,7 @@ constexpr Slots kVertexInputSlots[] = {
     {"NORMAL", kInputNormal, 1},      {"PSIZE", kInputPointSize, 1},         {"COLOR", kInputColor0, 2},
     {"TEXCOORD", kInputTexCoord0, 8},
 };
-// The usages that an element of a vertex can have. What no format carries reads as a missing element does.
+// The usages that an element of a vertex can have. Those above are what formats carry.
 constexpr std::string_view kElementUsages[] = {
     "POSITION", "BLENDWEIGHT", "BLENDINDICES", "NORMAL", "PSIZE", "TEXCOORD", "TANGENT",
     "BINORMAL", "TESSFACTOR",  "POSITIONT",    "COLOR",  "FOG",   "DEPTH",    "SAMPLE",
@@ -114,6 +114,7 @@ bool StageInterface::AddInput(const StageVariable& variable, std::string& unsupp
             if (!vertex) return !variable.semantic.empty();
             if (std::ranges::find(kElementUsages, semantic.word) == std::end(kElementUsages)) return false;
             Read(variable, row, "vec4(0.0, 0.0, 0.0, 1.0)");
+            missing_inputs_.push_back(semantic.word + std::to_string(semantic.index + row));
             continue;
         }
         const std::string name = fmt::format("{}_{}", vertex ? "vertex_input" : "varying", *slot);

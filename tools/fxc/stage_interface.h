@@ -2,6 +2,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/d3dx/effect_file.h"
 
@@ -47,6 +48,8 @@ class StageInterface {
     const std::string& After() const { return after_; }
     DWORD Varyings() const { return varyings_; }
     bool WritesPointSize() const { return writes_point_size_; }
+    /// The inputs that no vertex format carries, such as TANGENT0; they read (0, 0, 0, 1).
+    const std::vector<std::string>& MissingInputs() const { return missing_inputs_; }
 
   private:
     void Declare(const std::string& line);
@@ -59,6 +62,7 @@ class StageInterface {
     std::string declarations_, before_, after_;
     DWORD varyings_ = 0;
     bool writes_point_size_ = false;
+    std::vector<std::string> missing_inputs_;
 };
 
 }   // namespace sparkrig::fxc

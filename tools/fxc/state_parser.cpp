@@ -49,6 +49,20 @@ std::array<DWORD, 4> ToConstant(StateType type, const std::vector<double>& value
     }
 }
 
+constexpr const char* kLaterModel = "later shader models are not supported";
+
+/// A function that the layer can not run, and why.
+DWORD AddUnsupported(ParsedEffect& effect, const Place& place, FunctionStage stage, const std::string& name,
+                     const char* reason) {
+    FunctionRequest request;
+    request.place = place;
+    request.entry = name;
+    effect.requests.push_back(std::move(request));
+    effect.file.functions.emplace_back().stage = stage;
+    effect.file.functions.back().unsupported = reason;
+    return static_cast<DWORD>(effect.requests.size() - 1);
+}
+
 class StateParser {
   public:
     StateParser(Cursor& cursor, ParsedEffect& effect, StateOwner owner)
@@ -57,6 +71,7 @@ class StateParser {
     void ParseAssignment(std::vector<StateAssignment>& states) {
         const Token name = cursor_.Peek();
         cursor_.ExpectName("a state");
+        if (owner_ == StateOwner::Pass && cursor_.Accept("(")) return ParseCall(name, states);
         const StateRow* row = FindState(name.text);
         StateAssignment state;
         const DWORD index = ParseIndex();
@@ -68,6 +83,8 @@ class StateParser {
         state.state = row->state;
         state.type = row->type;
         if (owner_ == StateOwner::Pass) SettleIndex(*row, name, index, state);
+        if (row->group == StateGroup::Sampler && cursor_.AcceptWord("sampler_state"))
+            return ParseSampler(name, index, states);
         ParseValue(*row, state);
         ExpectEnd(name);
         Assign(std::move(state), states);
@@ -91,6 +108,30 @@ class StateParser {
         for (const StateAssignment& state : block->second) Assign(state, states);
         if (close) cursor_.Expect(close, "after the state block");
         ExpectEnd(name);
+    }
+
+    /// What a sampler of the pass's own would have.
+    void ParseSampler(const Token& name, DWORD index, std::vector<StateAssignment>& states) {
+        std::vector<StateAssignment> own;
+        ParseStates(cursor_, effect_, StateOwner::Sampler, own);
+        for (StateAssignment& state : own) {
+            state.index = index;
+            Assign(std::move(state), states);
+        }
+        ExpectEnd(name);
+    }
+
+    /// SetPixelShader(...) and the like, of later shader models: the pass can not be drawn.
+    void ParseCall(const Token& name, std::vector<StateAssignment>& states) {
+        cursor_.SkipPast("(", ")");
+        ExpectEnd(name);
+        StateAssignment state;
+        state.group = StateGroup::PixelShader;
+        state.type = StateType::Shader;
+        state.value = ValueKind::Function;
+        state.reference = AddUnsupported(effect_, name.place, FunctionStage::Pixel, name.text, kLaterModel);
+        effect_.later_models = true;
+        Assign(std::move(state), states);
     }
 
     bool BelongsHere(const StateRow& row) const {
@@ -157,20 +198,13 @@ class StateParser {
         }
     }
 
-    bool AcceptNull() {
-        if (cursor_.AcceptWord("NULL")) return true;
-        if (cursor_.Peek().kind != TokenKind::Number || cursor_.Peek().text != "0") return false;
-        cursor_.Take();
-        return true;
-    }
-
     /// <name>, (name), name or NULL; an element of an array by "[index]".
     void ParseReference(StateAssignment& state, VariableClass kind, const char* what) {
         const char* close = cursor_.Accept("<") ? ">" : cursor_.Accept("(") ? ")" : nullptr;
         const Token name = cursor_.Peek();
-        if (AcceptNull()) {
-            if (kind == VariableClass::Matrix || kind == VariableClass::Sampler)
-                cursor_.Fail(name, fmt::format("expected {}", what));
+        if (AcceptNull(cursor_)) {
+            if (kind == VariableClass::Matrix) cursor_.Fail(name, fmt::format("expected {}", what));
+            if (kind == VariableClass::Sampler) state.group = StateGroup::Texture, state.type = StateType::Texture;
         } else {
             cursor_.ExpectName(what);
             const auto found = effect_.symbols.parameters.find(name.text);
@@ -218,11 +252,10 @@ class StateParser {
     void ParseShader(const StateRow& row, StateAssignment& state) {
         const FunctionStage stage =
             row.group == StateGroup::VertexShader ? FunctionStage::Vertex : FunctionStage::Pixel;
-        const bool assembly = cursor_.Peek().IsName("asm");
-        if (!assembly && !cursor_.AcceptWord("compile"))
-            return ParseReference(state, VariableClass::Shader, "a function");
+        const std::optional<DWORD> function = AcceptFunction(cursor_, effect_, stage);
+        if (!function) return ParseReference(state, VariableClass::Shader, "a function");
         state.value = ValueKind::Function;
-        state.reference = assembly ? ParseAssembly(cursor_, effect_, stage) : ParseCompile(cursor_, effect_, stage);
+        state.reference = *function;
     }
 
     void ParseNumber(const StateRow& row, StateAssignment& state) {
@@ -274,19 +307,17 @@ std::vector<Tokens> ParseArguments(Cursor& cursor) {
     return arguments;
 }
 
-}   // namespace
-
+/// "asm { ... }", before which the oldest form tells the vertex's streams: "decl { ... }".
 DWORD ParseAssembly(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
-    FunctionRequest request;
-    request.place = cursor.Take().place;
-    request.entry = kAssembly;
-    request.target = stage == FunctionStage::Vertex ? "vs_1_1" : "ps_1_1";
+    const Place place = cursor.Peek().place;
+    if (cursor.AcceptWord("decl")) {
+        cursor.Expect("{", "after decl");
+        cursor.SkipPast("{", "}");
+    }
+    if (!cursor.AcceptWord("asm")) cursor.Fail(cursor.Peek(), "expected asm");
     cursor.Expect("{", "after asm");
     cursor.SkipPast("{", "}");
-    effect.requests.push_back(std::move(request));
-    effect.file.functions.emplace_back().stage = stage;
-    effect.file.functions.back().unsupported = "functions in assembly language are not supported";
-    return static_cast<DWORD>(effect.requests.size() - 1);
+    return AddUnsupported(effect, place, stage, "asm", "functions in assembly language are not supported");
 }
 
 DWORD ParseCompile(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
@@ -306,6 +337,28 @@ DWORD ParseCompile(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
     effect.requests.push_back(std::move(request));
     effect.file.functions.emplace_back().stage = stage;
     return static_cast<DWORD>(effect.requests.size() - 1);
+}
+
+}   // namespace
+
+bool AcceptNull(Cursor& cursor) {
+    if (cursor.AcceptWord("NULL")) return true;
+    if (cursor.Peek().kind != TokenKind::Number || cursor.Peek().text != "0") return false;
+    cursor.Take();
+    return true;
+}
+
+std::optional<DWORD> AcceptFunction(Cursor& cursor, ParsedEffect& effect, FunctionStage stage) {
+    if (cursor.Peek().IsName("asm") || (cursor.Peek().IsName("decl") && cursor.Peek(1).Is("{")))
+        return ParseAssembly(cursor, effect, stage);
+    const Token word = cursor.Peek();
+    if (cursor.AcceptWord("compile")) return ParseCompile(cursor, effect, stage);
+    if (!word.IsName("CompileShader") || !cursor.Peek(1).Is("(")) return std::nullopt;
+    cursor.Take();
+    cursor.Expect("(", "after CompileShader");
+    cursor.SkipPast("(", ")");
+    effect.later_models = true;
+    return AddUnsupported(effect, word.place, stage, word.text, kLaterModel);
 }
 
 void ParseStates(Cursor& cursor, ParsedEffect& effect, StateOwner owner, std::vector<StateAssignment>& states) {

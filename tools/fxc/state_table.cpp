@@ -210,7 +210,7 @@ constexpr StateRow kRows[] = {
     {"MaxMipLevel",   kSampler, StateType::Int,    D3DSAMP_MAXMIPLEVEL},
     {"MaxAnisotropy", kSampler, StateType::Int,    D3DSAMP_MAXANISOTROPY},
     {"SRGBTexture",   kSampler, StateType::Bool,   D3DSAMP_SRGBTEXTURE},
-    Unused("ElementIndex", kSampler), Unused("DMapOffset", kSampler),
+    Unused("FVF"), Unused("ElementIndex", kSampler), Unused("DMapOffset", kSampler),
 
     {"Texture",             StateGroup::Texture,   StateType::Texture, 0},
     {"Sampler",             StateGroup::Sampler,   StateType::Sampler, 0},

@@ -74,6 +74,9 @@ std::optional<Type> NumericType(std::string word, LetterCase letters) {
             return type;
         }
         if (rest.size() != 3 || rest[1] != 'x' || Dimension(rest[2]) == 0) continue;
+        // The layer's functions have matrices of floats only.
+        type.number = NumberType::Float;
+        type.spelling = Spelled("float" + rest);
         type.kind = VariableClass::Matrix;
         type.rows = first;
         type.columns = Dimension(rest[2]);
@@ -144,6 +147,8 @@ std::optional<Type> AcceptType(Cursor& cursor, const Symbols& symbols) {
     }
     if (!type) type = BuiltInType(word);
     if (type) cursor.Take();
+    if (type && type->kind == VariableClass::Texture && cursor.Accept("<"))
+        cursor.SkipPast("<", ">");   // Texture2D<float4>
     return type;
 }
 
