@@ -8,6 +8,7 @@
 namespace sparkrig::fxc {
 
 void AdaptCode(ParsedEffect& effect, Diagnostics& diagnostics) {
+    if (effect.later_models) DropUnusedFunctions(effect);
     CheckOperands(effect.code, diagnostics);
     CopyAssignedGlobals(effect);
     SpellOut(effect);

@@ -9,6 +9,8 @@ namespace sparkrig::fxc {
 /// All steps, in their order.
 void AdaptCode(ParsedEffect& effect, Diagnostics& diagnostics);
 
+/// Leaves out the functions that no pass needs; in an effect with parts for later models they may be in its language.
+void DropUnusedFunctions(ParsedEffect& effect);
 /// Reports an operator that stands without its operand: the compiler does not survive some of them.
 void CheckOperands(const Tokens& code, Diagnostics& diagnostics);
 /// A parameter that a function assigns becomes a variable that starts with the parameter's value.
@@ -19,6 +21,8 @@ void ShapeSamplers(ParsedEffect& effect, Diagnostics& diagnostics);
 void WidenLoopVariables(Tokens& code);
 /// Lists in braces get the shape of what they are for: flat or nested, they become constructors of its elements.
 void ShapeLists(ParsedEffect& effect);
+/// Operators and intrinsic functions of matrices that work on each element by itself become functions of their rows.
+void OperateOnElements(ParsedEffect& effect);
 /// Matrix elements by name, constructors that are assigned, vectors as arrays, matrices cut to a smaller size.
 void AdaptMatrices(ParsedEffect& effect, Diagnostics& diagnostics);
 

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <optional>
-#include <set>
 
 #include "tools/fxc/code_adaption.h"
 
@@ -263,72 +262,6 @@ class AssignmentRewriter {
     Declared declared_;
 };
 
-// ---- Matrices times matrices
-
-/// a * b of two matrices is that of their elements: fxc_times(a, b), and a *= b assigns it. The compiler takes "*" for
-/// mul. Only names are known to be matrices.
-class ElementProducts {
-  public:
-    explicit ElementProducts(Tokens& code) : code_(code) {}
-
-    void Run() {
-        Tokens result;
-        std::size_t product = 0, product_end = 0;   // the last one in `result`
-        for (std::size_t i = 0; i < code_.size(); ++i) {
-            Learn(i);
-            const bool assigned = i + 1 < code_.size() && code_[i + 1].Is("=") && code_[i + 1].joined;
-            const std::size_t right = i + (assigned ? 2 : 1);
-            const bool after_product = product_end > 0 && product_end == result.size();
-            if (!code_[i].Is("*") || !IsMatrix(right) || !(after_product || IsMatrix(i - 1))) {
-                result.push_back(code_[i]);
-                continue;
-            }
-            if (!after_product) product = result.size() - 1;
-            if (assigned) {
-                AppendText(result, code_[i], "=");
-                product = result.size();
-                result.push_back(result[product - 2]);
-            }
-            Tokens call;
-            AppendText(call, code_[i], "fxc_times (");
-            result.insert(result.begin() + static_cast<std::ptrdiff_t>(product), call.begin(), call.end());
-            AppendText(result, code_[i], ",");
-            result.push_back(code_[right]);
-            AppendText(result, code_[i], ")");
-            product_end = result.size();
-            i = right;
-        }
-        code_ = std::move(result);
-    }
-
-  private:
-    void Learn(std::size_t i) {
-        if (i + 2 >= code_.size() || code_[i + 1].kind != TokenKind::Identifier || code_[i + 2].Is("[")) return;
-        const std::optional<Type> type = NumbersAt(code_, i);
-        if (!type) return;
-        for (std::size_t name = i + 1; name + 1 < code_.size() && code_[name].kind == TokenKind::Identifier;) {
-            if (type->kind == VariableClass::Matrix)
-                matrices_.insert(code_[name].text);
-            else
-                matrices_.erase(code_[name].text);
-            const std::size_t end = EndOfExpression(code_, name + 1, true);
-            const bool next = end + 2 < code_.size() && code_[end].Is(",");
-            if (!next || code_[end + 2].kind == TokenKind::Identifier) return;   // the next parameter of a function
-            name = end + 1;
-        }
-    }
-
-    /// The name of a matrix, whole.
-    bool IsMatrix(std::size_t at) const {
-        if (at == 0 || at + 1 >= code_.size() || !matrices_.contains(code_[at].text)) return false;
-        const Token &before = code_[at - 1], &after = code_[at + 1];
-        return !before.Is(".") && !before.Is("/") && !after.Is("[") && !after.Is(".") && !after.Is("(");
-    }
-
-    Tokens& code_;
-    std::set<std::string> matrices_;
-};
-
 // ---- Matrices that are cut
 
 /// Puts a cast around every value that is given to a matrix.
@@ -413,7 +346,7 @@ class MatrixCutter {
 
 void AdaptMatrices(ParsedEffect& effect, Diagnostics& diagnostics) {
     AssignmentRewriter(effect.code).Run();
-    ElementProducts(effect.code).Run();
+    OperateOnElements(effect);
     MatrixCutter(effect).Run();
     ReplaceSwizzles(effect.code, diagnostics);
 }

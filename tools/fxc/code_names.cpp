@@ -26,16 +26,23 @@ const char* const kIntrinsicFunctions =
     "#define fxc_tex1Dlod(s, x) tex2Dlod(s, float4((x).x, 0.5, (x).zw))\n"
     "#define fxc_tex1Dbias(s, x) tex2Dbias(s, float4((x).x, 0.5, (x).zw))\n"
     "#define fxc_tex1Dproj(s, x) tex2D(s, float2((x).x / (x).w, 0.5))\n"
-    "#define FXC_TIMES(T, N) T fxc_times(T a, T b) { for (int i = 0; i < N; ++i) a[i] *= b[i]; return a; }\n"
-    "FXC_TIMES(float2x2, 2) FXC_TIMES(float2x3, 2) FXC_TIMES(float2x4, 2)\n"
-    "FXC_TIMES(float3x2, 3) FXC_TIMES(float3x3, 3) FXC_TIMES(float3x4, 3)\n"
-    "FXC_TIMES(float4x2, 4) FXC_TIMES(float4x3, 4) FXC_TIMES(float4x4, 4)\n"
     "float4 fxc_lit(float d, float h, float m) {"
     " return float4(1, max(d, 0), d < 0 || h < 0 ? 0 : fxc_pow(h, m), 1); }\n"
     "#define FXC_TEST(T) bool fxc_any(T x) { return x != 0; } bool fxc_all(T x) { return x != 0; }\n"
     "#define FXC_TESTS(T) bool fxc_any(T x) { return any(x != 0); } bool fxc_all(T x) { return all(x != 0); }\n"
     "FXC_TEST(float) FXC_TESTS(float2) FXC_TESTS(float3) FXC_TESTS(float4)\n"
     "FXC_TEST(int) FXC_TESTS(int2) FXC_TESTS(int3) FXC_TESTS(int4)\n"
+    // Smooth between random numbers from -1 to 1 at the corners of cubes.
+    "float fxc_random(float3 p) { return frac(sin(dot(p, float3(12.9898, 78.233, 37.719))) * 43758.5453) * 2 - 1; }\n"
+    "float fxc_noise(float3 p) {"
+    " float3 c = floor(p), t = p - c, s = t * t * (3 - 2 * t); float n[2];"
+    " for (int i = 0; i < 2; ++i) n[i] = lerp("
+    "lerp(fxc_random(c + float3(0, 0, i)), fxc_random(c + float3(1, 0, i)), s.x),"
+    " lerp(fxc_random(c + float3(0, 1, i)), fxc_random(c + float3(1, 1, i)), s.x), s.y);"
+    " return lerp(n[0], n[1], s.z); }\n"
+    "float fxc_noise(float x) { return fxc_noise(float3(x, 0, 0)); }\n"
+    "float fxc_noise(float2 x) { return fxc_noise(float3(x, 0)); }\n"
+    "float fxc_noise(float4 x) { return fxc_noise(x.xyz + x.w * 57); }\n"
     "bool fxc_any(bool x) { return x; } bool fxc_any(bool2 x) { return any(x); }\n"
     "bool fxc_any(bool3 x) { return any(x); } bool fxc_any(bool4 x) { return any(x); }\n"
     "bool fxc_all(bool x) { return x; } bool fxc_all(bool2 x) { return all(x); }\n"
@@ -43,8 +50,9 @@ const char* const kIntrinsicFunctions =
 
 namespace {
 
-constexpr std::string_view kOwnIntrinsics[] = {"log", "log2", "log10", "pow",   "sqrt",     "rsqrt",     "fmod",
-                                               "lit", "any",  "all",   "tex1D", "tex1Dlod", "tex1Dbias", "tex1Dproj"};
+constexpr std::string_view kOwnIntrinsics[] = {"log",   "log2",  "log10",    "pow",       "sqrt",
+                                               "rsqrt", "fmod",  "lit",      "any",       "all",
+                                               "noise", "tex1D", "tex1Dlod", "tex1Dbias", "tex1Dproj"};
 
 // Words of later shader models, and of no meaning at all in ours.
 constexpr std::string_view kReserved[] = {
