@@ -259,6 +259,7 @@ void WriteBinaryScene(const KRN_3dScene& scene, File& file) {
 void SaveBinaryScene(const KRN_3dScene& scene, const char* name) {
     const std::string target = ResolvePath(name), part = target + ".part";
     File file;
+    if (IsSpecialFile(target.c_str())) file.Error("Can not write '%s': it is a folder, a device or a pipe", name);
     if (!ReplaceFileContent(part.c_str(), "", 0) || !file.Open(part.c_str(), false, true, true))
         file.Error("Can not write '%s': %s", name, std::strerror(errno));
     std::error_code error;

@@ -45,10 +45,22 @@ bool CopyOwnerAndMode(int descriptor, const std::string& path) {
     return fchmod(descriptor, old.st_mode & 07777) == 0;
 }
 
+/// A device or a pipe, over which nothing may be renamed.
+bool WriteIntoSpecialFile(const std::string& path, const void* data, std::size_t size) {
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    if (descriptor < 0) return false;
+    const bool done = WriteAll(descriptor, static_cast<const char*>(data), size);
+    const int reason = errno;
+    const bool closed = close(descriptor) == 0;
+    if (!done) errno = reason;
+    return done && closed;
+}
+
 }   // namespace
 
 bool ReplaceFileContent(const char* name, const void* data, std::size_t size) {
     const std::string path = RealPath(name);   // so that a link survives the renaming
+    if (IsSpecialFile(path.c_str())) return WriteIntoSpecialFile(path, data, size);
     std::string beside = NameBeside(path);
     const int descriptor = mkstemp(beside.data());
     if (descriptor < 0) return false;

@@ -34,7 +34,8 @@ std::int32_t FileModificationTime(std::FILE* stream);
 bool TruncateStream(std::FILE* stream, std::int32_t size);
 
 /// Gives a file new content, or makes it: written beside it, then renamed over it, so that a failure leaves the old
-/// content whole. Permissions and owner survive, links are followed. False with errno set on failure.
+/// content whole. Permissions and owner survive, links are followed; a device or a pipe takes the bytes itself. False
+/// with errno set on failure.
 bool ReplaceFileContent(const char* name, const void* data, std::size_t size);
 
 std::string GetCurrentDirectoryA();

@@ -1,5 +1,6 @@
 #include "platform/system/system.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -103,6 +104,13 @@ TEST_F(ReplaceFile, KeepsPermissionsAndLinks) {
     EXPECT_EQ(status.st_mode & 07777, 0640u);
     EXPECT_FALSE(ReplaceFileContent("none/fresh", "x", 1));
     EXPECT_EQ(errno, ENOENT);
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    const int reader = open("pipe", O_RDONLY | O_NONBLOCK);
+    char read_back[4] = "";
+    EXPECT_TRUE(ReplaceFileContent("pipe", "new", 3));
+    EXPECT_EQ(read(reader, read_back, 3), 3);
+    EXPECT_TRUE(IsSpecialFile("pipe")) << "a device would be gone";
+    close(reader);
 }
 
 TEST_F(ReplaceFile, KeepsTheOwner) {
