@@ -1,17 +1,15 @@
 #include "app/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
 #include "app/resources.h"
-#include "base/nearest_word.h"
+#include "base/usage.h"
 
 namespace sparkrig {
 
 namespace {
 
-constexpr int kWrongUsage = 2;
 constexpr int kMostFrames = 1'000'000;
 constexpr double kLongestPlay = 3600;   // seconds
 
@@ -61,40 +59,27 @@ void AddOptions(CLI::App& app, Options& options) {
     app.add_option_function<std::uint32_t>(
            "--seed", [&options](const std::uint32_t& seed) { options.seed = seed; },
            "the random generator starts from N instead of the counter (automation: instead of 1)")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(WholeNumberBetween(0, std::numeric_limits<std::uint32_t>::max()));
     app.add_option("--data", options.data, "work in DIR instead of the current directory")->type_name("DIR");
     app.add_option("--at", options.at_seconds, "seconds to play before --capture saves its frame (default: 1)")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, kLongestPlay));
+        ->check(NumberBetween(0, kLongestPlay));
     app.add_option("--frames", options.frames, "frames of --sequence or --record (default: 60)")
         ->type_name("N")
-        ->check(CLI::Range(1, kMostFrames));
+        ->check(WholeNumberBetween(1, kMostFrames));
     app.add_option("--screen-effect", options.screen_effect,
                    "take the picture through a shader effect, as shader/Glow.fx; R and F5 read it again")
         ->type_name("FILE.fx");
     app.add_option("--mesh-effect", options.mesh_effect, "draw the meshes of effects through one, as shader/Toon.fx")
         ->type_name("FILE.fx");
-    app.add_flag("!--no-overlay", options.overlay, "leave the text out");
-    app.add_flag("!--no-backdrop", options.backdrop, "leave the floor and the wall out");
+    app.add_flag_callback(
+        "--no-overlay", [&options] { options.overlay = false; }, "leave the text out");
+    app.add_flag_callback(
+        "--no-backdrop", [&options] { options.backdrop = false; }, "leave the floor and the wall out");
     app.add_option("--journal", options.journal,
                    "an aid for scripts: write a JSON object whenever what the window shows changes")
         ->type_name("FILE.jsonl");
-}
-
-std::vector<std::string> OptionNames(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::Option* option : app.get_options()) names.push_back("--" + option->get_single_name());
-    return names;
-}
-
-std::string UnknownOption(const CLI::App& app) {
-    for (const std::string& word : app.remaining()) {
-        if (word.rfind("--", 0) != 0 || word == "--") continue;
-        const std::string name = word.substr(0, word.find('='));
-        const std::string nearest = NearestWord(name, OptionNames(app));
-        return "unknown option " + name + (nearest.empty() ? "" : "; did you mean " + nearest + "?");
-    }
-    return {};
 }
 
 std::string Conflict(const CLI::App& app, const Options& options) {
@@ -107,14 +92,8 @@ std::string Conflict(const CLI::App& app, const Options& options) {
     const bool plays_frames = options.mode == RunMode::Sequence || options.mode == RunMode::Record;
     if (app.count("--at") != 0 && options.mode != RunMode::Capture) return "--at needs --capture";
     if (app.count("--frames") != 0 && !plays_frames) return "--frames needs --sequence or --record";
-    if (!std::isfinite(options.at_seconds)) return "--at is no number of seconds";
     if (!options.journal.empty() && options.mode != RunMode::Interactive) return "--journal needs a window";
-    if (!first.empty() && first != "--check" && options.output.empty()) return first + " needs a name";
     return {};
-}
-
-ParsedCommandLine Refuse(const std::string& reason) {
-    return {{}, kWrongUsage, "sparkrig: " + reason + " (--help shows the options)\n"};
 }
 
 std::string Join(const std::vector<std::string>& words) {
@@ -128,23 +107,16 @@ std::string Join(const std::vector<std::string>& words) {
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& words) {
     ParsedCommandLine parsed;
     CLI::App app(kAbout, "sparkrig");
-    app.allow_extras();
+    BeginUsage(app);
     app.footer(kFooter);
-    app.set_help_flag("--help", "show this text");
     app.set_version_flag("--version", std::string(kProgramName) + " " + kProgramVersion, "show name and version");
     AddModes(app, parsed.options);
     AddOptions(app, parsed.options);
-    try {
-        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-    } catch (const CLI::CallForHelp&) {
-        return {{}, 0, app.help()};
-    } catch (const CLI::CallForVersion& version) {
-        return {{}, 0, std::string(version.what()) + "\n"};
-    } catch (const CLI::ParseError& error) {
-        return Refuse(error.what());
-    }
-    if (const std::string unknown = UnknownOption(app); !unknown.empty()) return Refuse(unknown);
-    if (const std::string conflict = Conflict(app, parsed.options); !conflict.empty()) return Refuse(conflict);
+    std::optional<EarlyEnd> end = ParseWords(app, words, '/');
+    if (!end)
+        if (const std::string conflict = Conflict(app, parsed.options); !conflict.empty())
+            end = WrongUsage(app, conflict);
+    if (end) return {{}, end->code, end->text};
     parsed.options.command_line = Join(words);
     return parsed;
 }

@@ -1,4 +1,5 @@
-// The command line: "/" words of the tester, "--" words of its automation, everything else is ignored.
+// The command line: "/" words of the tester, of which it ignores those that it does not know, "--" words of its
+// automation.
 #pragma once
 #include <cstdint>
 #include <optional>

@@ -20,19 +20,13 @@ class TextBuffer final : public RefCounted<ID3DXBuffer> {
     std::string text_;
 };
 
-bool IsCompiled(const std::vector<BYTE>& bytes) {
-    return bytes.size() >= sizeof kEffectMagic && bytes[0] == (kEffectMagic & 0xFF) &&
-           bytes[1] == (kEffectMagic >> 8 & 0xFF) && bytes[2] == (kEffectMagic >> 16 & 0xFF) &&
-           bytes[3] == kEffectMagic >> 24;
-}
-
 bool LoadEffectFile(const std::string& path, EffectFile& effect, std::string& errors) {
     std::vector<BYTE> bytes;
     if (!ReadEffectBytes(path, bytes)) {
         errors = path + "(1): error X1000: can not open the file\n";
         return false;
     }
-    if (!IsCompiled(bytes) && !CompileEffect(path, bytes, errors)) return false;
+    if (!IsCompiledEffect(bytes) && !CompileEffect(path, bytes, errors)) return false;
     std::string fault;
     if (ReadEffectFile(bytes, effect, fault)) return true;
     errors = path + "(1): error X1000: " + fault + "\n";

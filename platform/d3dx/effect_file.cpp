@@ -89,6 +89,12 @@ std::vector<BYTE> WriteEffectFile(const EffectFile& effect) {
     return writer.Take();
 }
 
+bool IsCompiledEffect(std::span<const BYTE> bytes) {
+    return bytes.size() >= sizeof kEffectMagic && bytes[0] == (kEffectMagic & 0xFF) &&
+           bytes[1] == (kEffectMagic >> 8 & 0xFF) && bytes[2] == (kEffectMagic >> 16 & 0xFF) &&
+           bytes[3] == kEffectMagic >> 24;
+}
+
 bool ReadEffectFile(std::span<const BYTE> bytes, EffectFile& effect, std::string& error) {
     EffectReader reader(bytes);
     DWORD magic = 0, version = 0;

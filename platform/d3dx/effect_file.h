@@ -180,6 +180,9 @@ DWORD GlobalBytes(const EffectVariable& variable);
 
 std::vector<BYTE> WriteEffectFile(const EffectFile& effect);
 
+/// By the first bytes; the rest may be damaged.
+bool IsCompiledEffect(std::span<const BYTE> bytes);
+
 /// Reads and checks everything: after success every index, count and size in `effect` is in range.
 /// On failure `error` says what is wrong.
 bool ReadEffectFile(std::span<const BYTE> bytes, EffectFile& effect, std::string& error);

@@ -33,7 +33,7 @@ TEST(Options, EachModeTakesItsOutput) {
 TEST(Options, ReadsTheRest) {
     const Options options = ParseCommandLine({"/resx:640", "--effect", "Blue Fire", "--repeat", "--seed", "4000000000",
                                               "--data", "dir", "--screen-effect", "a.fx", "--mesh-effect", "b.fx",
-                                              "--no-overlay", "--no-backdrop", "nonsense", "-x"})
+                                              "--no-overlay", "--no-backdrop", "/nonsense"})
                                 .options;
     EXPECT_EQ(options.effect, "Blue Fire");
     EXPECT_TRUE(options.repeat);
@@ -48,16 +48,21 @@ TEST(Options, RefusesWrongUsageWithTwo) {
     const std::tuple<Words, const char*> kRows[] = {
         {{"--captur", "a.png"}, "unknown option --captur; did you mean --capture?"},
         {{"--no-overlays"}, "did you mean --no-overlay?"},
-        {{"--xyzzyplugh=3"}, "unknown option --xyzzyplugh"},
-        {{"--capture"}, "--capture"},
+        {{"--xyzzyplugh=3"}, "unknown option --xyzzyplugh ("},
+        {{"-capture", "a.png"}, "unknown option -capture; did you mean --capture?"},
+        {{"campfire"}, "unknown word campfire"},
+        {{"--capture"}, "--capture needs a value"},
+        {{"--effect", "a", "--effect", "b"}, "--effect is given more than once"},
+        {{"--repeat=2"}, "--repeat takes no value"},
+        {{"--data", ""}, "--data is empty"},
         {{"--capture", "a.png", "--sheet", "b.png"}, "--capture and --sheet cannot be given together"},
-        {{"--capture", ""}, "--capture needs a name"},
+        {{"--capture", ""}, "--capture is empty"},
         {{"--at", "2"}, "--at needs --capture"},
-        {{"--capture", "a.png", "--at", "nan"}, "--at"},
+        {{"--capture", "a.png", "--at", "nan"}, "--at: nan is no number from 0 to 3600"},
         {{"--capture", "a.png", "--at", "-1"}, "--at"},
         {{"--frames", "5"}, "--frames needs"},
-        {{"--record", "a.jsonl", "--frames", "0"}, "--frames"},
-        {{"--seed", "many"}, "--seed"},
+        {{"--record", "a.jsonl", "--frames", "0"}, "--frames: 0 is no whole number from 1 to 1000000"},
+        {{"--seed", "many"}, "--seed: many is no whole number from 0 to 4294967295"},
         {{"--check", "--journal", "j"}, "--journal needs a window"}};
     for (const auto& [words, text] : kRows) {
         const ParsedCommandLine parsed = ParseCommandLine(words);

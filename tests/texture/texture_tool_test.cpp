@@ -71,10 +71,10 @@ TEST_F(TextureTool, RefusesWhatItDoesNotKnow) {
         int code;
     } rows[] = {
         {"", "a command is needed", 2},
-        {"info", "a file is needed", 2},
+        {"info", "FILE is required", 2},
         {"inof a.png", "unknown command inof; did you mean info?", 2},
         {"info --hlep a.png", "unknown option --hlep; did you mean --help?", 2},
-        {"info -x a.png", "unknown option -x", 2},
+        {"info -x a.png", "unknown option -x (", 2},
         {"--help", "texture", 0},
     };
     for (const auto& row : rows) {

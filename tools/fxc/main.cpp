@@ -3,12 +3,12 @@
 #include <sys/resource.h>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 
+#include "base/usage.h"
 #include "platform/d3dx/effect_bytes.h"
 #include "platform/system/system.h"
 #include "tools/fxc/crash_report.h"
@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int kDone = 0, kErrors = 1, kWrongUsage = 2;
+constexpr int kDone = 0, kErrors = 1;
 
 /// What the libraries below do with a malformed function has no bound of its own.
 void LimitResources() {
@@ -62,6 +62,10 @@ int Describe(const std::string& input) {
     std::vector<sparkrig::BYTE> bytes;
     std::string fault;
     if (!sparkrig::ReadEffectBytes(input, bytes) || !sparkrig::ReadEffectFile(bytes, effect, fault)) {
+        if (sparkrig::IsCompiledEffect(bytes)) {
+            fmt::print(stderr, "{}(1): error X1000: {}\n", input, fault);
+            return kErrors;
+        }
         sparkrig::fxc::Diagnostics diagnostics;
         std::optional<sparkrig::EffectFile> built = sparkrig::fxc::BuildEffect(input, diagnostics);
         std::fputs(diagnostics.Text().c_str(), stderr);
@@ -69,7 +73,7 @@ int Describe(const std::string& input) {
         effect = std::move(*built);
     }
     fmt::print("{}", sparkrig::fxc::DescribeEffect(effect));
-    return kDone;
+    return sparkrig::EndAfterOutput("fxc", kDone);
 }
 
 int Run(const std::string& input, const std::string& output) try {
@@ -84,17 +88,18 @@ int Run(const std::string& input, const std::string& output) try {
 
 int main(int argc, char** argv) try {
     CLI::App app("Compiles an effect file (.fx) to the form that the program loads (.fxo).", "fxc");
+    sparkrig::BeginUsage(app);
+    app.footer("Ends with 0 done, 1 errors, 2 wrong usage.");
     std::string input, output;
     bool info = false;
-    app.add_option("FILE", input, "The effect")->required();
-    auto* const out = app.add_option("-o", output, "Write the compiled effect to this file; - for the standard output");
-    app.add_flag("--info", info, "Print what the effect holds")->excludes(out);
-    try {
-        app.parse(argc, argv);
-        if (info == !output.empty()) throw CLI::ValidationError("either -o FILE.fxo or --info is wanted");
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kDone : kWrongUsage;
-    }
+    app.add_option("FILE", input, "the effect")->required();
+    app.add_option("-o", output, "write the compiled effect to this file; - for the standard output")
+        ->type_name("FILE");
+    app.add_flag("--info", info, "print what the effect holds");
+    if (const auto end = sparkrig::ParseWords(app, {argv + 1, argv + argc})) return Print(*end);
+    if (info == !output.empty()) return Print(sparkrig::WrongUsage(app, "either -o or --info is needed"));
+    if (sparkrig::RealPath(input.c_str()) == sparkrig::RealPath(output.c_str()))
+        return Print(sparkrig::WrongUsage(app, "the compiled effect would replace its source"));
     return sparkrig::fxc::RunGuarded([&] { return Run(input, output); }, kErrors);
 } catch (const std::exception& error) {
     fmt::print(stderr, "fxc: {}\n", error.what());

@@ -6,6 +6,7 @@
 
 #include "base/error.h"
 #include "base/report_listener.h"
+#include "platform/system/system.h"
 #include "scene/binary_scene.h"
 #include "scene/load_scene.h"
 #include "tools/scene/dump.h"
@@ -91,7 +92,11 @@ bool PrintSceneDump(const std::string& file, float time, bool geometry) {
 
 bool ConvertScene(const std::string& in, const std::string& out) {
     const FileReports reports(in);
-    return WithScene(in, [&](const KRN_3dScene& scene) { SaveBinaryScene(scene, out.c_str()); });
+    return WithScene(in, [&](const KRN_3dScene& scene) {
+        if (!scene.header.binary && RealPath(in.c_str()) == RealPath(out.c_str()))
+            scene.Error("'%s' is the text that the scene comes from", out.c_str());
+        SaveBinaryScene(scene, out.c_str());
+    });
 }
 
 bool CheckScenes(const std::vector<std::string>& files) {

@@ -1,15 +1,17 @@
 // scene info FILE | scene dump FILE --time T [--geometry] | scene convert IN OUT | scene check FILE...
 // Ends with 0 done, 1 findings, 2 wrong usage.
-#include <CLI/CLI.hpp>
-#include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "base/log.h"
+#include "base/usage.h"
 #include "tools/scene/commands.h"
 
 namespace {
 
-constexpr int kDone = 0, kFindings = 1, kWrongUsage = 2;
+constexpr int kDone = 0, kFindings = 1;
+
+constexpr double kLongest = std::numeric_limits<float>::max();   // seconds
 
 struct Arguments {
     std::string in, out;
@@ -19,20 +21,15 @@ struct Arguments {
 };
 
 void Describe(CLI::App& app, Arguments& arguments) {
-    app.set_help_flag("--help", "show this text");
+    sparkrig::BeginUsage(app);
     app.footer("Reports go to the error stream. Ends with 0 done, 1 findings, 2 wrong usage.");
-    app.require_subcommand(1);
     CLI::App* info = app.add_subcommand("info", "tell what is in a scene");
     info->add_option("FILE", arguments.in, "a text or binary scene")->required();
     CLI::App* dump = app.add_subcommand("dump", "print a scene as JSON");
     dump->add_option("FILE", arguments.in, "a text or binary scene")->required();
     dump->add_option("--time", arguments.time, "the time that the scene is set to, in seconds")
         ->type_name("T")
-        ->check([](const std::string& text) {
-            float time = 0;
-            const bool finite = CLI::detail::lexical_cast(text, time) && std::isfinite(time);
-            return finite ? std::string() : "no time: " + text;
-        });
+        ->check(sparkrig::NumberBetween(-kLongest, kLongest));
     dump->add_flag("--geometry", arguments.geometry, "print vertices and faces, too");
     CLI::App* convert = app.add_subcommand("convert", "write a scene in the newest binary form");
     convert->add_option("IN", arguments.in, "a text or binary scene")->required();
@@ -54,17 +51,9 @@ int main(int argc, char** argv) try {
     Arguments arguments;
     CLI::App app("Tells, prints, converts and checks scene files.", "scene");
     Describe(app, arguments);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::CallForHelp&) {
-        std::fputs(app.help().c_str(), stdout);
-        return kDone;
-    } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "scene: %s (--help shows the options)\n", error.what());
-        return kWrongUsage;
-    }
+    if (const auto end = sparkrig::ParseWords(app, {argv + 1, argv + argc})) return Print(*end);
     sparkrig::SilenceLog();   // what is reported is printed
-    return Run(app, arguments) ? kDone : kFindings;
+    return sparkrig::EndAfterOutput("scene", Run(app, arguments) ? kDone : kFindings);
 } catch (const std::exception& error) {
     std::fprintf(stderr, "scene: %s\n", error.what());
     return kFindings;

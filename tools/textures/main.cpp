@@ -1,22 +1,20 @@
-// make_textures OUTPUT_DIR: draws every sample texture.
-#include <CLI/CLI.hpp>
+// make_textures FOLDER: draws every sample texture. Ends with 0 done, 1 a file that cannot be written, 2 wrong usage.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
 
+#include "base/usage.h"
 #include "tools/textures/flipbook.h"
 
 namespace {
-
-constexpr int kCannotWrite = 3;
 
 using Bytes = std::vector<std::uint8_t>;
 
 /// False after a message when the file cannot be written.
 bool Write(const std::string& path, const Bytes& bytes) {
     if (sparkrig::WriteFile(path, bytes)) return true;
-    std::fprintf(stderr, "Can not write %s\n", path.c_str());
+    std::fprintf(stderr, "make_textures: can not write %s\n", path.c_str());
     return false;
 }
 
@@ -50,14 +48,11 @@ bool WriteFlipbooks(const std::string& folder) {
 }   // namespace
 
 int main(int argc, char** argv) {
-    CLI::App options("Draws the sample textures as PNG files, the same bytes each time.", "make_textures");
+    CLI::App app("Draws the sample textures as PNG files, the same bytes each time.", "make_textures");
+    sparkrig::BeginUsage(app);
     std::string folder;
-    options.add_option("OUTPUT_DIR", folder, "folder that takes the pictures; made when missing")->required();
-    try {
-        options.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return options.exit(error) == 0 ? 0 : 2;
-    }
+    app.add_option("FOLDER", folder, "takes the pictures; made when missing")->required();
+    if (const auto end = sparkrig::ParseWords(app, {argv + 1, argv + argc})) return Print(*end);
     MakeFolder(folder);
-    return WriteSprites(folder) && WriteFlipbooks(folder) ? 0 : kCannotWrite;
+    return WriteSprites(folder) && WriteFlipbooks(folder) ? 0 : 1;
 }
