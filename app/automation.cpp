@@ -10,6 +10,7 @@
 #include "app/effect_choice.h"
 #include "app/output_file.h"
 #include "app/player.h"
+#include "app/problem_printer.h"
 #include "app/progress.h"
 #include "app/recorder.h"
 #include "app/registry_settings.h"
@@ -122,14 +123,38 @@ bool StartUnseen(Engine& engine, TesterState& state, const Options& options) try
     return false;
 }
 
-int RunStarted(Engine& engine, TesterState& state, const Options& options) try {
+/// Where the last error happened in a file, as PlaceText says it. Listens while it lives.
+class LastErrorPlace {
+  public:
+    LastErrorPlace() { SetReportListener(Listen, this); }
+    ~LastErrorPlace() { SetReportListener(nullptr, nullptr); }
+    LastErrorPlace(const LastErrorPlace&) = delete;
+    LastErrorPlace& operator=(const LastErrorPlace&) = delete;
+    const std::string& Text() const { return text_; }
+
+  private:
+    static void Listen(const Report& report, void* context) {
+        if (report.kind == ReportKind::Error)
+            static_cast<LastErrorPlace*>(context)->text_ = PlaceText(report.file, report.place);
+    }
+    std::string text_;
+};
+
+int Perform(Engine& engine, TesterState& state, const Options& options) {
     ReadRegistrySettings(state, *engine.gfx, options.data.empty() ? BasePathUse::Enter : BasePathUse::Ignore);
     if (options.mode == RunMode::Check) return CheckEverything(engine) ? kDone : kFindings;
     Player player(engine, state, options);
     return Play(player, options);
-} catch (const ErrorRecord& error) {
-    std::fprintf(stderr, "sparkrig: %s\n", Describe(error).c_str());
-    return kFindings;
+}
+
+int RunStarted(Engine& engine, TesterState& state, const Options& options) {
+    const LastErrorPlace place;
+    try {
+        return Perform(engine, state, options);
+    } catch (const ErrorRecord& error) {
+        std::fprintf(stderr, "sparkrig: %s%s\n", place.Text().c_str(), Describe(error).c_str());
+        return kFindings;
+    }
 }
 
 }   // namespace

@@ -21,6 +21,14 @@ std::string WithSlashes(std::string path) {
     return path;
 }
 
+std::string PlaceText(const std::string& file, TextPlace place) {
+    if (file.empty()) return {};
+    std::string text = WithSlashes(file) + ":";
+    if (place.line > 0) text += std::to_string(place.line) + ":";
+    if (place.column > 0) text += std::to_string(place.column) + ":";
+    return text + " ";
+}
+
 ProblemPrinter::ProblemPrinter() { SetReportListener(Listen, this); }
 
 ProblemPrinter::~ProblemPrinter() { SetReportListener(nullptr, nullptr); }
@@ -42,12 +50,8 @@ std::vector<ProblemPrinter::Problem> ProblemPrinter::PrintAndKeep(const std::fun
 
 void ProblemPrinter::Print(const Problem& problem) {
     const bool has_file = !problem.file.empty();
-    std::string line = has_file ? WithSlashes(problem.file) : file_;
-    const TextPlace place = has_file ? problem.place : place_;
-    if (place.line > 0) line += ":" + std::to_string(place.line);
-    if (place.column > 0) line += ":" + std::to_string(place.column);
-    line += problem.kind == ReportKind::Error ? ": error: " : ": warning: ";
-    line += problem.text;
+    const std::string line = (has_file ? PlaceText(problem.file, problem.place) : PlaceText(file_, place_)) +
+                             (problem.kind == ReportKind::Error ? "error: " : "warning: ") + problem.text;
     if (!printed_.insert(line).second) return;
     std::printf("%s\n", line.c_str());
     std::fflush(stdout);

@@ -12,6 +12,9 @@ namespace sparkrig {
 /// A name with "/" between its components, as other programs want it.
 std::string WithSlashes(std::string path);
 
+/// "file:line:column: ", without what is not known; empty for no file.
+std::string PlaceText(const std::string& file, TextPlace place);
+
 /// Prints every report as "file:line:column: error: text" (or "warning:"), each once. Listens while it lives.
 class ProblemPrinter {
   public:

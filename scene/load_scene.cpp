@@ -5,6 +5,7 @@
 
 #include "base/file.h"
 #include "base/file_validator.h"
+#include "base/report_listener.h"
 #include "scene/binary_scene.h"
 #include "scene/kva_loader.h"
 
@@ -25,6 +26,7 @@ void LoadScene(KRN_3dScene& scene, const char* file_name, int flags, const MapFi
     scene.Clear();
     File file;
     if (!file.Open(file_name, true, true, false)) file.Error("Can not open file %s", file_name);
+    const SourceFileScope place(file_name);
     std::uint8_t start[4];
     file.Read(start, sizeof start);
     const SceneLoadFlags load_flags = SceneLoadFlags::FromWord(flags);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "base/report_listener.h"
 #include "base/string.h"
 #include "base/text_file_reader.h"
 
@@ -29,8 +30,10 @@ bool IsFrameListName(const char* name) {
 std::vector<std::string> ReadFrameList(const KRN_Base& reporter, const char* file) {
     TextFileReader reader;
     if (reader.Load(file) != 0 || reader.BuildLineIndex() != 0) reporter.Error("%s", reader.GetErrorText());
+    SourceFileScope place(file);
     std::vector<std::string> frames;
     for (int i = 0; i < reader.GetLineCount(); ++i) {
+        place.SetPlace({i + 1});
         const char* line = reader.GetLine(i);
         if (!line) reporter.Error("%s", reader.GetErrorText());
         const std::string name = WithoutBlanks(line);
@@ -42,6 +45,7 @@ std::vector<std::string> ReadFrameList(const KRN_Base& reporter, const char* fil
             reporter.Error("More than %i frames in texture file list '%s'", kMaxSequenceFrames, file);
         frames.push_back(name);
     }
+    place.SetPlace({});
     if (frames.empty()) reporter.Error("Empty texture file list");
     return frames;
 }

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdlib>
 
+#include "base/report_listener.h"
 #include "gfx/textures/frame_list.h"
 #include "gfx/textures/texture.h"
 #include "platform/d3dx/image_file.h"
@@ -136,6 +137,7 @@ TextureLoader::Picture TextureLoader::LoadVideoSource(const KRN_Texture& texture
 std::vector<TextureLoader::Picture> TextureLoader::LoadFrameList(const KRN_Texture& texture, const std::string& list,
                                                                  const Request& request) {
     const std::vector<std::string> names = ReadFrameList(graphics_.Reporter(), list.c_str());
+    const SourceFileScope place(list.c_str());
     char directory[1024];
     GetDirectory(list.c_str(), directory, sizeof directory);
     std::vector<Picture> frames;

@@ -163,13 +163,12 @@ TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
     EXPECT_EQ(out_,
               "cfg/texCatalogue.cfg:2:3: warning: Texture file not found: 'none.png'\n"
               "cfg/texCatalogue.cfg:3:1: warning: cfg/texCatalogue.cfg: No \"=\" behind \"odd\"\n"
-              "cfg/effects.cfg:21:26: error: empty.kva: Error reading from file (Success)\n"
+              "empty.kva: error: empty.kva: Error reading from file (Success)\n"
               "cfg/effects.cfg:5:14: error: Can not open file gone.png\n"
               "cfg/effects.cfg:6:17: warning: No texture 'none' in the catalogue\n"
               "cfg/effects.cfg:9:12: error: gone.3sc: Can not open file gone.3sc\n"
               "cfg/effects.cfg:18:14: error: Can not open file gone.png\n"
-              "cfg/effects.cfg:23:12: error: empty.kva: Error reading from file (Success)\n"
-              "cfg/effects.cfg:26:12: error: cut.3sc: Unknown 3sc file version: 211 (cut.3sc)\n");
+              "cut.3sc: error: cut.3sc: Unknown 3sc file version: 211 (cut.3sc)\n");
     Write("cfg/effects.cfg", "");
     EXPECT_EQ(Run({"--check"}), 1);
     EXPECT_THAT(out_, HasSubstr("cfg/effects.cfg: error: No effects in effect file"));
@@ -192,6 +191,9 @@ TEST_F(AutomationTest, EndsWithOneSentence) {
     Write("cfg/effects.cfg", "");
     EXPECT_EQ(Run({"--capture", "a.png"}), 1);
     EXPECT_EQ(err_, "sparkrig: VisualEffectSystem: No effects in effect file\n");
+    Write("cfg/effects.cfg", "#1\ndesc = \"a\"\nSPECIAL {\n  type = \"x\"\n}\n");
+    EXPECT_EQ(Run({"--capture", "a.png"}), 1);
+    EXPECT_EQ(err_, "sparkrig: cfg/effects.cfg:4:11: VisualEffectSystem: Unknown special effect type in effect 'a'\n");
 }
 
 TEST_F(AutomationTest, DataComesFromTheFolderThatWinsFirst) {
