@@ -112,7 +112,7 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& words) {
     app.set_version_flag("--version", std::string(kProgramName) + " " + kProgramVersion, "show name and version");
     AddModes(app, parsed.options);
     AddOptions(app, parsed.options);
-    std::optional<EarlyEnd> end = ParseWords(app, words, '/');
+    std::optional<EarlyEnd> end = ParseWords(app, words, OtherWords::Ignored);
     if (!end)
         if (const std::string conflict = Conflict(app, parsed.options); !conflict.empty())
             end = WrongUsage(app, conflict);

@@ -1,5 +1,4 @@
-// The command line: "/" words of the tester, of which it ignores those that it does not know, "--" words of its
-// automation.
+// The command line: "/" words of the tester, "--" words of its automation, everything that is no option is ignored.
 #pragma once
 #include <cstdint>
 #include <optional>

@@ -49,12 +49,13 @@ std::string Unknown(const char* what, const std::string& word, const std::vector
 }
 
 /// The first word that nobody took, as far as it is nobody else's.
-std::string LeftOver(const CLI::App& app, char others) {
+std::string LeftOver(const CLI::App& app, OtherWords others) {
     const bool wants_command = !app.get_subcommands(nullptr).empty() && app.get_subcommands().empty();
     for (const std::string& word : app.remaining(true)) {
-        if (word.empty() || word == "--" || (others != 0 && word.starts_with(others))) continue;
+        if (word.empty() || word == "--") continue;
         if (IsOption(word))
             return Unknown("unknown option ", word.substr(0, word.find('=')), KnownNames(Chosen(app), true));
+        if (others == OtherWords::Ignored) continue;
         if (wants_command) return Unknown("unknown command ", word, KnownNames(app, false));
         return "unknown word " + word;
     }
@@ -93,7 +94,7 @@ void BeginUsage(CLI::App& app) {
     app.option_defaults()->disable_flag_override();
 }
 
-std::optional<EarlyEnd> ParseWords(CLI::App& app, const std::vector<std::string>& words, char others) {
+std::optional<EarlyEnd> ParseWords(CLI::App& app, const std::vector<std::string>& words, OtherWords others) {
     try {
         app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::CallForHelp&) {

@@ -23,9 +23,13 @@ EarlyEnd WrongUsage(const CLI::App& app, const std::string& reason);
 /// For a new App, before its options: --help, and options without a value take none.
 void BeginUsage(CLI::App& app);
 
+/// What becomes of words that are no options, and that the program has no use for.
+enum class OtherWords { Refused, Ignored };
+
 /// Gives the words behind the program's name to the options. Ends early for help, the version, and a word that is
-/// missing, empty, given twice or unknown; words that begin with `others`, unless it is 0, are left to somebody else.
-std::optional<EarlyEnd> ParseWords(CLI::App& app, const std::vector<std::string>& words, char others = 0);
+/// missing, empty, given twice or unknown.
+std::optional<EarlyEnd> ParseWords(CLI::App& app, const std::vector<std::string>& words,
+                                   OtherWords others = OtherWords::Refused);
 
 /// Says it; the code.
 int Print(const EarlyEnd& end);
