@@ -99,10 +99,40 @@ class EffectsFileLoader {
         for (const SubEffect* sub : ResolveEmitEffects(definitions_))
             Fault(sub->emit.place, "Emit effect '%s' of effect '%s' not found", sub->emit.name.c_str(),
                   sub->owner->name.c_str());
+        if (IsCheck()) WarnOfHiddenTrails();
     }
 
   private:
     bool IsCheck() const { return named_ != nullptr; }
+
+    /// Which edges an effect's layers are depends on all effects before it.
+    void WarnOfHiddenTrails() {
+        struct Trail {
+            unsigned edges = 0;   // bit 0 for edge 1
+            TextPlace place;
+        };
+        definitions_.effects.ResetIteration();
+        while (const VisualEffect* effect = definitions_.effects.GetNext(nullptr)) {
+            std::map<std::int32_t, Trail> trails;   // by id
+            ForEachSubEffect(*effect, [&trails](const SubEffect& sub) {
+                if (sub.emit.trace_number == 0 || sub.count <= 0 || !(sub.emit.per_time > 0)) return;
+                Trail& trail = trails[sub.trace.id];
+                if (trail.edges == 0) trail.place = sub.emit.place;
+                trail.edges |= 1u << (sub.emit.trace_number - 1);
+            });
+            for (const auto& [id, trail] : trails) WarnOfHiddenTrail(effect->name.c_str(), trail.edges, trail.place);
+        }
+    }
+
+    void WarnOfHiddenTrail(const char* effect, unsigned edges, TextPlace place) {
+        const bool from_one_on = (edges & (edges + 1)) == 0;
+        if (from_one_on && edges > 1) return;
+        std::string laid;
+        for (int edge = 1; edges != 0; ++edge, edges >>= 1)
+            if ((edges & 1) != 0) laid += (laid.empty() ? "" : ", ") + std::to_string(edge);
+        Warn(place, "The trail of effect '%s' is never drawn: it lays edge %s, and needs two or more from edge 1 on",
+             effect, laid.c_str());
+    }
 
     // ---- Entries
 
@@ -354,6 +384,7 @@ class EffectsFileLoader {
         const ConfigLine* line = lines_[kMotionKeys.Row("TimeMinMax")];
         float range[2];
         if (!line || !IsRead(*line, ReadVectorValue(line->rest, range, 2))) return;
+        WarnOfRemainder(*line, 2);
         stage.time_minimum = range[0];
         stage.time_maximum = range[1];
     }
@@ -426,6 +457,8 @@ class EffectsFileLoader {
         float digits;
         if (IsCheck() && line.rest.find('=') != std::string_view::npos && ReadVectorValue(line.rest, &digits, 1) != 0)
             WarnInCheck(line, "is no number and reads as 0");
+        else
+            WarnOfRemainder(line, 1);
         if constexpr (std::is_same_v<Value, bool>)
             value = ToBool(number);
         else if constexpr (std::is_same_v<Value, std::int32_t>)
@@ -448,8 +481,10 @@ class EffectsFileLoader {
     int Read(const ConfigLine& line, D3DXVECTOR3& value) {
         float numbers[3];
         const int code = ReadVectorValue(line.rest, numbers, 3);
-        if (code == 0) value = {numbers[0], numbers[1], numbers[2]};
-        return code;
+        if (code != 0) return code;
+        value = {numbers[0], numbers[1], numbers[2]};
+        WarnOfRemainder(line, 3);
+        return 0;
     }
     int Read(const ConfigLine& line, String& value) {
         char text[kTextSize];
@@ -511,6 +546,22 @@ class EffectsFileLoader {
         Warn(line.place, "Key \"%.*s\" %s", static_cast<int>(line.word.size()), line.word.data(), what);
     }
 
+    /// In a check: what stands behind the numbers of a line and is no comment was meant to be read.
+    void WarnOfRemainder(const ConfigLine& line, int numbers) {
+        if (!IsCheck() || line.opens_block) return;
+        const std::size_t equals = line.rest.find('=');
+        std::string_view rest = equals == std::string_view::npos ? line.rest : line.rest.substr(equals + 1);
+        for (int i = 0; i < numbers; ++i) {
+            rest = SkipBlanks(rest);
+            rest = SkipBlanks(rest.substr(std::min(rest.find_first_not_of("0123456789+-.e"), rest.size())));
+            if (i + 1 < numbers && rest.starts_with(',')) rest.remove_prefix(1);
+        }
+        rest = rest.substr(0, rest.find_last_not_of(" \t\r") + 1);
+        if (rest.empty() || rest.starts_with(';') || rest.starts_with("//")) return;
+        Warn(line.place, "Key \"%.*s\" has \"%.*s\" behind its value, which is not read",
+             static_cast<int>(line.word.size()), line.word.data(), static_cast<int>(rest.size()), rest.data());
+    }
+
     template <class Rows>
     void WarnOfUnknownKey(const ConfigLine& line, const Rows& rows) {
         const bool is_syntax = line.opens_block || line.word.starts_with('#') || line.word.starts_with('}');
@@ -537,8 +588,13 @@ class EffectsFileLoader {
     }
 
     /// For a check; without a line, at the block.
-    void Name(NamedThing::Kind kind, const ConfigLine* line, const String& name) const {
-        if (IsCheck()) named_->push_back({kind, name.c_str(), line ? ValuePlace(*line) : block_place_});
+    void Name(NamedThing::Kind kind, const ConfigLine* line, const String& name) {
+        if (!IsCheck()) return;
+        if (name.GetLength() == 0)
+            Warn(line ? line->place : block_place_, "A layer of effect '%s' names no %s", effect_->name.c_str(),
+                 kind == NamedThing::Kind::Scene ? "scene" : "texture");
+        else
+            named_->push_back({kind, name.c_str(), line ? ValuePlace(*line) : block_place_});
     }
 
     struct Child {

@@ -312,11 +312,13 @@ desc = "one"
 	Life	= 3
     Count = x
     Count = 2
+    FadeIn = 1,5 ; seconds
     POSITON {
     }
     POSITION {
       type = "linaer"
       scale = 1, 2
+      Offset = 1, 2, 3 // up
     }
     SCALE {
     }
@@ -342,6 +344,11 @@ child2 = "a"
     sFile = "rock.3sc"
     EmitEffect = "nobody"
   }
+  MESH {
+    EmitEffect = "trace:t"
+    EmitEffectPerTime = 9
+    TraceEffectId = 5
+  }
   NAME{
   }
 )";
@@ -355,23 +362,26 @@ TEST_F(EffectsFile, ACheckFindsEveryMistakeAtItsPlace) {
     std::string things;
     for (const NamedThing& thing : CheckEffectsFile(file.c_str(), reporter, definitions))
         things += thing.name + "@" + std::to_string(thing.place.line) + ":" + std::to_string(thing.place.column) + " ";
-    EXPECT_EQ(things, "none.png@6:16 none.png@22:16 t@23:19 rock.3sc@38:14 ");
+    EXPECT_EQ(things, "none.png@6:16 none.png@24:16 t@25:19 rock.3sc@40:14 t@44:19 ");
     const std::string in_file = " in file '" + file + "' at line ";
-    EXPECT_THAT(places.All(),
-                testing::UnorderedElementsAre(
-                    "5:5 Unknown key \"Lifee\", did you mean \"Life\"?",
-                    "7:18 Unknown blend mode \"aditive\", did you mean \"additive\"?",
-                    "8:2 No key \"Life\": a tab does not end it", "9:5 Key \"Count\" is no number and reads as 0",
-                    "10:5 Key \"Count\" stands here twice, the first one counts",
-                    "11:5 Unknown block name 'POSITON' in effects.cfg, did you mean \"POSITION\"?",
-                    "14:15 Unknown animation type 'linaer' in effect 'one', did you mean \"linear\"?",
-                    "15:7 Key \"scale\" has no value that can be read", "17:5 No 'type' specified for effect 'one'",
-                    "20:1 Effect entry 1 without 'desc' entry", "26:9 Multiple effect entry 'ONE' in effects.cfg",
-                    "27:3 No type in special effect 'ONE'",
-                    "28:18 Unknown CountType 'randon' in effect 'ONE', did you mean \"random\"?",
-                    "29:5 Key \"EmitEffectRand\" is not read without EmitEffect", "33:4 Invalid '}'" + in_file + "33",
-                    "36:1 Key \"child2\" is not read", "39:19 Emit effect 'nobody' of effect 'five' not found",
-                    "41:3 Unreachable code" + in_file + "41"));
+    EXPECT_THAT(
+        places.All(),
+        testing::UnorderedElementsAre(
+            "5:5 Unknown key \"Lifee\", did you mean \"Life\"?",
+            "7:18 Unknown blend mode \"aditive\", did you mean \"additive\"?",
+            "8:2 No key \"Life\": a tab does not end it", "9:5 Key \"Count\" is no number and reads as 0",
+            "10:5 Key \"Count\" stands here twice, the first one counts",
+            "11:5 Key \"FadeIn\" has \",5 ; seconds\" behind its value, which is not read",
+            "12:5 Unknown block name 'POSITON' in effects.cfg, did you mean \"POSITION\"?",
+            "15:15 Unknown animation type 'linaer' in effect 'one', did you mean \"linear\"?",
+            "16:7 Key \"scale\" has no value that can be read", "19:5 No 'type' specified for effect 'one'",
+            "22:1 Effect entry 1 without 'desc' entry", "28:9 Multiple effect entry 'ONE' in effects.cfg",
+            "29:3 No type in special effect 'ONE'",
+            "30:18 Unknown CountType 'randon' in effect 'ONE', did you mean \"random\"?",
+            "31:5 Key \"EmitEffectRand\" is not read without EmitEffect", "35:4 Invalid '}'" + in_file + "35",
+            "38:1 Key \"child2\" is not read", "41:19 Emit effect 'nobody' of effect 'five' not found",
+            "44:19 The trail of effect 'five' is never drawn: it lays edge 1, and needs two or more from edge 1 on",
+            "43:3 A layer of effect 'five' names no scene", "48:3 Unreachable code" + in_file + "48"));
 }
 
 TEST_F(EffectsFile, CutShortAtEveryLengthItLoadsOrReports) {
