@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <tuple>
 
+#include "platform/window/window.h"
+
 namespace sparkrig {
 
 namespace {
@@ -23,9 +25,10 @@ std::vector<D3DDISPLAYMODE> DisplayModes(D3DFORMAT format) {
     if (format == D3DFMT_A8R8G8B8) format = D3DFMT_X8R8G8B8;
     std::vector<D3DDISPLAYMODE> modes;
     if (format != D3DFMT_X8R8G8B8 && format != D3DFMT_R5G6B5) return modes;
-    for (int i = 0; i < SDL_GetNumDisplayModes(0); ++i) {
+    const int monitor = MonitorInUse();
+    for (int i = 0; i < SDL_GetNumDisplayModes(monitor); ++i) {
         SDL_DisplayMode mode;
-        if (SDL_GetDisplayMode(0, i, &mode) != 0 || mode.w <= 0 || mode.h <= 0) continue;
+        if (SDL_GetDisplayMode(monitor, i, &mode) != 0 || mode.w <= 0 || mode.h <= 0) continue;
         modes.push_back(
             {static_cast<UINT>(mode.w), static_cast<UINT>(mode.h), static_cast<UINT>(mode.refresh_rate), format});
     }
@@ -42,7 +45,7 @@ std::vector<D3DDISPLAYMODE> DisplayModes(D3DFORMAT format) {
 
 D3DDISPLAYMODE DesktopMode() {
     SDL_DisplayMode mode = {};
-    if (SDL_GetDesktopDisplayMode(0, &mode) == 0 && mode.w > 0 && mode.h > 0) {
+    if (SDL_GetDesktopDisplayMode(MonitorInUse(), &mode) == 0 && mode.w > 0 && mode.h > 0) {
         return {static_cast<UINT>(mode.w), static_cast<UINT>(mode.h), static_cast<UINT>(mode.refresh_rate),
                 D3DFMT_X8R8G8B8};
     }

@@ -6,7 +6,7 @@
 
 namespace sparkrig {
 
-/// Full-screen modes of a format, smallest first. Empty for a format that no screen has.
+/// Full-screen modes that the monitor in use has in a format, smallest first. Empty for a format that no screen has.
 std::vector<D3DDISPLAYMODE> DisplayModes(D3DFORMAT format);
 D3DDISPLAYMODE DesktopMode();
 

@@ -75,7 +75,8 @@ void Presenter::SetScreen(const D3DPRESENT_PARAMETERS& parameters) {
     wanted.w = static_cast<int>(parameters.BackBufferWidth);
     wanted.h = static_cast<int>(parameters.BackBufferHeight);
     wanted.refresh_rate = static_cast<int>(parameters.FullScreen_RefreshRateInHz);
-    const bool has_mode = SDL_GetClosestDisplayMode(0, &wanted, &found) != nullptr && found.w == wanted.w &&
+    const int monitor = SDL_GetWindowDisplayIndex(window_.native);
+    const bool has_mode = SDL_GetClosestDisplayMode(monitor, &wanted, &found) != nullptr && found.w == wanted.w &&
                           found.h == wanted.h && SDL_SetWindowDisplayMode(window_.native, &found) == 0;
     // Where the screen cannot change its mode, the picture is stretched over it.
     if (has_mode && SDL_SetWindowFullscreen(window_.native, SDL_WINDOW_FULLSCREEN) == 0) return;

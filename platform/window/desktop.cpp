@@ -42,19 +42,19 @@ double ScaleOfEnvironment() {
     return scale ? std::atof(scale) : 0;
 }
 
-double ScaleOfScreen() {
+double ScaleOfMonitor(int monitor) {
     float dots_per_inch = 0;
-    return SDL_GetDisplayDPI(0, &dots_per_inch, nullptr, nullptr) == 0 ? dots_per_inch / kDotsPerInch : 0;
+    return SDL_GetDisplayDPI(monitor, &dots_per_inch, nullptr, nullptr) == 0 ? dots_per_inch / kDotsPerInch : 0;
 }
 
 }   // namespace
 
-float DesktopScale() {
-    static const double scale = [] {
-        double found = ScaleOfText();
-        if (found <= 0) found = ScaleOfEnvironment();
-        return found > 0 ? found : ScaleOfScreen();
+float DesktopScale(int monitor) {
+    static const double of_desktop = [] {
+        const double scale = ScaleOfText();
+        return scale > 0 ? scale : ScaleOfEnvironment();
     }();
+    const double scale = of_desktop > 0 ? of_desktop : ScaleOfMonitor(monitor);
     return static_cast<float>(std::clamp(scale, 1.0, 4.0));
 }
 

@@ -64,7 +64,7 @@ class DialogView : public ModalView {
     Dialog& dialog_;
     std::size_t focus_ = 0;
     bool closing_ = false;
-    bool focus_moved_ = true, scroll_to_selected_ = true;
+    bool focus_moved_ = false, scroll_to_selected_ = true;
     int rows_shown_ = 1;
     std::string typed_;   // ahead, in the list
     Uint32 typed_at_ = 0;
@@ -210,7 +210,7 @@ void DialogView::EditWidget(DialogItem& item, ImVec2 size) {
     const float padding = std::max((size.y - ImGui::GetFontSize()) / 2, 0.0f);
     ImGui::PushStyleVar(ImGuiStyleVar_FramePadding, {ImGui::GetStyle().FramePadding.x / 2, padding});
     ImGui::SetNextItemWidth(size.x);
-    if (Focused(item) && focus_moved_) ImGui::SetKeyboardFocusHere();
+    if (Focused(item) && (focus_moved_ || ImGui::IsWindowAppearing())) ImGui::SetKeyboardFocusHere();
     ImGui::InputText("", buffer, sizeof(buffer),
                      ImGuiInputTextFlags_AutoSelectAll | (number ? ImGuiInputTextFlags_CallbackCharFilter : 0),
                      digits_only);

@@ -46,6 +46,9 @@ void QueueWindowEvent(const SDL_WindowEvent& event) {
         case SDL_WINDOWEVENT_SIZE_CHANGED:
         case SDL_WINDOWEVENT_MAXIMIZED:
         case SDL_WINDOWEVENT_RESTORED: QueueSize(window, ShownSizeType(window)); break;
+        case SDL_WINDOWEVENT_DISPLAY_CHANGED:
+            if (TakeMonitorScale(*window)) QueueSize(window, ShownSizeType(window));
+            break;
         case SDL_WINDOWEVENT_FOCUS_GAINED: Messages().Post({window, WM_ACTIVATEAPP, 1, 0}); break;
         case SDL_WINDOWEVENT_FOCUS_LOST:
             held_keys.fill(0);

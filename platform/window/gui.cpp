@@ -103,7 +103,7 @@ void FeedKey(ImGuiIO& io, WPARAM key, bool down) {
 
 }   // namespace
 
-std::unique_ptr<Gui> Gui::Create(SDL_Window* window, void* gl_context) {
+std::unique_ptr<Gui> Gui::Create(SDL_Window* window, void* gl_context, float scale) {
     SDL_Window* const shown_window = SDL_GL_GetCurrentWindow();
     void* const shown_context = SDL_GL_GetCurrentContext();
     const bool own = gl_context == nullptr;
@@ -112,17 +112,17 @@ std::unique_ptr<Gui> Gui::Create(SDL_Window* window, void* gl_context) {
         gl_context = SDL_GL_CreateContext(window);
     }
     std::unique_ptr<Gui> gui;
-    if (gl_context && SDL_GL_MakeCurrent(window, gl_context) == 0) gui.reset(new Gui(window, gl_context, own));
+    if (gl_context && SDL_GL_MakeCurrent(window, gl_context) == 0) gui.reset(new Gui(window, gl_context, own, scale));
     SDL_GL_MakeCurrent(shown_window, shown_context);
     return gui;
 }
 
-Gui::Gui(SDL_Window* window, void* gl_context, bool owns_context)
+Gui::Gui(SDL_Window* window, void* gl_context, bool owns_context, float scale)
     : window_(window),
       gl_context_(gl_context),
       owns_context_(owns_context),
       context_(ImGui::CreateContext()),
-      scale_(DesktopScale()),
+      scale_(scale),
       fonts_((ImGui::SetCurrentContext(context_), *ImGui::GetIO().Fonts), kTextPixels * scale_),
       last_frame_(SDL_GetTicks64()) {
     SetUp(ImGui::GetIO());

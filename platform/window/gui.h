@@ -16,9 +16,9 @@ class Gui {
   public:
     /// Null where there is no OpenGL for the window, which must outlive it.
     ///   gl_context  the one that the device draws with, which must outlive it as well: what is drawn by two contexts
-    ///   may
-    ///               not meet in the window. Null: one of its own.
-    static std::unique_ptr<Gui> Create(SDL_Window* window, void* gl_context);
+    ///               may not meet in the window. Null: one of its own.
+    ///   scale       pixels for what is one pixel on a screen of 96 dots per inch
+    static std::unique_ptr<Gui> Create(SDL_Window* window, void* gl_context, float scale);
     ~Gui();
     Gui(const Gui&) = delete;
     Gui& operator=(const Gui&) = delete;
@@ -46,7 +46,7 @@ class Gui {
     void Clear(float red, float green, float blue);
 
   private:
-    Gui(SDL_Window* window, void* gl_context, bool owns_context);
+    Gui(SDL_Window* window, void* gl_context, bool owns_context, float scale);
     void FeedByte(char byte);
     void RunOnce(const std::function<void()>& widgets);
 

@@ -9,7 +9,7 @@ namespace sparkrig {
 void SetStyle(ImGuiStyle& style, float scale);
 
 /// Pixels for what is one pixel on a screen of 96 dots per inch, from 1 to 4: by the desktop's setting for text
-/// ("Xft.dpi"), else by GDK_SCALE, else by the size of the screen.
-float DesktopScale();
+/// ("Xft.dpi"), else by GDK_SCALE, else by the size of the monitor, in SDL's numbers.
+float DesktopScale(int monitor);
 
 }   // namespace sparkrig

@@ -96,7 +96,7 @@ ImVec2 RoomOnScreen(HWND owner) {
 
 void ShowBox(HWND owner, MessageBoxView& view, SDL_Window* native) {
     const HWND box = AddWindow(native, DefWindowProcA);
-    box->gui = Gui::Create(native, nullptr);
+    box->gui = Gui::Create(native, nullptr, box->scale);
     if (box->gui) {
         const ImVec2 size = view.Fit(*box->gui, RoomOnScreen(owner));
         SDL_SetWindowSize(native, static_cast<int>(size.x), static_cast<int>(size.y));

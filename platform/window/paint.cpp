@@ -24,7 +24,7 @@ void DrawPainted(const Window& window, Gui& gui) {
 
 void ShowContents(HWND window, const std::function<void(Gui&)>& widgets) {
     if ((SDL_GetWindowFlags(window->native) & SDL_WINDOW_MINIMIZED) != 0) return;
-    if (!window->gui) window->gui = Gui::Create(window->native, window->device_context);
+    if (!window->gui) window->gui = Gui::Create(window->native, window->device_context, window->scale);
     if (!window->gui) return;   // no OpenGL: nothing can be shown
     Gui& gui = *window->gui;
     gui.Clear(kBackground, kBackground, kBackground);
@@ -40,7 +40,7 @@ void ShowContents(HWND window, const std::function<void(Gui&)>& widgets) {
 
 bool DrawMenuBar(HWND window) {
     if (StripHeight(*window) == 0) return false;
-    if (!window->gui) window->gui = Gui::Create(window->native, window->device_context);
+    if (!window->gui) window->gui = Gui::Create(window->native, window->device_context, window->scale);
     if (!window->gui) return false;
     window->gui->Run([&] { DrawMenu(*window->gui, window->menu, window->menu_state); });
     window->gui->Draw();

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/window/gui_style.h"
@@ -16,7 +17,7 @@ namespace sparkrig {
 
 namespace {
 
-constexpr int kDefaultWidth = 1024, kDefaultHeight = 768;
+constexpr float kDefaultWidth = 1024, kDefaultHeight = 768;   // of the client area, at 96 dots per inch
 
 struct WindowSystem {
     std::map<std::string, WNDCLASSEXA> classes;
@@ -47,6 +48,25 @@ void TakeOffFrame(Window& window) {
                       std::max(window.whole_height - top - bottom, 1));
     window.whole_width = window.whole_height = 0;
 }
+
+int MonitorOfMouse() {
+    SDL_Point mouse = {0, 0};
+    SDL_GetGlobalMouseState(&mouse.x, &mouse.y);
+    return std::max(SDL_GetPointDisplayIndex(&mouse), 0);
+}
+
+/// The size of a window that was asked for none: as large on every screen, and with its frame within the monitor.
+std::pair<int, int> DefaultSize(int monitor, float scale, int strip) {
+    constexpr float kMostOfMonitor = 0.9f;
+    const int width = static_cast<int>(kDefaultWidth * scale);
+    const int height = static_cast<int>(kDefaultHeight * scale) + strip;
+    SDL_Rect room = {0, 0, 0, 0};
+    if (SDL_GetDisplayUsableBounds(monitor, &room) != 0 || room.w <= 0) return {width, height};
+    return {std::min(width, static_cast<int>(static_cast<float>(room.w) * kMostOfMonitor)),
+            std::min(height, static_cast<int>(static_cast<float>(room.h) * kMostOfMonitor))};
+}
+
+int MonitorOf(SDL_Window* native) { return std::max(SDL_GetWindowDisplayIndex(native), 0); }
 
 bool IsMinimised(HWND window) { return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MINIMIZED) != 0; }
 
@@ -112,16 +132,17 @@ HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, in
     DestroyNativeWindows(System().destroyed);
     const bool sized = width != CW_USEDEFAULT;
     const WNDCLASSEXA& made_of = window_class->second;
-    const int strip = made_of.menu.empty() ? 0 : StripHeightAt(DesktopScale());
-    if (!sized) width = kDefaultWidth, height = kDefaultHeight + strip;
-    if (x == CW_USEDEFAULT) x = y = static_cast<int>(SDL_WINDOWPOS_UNDEFINED);
+    const int monitor = MonitorOfMouse();
+    const float scale = DesktopScale(monitor);
+    const int strip = made_of.menu.empty() ? 0 : StripHeightAt(scale);
+    if (!sized) std::tie(width, height) = DefaultSize(monitor, scale, strip);
+    if (x == CW_USEDEFAULT) x = y = static_cast<int>(SDL_WINDOWPOS_UNDEFINED_DISPLAY(static_cast<unsigned>(monitor)));
     ChooseOpenGL();
     SDL_Window* native = SDL_CreateWindow(title, x, y, std::max(width, 1), std::max(height, 1),
                                           SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN);
     if (!native) return nullptr;
     const HWND window = AddWindow(native, made_of.lpfnWndProc);
     window->menu = made_of.menu;
-    window->strip_height = strip;
     SetClassAndIcon(native, class_name, made_of.icon);
     if (sized) window->whole_width = width, window->whole_height = height;
     return window;
@@ -131,6 +152,7 @@ HWND AddWindow(SDL_Window* native, WNDPROC procedure) {
     auto window = std::make_unique<Window>();
     window->native = native;
     window->procedure = procedure;
+    window->scale = DesktopScale(MonitorOf(native));
     return System().windows.emplace_back(std::move(window)).get();
 }
 
@@ -159,7 +181,16 @@ int StripHeightAt(float scale) {
 }
 
 int StripHeight(const Window& window) {
-    return (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0 ? 0 : window.strip_height;
+    const bool full_screen = (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0;
+    return full_screen || window.menu.empty() ? 0 : StripHeightAt(window.scale);
+}
+
+bool TakeMonitorScale(Window& window) {
+    const float scale = DesktopScale(MonitorOf(window.native));
+    if (scale == window.scale) return false;
+    window.scale = scale;
+    window.gui.reset();   // letters and edges are made for one scale
+    return true;
 }
 
 void GetClientRect(HWND window, RECT& rectangle) {
@@ -175,6 +206,11 @@ void ShowCursor(bool show) {
 }
 
 SDL_Window* NativeWindow(HWND window) { return window->native; }
+
+int MonitorInUse() {
+    const HWND window = FirstWindow();
+    return window ? MonitorOf(window->native) : 0;
+}
 
 bool IsForegroundWindow(HWND window) {
     return DriverIsInvisible() || (SDL_GetWindowFlags(window->native) & SDL_WINDOW_INPUT_FOCUS) != 0;

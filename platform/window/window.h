@@ -52,8 +52,9 @@ inline int HighWord(LPARAM words) { return static_cast<std::int16_t>((words >> 1
 bool RegisterClassExA(const WNDCLASSEXA& window_class);
 
 /// Width and height are those of the whole window, with its frame; CW_USEDEFAULT as width gives 1024 x 768 of client
-/// area. The menu of the class, if it has one, stands above the client area. The window is hidden until ShowWindow.
-/// Null when the class is unknown or the system refuses.
+/// area, times the desktop's scale factor, or what the monitor has room for. CW_USEDEFAULT as x is a place on the
+/// monitor that the mouse is on. The menu of the class, if it has one, stands above the client area. The window is
+/// hidden until ShowWindow. Null when the class is unknown or the system refuses.
 HWND CreateWindowExA(const char* class_name, const char* title, int x, int y, int width, int height);
 /// Hides the window and sends WM_DESTROY. What OpenGL drew into stays until the next window is made or the process
 /// ends, since the device outlives its window.
@@ -101,6 +102,9 @@ void AdjustKeys(std::span<std::uint8_t> keys);
 
 /// For the device layer alone: the window that OpenGL draws into.
 SDL_Window* NativeWindow(HWND window);
+/// For the device layer alone: SDL's number of the monitor that shows the first window, or most of it; the first one,
+/// 0, where there is no window.
+int MonitorInUse();
 /// For the device layer alone: draws the window's menu over a picture that is about to be shown. False when there is
 /// nothing to draw; otherwise the device knows nothing of what it has told OpenGL.
 bool DrawMenuBar(HWND window);

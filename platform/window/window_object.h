@@ -27,8 +27,8 @@ struct Window {
     // The size that the whole window was asked to have; 0 x 0 once its frame has been taken off the client area.
     int whole_width = 0, whole_height = 0;
     bool dragged = false;   // between WM_ENTERSIZEMOVE and WM_EXITSIZEMOVE
+    float scale = 1;        // of its monitor
     MenuTemplate menu;
-    int strip_height = 0;   // of the menu bar
     MenuState menu_state;
     ModalView* modal = nullptr;           // what holds its input
     std::function<bool()> draw_picture;   // the device's: draws the frame presented last; false when there is none
@@ -51,9 +51,12 @@ const std::vector<std::unique_ptr<Window>>& Windows();
 /// Sets the attributes of the OpenGL contexts made from now on.
 void ChooseOpenGL();
 
-/// The height of the menu bar, and what it takes off the client area: nothing in full screen.
+/// The height of a menu bar, and what that of a window takes off its client area: nothing in full screen.
 int StripHeightAt(float scale);
 int StripHeight(const Window& window);
+
+/// After the window has come to another monitor: menu and dialogs take on its scale. True when that is another one.
+bool TakeMonitorScale(Window& window);
 
 /// For the keyboard: the keys that are down now are not down for it until they come up.
 void HideHeldKeys();
