@@ -18,8 +18,9 @@ HRESULT CreateDeviceOnWindow(SDL_Window* window, const D3DPRESENT_PARAMETERS& pa
         return area;
     };
     Device* made = nullptr;
-    const HRESULT result = Device::Create({window, client_area, [] { return false; }, [](const auto&) {}},
-                                          D3DCREATE_MIXED_VERTEXPROCESSING, parameters, &made);
+    const HRESULT result =
+        Device::Create({window, client_area, [](int, int) {}, [] { return false; }, [](const auto&) {}},
+                       D3DCREATE_MIXED_VERTEXPROCESSING, parameters, &made);
     *device = made;
     return result;
 }

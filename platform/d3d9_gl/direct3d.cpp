@@ -78,10 +78,12 @@ HRESULT Direct3D::CreateDevice(UINT adapter, D3DDEVTYPE type, HWND focus_window,
         return area;
     };
     const auto set_picture = [window](std::function<bool()> draw) { SetWindowPicture(window, std::move(draw)); };
+    const auto set_full_screen_size = [window](int width, int height) { SetFullScreenSize(window, width, height); };
     const auto draw_menu = [window] { return DrawMenuBar(window); };
     Device* made = nullptr;
     const HRESULT result =
-        Device::Create({NativeWindow(window), client_area, draw_menu, set_picture}, behaviour, *parameters, &made);
+        Device::Create({NativeWindow(window), client_area, set_full_screen_size, draw_menu, set_picture}, behaviour,
+                       *parameters, &made);
     *device = made;
     return result;
 }

@@ -68,12 +68,14 @@ void Presenter::SetInterval(DWORD presentation_interval) {
 void Presenter::SetScreen(const D3DPRESENT_PARAMETERS& parameters) {
     const bool is_full = (SDL_GetWindowFlags(window_.native) & SDL_WINDOW_FULLSCREEN) != 0;
     if (parameters.Windowed) {
+        window_.set_full_screen_size(0, 0);
         if (is_full) SDL_SetWindowFullscreen(window_.native, 0);
         return;
     }
     SDL_DisplayMode wanted = {}, found = {};
     wanted.w = static_cast<int>(parameters.BackBufferWidth);
     wanted.h = static_cast<int>(parameters.BackBufferHeight);
+    window_.set_full_screen_size(wanted.w, wanted.h);
     wanted.refresh_rate = static_cast<int>(parameters.FullScreen_RefreshRateInHz);
     const int monitor = SDL_GetWindowDisplayIndex(window_.native);
     const bool has_mode = SDL_GetClosestDisplayMode(monitor, &wanted, &found) != nullptr && found.w == wanted.w &&
@@ -109,8 +111,13 @@ bool Presenter::Present(Surface& back_buffer, bool full_screen) {
 }
 
 bool Presenter::DrawPicture(Surface& back_buffer, bool full_screen) {
-    const RECT client = window_.client_area();
-    const GLint width = client.right - client.left, height = client.bottom - client.top;
+    GLint width = 0, height = 0;
+    if (full_screen) {
+        SDL_GetWindowSize(window_.native, &width, &height);
+    } else {
+        const RECT client = window_.client_area();
+        width = client.right - client.left, height = client.bottom - client.top;
+    }
     if (width <= 0 || height <= 0) return false;
     const bool through_ramp = full_screen && ramp_changes_ && CreateRampProgram();
     if (through_ramp) {

@@ -12,6 +12,8 @@ struct PresentWindow {
     SDL_Window* native = nullptr;
     /// The client area in window coordinates; empty while minimised. What the window has above it (its menu) stays.
     std::function<RECT()> client_area;
+    /// Takes over the size of the picture in full screen, which then is that of the client area; 0 x 0: windowed.
+    std::function<void(int width, int height)> set_full_screen_size;
     /// Draws what stands above a picture that is about to be shown; true when OpenGL was used for it.
     std::function<bool()> draw_menu;
     /// Takes over how the frame presented last is drawn again; null when the device goes.

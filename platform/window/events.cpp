@@ -107,18 +107,20 @@ void QueueButton(const SDL_MouseButtonEvent& event) {
     const HWND window = WindowFromId(event.windowID);
     if (!window) return;
     alt_is_alone = false;
-    const int y = event.y - StripHeight(*window);
+    const POINT place = ToClient(*window, {event.x, event.y});
     const bool down = event.type == SDL_MOUSEBUTTONDOWN;
-    if (down && y < 0 && !window->modal) {
-        Messages().Post({window, WM_SYSCOMMAND, SC_MOUSEMENU, PackWords(event.x, y)});
+    if (down && place.y < 0 && !window->modal) {
+        Messages().Post({window, WM_SYSCOMMAND, SC_MOUSEMENU, PackWords(place.x, place.y)});
     } else {
-        Messages().Post({window, down ? WM_LBUTTONDOWN : WM_LBUTTONUP, 0, PackWords(event.x, y)});
+        Messages().Post({window, down ? WM_LBUTTONDOWN : WM_LBUTTONUP, 0, PackWords(place.x, place.y)});
     }
 }
 
 void QueueMotion(const SDL_MouseMotionEvent& event) {
     const HWND window = WindowFromId(event.windowID);
-    if (window) Messages().Post({window, WM_MOUSEMOVE, 0, PackWords(event.x, event.y - StripHeight(*window))});
+    if (!window) return;
+    const POINT place = ToClient(*window, {event.x, event.y});
+    Messages().Post({window, WM_MOUSEMOVE, 0, PackWords(place.x, place.y)});
 }
 
 }   // namespace

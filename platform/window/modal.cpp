@@ -23,7 +23,7 @@ bool HandToView(HWND window, ModalView& view, const MSG& message) {
     if (!IsInput(message.message)) return false;
     TranslateMessage(message);
     const bool is_mouse = message.message >= WM_MOUSEMOVE && message.message <= WM_LBUTTONUP;
-    const POINT place = {LowWord(message.lParam), HighWord(message.lParam) + StripHeight(*window)};
+    const POINT place = ToWindow(*window, {LowWord(message.lParam), HighWord(message.lParam)});
     if (window->gui) window->gui->Feed(message, place);
     if (is_mouse) view.Mouse(message.message, place);
     if (message.message == WM_KEYDOWN) view.Key(message.wParam);

@@ -61,12 +61,25 @@ std::pair<int, int> DefaultSize(int monitor, float scale, int strip) {
     const int width = static_cast<int>(kDefaultWidth * scale);
     const int height = static_cast<int>(kDefaultHeight * scale) + strip;
     SDL_Rect room = {0, 0, 0, 0};
-    if (SDL_GetDisplayUsableBounds(monitor, &room) != 0 || room.w <= 0) return {width, height};
+    if (DriverIsInvisible() || SDL_GetDisplayUsableBounds(monitor, &room) != 0) return {width, height};
     return {std::min(width, static_cast<int>(static_cast<float>(room.w) * kMostOfMonitor)),
             std::min(height, static_cast<int>(static_cast<float>(room.h) * kMostOfMonitor))};
 }
 
 int MonitorOf(SDL_Window* native) { return std::max(SDL_GetWindowDisplayIndex(native), 0); }
+
+bool IsFullScreen(const Window& window) { return (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0; }
+
+/// Whether the window shows a picture of a size of its own.
+bool IsStretched(const Window& window) { return IsFullScreen(window) && window.full_screen_size.x > 0; }
+
+POINT SizeOf(const Window& window) {
+    POINT size = {0, 0};
+    SDL_GetWindowSize(window.native, &size.x, &size.y);
+    return {std::max(size.x, 1), std::max(size.y, 1)};
+}
+
+POINT Stretch(POINT place, POINT from, POINT to) { return {place.x * to.x / from.x, place.y * to.y / from.y}; }
 
 bool IsMinimised(HWND window) { return (SDL_GetWindowFlags(window->native) & SDL_WINDOW_MINIMIZED) != 0; }
 
@@ -181,8 +194,7 @@ int StripHeightAt(float scale) {
 }
 
 int StripHeight(const Window& window) {
-    const bool full_screen = (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0;
-    return full_screen || window.menu.empty() ? 0 : StripHeightAt(window.scale);
+    return IsFullScreen(window) || window.menu.empty() ? 0 : StripHeightAt(window.scale);
 }
 
 bool TakeMonitorScale(Window& window) {
@@ -196,8 +208,22 @@ bool TakeMonitorScale(Window& window) {
 void GetClientRect(HWND window, RECT& rectangle) {
     rectangle = {0, 0, 0, 0};
     if (IsMinimised(window)) return;
-    SDL_GetWindowSize(window->native, &rectangle.right, &rectangle.bottom);
-    rectangle.bottom = std::max(rectangle.bottom - StripHeight(*window), 0);
+    const POINT size = IsStretched(*window) ? window->full_screen_size : SizeOf(*window);
+    rectangle = {0, 0, size.x, std::max(size.y - StripHeight(*window), 0)};
+}
+
+void SetFullScreenSize(HWND window, int width, int height) {
+    if (IsWindow(window)) window->full_screen_size = {width, height};
+}
+
+POINT ToClient(const Window& window, POINT place) {
+    if (IsStretched(window)) return Stretch(place, SizeOf(window), window.full_screen_size);
+    return {place.x, place.y - StripHeight(window)};
+}
+
+POINT ToWindow(const Window& window, POINT place) {
+    if (IsStretched(window)) return Stretch(place, window.full_screen_size, SizeOf(window));
+    return {place.x, place.y + StripHeight(window)};
 }
 
 void ShowCursor(bool show) {
@@ -218,7 +244,7 @@ bool IsForegroundWindow(HWND window) {
 
 LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_SYSCOMMAND) {
-        const POINT place = {LowWord(lParam), HighWord(lParam) + StripHeight(*window)};
+        const POINT place = ToWindow(*window, {LowWord(lParam), HighWord(lParam)});
         if (wParam == SC_KEYMENU) TrackMenu(window, static_cast<char>(lParam), nullptr);
         if (wParam == SC_MOUSEMENU) TrackMenu(window, 0, &place);
     }

@@ -113,6 +113,10 @@ bool DrawMenuBar(HWND window);
 /// Empty: the device goes.
 void SetWindowPicture(HWND window, std::function<bool()> draw_picture);
 
+/// For the device layer alone: in full screen the client area has the size of the device's picture, which is stretched
+/// over the monitor. 0 x 0: not full screen.
+void SetFullScreenSize(HWND window, int width, int height);
+
 /// For the keyboard layer: turns what the system has into queued messages and dispatches none.
 void CollectEvents();
 /// For the keyboard layer: whether keys go to the window. Always true where there is no focus at all.

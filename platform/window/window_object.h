@@ -31,6 +31,7 @@ struct Window {
     MenuTemplate menu;
     MenuState menu_state;
     ModalView* modal = nullptr;           // what holds its input
+    POINT full_screen_size = {0, 0};      // of the device's picture, stretched over the monitor; 0 x 0: windowed
     std::function<bool()> draw_picture;   // the device's: draws the frame presented last; false when there is none
     void* device_context = nullptr;       // borrowed, the device's OpenGL context
     std::vector<PaintedText> painted;     // since BeginPaint
@@ -54,6 +55,11 @@ void ChooseOpenGL();
 /// The height of a menu bar, and what that of a window takes off its client area: nothing in full screen.
 int StripHeightAt(float scale);
 int StripHeight(const Window& window);
+
+/// A point of the client area and the same one of the window, in the system's pixels. They differ by the menu bar, and
+/// in full screen by the size of the picture.
+POINT ToClient(const Window& window, POINT place);
+POINT ToWindow(const Window& window, POINT place);
 
 /// After the window has come to another monitor: menu and dialogs take on its scale. True when that is another one.
 bool TakeMonitorScale(Window& window);

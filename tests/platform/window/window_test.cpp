@@ -12,6 +12,7 @@
 namespace sparkrig {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::Field;
 
@@ -168,6 +169,19 @@ TEST_F(WindowTest, ClicksCarrySignedClientCoordinates) {
     EXPECT_EQ(received[0].lParam, (70 << 16) | 300);
     EXPECT_EQ(static_cast<std::int16_t>(received[1].lParam & 0xFFFF), -3);
     EXPECT_EQ(static_cast<std::int16_t>(received[1].lParam >> 16), -8);
+}
+
+TEST_F(WindowTest, APictureStretchedOverTheScreenHasItsOwnCoordinates) {
+    SDL_SetWindowFullscreen(NativeWindow(window_), SDL_WINDOW_FULLSCREEN_DESKTOP);
+    SetFullScreenSize(window_, 400, 300);
+    int width = 0, height = 0;
+    SDL_GetWindowSize(NativeWindow(window_), &width, &height);
+    PushMouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, width / 2, height / 4);
+    RECT client;
+    GetClientRect(window_, client);
+    EXPECT_EQ(client, (RECT{0, 0, 400, 300}));
+    HandleAll();
+    EXPECT_THAT(received, Contains(::testing::AllOf(Is(WM_LBUTTONDOWN, 0), Field(&MSG::lParam, 75 << 16 | 200))));
 }
 
 TEST_F(WindowTest, FocusAndSizeBecomeMessages) {
