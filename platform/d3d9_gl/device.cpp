@@ -46,6 +46,7 @@ Device::Device(std::shared_ptr<GlContext> context, const PresentWindow& window, 
 Device::~Device() {
     const bool active = context_->Activate();
     presenter_.OfferPicture(nullptr);
+    presenter_.LeaveFullScreen();   // what follows, a message box maybe, could not be seen behind it
     if (quad_indices_ != 0 && active) glDeleteBuffers(1, &quad_indices_);
 }
 

@@ -65,13 +65,14 @@ void Presenter::SetInterval(DWORD presentation_interval) {
     SDL_GL_SetSwapInterval(SwapInterval(presentation_interval));
 }
 
-void Presenter::SetScreen(const D3DPRESENT_PARAMETERS& parameters) {
+void Presenter::LeaveFullScreen() {
+    window_.set_full_screen_size(0, 0);
     const bool is_full = (SDL_GetWindowFlags(window_.native) & SDL_WINDOW_FULLSCREEN) != 0;
-    if (parameters.Windowed) {
-        window_.set_full_screen_size(0, 0);
-        if (is_full) SDL_SetWindowFullscreen(window_.native, 0);
-        return;
-    }
+    if (is_full) SDL_SetWindowFullscreen(window_.native, 0);
+}
+
+void Presenter::SetScreen(const D3DPRESENT_PARAMETERS& parameters) {
+    if (parameters.Windowed) return LeaveFullScreen();
     SDL_DisplayMode wanted = {}, found = {};
     wanted.w = static_cast<int>(parameters.BackBufferWidth);
     wanted.h = static_cast<int>(parameters.BackBufferHeight);

@@ -29,6 +29,7 @@ class Presenter {
     void SetInterval(DWORD presentation_interval);
     /// Windowed when the parameters say so.
     void SetScreen(const D3DPRESENT_PARAMETERS& parameters);
+    void LeaveFullScreen();
     void SetGammaRamp(const D3DGAMMARAMP& ramp);
 
     /// True when OpenGL states were changed on the way.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "platform/window/gui_style.h"
 #include "platform/window/modal.h"
 #include "platform/window/virtual_keys.h"
 #include "platform/window/window_object.h"
@@ -87,20 +88,24 @@ class MessageBoxView : public ModalView {
     bool done_ = false;
 };
 
-ImVec2 RoomOnScreen(HWND owner) {
+int MonitorFor(HWND owner) { return owner ? std::max(SDL_GetWindowDisplayIndex(owner->native), 0) : 0; }
+
+ImVec2 RoomOnScreen(int monitor) {
     SDL_Rect room = {0, 0, 640, 480};
-    const int display = owner ? SDL_GetWindowDisplayIndex(owner->native) : 0;
-    SDL_GetDisplayUsableBounds(std::max(display, 0), &room);
+    SDL_GetDisplayUsableBounds(monitor, &room);
     return {static_cast<float>(room.w) * kShareOfScreen, static_cast<float>(room.h) * kShareOfScreen};
 }
 
 void ShowBox(HWND owner, MessageBoxView& view, SDL_Window* native) {
+    const int monitor = MonitorFor(owner);
     const HWND box = AddWindow(native, DefWindowProcA);
+    box->scale = DesktopScale(monitor);
     box->gui = Gui::Create(native, nullptr, box->scale);
     if (box->gui) {
-        const ImVec2 size = view.Fit(*box->gui, RoomOnScreen(owner));
+        const ImVec2 size = view.Fit(*box->gui, RoomOnScreen(monitor));
         SDL_SetWindowSize(native, static_cast<int>(size.x), static_cast<int>(size.y));
-        SDL_SetWindowPosition(native, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        const int middle = static_cast<int>(SDL_WINDOWPOS_CENTERED_DISPLAY(static_cast<unsigned>(monitor)));
+        SDL_SetWindowPosition(native, middle, middle);
         if (owner) SDL_SetWindowModalFor(native, owner->native);
         ShowWindow(box);
         RunModal(box, view);

@@ -35,7 +35,7 @@ pids+=("$program_pid")
 shows_box 'VisualEffectSystem: No effects in effect file'
 
 write_effects one
-start_program
+start_program /full
 echo '}' >>"$work/data/cfg/effects.cfg"
 xdotool keydown r
 shows_box 'ConfigFileReader:'
