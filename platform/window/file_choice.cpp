@@ -7,6 +7,7 @@
 
 #include "platform/system/ascii.h"
 #include "platform/window/file_choice_object.h"
+#include "platform/window/window_object.h"
 
 namespace sparkrig {
 
@@ -40,7 +41,8 @@ bool GetOpenFileNameA(const OPENFILENAMEA& choice) {
     const std::vector<FileFilter> filters = SplitFilters(choice.lpstrFilter);
     const std::size_t longest = static_cast<std::size_t>(choice.nMaxFile) - 1;
     std::optional<std::string> path;
-    if (HasDisplay()) path = AskDesktop(choice.lpstrTitle, filters);
+    // Another window takes the focus, and full screen ends with it.
+    if (HasDisplay() && !IsFullScreen(*choice.hwndOwner)) path = AskDesktop(choice.lpstrTitle, filters);
     if (!path) path = AskInDialog(choice.hwndOwner, choice.lpstrTitle, filters, longest);
     if (path->empty() || path->size() > longest) return false;
     std::memcpy(choice.lpstrFile, path->c_str(), path->size() + 1);

@@ -38,7 +38,8 @@ std::string Joined(const std::vector<std::string>& patterns) {
 }
 
 std::vector<std::string> ZenityWords(const char* title, const std::vector<FileFilter>& filters) {
-    std::vector<std::string> words = {"zenity", "--file-selection", std::string("--title=") + title};
+    std::vector<std::string> words = {"zenity", "--file-selection", "--filename=" + GetCurrentDirectoryA() + "/",
+                                      std::string("--title=") + title};
     for (const FileFilter& filter : filters) {
         words.push_back("--file-filter=" + filter.name + " | " + Joined(filter.patterns));
     }

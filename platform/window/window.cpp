@@ -68,8 +68,6 @@ std::pair<int, int> DefaultSize(int monitor, float scale, int strip) {
 
 int MonitorOf(SDL_Window* native) { return std::max(SDL_GetWindowDisplayIndex(native), 0); }
 
-bool IsFullScreen(const Window& window) { return (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0; }
-
 /// Whether the window shows a picture of a size of its own.
 bool IsStretched(const Window& window) { return IsFullScreen(window) && window.full_screen_size.x > 0; }
 
@@ -192,6 +190,8 @@ int StripHeightAt(float scale) {
     constexpr float kHeight = 26;
     return static_cast<int>(kHeight * scale);
 }
+
+bool IsFullScreen(const Window& window) { return (SDL_GetWindowFlags(window.native) & SDL_WINDOW_FULLSCREEN) != 0; }
 
 int StripHeight(const Window& window) {
     return IsFullScreen(window) || window.menu.empty() ? 0 : StripHeightAt(window.scale);

@@ -52,6 +52,8 @@ const std::vector<std::unique_ptr<Window>>& Windows();
 /// Sets the attributes of the OpenGL contexts made from now on.
 void ChooseOpenGL();
 
+bool IsFullScreen(const Window& window);
+
 /// The height of a menu bar, and what that of a window takes off its client area: nothing in full screen.
 int StripHeightAt(float scale);
 int StripHeight(const Window& window);
