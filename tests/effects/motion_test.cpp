@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "effects/sine.h"
+#include "tests/effects/reference.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
@@ -37,21 +37,10 @@ TEST(Sine, AgreesWithTheLibraryAtEveryAngle) {
 
 // ---- The plain reference: every formula in double, one instance, one stage after the other
 
-struct Vec {
-    double x = 0, y = 0, z = 0;
-};
-Vec operator+(const Vec& a, const Vec& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-Vec operator*(const Vec& a, const Vec& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
-Vec ToVec(const D3DXVECTOR3& v) { return {v.x, v.y, v.z}; }
-double Length(const Vec& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
-
 /// v turned about a unit axis (Rodrigues).
 Vec Rotated(const Vec& v, const Vec& axis, double angle) {
     const double c = std::cos(angle), s = std::sin(angle);
-    const double along = (1 - c) * (v.x * axis.x + v.y * axis.y + v.z * axis.z);
-    return {v.x * c + (axis.y * v.z - axis.z * v.y) * s + axis.x * along,
-            v.y * c + (axis.z * v.x - axis.x * v.z) * s + axis.y * along,
-            v.z * c + (axis.x * v.y - axis.y * v.x) * s + axis.z * along};
+    return c * v + s * Cross(axis, v) + (1 - c) * Dot(v, axis) * axis;
 }
 
 /// A Hermite curve through its keys: each slope is the mean of those to both neighbours, times the own interval.
@@ -67,7 +56,7 @@ Vec CurveAt(const std::vector<std::pair<double, Vec>>& keys, double loop_end, do
     const auto rise = [&](std::size_t k) {   // from key k to the next, and the time that it takes
         const std::size_t next = k == last ? 0 : k + 1;
         const double time = (k == last ? loop_end : keys[next].first) - keys[k].first;
-        return std::pair(keys[next].second + keys[k].second * Vec{-1, -1, -1}, time);
+        return std::pair(keys[next].second + -1 * keys[k].second, time);
     };
     const auto slope = [&](std::size_t k) {
         Vec sum;
@@ -75,17 +64,16 @@ Vec CurveAt(const std::vector<std::pair<double, Vec>>& keys, double loop_end, do
         for (const bool before : {true, false}) {
             if (!loops && k == (before ? 0 : last)) continue;
             const auto [step, time] = rise(before ? (k == 0 ? last : k - 1) : k);
-            sum = sum + step * Vec{1 / time, 1 / time, 1 / time};
+            sum = sum + 1 / time * step;
             ++sides;
         }
-        return sum * Vec{1.0 / sides, 1.0 / sides, 1.0 / sides};
+        return 1.0 / sides * sum;
     };
     const auto [step, time] = rise(i);
     const std::size_t next = i == last ? 0 : i + 1;
     const double s = (t - keys[i].first) / time, s2 = s * s, s3 = s2 * s;
-    const auto times = [](const Vec& v, double f) { return v * Vec{f, f, f}; };
-    return times(keys[i].second, 2 * s3 - 3 * s2 + 1) + times(keys[next].second, 3 * s2 - 2 * s3) +
-           times(slope(i), (s3 - 2 * s2 + s) * time) + times(slope(next), (s3 - s2) * time);
+    return (2 * s3 - 3 * s2 + 1) * keys[i].second + (3 * s2 - 2 * s3) * keys[next].second +
+           (s3 - 2 * s2 + s) * time * slope(i) + (s3 - s2) * time * slope(next);
 }
 
 /// What was thrown at both, in the words of the effects file.
@@ -129,14 +117,12 @@ Vec StageAt(const Stage& stage, double t, double c, const MotionRandoms& r) {
     if (m.type != AnimationType::Bezier) v = v * ToVec(m.scale);
     if (m.rotation_angle != 0 || m.offset != D3DXVECTOR3()) {
         const Vec axis = ToVec(m.rotation_axis);
-        const double length = Length(axis);
-        v = length > 0 ? Rotated(v, axis * Vec{1 / length, 1 / length, 1 / length}, m.rotation_angle)
-                       : v * Vec{std::cos(m.rotation_angle), std::cos(m.rotation_angle), std::cos(m.rotation_angle)};
+        v = Length(axis) > 0 ? Rotated(v, Unit(axis), m.rotation_angle) : std::cos(m.rotation_angle) * v;
         v = v + ToVec(m.offset);
     }
     const double w = m.time_scale_uses_stage_time ? u : t;
     const double factor = m.time_scale.linear * w + m.time_scale.constant + (w > 0 ? m.time_scale.inverse / w : 0);
-    return v * Vec{factor, factor, factor};
+    return factor * v;
 }
 
 Vec ChannelAt(const std::vector<Stage>& stages, double start, double t, double c, const MotionRandoms& r) {
@@ -148,8 +134,7 @@ Vec ChannelAt(const std::vector<Stage>& stages, double start, double t, double c
             case ConcatType::Add: sum = sum + v; break;
             case ConcatType::Multiply: sum = sum * v; break;
             case ConcatType::Rotate:
-                if (length > 0)
-                    sum = Rotated(sum, v * Vec{1 / length, 1 / length, 1 / length}, length * 0.01745329238474369);
+                if (length > 0) sum = Rotated(sum, Unit(v), length * 0.01745329238474369);
         }
     }
     return sum;
@@ -158,21 +143,6 @@ Vec ChannelAt(const std::vector<Stage>& stages, double start, double t, double c
 double MirrorSign(bool mirrored, float random) { return mirrored && static_cast<int>(random * 100) % 2 != 0 ? -1 : 1; }
 
 // ---- Random definitions
-
-class Dice {
-  public:
-    explicit Dice(unsigned seed) : generator_(seed) {}
-    float Between(float low, float high) { return std::uniform_real_distribution<float>(low, high)(generator_); }
-    int Below(int end) { return static_cast<int>(generator_() % static_cast<unsigned>(end)); }
-    bool OneIn(int sides) { return Below(sides) == 0; }
-    D3DXVECTOR3 Vector(float most) { return {Between(-most, most), Between(-most, most), Between(-most, most)}; }
-    void Randoms(MotionRandoms& r) {
-        for (float& value : r) value = Between(0, 1);
-    }
-
-  private:
-    std::mt19937 generator_;
-};
 
 void AddCurve(Dice& dice, Stage& stage) {
     const int keys = 1 + dice.Below(dice.OneIn(8) ? 40 : 6);
@@ -243,7 +213,7 @@ TEST(Motion, IsThatOfThePlainReferenceForRandomDefinitions) {
         const D3DXVECTOR3 start_axis = dice.Vector(1);
         D3DXQuaternionRotationAxis(&sub.start_rotation, &start_axis, dice.Between(-3, 3));
         MotionRandoms r;
-        dice.Randoms(r);
+        for (float& random : r) random = dice.Between(0, 1);
         const double t = dice.Between(0, 2);
         const float c = dice.Between(0, 1);
 
@@ -262,7 +232,7 @@ TEST(Motion, IsThatOfThePlainReferenceForRandomDefinitions) {
             const Vec v = StageAt(stage, t, c, r);
             const double length = Length(v);
             angle += v.x;
-            if (length > 0) probe = Rotated(probe, v * Vec{1 / length, 1 / length, 1 / length}, length * sign);
+            if (length > 0) probe = Rotated(probe, Unit(v), length * sign);
         }
         ExpectNear({EvalRotationAngle(sub, t, c, r), 0, 0}, {angle * sign, 0, 0}, what + " angle");
         D3DXMATRIX matrix;

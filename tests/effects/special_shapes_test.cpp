@@ -4,24 +4,15 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <random>
 
 #include "base/random.h"
+#include "tests/effects/reference.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
 
 constexpr double kTurn = 6.2832;
-
-struct Vec {
-    double x = 0, y = 0, z = 0;
-};
-Vec operator+(const Vec& a, const Vec& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-Vec operator*(double s, const Vec& v) { return {s * v.x, s * v.y, s * v.z}; }
-Vec Cross(const Vec& a, const Vec& b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
-Vec ToVec(const D3DXVECTOR3& v) { return {v.x, v.y, v.z}; }
-Vec Unit(const Vec& v) { return 1 / std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z) * v; }
 
 struct Colour {
     double a, r, g, b;
@@ -173,24 +164,21 @@ class Reference {
     std::vector<Point> points_;
 };
 
-SpecialShape RandomShape(SpecialType type, std::mt19937& generator) {
-    const auto between = [&](float low, float high) {
-        return std::uniform_real_distribution<float>(low, high)(generator);
-    };
+SpecialShape RandomShape(SpecialType type, Dice& dice) {
     SpecialShape shape;
     shape.type = type;
-    shape.position = {between(-50, 50), between(-50, 50), between(-50, 50)};
+    shape.position = dice.Vector(50);
     D3DXMATRIX axes;
-    const D3DXVECTOR3 axis(between(-1, 1), between(-1, 1), between(-1, 1));
-    D3DXMatrixRotationAxis(&axes, &axis, generator() % 4 == 0 ? 0 : between(-3, 3));
+    const D3DXVECTOR3 axis = dice.Vector(1);
+    D3DXMatrixRotationAxis(&axes, &axis, dice.OneIn(4) ? 0 : dice.Between(-3, 3));
     shape.forward = {axes.m[0][0], axes.m[0][1], axes.m[0][2]};
     shape.up = {axes.m[2][0], axes.m[2][1], axes.m[2][2]};
-    shape.age = between(0, generator() % 3 == 0 ? 200 : 3);
-    shape.scale = {between(0.5f, 60), between(0.5f, 60), between(0.5f, 60)};
-    shape.count = static_cast<int>(generator() % 3 == 0 ? generator() % 8 : generator() % 300);
-    shape.first = static_cast<std::uint32_t>(generator());
-    shape.second = static_cast<std::uint32_t>(generator());
-    shape.seed = static_cast<int>(generator() % 101);
+    shape.age = dice.Between(0, dice.OneIn(3) ? 200 : 3);
+    shape.scale = {dice.Between(0.5f, 60), dice.Between(0.5f, 60), dice.Between(0.5f, 60)};
+    shape.count = dice.Below(dice.OneIn(3) ? 8 : 300);
+    shape.first = dice.Word();
+    shape.second = dice.Word();
+    shape.seed = dice.Below(101);
     return shape;
 }
 
@@ -199,12 +187,12 @@ constexpr SpecialType kTypes[] = {SpecialType::None,     SpecialType::Flame,  Sp
                                   SpecialType::Firework, SpecialType::Splash, SpecialType::Smoke};
 
 TEST(SpecialShapes, AreThoseOfTheSlowReference) {
-    std::mt19937 generator(7);
+    Dice dice(7);
     SeedRandom(3);
     for (int round = 0; round < 900; ++round) {
         RandomTable table;
         table.Draw();
-        const SpecialShape shape = RandomShape(kTypes[round % 9], generator);
+        const SpecialShape shape = RandomShape(kTypes[round % 9], dice);
         KRN_PointVertex found[kSpecialPoints];
         const std::vector<Point> expected = Reference(shape, table).Points();
         ASSERT_EQ(static_cast<std::size_t>(WriteShape(shape, table, found)), expected.size()) << round;

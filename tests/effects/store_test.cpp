@@ -15,6 +15,7 @@
 #include "effects/packed_colour.h"
 #include "scene/object_3d.h"
 #include "tests/effects/definitions_builder.h"
+#include "tests/effects/reference.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
@@ -22,25 +23,14 @@ namespace {
 
 struct TestReporter : ErrorClass {};
 
-class Dice {
-  public:
-    explicit Dice(unsigned seed) : state_(seed) {}
-    unsigned Below(unsigned end) { return (state_ = state_ * 1664525u + 1013904223u) / 65536u % end; }
-    float Between(float low, float high) { return low + (high - low) * static_cast<float>(Below(10000)) / 10000; }
-    bool OneIn(unsigned sides) { return Below(sides) == 0; }
-
-  private:
-    unsigned state_;
-};
-
-constexpr unsigned kEffects = 6;
-std::string EffectName(unsigned number) { return "e" + std::to_string(number); }
+constexpr int kEffects = 6;
+std::string EffectName(int number) { return "e" + std::to_string(number); }
 
 VisualEffectMotion RandomStage(Dice& dice) {
     VisualEffectMotion stage;
     stage.type = static_cast<AnimationType>(1 + dice.Below(12));
     stage.concat = static_cast<ConcatType>(dice.Below(3));
-    stage.scale = {dice.Between(-2, 2), dice.Between(-2, 2), dice.Between(-2, 2)};
+    stage.scale = dice.Vector(2);
     stage.time_count_offset = dice.OneIn(2) ? dice.Between(0, 1) : 0;
     for (float time = 0; time < 2; time += 0.7f) stage.curve.AddKey(time, {dice.Between(0, 1), 0.5f, time});
     stage.curve.ComputeTangents(1);
@@ -49,7 +39,6 @@ VisualEffectMotion RandomStage(Dice& dice) {
 
 /// A node with some tracks, once or in a loop.
 std::shared_ptr<const KRN_3dObject> RandomNode(Dice& dice) {
-    const auto vector = [&] { return D3DXVECTOR3(dice.Between(-3, 3), dice.Between(-3, 3), dice.Between(-3, 3)); };
     auto node = std::make_shared<KRN_3dObject>();
     node->SetPosition(1, -2, 3, false);
     for (float time = 0.2f; time < 1; time += 0.3f) {
@@ -57,8 +46,8 @@ std::shared_ptr<const KRN_3dObject> RandomNode(Dice& dice) {
         KRN_RotKeyData turn;
         turn.rotation = {dice.Between(-1, 1), 0.5f, dice.Between(-1, 1), 0.25f};
         node->Tracks().rotation.Add(time, KeyInterpolation::Linear, turn);
-        if (dice.OneIn(3)) node->Tracks().position.Add(time, kind, {vector(), vector(), vector()});
-        if (dice.OneIn(2)) node->Tracks().scale.Add(time, kind, {{vector(), vector(), vector()}});
+        if (dice.OneIn(3)) node->Tracks().position.Add(time, kind, {dice.Vector(3), dice.Vector(3), dice.Vector(3)});
+        if (dice.OneIn(2)) node->Tracks().scale.Add(time, kind, {{dice.Vector(3), dice.Vector(3), dice.Vector(3)}});
     }
     node->RebuildLookupTables();
     node->SetLooping(dice.OneIn(2));
@@ -69,8 +58,8 @@ std::shared_ptr<const KRN_3dObject> RandomNode(Dice& dice) {
 void FillSubEffect(Dice& dice, EffectDefinitions& definitions, SubEffect& sub) {
     for (MotionChannel* channel :
          {&sub.position_stages, &sub.rotation_stages, &sub.scale_stages, &sub.colour_stages, &sub.alpha_stages})
-        for (unsigned i = dice.Below(3); i > 0; --i) channel->Add(RandomStage(dice));
-    sub.count = static_cast<std::int32_t>(dice.OneIn(4) ? dice.Below(200) : dice.Below(4));
+        for (int i = dice.Below(3); i > 0; --i) channel->Add(RandomStage(dice));
+    sub.count = dice.Below(dice.OneIn(4) ? 200 : 4);
     sub.count_type = static_cast<CountType>(dice.Below(2));
     sub.life = dice.OneIn(12) ? 0 : dice.Between(0.1f, 1.5f);
     if (dice.OneIn(3)) {
@@ -90,18 +79,18 @@ void FillSubEffect(Dice& dice, EffectDefinitions& definitions, SubEffect& sub) {
     sub.random_reverse_rotation = dice.OneIn(2);
     if (dice.OneIn(3)) sub.transform_object = RandomNode(dice);
     if (dice.OneIn(2)) return;
-    EmitInto(sub, *definitions.effects.Find(EffectName(dice.Below(kEffects)).c_str()), dice.Between(0, 4),
-             dice.OneIn(2));
+    EmitInto(sub, *definitions.effects.Find(EffectName(dice.Below(kEffects)).c_str()),
+             dice.OneIn(8) ? 0 : dice.Between(0, 4), dice.OneIn(2));
     sub.emit.volume = {dice.Between(0, 2), dice.Between(0, 2), 0};
 }
 
 /// Effects that emit one another; how many sub-effects each has depends on the seed.
 void Define(EffectDefinitions& definitions, unsigned seed) {
     Dice dice(seed);
-    for (unsigned i = 0; i < kEffects; ++i) AddEffect(definitions, EffectName(i).c_str());
-    for (unsigned i = 0; i < kEffects; ++i) {
+    for (int i = 0; i < kEffects; ++i) AddEffect(definitions, EffectName(i).c_str());
+    for (int i = 0; i < kEffects; ++i) {
         VisualEffect& effect = *definitions.effects.Find(EffectName(i).c_str());
-        for (unsigned n = 1 + dice.Below(2); n > 0; --n) FillSubEffect(dice, definitions, AddParticle(effect));
+        for (int n = 1 + dice.Below(2); n > 0; --n) FillSubEffect(dice, definitions, AddParticle(effect));
         if (dice.OneIn(2)) FillSubEffect(dice, definitions, AddSpecial(effect));
         if (dice.OneIn(3)) FillSubEffect(dice, definitions, AddMesh(effect));
     }
@@ -344,7 +333,7 @@ std::vector<std::string> PlayRandomly(unsigned seed, Simulation& simulation) {
         if (dice.OneIn(40)) {   // a reload
             auto bindings = simulation.Unbind();
             definitions = std::make_unique<EffectDefinitions>();
-            Define(*definitions, dice.Below(9));
+            Define(*definitions, static_cast<unsigned>(dice.Below(9)));
             simulation.Rebind(bindings, *definitions);
         }
         if (dice.OneIn(25)) simulation.SetDetailLevel(dice.OneIn(2) ? 50 : 100);

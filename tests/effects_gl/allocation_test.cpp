@@ -5,11 +5,9 @@
 
 #include "base/random.h"
 #include "effects/visual_effect_system.h"
-#include "gfx/gfx.h"
 #include "platform/d3d9_gl/device_hooks.h"
-#include "platform/window/window.h"
 #include "scene/camera.h"
-#include "tests/support/canvas.h"
+#include "tests/support/drawn_gfx.h"
 
 #ifndef __SANITIZE_ADDRESS__   // which has an operator of its own
 
@@ -27,40 +25,29 @@ thread_local int allocations = 0;
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
 
-constexpr float kFrame = 1 / 60.0f;
-constexpr int kFrames = 300;
-
-LRESULT Ignore(HWND window, UINT message, WPARAM wide, LPARAM lng) {
-    return DefWindowProcA(window, message, wide, lng);
-}
-
 TEST(SampleEffects, TakeNoMemoryOnceTheyHaveRun) {
-    KeepDriverLoaded();
-    RegisterClassExA({Ignore, "STEADY"});
-    KRN_Gfx gfx;
-    gfx.InitDevice(CreateWindowExA("STEADY", "", 0, 0, 64, 64), 1, nullptr, 16, 0, 1, 0, 0);
+    DrawnGfx gfx(64, 64);
     KRN_Camera camera;
     camera.SetEye(0, 200, 100, true);
     camera.SetViewDirection(0, -2, -1, true);
-    gfx.SetView(camera);
-    gfx.SetProjection(1, 2000, 0.7854f, -1);
+    gfx->SetView(camera);
+    gfx->SetProjection(1, 2000, 0.7854f, -1);
     VisualEffectSystem system;
-    system.Init(gfx, 0);
+    system.Init(*gfx, 0);
     system.LoadEffects("cfg/effects.cfg", false);
-    gfx.BeginScene();
-    SetBlind(*gfx.Device(), true);              // what the driver takes is its own
+    gfx->BeginScene();
+    SetBlind(*gfx->Device(), true);             // what the driver takes is its own
     const auto play = [&](const char* name) {   // from the same numbers: the same instances at the same time
         SeedRandom(7);
         system.StartEffect(name, {});
         int taken = 0;
-        for (int frame = 0; frame < kFrames; ++frame) {
+        for (int frame = 0; frame < 300; ++frame) {
             const int before = allocations;
-            system.Update(kFrame);
+            system.Update(1 / 60.0f);
             system.Draw();
             taken += allocations - before;
         }

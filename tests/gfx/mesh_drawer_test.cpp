@@ -9,8 +9,10 @@
 
 #include "gfx/geometry/device_maps.h"
 #include "gfx/geometry/device_mesh.h"
+#include "gfx/geometry/skinning.h"
 #include "gfx/gfx.h"
 #include "scene/binary_scene.h"
+#include "scene/vertex_codec.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/temporary_folder.h"
@@ -191,6 +193,46 @@ TEST(DrawMesh, BonesBecomeWorldMatrices) {
         EXPECT_EQ(reports.Last(), highest == 1 ? too_high : "") << highest;
         mesh.Clear();
     }
+}
+
+/// The plain sum in double precision.
+TEST(Skinning, PlacesVerticesAtTheSumOfTheirBones) {
+    constexpr int kBones = 4;
+    KRN_Mesh mesh;
+    BuildMesh(mesh, 1, 0x111C);
+    mesh.influences = kBones;
+    KRN_3dScene scene;
+    for (int i = 0; i < kBones; ++i) {
+        const float n = static_cast<float>(i), c = std::cos(n / 4), s = std::sin(n / 4);
+        KRN_3dObject& bone = scene.helpers.Add();
+        bone.SetWorldMatrix({{{c, s, 0, 0}, {-s, c, 0, 0}, {0, 0, 0.5f, 0}, {0.1f * n, -0.05f, 0.1f, 1}}});
+        mesh.bones.emplace_back().offset = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0.1f, 0.2f, 0, 1}}};
+        mesh.bone_nodes.push_back(&bone);
+    }
+    std::vector<D3DXMATRIX> palette;
+    MakePalette(mesh, {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0.05f, -0.1f, 0.1f, 1}}}, palette);
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        const float first = 0.1f * static_cast<float>(i), weights[kBones] = {first, 0.4f, 0.25f, 0.35f - first};
+        const std::uint8_t indices[kBones] = {0, 1, 2, 3};
+        std::uint8_t* vertex = mesh.Geometry()->Vertex(i);
+        std::memcpy(vertex + 12, weights, 3 * sizeof(float));
+        std::memcpy(vertex + BoneIndexOffset(mesh.Geometry()->layout), indices, sizeof indices);
+        float p[3];
+        std::memcpy(p, vertex, sizeof p);
+        PlacedVertex placed;
+        PlaceVertices(*mesh.Geometry(), i, palette, {&placed, 1});
+        const float found[3] = {placed.position.x, placed.position.y, placed.position.z};
+        for (int axis = 0; axis < 3; ++axis) {
+            double sum = 0;
+            for (std::size_t k = 0; k < kBones; ++k) {
+                const auto& m = palette[k].m;
+                sum += double{weights[k]} *
+                       (double{p[0]} * m[0][axis] + double{p[1]} * m[1][axis] + double{p[2]} * m[2][axis] + m[3][axis]);
+            }
+            EXPECT_NEAR(found[axis], sum, 1e-5) << i << " " << axis;
+        }
+    }
+    mesh.Clear();
 }
 
 TEST(DrawMesh, PartsAreDrawnCountedOrLeftOut) {

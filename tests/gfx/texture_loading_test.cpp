@@ -267,6 +267,27 @@ TEST_F(TextureLoading, ChoosesSizeAndFilters) {
     }
 }
 
+TEST_F(TextureLoading, FormatsThatTheDeviceLacksBecomeTheNearest) {
+    gfx_.recording.refused_texture_formats.insert({D3DFMT_A8B8G8R8, D3DFMT_L8, D3DFMT_A8L8});
+    const TestPicture grey = {2, 1, {0xFF404040, 0xFF909090}};
+    const std::string swapped =
+        DdsHead({1, 1, 1, 0x41, 0, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000}) + "\x30\x20\x10\xFF";
+    const std::tuple<std::string, D3DFORMAT, D3DCOLOR> rows[] = {
+        {swapped, D3DFMT_A8R8G8B8, 0xFF302010},
+        {PngFile(grey, 1), D3DFMT_X8R8G8B8, 0xFF404040},
+        {PngFile(grey, 2), D3DFMT_A8R8G8B8, 0xFF404040},
+        {TgaFile(grey, D3DFMT_L8), D3DFMT_X8R8G8B8, 0xFF404040}};
+    Settings().sharing = false;
+    for (const auto& [file, format, pixel] : rows) {
+        WriteFile("a.png", file);
+        for (const int target : {3, 0}) {
+            Load("a.png", target);
+            EXPECT_EQ(texture_.Format(), format);
+        }
+        EXPECT_EQ(PixelAt(0, 0), pixel);
+    }
+}
+
 TEST_F(TextureLoading, FollowsTheDevicesCapabilities) {
     gfx_.Destroy();
     RecordedGfx poor([](Recording& recording) { recording.caps.TextureCaps = D3DPTEXTURECAPS_POW2; });

@@ -3,21 +3,14 @@
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 
 #include "gfx/device/surface.h"
-#include "gfx/gfx.h"
 #include "gfx/shaders/shader_effect.h"
-#include "platform/window/window.h"
-#include "tests/support/canvas.h"
+#include "tests/support/drawn_gfx.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-LRESULT Ignore(HWND window, UINT message, WPARAM wide, LPARAM lng) {
-    return DefWindowProcA(window, message, wide, lng);
-}
 
 constexpr char kStart[] = R"(
 float4 Inverse : InvViewPortDim;
@@ -53,24 +46,13 @@ technique {
 
 class ScreenBufferPicture : public TemporaryFolder {
   protected:
-    static void SetUpTestSuite() {
-        KeepDriverLoaded();
-        RegisterClassExA({Ignore, "SCREEN"});
-        window_ = CreateWindowExA("SCREEN", "", 0, 0, 160, 120);
-        gfx_ = std::make_unique<KRN_Gfx>();
-        gfx_->InitDevice(window_, 1, nullptr, 16, 0, 1, 0, 0);
-    }
-    static void TearDownTestSuite() { gfx_.reset(); }
-
     ScreenBufferPicture() { Resize(96, 64); }
-    ~ScreenBufferPicture() override { gfx_->ReleasePostRenderEffects(); }
 
     void Resize(int width, int height) {
-        SDL_SetWindowSize(NativeWindow(window_), width, height);
+        SDL_SetWindowSize(NativeWindow(gfx_.window), width, height);
         gfx_->PresentFrame();
         width_ = width;
         height_ = height;
-        gfx_->SetViewPort(0, 0, width, height, 0, 1);
     }
     void Load(KRN_ShaderEffect& effect, const char* text) {
         const std::string name = "t" + std::to_string(++files_) + ".fx";
@@ -84,7 +66,7 @@ class ScreenBufferPicture : public TemporaryFolder {
         const DWORD column = static_cast<DWORD>(x) / 4, row = static_cast<DWORD>(y) / 4;
         return Argb(255, column * 88 % 256, row * 60 % 256, (column + row) % 2 * 120 + 40);
     }
-    void Paint() const {
+    void Paint() {
         for (int y = 0; y < height_; y += 4) {
             for (int x = 0; x < width_; x += 4) {
                 const D3DRECT block = {x, y, x + 4, y + 4};
@@ -117,15 +99,21 @@ class ScreenBufferPicture : public TemporaryFolder {
         }
         EXPECT_EQ(wrong, 0);
     }
-    void ExpectScreen(const Formula& formula, int tolerance = 1) const {
+    void ExpectScreen(const Formula& formula, int tolerance = 1) {
         Expect(ReadBackBuffer(*gfx_->Device()), formula, tolerance);
     }
 
-    /// Inside the scene the copy is of the scene, on its way to the screen it is the scene.
-    void CheckSceneTexture() {
-        KRN_ShaderEffect invert;
-        Load(invert, kInvert);
-        const Rgb screen = {90, 60, 30};
+    DrawnGfx gfx_{160, 120};
+    int width_ = 0, height_ = 0, files_ = 0;
+};
+
+/// Inside the scene the copy is of the scene, on its way to the screen it is the scene.
+TEST_F(ScreenBufferPicture, TheSceneReachesTheScreenThroughItsTexture) {
+    KRN_ShaderEffect invert;
+    Load(invert, kInvert);
+    const Rgb screen = {90, 60, 30};
+    for (const bool multisample : {false, true}) {
+        gfx_->SetMultisampleTarget(multisample);
         gfx_->BeginScene();   // without post-render effects
         gfx_->Clear(Argb(255, 90, 60, 30), 1, nullptr);
         gfx_->EndScene();
@@ -140,36 +128,22 @@ class ScreenBufferPicture : public TemporaryFolder {
         Expect(ReadTarget(*gfx_->Device(), *level), Inverted, 1);
         EXPECT_TRUE(gfx_->DrawScene(invert));
         ExpectScreen(AsPainted);
+        EXPECT_EQ(gfx_->MultisampleTarget(), multisample) << "the device has one";
         gfx_->ReleasePostRenderEffects();
     }
-    void CheckBufferPasses() {
-        KRN_ShaderEffect effect;
-        Load(effect, kBlurAndBlocks);
+}
+
+TEST_F(ScreenBufferPicture, PassesThroughBuffersGiveTheFormulaInEverySize) {
+    KRN_ShaderEffect effect;
+    Load(effect, kBlurAndBlocks);
+    for (const int width : {96, 160}) {
+        Resize(width, 80);
         gfx_->BeginScene();
         Paint();
         gfx_->DrawScreenEffect(effect);
         gfx_->EndScene();
         ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
     }
-
-    static std::unique_ptr<KRN_Gfx> gfx_;
-    static HWND window_;
-    int width_ = 0, height_ = 0;
-
-  private:
-    static int files_;
-};
-std::unique_ptr<KRN_Gfx> ScreenBufferPicture::gfx_;
-HWND ScreenBufferPicture::window_ = nullptr;
-int ScreenBufferPicture::files_ = 0;
-
-TEST_F(ScreenBufferPicture, TheSceneReachesTheScreenThroughItsTexture) { CheckSceneTexture(); }
-
-TEST_F(ScreenBufferPicture, AMultisampledSceneIsResolvedIntoItsTexture) {
-    gfx_->SetMultisampleTarget(true);
-    CheckSceneTexture();
-    EXPECT_TRUE(gfx_->MultisampleTarget()) << "the device has one";
-    gfx_->SetMultisampleTarget(false);
 }
 
 TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
@@ -188,44 +162,6 @@ TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
             return inside ? Inverted(x, y) : AsPainted(x, y);
         });
     }
-}
-
-TEST_F(ScreenBufferPicture, PassesThroughBuffersGiveTheFormula) { CheckBufferPasses(); }
-
-TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
-    KRN_ShaderEffect effect;
-    Load(effect, kBlurAndBlocks);
-    gfx_->BeginScene();
-    Paint();
-    gfx_->SetViewPort(32, 16, 64, 48, 0, 1);
-    gfx_->DrawScreenEffect(effect);
-    gfx_->EndScene();
-    const std::vector<D3DCOLOR> pixels = ReadBackBuffer(*gfx_->Device());
-    for (const int x : {4, 31, 64, 90}) EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), AsPainted(x, 30), 1)) << x;
-    for (const int x : {34, 41, 53, 62}) {   // in the middle of blocks neighbours are equal
-        const Rgb block = AsPainted(x, 30);
-        const Rgb expected = {block.r * 3 / 4, block.g * 3 / 4, block.b * 3 / 4};
-        EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), expected, 2)) << x << ": " << ToRgb(pixels[30 * 96 + x]);
-    }
-}
-
-TEST_F(ScreenBufferPicture, EverythingWorksAfterAResize) {
-    KRN_ShaderEffect kept;
-    Load(kept, kBlurAndBlocks);
-    gfx_->InitPostRenderEffects();
-    gfx_->BeginScene();
-    gfx_->DrawScreenEffect(kept);
-    gfx_->EndScene();
-    Resize(160, 80);
-    EXPECT_TRUE(gfx_->PostRenderEffects());
-    gfx_->ReleasePostRenderEffects();
-    CheckBufferPasses();
-    CheckSceneTexture();
-    gfx_->BeginScene();
-    Paint();
-    gfx_->DrawScreenEffect(kept);
-    gfx_->EndScene();
-    ExpectScreen([this](int x, int y) { return Blurred(x, y); }, 2);
 }
 
 TEST_F(ScreenBufferPicture, ListsDrawnInsideABufferPassGoThroughIt) {
