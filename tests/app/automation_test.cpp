@@ -120,6 +120,17 @@ TEST_F(AutomationTest, ACaptureIsTheFrameOfASequenceThoughNobodySawTheOnesBefore
         EXPECT_TRUE(picture != run({"--capture", "a.png", "--at", "0.15", less})) << less;
 }
 
+TEST(Halve, GivesTheMeanOfFourPixelsInEachChannel) {
+    const Picture picture = {5,
+                             2,
+                             {0xFF102030, 0xFF102034, 0xFFFFFFFF, 0x00FFFFFF, 0xFF777777,   //
+                              0xFF142030, 0xFF182038, 0xFFFFFFFF, 0x02FFFFFE, 0xFF777777}};
+    const Picture half = Halve(picture);
+    EXPECT_EQ(half.width, 2u);
+    EXPECT_EQ(half.height, 1u);
+    EXPECT_THAT(half.pixels, ElementsAre(0xFF132033, 0x80FFFFFF));
+}
+
 TEST_F(AutomationTest, TheSheetShowsEachEffectAsACaptureOfItsLiveliestMomentDoes) {
     const std::pair<const char*, const char*> kEffects[] = {{"0.24", "0.25"}, {"0.09", "0.1"}};   // fade-in, moment
     std::string effects;

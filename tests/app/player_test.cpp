@@ -1,9 +1,10 @@
 #include "app/player.h"
 
-#include <cstdlib>
+#include <algorithm>
 
 #include "app/shader_files.h"
 #include "app/tester_commands.h"
+#include "app/video_generator.h"
 #include "platform/window/window.h"
 #include "tests/support/canvas.h"
 #include "tests/support/temporary_folder.h"
@@ -45,6 +46,21 @@ class PlayerTest : public testing::Test {
     Engine engine_;
     Player player_{engine_, Tester(), Options{}};
 };
+
+TEST(VideoGenerator, KeepsToTheRowsOfTheTarget) {
+    constexpr int kSide = VideoGenerator::kSide, kRowPixels = kSide + 9;
+    constexpr D3DCOLOR kBefore = 0x12345678;
+    const FrameClock clock = FrameClock::Stepped(kAutomationStep);
+    VideoGenerator generator(clock);
+    std::vector<D3DCOLOR> dense(kSide * kSide), padded(kSide * kRowPixels, kBefore);
+    generator.Write({kSide * 4, dense.data()});
+    generator.Write({kRowPixels * 4, padded.data()});
+    for (int y = 0; y < kSide; ++y) {
+        const auto row = padded.begin() + y * kRowPixels, end = row + kRowPixels;
+        EXPECT_TRUE(std::equal(row, row + kSide, dense.begin() + y * kSide)) << y;
+        EXPECT_EQ(std::count(row + kSide, end, kBefore), kRowPixels - kSide) << y;
+    }
+}
 
 TEST_F(PlayerTest, MovingTexturesAreTheSameAfterAResetAndAReload) {
     for (const char* effect : {"brazier", "scrying mirror"}) {

@@ -90,18 +90,5 @@ TEST_F(WindowProcedureTest, MenusAndDragsPauseAndAlwaysGoOn) {
     }
 }
 
-TEST(Resources, HoldTheStrings) {
-    constexpr std::tuple<UINT, int, const char*> kRows[] = {// id, room, text
-                                                            {103, 100, "Sparkrig"},
-                                                            {106, 100, "Sparkrig"},
-                                                            {109, 100, "KRN_DEFAULT"},
-                                                            {77, 100, ""},
-                                                            {103, 4, "Spa"}};
-    for (const auto& [id, room, text] : kRows) {
-        char buffer[100];
-        EXPECT_EQ(LoadStringA(id, buffer, room), static_cast<int>(std::string(text).size()));
-        EXPECT_STREQ(buffer, text);
-    }
-}
 }   // namespace
 }   // namespace sparkrig

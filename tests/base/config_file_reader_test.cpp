@@ -1,7 +1,5 @@
 #include "base/config_file_reader.h"
 
-#include <climits>
-#include <map>
 #include <sstream>
 
 #include "tests/support/temporary_folder.h"
@@ -16,41 +14,75 @@ class ConfigFileReaderTest : public TemporaryFolder {
         reader_.SetIndexKey("desc");
         return reader_.Load("e.cfg", true);
     }
-    std::string Text(const char* key, int b = -1, int i = -1, int j = -1) {
-        char buffer[32] = "unset";
-        const int code = reader_.ReadString(key, buffer, sizeof buffer, b, i, j);
-        return code == 0 ? buffer : "code " + std::to_string(code);
-    }
-    std::string Next() {
-        char name[32] = "unset";
-        const int found = reader_.NextBlock(name, sizeof name);
-        return found ? name : std::string("none") + name;
-    }
-    /// The answers to some words: #N selects a block; next, enter, skip and exit walk; any other is a key.
+    /// The answers to some words, an error being one:
+    ///   #N         selects a block; next, enter, skip and exit walk, line is the cursor's
+    ///   KEY        the text behind it; KEY/I+J with numbers appended, KEY@B of block B; !N where the code is N
+    ///   T:KEY      a value: Number, Real, Int, Short, Flag, vectors of 2 and 3, a List of four or Two at most
     std::string Walk(const std::string& words) {
         std::istringstream stream(words);
-        std::string answers;
+        std::string answers, answer;
         for (std::string word; stream >> word;) {
-            if (word[0] == '#') {
-                reader_.SelectBlock(std::stoi(word.substr(1)));
-            } else if (word == "enter") {
-                reader_.EnterBlock();
-            } else if (word == "skip") {
-                reader_.SkipBlock();
-            } else if (word == "exit") {
-                reader_.ExitBlock();
-            } else {
-                answers += (answers.empty() ? "" : ", ") + (word == "next" ? Next() : Text(word.c_str()));
-            }
+            const std::string error = ErrorOf([&] { answer = Answer(word); });
+            if (error != "no error") answer = error.substr(std::string("ConfigFileReader: ").size());
+            if (!answer.empty()) answers += (answers.empty() ? "" : " ") + answer;
         }
         return answers;
     }
-    template <class Action>
-    void ExpectError(Action action, const std::string& message) {
-        EXPECT_EQ(ErrorOf(action), "ConfigFileReader: " + message);
-    }
 
     ConfigFileReader reader_;
+
+  private:
+    std::string Answer(const std::string& word) {
+        char name[32] = "unset";
+        if (word[0] == '#') return reader_.SelectBlock(std::stoi(word.substr(1))), "";
+        if (word == "enter") return reader_.EnterBlock(), "";
+        if (word == "skip") return reader_.SkipBlock(), "";
+        if (word == "exit") return reader_.ExitBlock(), "";
+        if (word == "line") return std::to_string(reader_.CursorLineNumber());
+        if (word == "next") return reader_.NextBlock(name, sizeof name) ? name : std::string("none") + name;
+        return word[1] == ':' ? Value(word[0], word.substr(2)) : Value('T', word);
+    }
+    static int NumberBehind(char mark, std::string& word) {
+        const std::size_t at = word.find(mark);
+        if (at == std::string::npos) return -1;
+        const int number = std::stoi(word.substr(at + 1));
+        word.resize(at);
+        return number;
+    }
+    std::string Value(char type, std::string word) {
+        const int b = NumberBehind('@', word), j = NumberBehind('+', word), i = NumberBehind('/', word);
+        const char* const key = word.c_str();
+        std::ostringstream shown;
+        shown.precision(10);
+        const auto show = [&](int code, const auto&... values) {
+            if (code != 0) return "!" + std::to_string(code);
+            const char* comma = "";
+            ((shown << comma << values, comma = ","), ...);
+            return shown.str();
+        };
+        char text[32] = "unset";
+        double number = -5;
+        int integer = -5, total = -5;
+        std::int16_t small = -5;
+        bool flag = true;
+        float pair[2] = {7, 8}, vector[3] = {7, 8, 9}, list[4] = {};
+        std::string answer;
+        switch (type) {
+            case 'T': return show(reader_.ReadString(key, text, sizeof text, b, i, j), text);
+            case 'N': answer = show(reader_.ReadNumber(key, number, b, i, j), number); break;
+            case 'R': return show(reader_.ReadFloat(key, pair[0], b, i, j), pair[0]);
+            case 'I': return show(reader_.ReadInt(key, integer, b, i, j), integer);
+            case 'S': return show(reader_.ReadShort(key, small, b, i, j), small);
+            case 'F': return show(reader_.ReadBool(key, flag, b, i, j), flag);
+            case '2': return show(reader_.ReadVector2(key, pair, b, i, j), pair[0], pair[1]);
+            case '3': answer = show(reader_.ReadVector3(key, vector, b, i, j), vector[0], vector[1], vector[2]); break;
+            default:
+                integer = reader_.ReadFloatList(key, list, type == 'L' ? 4 : 2, &total, b, i, j);
+                return show(0, integer, total, list[0], list[1], list[2], list[3]);
+        }
+        EXPECT_TRUE(answer[0] != '!' || (number == -5 && vector[0] + vector[1] + vector[2] == 24)) << "as they were";
+        return answer;
+    }
 };
 
 constexpr char kEffects[] =
@@ -77,37 +109,65 @@ constexpr char kEffects[] =
 TEST_F(ConfigFileReaderTest, FindsBlocksAndTheirIndexValues) {
     ASSERT_EQ(Load(kEffects), 0);
     EXPECT_EQ(reader_.GetBlockCount(), 2);
-    for (const auto& [block, lines] : std::map<int, int>{{0, 15}, {1, 3}, {-1, 19}, {2, -1}})
+    for (const auto& [block, lines] : {std::pair(0, 15), {1, 3}, {-1, 19}, {2, -1}})
         EXPECT_EQ(reader_.GetBlockLineCount(block), lines);
     EXPECT_EQ(reader_.FindBlock("SMOKE"), 1);
     EXPECT_EQ(reader_.FindBlock("fog"), -1);
+    EXPECT_EQ(reader_.Load("none.cfg", true), 1);
+    EXPECT_STREQ(reader_.GetErrorText(), "Can not open file none.cfg, Code:2");
+    EXPECT_EQ(Walk("desc #-1 desc next"), "!1 !1 none");
+    EXPECT_EQ(Load("#\n" + std::string(65536, 'x')), 4);
+    EXPECT_EQ(Load(""), 0);
+    EXPECT_EQ(reader_.GetBlockCount(), 0);
 }
 
-TEST_F(ConfigFileReaderTest, ReadsKeysOfBlocksAtAnyDepthWhileNoneIsSelected) {
-    Load(kEffects);
-    const std::tuple<const char*, int, const char*> kRows[] = {
-        {"texture", 0, "fire"}, {"TYPE", 0, "linear"},    {"texture", 1, "code 1"},
-        {"sound", 1, "hiss"},   {"sound", -1, "crackle"}, {"before", -1, "first"},
-        {"sound", 2, "code 2"}, {"scale", 0, "code 9"},   {"life", 0, "code 1"}};   // a comment
-    for (const auto& [key, block, text] : kRows) EXPECT_EQ(Text(key, block), text) << key << block;
+TEST_F(ConfigFileReaderTest, AnswersAWalkThroughItsBlocks) {
+    const std::string d = "#\ndesc \"d\"\n", file = " in file 'e.cfg'";
+    const std::string numbers = d + "a = 1E3\nb = 1e3\nc =x\nd =\ne = -70000.9\nf = 9e99\ng= 0.49\nh =-0.5 \n" +
+                                "i = 1234567890123456789012345678901234567890\nj \t = 7";
+    const struct {
+        std::string content, words, answers;
+    } kRows[] = {
+        // None is selected: keys of blocks at any depth, of the file, and of blocks that are not there.
+        {kEffects, "texture@0 TYPE@0 texture@1 sound@1 sound before sound@2 scale@0 life@0",
+         "fire linear !1 hiss crackle first !2 !9 !1"},
+        // One is: its keys from the cursor on, at its level.
+        {kEffects, "#0 R:scale texture next line next enter texture sound N:scale next skip texture next",
+         "2 !1 PARTICLE 6 PARTICLE fire !1 3 POSITION !1 none"},
+        {kEffects, "#0 next enter exit desc sound next skip next sound #1 sound next #-1 before next",
+         "PARTICLE !1 crackle MESH none !1 hiss none first PARTICLE"},
+        {d + "child \"a\"\nchild3 \"b\"\nchild3_0 \"c\"\n",
+         "child child+5 child/3@0 child/3+0@0 child/4@0 " + std::string(400, 'k'), "a a b c !1 !1"},
+        {numbers, "N:a N:b N:d N:z N:b@1 N:c N:j N:i", "1 1000 !1 !1 !2 0 7 1.23456789e+30"},   // 31 digits count
+        {numbers, "I:e I:f S:e S:b F:g F:h F:d", "-70000 2147483647 -32768 1000 0 1 !1"},
+        {d + "a = 1, 2 ,\t-3.5,4\nb = 1,2\nc 1,2,3\nd = 1,,3\n", "3:b 3:c 3:d 3:z 3:a@9 3:a 2:b",
+         "!1 !1 !1 !2 !2 1,2,-3.5 1,2"},
+        // Count and total, then what was read: what is missing ends the list.
+        {d + "a = 1, 2, 3\nb 4,5\nc = 6, 7,\nd = 8,,9\n", "L:a l:a L:b L:z L:c L:d",
+         "3,3,1,2,3,0 2,3,1,2,0,0 0,0,0,0,0,0 0,0,0,0,0,0 2,2,6,7,0,0 1,1,8,0,0,0"},
+        {"#A\ndesc=\"A\"\nsound=\"a\"\n##A1\nsound=\"a1\"\n##A2\ndesc=\"A2\"\n# B\ndesc=\"B\"\n##B1\ndesc=\"B1\"\n",
+         "desc@1 sound@1 sound@2 sound@4 #1 desc", "A a1 a !1 !1"},   // children inherit their parents' keys
+        {d + "A {\nB {\nx=1\n#\ndesc=\"e\"\nC {\nD {\n}\n}\n", "#0 next enter next enter desc next exit",
+         "A B !1 none Invalid ExitBlock() at line: 5" + file},   // an unfinished entry
+        {d + "NAME{\n}\n{\n}\nGOOD {\nlast \t {\n}\n}\n", "next enter #0 next enter exit",
+         "NextBlock() before block read start" + file + " Invalid EnterBlock() at line 1" + file + " Unreachable code" +
+             file + " at line 3 Invalid EnterBlock() at line 1" + file + " Invalid ExitBlock() at line: 1" + file},
+        {d + " {\n}\n", "#0 next", "Invalid block start" + file + " at line 3"}};
+    for (const auto& [content, words, answers] : kRows) {
+        ASSERT_EQ(Load(content), 0);
+        reader_.Load("e.cfg", true);   // no block is selected
+        EXPECT_EQ(Walk(words), answers) << content;
+    }
 }
 
-TEST_F(ConfigFileReaderTest, WalksSubBlocks) {
-    Load(kEffects);
-    reader_.SelectBlock(0);
-    float scale = 0;
-    EXPECT_EQ(reader_.ReadFloat("scale", scale), 0);
-    EXPECT_EQ(scale, 2);
-    EXPECT_EQ(Walk("texture next"), "code 1, PARTICLE");   // a key only inside a sub-block
-    EXPECT_EQ(reader_.CursorLineNumber(), 6);
-    EXPECT_EQ(Walk("next enter texture sound"), "PARTICLE, fire, code 1");
-    reader_.ReadFloat("scale", scale);
-    EXPECT_EQ(scale, 3);
-    EXPECT_EQ(Walk("next skip texture next"), "POSITION, code 1, none");   // a key above the cursor
-    EXPECT_EQ(Walk("exit desc sound next skip next sound"),
-              "code 1, crackle, MESH, none, code 1");   // of the next entry
-    EXPECT_EQ(Walk("#1 sound next"), "hiss, none");
-    EXPECT_EQ(Walk("#-1 before next"), "first, PARTICLE");   // the whole file
+TEST_F(ConfigFileReaderTest, ReportsBracesThatDoNotFit) {
+    constexpr const char* kRows[][2] = {{"#\na {\n}\n }\n", "Invalid '}' in file 'e.cfg' at line 4"},
+                                        {"#\na { b\n}\n", "Invalid block start/end in file 'e.cfg' at line 2"},
+                                        {"#\na {\n} \xE4\n", "Invalid block start/end in file 'e.cfg' at line 3"},
+                                        {"#\ndesc=\"{\"\n", "Invalid block start/end in file 'e.cfg' at line 2"},
+                                        {"#\ndesc=\"d\"\na {\n", "Unfinished block in file 'e.cfg'"}};
+    for (const auto& row : kRows) EXPECT_EQ(ErrorOf([&] { Load(row[0]); }), std::string("ConfigFileReader: ") + row[1]);
+    EXPECT_EQ(Load("} before the first block {\n#\ndesc=\"d\"\n; {\na {\n#\ndesc=\"e\"\n"), 0);
 }
 
 TEST_F(ConfigFileReaderTest, MatchesKeysWithTheirSeparators) {
@@ -130,87 +190,16 @@ TEST_F(ConfigFileReaderTest, MatchesKeysWithTheirSeparators) {
         WriteFile("k.cfg", line);
         ASSERT_EQ(reader_.Load("k.cfg", false), 0);
         ASSERT_EQ(reader_.BuildLineIndex(), 0);
-        EXPECT_EQ(Text(key), text) << line;
+        char buffer[32] = "";
+        const int code = reader_.ReadString(key, buffer, sizeof buffer);
+        EXPECT_EQ(code == 0 ? buffer : "code " + std::to_string(code), text) << line;
     }
-}
-
-TEST_F(ConfigFileReaderTest, AppendsNumbersToKeys) {
-    Load("#\ndesc \"d\"\nchild \"a\"\nchild3 \"b\"\nchild3_0 \"c\"\n");
-    EXPECT_EQ(Text("child"), "a");
-    EXPECT_EQ(Text("child", -1, -1, 5), "a");
-    EXPECT_EQ(Text("child", 0, 3), "b");
-    EXPECT_EQ(Text("child", 0, 3, 0), "c");
-    EXPECT_EQ(Text("child", 0, 4), "code 1");
-    EXPECT_EQ(Text(std::string(400, 'k').c_str()), "code 1");
-}
-
-TEST_F(ConfigFileReaderTest, ReadsNumbers) {
-    Load(
-        "#\ndesc \"d\"\na = 1E3\nb = 1e3\nc =x\nd =\ne = -70000.9\nf = 9e99\ng= 0.49\nh =-0.5 \n"
-        "i = 1234567890123456789012345678901234567890\nj \t = 7");
-    double number = -5;
-    const std::tuple<const char*, int, int, double> kRows[] = {
-        {"a", -1, 0, 1},    {"b", -1, 0, 1000},
-        {"d", -1, 1, 1000}, {"z", -1, 1, 1000},
-        {"b", 1, 2, 1000},  {"c", -1, 0, 0},
-        {"j", -1, 0, 7},    {"i", -1, 0, 1234567890123456789012345678901.0}};   // 31 digits count
-    for (const auto& [key, block, result, wanted] : kRows) {
-        EXPECT_EQ(reader_.ReadNumber(key, number, block), result) << key;
-        EXPECT_DOUBLE_EQ(number, wanted) << key;
-    }
-    int i = 0;
-    EXPECT_EQ(reader_.ReadInt("e", i), 0);
-    EXPECT_EQ(i, -70000);
-    reader_.ReadInt("f", i);
-    EXPECT_EQ(i, INT_MAX);
-    std::int16_t s = 0;
-    EXPECT_EQ(reader_.ReadShort("e", s), 0);
-    EXPECT_EQ(s, -32768);
-    EXPECT_EQ(reader_.ReadShort("b", s), 0);
-    EXPECT_EQ(s, 1000);
-    bool flag = true;
-    EXPECT_EQ(reader_.ReadBool("g", flag), 0);
-    EXPECT_FALSE(flag);
-    EXPECT_EQ(reader_.ReadBool("h", flag), 0);
-    EXPECT_TRUE(flag);
-    EXPECT_EQ(reader_.ReadBool("d", flag), 1);
-}
-
-TEST_F(ConfigFileReaderTest, ReadsVectors) {
-    Load("#\ndesc \"d\"\na = 1, 2 ,\t-3.5,4\nb = 1,2\nc 1,2,3\nd = 1,,3\n");
-    float vector[3] = {7, 8, 9};
-    for (const char* key : {"b", "c", "d"}) EXPECT_EQ(reader_.ReadVector3(key, vector), 1) << key;
-    EXPECT_EQ(reader_.ReadVector3("z", vector), 2);
-    EXPECT_EQ(reader_.ReadVector3("a", vector, 9), 2);
-    EXPECT_THAT(vector, ElementsAre(7, 8, 9));   // as they were
-    EXPECT_EQ(reader_.ReadVector3("a", vector), 0);
-    EXPECT_THAT(vector, ElementsAre(1, 2, -3.5f));
-    float pair[2];
-    EXPECT_EQ(reader_.ReadVector2("b", pair), 0);
-    EXPECT_THAT(pair, ElementsAre(1, 2));
-}
-
-TEST_F(ConfigFileReaderTest, ReadsListsUpToTheirCapacity) {
-    Load("#\ndesc \"d\"\na = 1, 2, 3\nb 4,5\nc = 6, 7,\nd = 8,,9\n");
-    float values[4] = {};
-    int total = -1;
-    EXPECT_EQ(reader_.ReadFloatList("a", values, 4, &total), 3);
-    EXPECT_THAT(values, ElementsAre(1, 2, 3, 0));
-    EXPECT_EQ(total, 3);
-    EXPECT_EQ(reader_.ReadFloatList("a", values + 1, 2, &total), 2);
-    EXPECT_THAT(values, ElementsAre(1, 1, 2, 0));
-    EXPECT_EQ(total, 3);
-    EXPECT_EQ(reader_.ReadFloatList("b", values, 4, &total), 0);
-    EXPECT_EQ(reader_.ReadFloatList("z", values, 4, &total), 0);
-    EXPECT_EQ(total, 0);
-    EXPECT_EQ(reader_.ReadFloatList("c", values, 4, nullptr), 2);
-    EXPECT_EQ(reader_.ReadFloatList("d", values, 4, nullptr), 1);   // what is missing ends the list
 }
 
 TEST_F(ConfigFileReaderTest, CutsTexts) {
     Load("#\ndesc \"" + std::string(9000, 'd') + "\"\nWHATALONGNAME {\n}\n");
     reader_.SelectBlock(0);
-    EXPECT_EQ(Text("desc"), std::string(31, 'd'));
+    EXPECT_EQ(Walk("desc"), std::string(31, 'd'));
     String text;
     EXPECT_EQ(reader_.ReadString("desc", text), 0);
     EXPECT_EQ(text.GetLength(), 8128);
@@ -219,16 +208,6 @@ TEST_F(ConfigFileReaderTest, CutsTexts) {
     EXPECT_STREQ(name, "WHATA");
     EXPECT_EQ(reader_.ReadString("none", text), 1);
     EXPECT_EQ(reader_.FindBlock(std::string(1023, 'd').c_str()), 0);
-}
-
-TEST_F(ConfigFileReaderTest, ChildrenInheritTheirParentsKeys) {
-    Load("#A\ndesc=\"A\"\nsound=\"a\"\n##A1\nsound=\"a1\"\n##A2\ndesc=\"A2\"\n# B\ndesc=\"B\"\n##B1\ndesc=\"B1\"\n");
-    EXPECT_EQ(Text("desc", 1), "A");
-    EXPECT_EQ(Text("sound", 1), "a1");
-    EXPECT_EQ(Text("sound", 2), "a");
-    EXPECT_EQ(Text("sound", 4), "code 1");
-    reader_.SelectBlock(1);
-    EXPECT_EQ(Text("desc"), "code 1");
 }
 
 TEST_F(ConfigFileReaderTest, WarnsOfMissingAndRepeatedIndexValues) {
@@ -241,46 +220,6 @@ TEST_F(ConfigFileReaderTest, WarnsOfMissingAndRepeatedIndexValues) {
                             "warning ConfigFileReader: 'desc' entry in 'e.cfg' (4) not unique: 'a' @e.cfg:7"));
     EXPECT_EQ(reader_.FindBlock("A"), 1);
     EXPECT_EQ(ErrorOf([&] { Load("#\ndesc=\"\"\n"); }), "SearchTree: Empty name string");
-}
-
-TEST_F(ConfigFileReaderTest, ReportsBracesThatDoNotFit) {
-    constexpr const char* kRows[][2] = {{"#\na {\n}\n }\n", "Invalid '}' in file 'e.cfg' at line 4"},
-                                        {"#\na { b\n}\n", "Invalid block start/end in file 'e.cfg' at line 2"},
-                                        {"#\na {\n} \xE4\n", "Invalid block start/end in file 'e.cfg' at line 3"},
-                                        {"#\na {}\n", "Invalid block start/end in file 'e.cfg' at line 2"},
-                                        {"#\ndesc=\"{\"\n", "Invalid block start/end in file 'e.cfg' at line 2"},
-                                        {"#\ndesc=\"d\"\na {\n", "Unfinished block in file 'e.cfg'"}};
-    for (const auto& row : kRows) ExpectError([&] { Load(row[0]); }, row[1]);
-    for (const char* fine : {"} before the first block {\n#\ndesc=\"d\"\n", "#\ndesc=\"d\"\na {\n#\ndesc=\"e\"\n",
-                             "#\ndesc=\"d\"\n; {\n}\n"})
-        EXPECT_EQ(ErrorOf([&] { Load(fine); }), "no error") << fine;
-}
-
-TEST_F(ConfigFileReaderTest, ReportsAWrongWalk) {
-    Load("#\ndesc=\"d\"\nNAME{\n}\n{\n}\nGOOD {\nlast \t {\n}\n}\n");
-    ExpectError([&] { Walk("next"); }, "NextBlock() before block read start in file 'e.cfg'");
-    ExpectError([&] { Walk("enter"); }, "Invalid EnterBlock() at line 1 in file 'e.cfg'");
-    ExpectError([&] { Walk("#0 next"); }, "Unreachable code in file 'e.cfg' at line 3");
-    ExpectError([&] { Walk("enter"); }, "Invalid EnterBlock() at line 1 in file 'e.cfg'");
-    ExpectError([&] { Walk("exit"); }, "Invalid ExitBlock() at line: 1 in file 'e.cfg'");
-    Load("#\ndesc=\"d\"\n {\n}\n");
-    ExpectError([&] { Walk("#0 next"); }, "Invalid block start in file 'e.cfg' at line 3");
-}
-
-TEST_F(ConfigFileReaderTest, StaysInsideAnUnfinishedEntry) {
-    Load("#\ndesc=\"d\"\nA {\nB {\nx=1\n#\ndesc=\"e\"\nC {\nD {\n}\n}\n");
-    EXPECT_EQ(Walk("#0 next enter next enter desc next"), "A, B, code 1, none");
-    ExpectError([&] { Walk("exit"); }, "Invalid ExitBlock() at line: 5 in file 'e.cfg'");
-}
-
-TEST_F(ConfigFileReaderTest, ReturnsTheCodesOfTheLineReader) {
-    EXPECT_EQ(reader_.Load("none.cfg", true), 1);
-    EXPECT_STREQ(reader_.GetErrorText(), "Can not open file none.cfg, Code:2");
-    EXPECT_EQ(Walk("desc #-1 desc next"), "code 1, code 1, none");
-    EXPECT_EQ(Load(std::string(8388480, '\n')), 3);
-    EXPECT_EQ(Load("#\n" + std::string(65536, 'x')), 4);
-    EXPECT_EQ(Load(""), 0);
-    EXPECT_EQ(reader_.GetBlockCount(), 0);
 }
 
 TEST_F(ConfigFileReaderTest, ReportsOfOthersNameTheKeysLine) {
@@ -303,13 +242,13 @@ TEST_F(ConfigFileReaderTest, SurvivesDeepNesting) {
     Load(content);
     reader_.SelectBlock(0);
     for (int i = 0; i < 200000; ++i) {
-        ASSERT_EQ(Next(), "A");
+        ASSERT_EQ(Walk("next"), "A");
         reader_.EnterBlock();
-        ASSERT_EQ(Text("key"), "code 1");
+        ASSERT_EQ(Walk("key"), "!1");
     }
-    EXPECT_EQ(Next(), "none");
+    EXPECT_EQ(Walk("next"), "none");
     for (int i = 0; i < 200000; ++i) reader_.ExitBlock();
-    EXPECT_EQ(Next(), "none");
+    EXPECT_EQ(Walk("next"), "none");
 }
 
 }   // namespace

@@ -3,6 +3,7 @@
 
 #include <bit>
 
+#include "gfx/device/frame_timing.h"
 #include "gfx/textures/texture.h"
 #include "tests/support/recorded_gfx.h"
 
@@ -143,14 +144,6 @@ TEST(Reset, AViewportInsideStaysAndAWholeOneFollows) {
     EXPECT_EQ(gfx->Viewport(), (D3DVIEWPORT9{0, 0, 90, 300, 0, 1}));
 }
 
-TEST(Reset, WaitsForALostDeviceAndPumpsMessages) {
-    RecordedGfx gfx;
-    gfx.recording.LoseDevice(4);
-    EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 0);
-    EXPECT_EQ(FakeEnvironment::pumped, 4);
-    EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 1);
-}
-
 TEST(Present, AResizedWindowResetsAndAMovedOneDoesNot) {
     RecordedGfx gfx;
     RECT& client = FakeEnvironment::client;
@@ -167,6 +160,31 @@ TEST(Present, AResizedWindowResetsAndAMovedOneDoesNot) {
     }
     EXPECT_EQ(gfx->Viewport().Width, 500u);
     EXPECT_NEAR(gfx->GetFrameRate(), 50, 0.5);
+}
+
+TEST(FrameTiming, MeasuresASteadyRate) {
+    for (const double rate : {24.0, 50.0, 59.0, 240.0, 1000.0}) {
+        FrameTimeRing ring;
+        for (int frame = 0; frame < 5000; ++frame) {
+            ring.Presented(70 + frame / rate);
+            EXPECT_TRUE(frame > 0 || ring.Rate() == 0.0f) << "one sample spans no time";
+        }
+        EXPECT_NEAR(ring.Rate(), rate, rate * 0.02) << rate;
+        EXPECT_EQ(ring.TotalFrames(), 5000u);
+        EXPECT_EQ(ring.LastPresent(), 70 + 4999 / rate);
+    }
+}
+
+TEST(FrameTiming, LooksAtTheLastSecondAndAtTwoSamplesAtLeast) {
+    FrameTimeRing ring;
+    double now = 30;
+    const auto rate_after = [&](int frames, double seconds) {
+        for (int frame = 0; frame < frames; ++frame) ring.Presented(now += seconds);
+        return ring.Rate();
+    };
+    EXPECT_NEAR(rate_after(40, 0.1), 10, 0.5);
+    EXPECT_NEAR(rate_after(41, 0.025), 40, 1);
+    EXPECT_NEAR(rate_after(1, 5), 1 / 5.0, 0.01) << "a stall";
 }
 
 TEST(Scene, ClearsWhatTheTargetHas) {

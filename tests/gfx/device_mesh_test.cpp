@@ -42,18 +42,6 @@ TEST(DeviceMesh, OptionsChooseThePools) {
     }
 }
 
-TEST(DeviceMesh, IsSharedByMeshesThatShareTheirGeometry) {
-    RecordedGfx gfx;
-    KRN_Mesh mesh, clone;
-    mesh.CreateGeometry({.faces = 1, .vertices = 3, .format = 0x112});
-    clone.ShareGeometry(mesh);
-    gfx->CreateMesh(mesh);
-    gfx->CreateMesh(clone);
-    EXPECT_EQ(gfx.recording.Count("CreateIndexBuffer"), 1);
-    mesh.Clear();
-    clone.Clear();
-}
-
 TEST(DeviceMesh, FailuresAreTheMeshsErrors) {
     RecordedGfx gfx;
     KRN_Mesh mesh;

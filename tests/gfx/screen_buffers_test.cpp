@@ -123,19 +123,6 @@ TEST_F(ScreenBufferTest, AMultisampleTargetIsResolvedOnDemandWhereThereIsOne) {
     EXPECT_EQ(gfx_.recording.Count("StretchRect"), 1);
 }
 
-TEST_F(ScreenBufferTest, AResizeMakesTheSceneAgainInItsNewSize) {
-    gfx_->InitPostRenderEffects();
-    gfx_.ResizeWindow(300, 200);
-    gfx_.recording.ForgetCalls();
-    EXPECT_EQ(gfx_->PresentFrame(), 0);
-    EXPECT_TRUE(gfx_->PostRenderEffects());
-    EXPECT_THAT(gfx_.recording.Methods({"Reset", "CreateTexture"}), ElementsAre("Reset", "CreateTexture"));
-    EXPECT_THAT(ArgumentsOf("CreateTexture")[0], ElementsAre(300, 200, _, _, _, _));
-    gfx_->ReleasePostRenderEffects();
-    gfx_->ResetDevice(nullptr, -1);
-    EXPECT_FALSE(gfx_->PostRenderEffects());
-}
-
 TEST_F(ScreenBufferTest, TheSceneStandsForTheScreenCopyOnItsWayToTheScreen) {
     KRN_ShaderEffect effect, other, none;
     Load(effect, kReadsCopy);
@@ -359,44 +346,6 @@ TEST_F(ScreenBufferTest, NestedPassesPutBackWhatTheyFound) {
     EXPECT_TRUE(TargetIsBackBuffer());
     EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
     EXPECT_EQ(gfx_->Viewport(), view);
-}
-
-TEST_F(ScreenBufferTest, TheScreenCopyStaysWhileABufferIsDrawnInto) {
-    KRN_ShaderEffect effect;
-    Load(effect, std::string("texture t : SCREENCOPY;") +
-                     "technique { pass < string RenderTarget = \"ScreenBuffer1\"; > { Texture[3] = <t>; } }");
-    effect.ApplyFrameSemantics();
-    const Scene scene(gfx_);
-    const BegunEffect begun(effect);
-    effect.BeginPass(0);
-    gfx_.recording.ForgetCalls();
-    gfx_->DrawTriangleList(square_, 0, -1);   // once more through the open pass
-    EXPECT_EQ(gfx_.recording.Draws().size(), 1u);
-    EXPECT_EQ(gfx_.recording.Count("StretchRect"), 0);
-    EXPECT_EQ(gfx_.recording.Count("SetRenderTarget"), 0);
-}
-
-TEST_F(ScreenBufferTest, AnErrorInThePassLeavesNothingBehind) {
-    constexpr std::tuple<const char*, const char*> kRows[] = {
-        {"DrawPrimitive", "KRN_Gfx: DrawPrimitive in DrawTriangleList failed: E_FAIL"},
-        {"GetRenderTarget", "KRN_Gfx: Can not retrieve render target: E_FAIL"},
-        {"CreateTexture", "KRN_Gfx: GetScreenBufferTexture failed - can not create texture buffer: E_FAIL"},
-        {"GetSurfaceLevel", "KRN_Gfx: GetSurfaceLevel failed: E_FAIL"},
-        {"SetRenderTarget", "KRN_Gfx: Can not set render target: E_FAIL"},
-        {"GetDesc", "KRN_Gfx: GetDesc failed: E_FAIL"},
-    };
-    for (const auto& [method, error] : kRows) {
-        SCOPED_TRACE(method);
-        KRN_ShaderEffect effect;
-        LoadPasses(effect, {"string RenderTarget = \"ScreenBuffer1\";"});
-        gfx_.recording.Fail(method, E_FAIL);
-        EXPECT_EQ(ErrorOf([&] { DrawWith(effect); }), error);
-        gfx_->SetShaderEffect(nullptr);
-        EXPECT_TRUE(TargetIsBackBuffer());
-        EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
-        DrawWith(effect);   // nothing is begun still
-        gfx_->ResetDevice(nullptr, -1);
-    }
 }
 
 TEST_F(ScreenBufferTest, AResetInsideAPassForgetsThePass) {

@@ -183,17 +183,19 @@ TEST_F(ShaderEffectTest, MatricesAreFilledBySemantic) {
     gfx_->SetTransform(D3DTS_WORLD, kWorld);
     gfx_->SetTransform(D3DTS_VIEW, kView);
     gfx_->SetTransform(D3DTS_PROJECTION, kProjection);
+    std::string text, sum = "0";
     for (const auto& [semantic, value] : rows) {
-        KRN_ShaderEffect effect;
-        ASSERT_TRUE(LoadText(effect, std::string("#define USE mul(p, M)\nfloat4x4 M : ") + semantic + ";\n" +
-                                         kVertexFunction + kOneTechnique));
-        effect.ApplyFrameSemantics();
-        const std::vector<float> sent = SentGlobals(effect);
-        ASSERT_EQ(sent.size(), 16u);
-        for (std::size_t i = 0; i < 16; ++i)
-            EXPECT_NEAR(sent[i], value.m[i / 4][i % 4], 1e-5f) << semantic << " element " << i;
-        std::filesystem::remove("t.fx");
-        effect.Release();
+        text += std::string("float4x4 M") + semantic + " : " + semantic + ";\n";
+        sum += std::string(" + mul(p, M") + semantic + ")";
+    }
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "#define USE " + sum + "\n" + text + kVertexFunction + kOneTechnique));
+    effect.ApplyFrameSemantics();
+    const std::vector<float> sent = SentGlobals(effect);
+    ASSERT_EQ(sent.size(), 16 * std::size(rows));
+    for (std::size_t i = 0; i < sent.size(); ++i) {
+        const auto& [semantic, value] = rows[i / 16];
+        EXPECT_NEAR(sent[i], value.m[i % 16 / 4][i % 4], 1e-5f) << semantic << " element " << i % 16;
     }
 }
 

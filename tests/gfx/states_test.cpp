@@ -202,19 +202,6 @@ TEST(Blending, KeepsAModeAndAnAlphaAndUsesItsStage) {
     }
 }
 
-TEST(RenderSource, SetsTheColourOfItsStage) {
-    constexpr std::tuple<int, D3DCOLOR, DWORD, DWORD> kRows[] = {{-1, 0, D3DTOP_MODULATE, D3DTA_DIFFUSE},
-                                                                 {3, 0x12345678, D3DTOP_SELECTARG2, D3DTA_TFACTOR},
-                                                                 {2, 0x99999999, D3DTOP_SELECTARG2, D3DTA_DIFFUSE}};
-    RecordedGfx gfx;
-    for (const auto& [source, colour, operation, argument] : kRows) {
-        gfx->SetRenderSource(source, 3, colour);
-        EXPECT_EQ(gfx.recording.Sent(3, D3DTSS_COLOROP).back(), operation) << source;
-        EXPECT_EQ(gfx.recording.Sent(3, D3DTSS_COLORARG2).back(), argument) << source;
-    }
-    EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(0x12345678));
-}
-
 TEST(Points, TheLargestSizeIsLimited) {
     constexpr std::tuple<float, float, bool, float> kRows[] = {
         {256, 100, false, 64}, {32, 50, false, 32}, {256, 100, true, 100}, {80, 100, true, 80}};

@@ -204,20 +204,6 @@ TEST_F(TextureLoading, AlphaOfADefaultPoolPictureIsReadFromItsFile) {
     EXPECT_EQ(ErrorOf([&] { texture_.AnalyseAlpha(); }), "KRN_Texture: LockRect failed: D3DERR_INVALIDCALL");
 }
 
-TEST_F(TextureLoading, ReleasesWithItsLastUser) {
-    WritePng("a.png", 2, 2);
-    const int before = gfx_.recording.LiveObjects();
-    {
-        KRN_Texture other;
-        Load("a.png");
-        gfx_->LoadTexture(&other, "a.png", 0, -1);
-        texture_.Release();
-        EXPECT_FALSE(texture_.HasSurface());
-        EXPECT_TRUE(other.HasSurface());
-    }
-    EXPECT_EQ(gfx_.recording.LiveObjects(), before);
-}
-
 TEST_F(TextureLoading, KeepsThePresentTextureWhileAnotherLoadsIfAsked) {
     WritePng("a.png", 2, 2);
     Load("a.png");

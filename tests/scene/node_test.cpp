@@ -1,10 +1,8 @@
 // Nodes, nodes with a view, cameras and lights.
 
-#include "base/file.h"
 #include "scene/camera.h"
 #include "scene/light.h"
 #include "tests/scene/near.h"
-#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
@@ -95,23 +93,6 @@ TEST(AnimatedNode, TakesItsTimeFromTheLoop) {
         node.SetLooping(loops);
         node.Animate(time, false, false);
         EXPECT_NEAR(node.CurrentPosition().x, x, 1e-4f) << time;
-    }
-}
-
-class NodeFile : public TemporaryFolder {};
-
-TEST_F(NodeFile, WithMoreKeysThanItSaysIsRefused) {
-    WriteFile("node", std::string(91, '\0'));   // one key of either kind, since what follows it says no more
-    const char* const messages[] = {"Scale", "Rot", "Pos"};
-    for (int kind = 0; kind < 3; ++kind) {
-        File file;
-        file.Open("node", true, true, true);
-        Node node;
-        if (kind == 0) node.Tracks().scale.Read(file, 2);
-        if (kind == 1) node.Tracks().rotation.Read(file, 2);
-        if (kind == 2) node.Tracks().position.Read(file, 2);
-        EXPECT_EQ(ErrorOf([&] { node.RebuildLookupTables(); }),
-                  "KRN_3dObject: *undefined*: Check: " + std::string(messages[kind]) + " key numbers don't match");
     }
 }
 
@@ -223,16 +204,6 @@ TEST(Camera, KeepsAndTurnsDirectionAndUp) {
     camera.RotateView({1, 0, 0}, kQuarterTurn);
     ExpectNear(camera.ViewDirection(), {0, 0, 1});
     ExpectNear(camera.Up(), {0, -1, 0});
-}
-
-TEST(Camera, AnimatedLooksDownItsOwnZAxis) {
-    KRN_Camera camera;
-    camera.SetPosition(3, 5, 7, false);
-    camera.SetRotation(QuarterTurnAboutZ(), false);
-    camera.Animate(0, true, false);
-    ExpectNear(camera.Eye(), {3, 5, 7});
-    ExpectNear(camera.ViewDirection(), {0, 0, -1});
-    ExpectNear(camera.Up(), {-1, 0, 0});
 }
 
 TEST(Camera, LooksAtItsTarget) {
