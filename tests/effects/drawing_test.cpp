@@ -1,12 +1,8 @@
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
-#include "base/random.h"
 #include "effects/particle_vertices.h"
-#include "effects/special_shapes.h"
 #include "effects/visual_effect_system.h"
-#include "gfx/textures/texture_catalogue.h"
 #include "scene/camera.h"
 #include "tests/effects/effects_file_text.h"
 #include "tests/support/picture_files.h"
@@ -223,60 +219,6 @@ TEST_F(Drawing, MeshInstancesShareTheirSceneAndAreCountedOneByOne) {
     EXPECT_EQ(gfx.recording.Count("CreateVertexBuffer"), 2) << "one of them repeats";
     EXPECT_EQ(DrawEffect(Mesh("scale = 0, 0, 0")), 1);
     EXPECT_THROW(DrawEffect("MESH {\n}\n"), ErrorRecord);
-}
-
-TEST_F(Drawing, ASpecialIsThePointsOfItsShape) {
-    const std::pair<const char*, SpecialType> kRows[] = {
-        {"flame", SpecialType::Flame},   {"helix", SpecialType::Helix}, {"snake", SpecialType::Snake},
-        {"wave", SpecialType::Wave},     {"jelly", SpecialType::Jelly}, {"firework", SpecialType::Firework},
-        {"splash", SpecialType::Splash}, {"smoke", SpecialType::Smoke}};
-    constexpr D3DXVECTOR3 kScale(14, 6, 18);
-    RandomTable table;
-    SeedRandom(11);
-    system.Init(*gfx, 0);
-    SeedRandom(11);
-    table.Draw();
-    for (const auto& [name, type] : kRows) {
-        DrawEffect(std::string("SPECIAL {\ntype = \"") + name +
-                   "\"\nnumPart = 40\nPartSize = 2.5\nscale = 14, 6, 18\n" +
-                   "StartTime = 0.4\npos = 4, 3, -5\ncol = 1, 0.5, 0.2\n}\n");
-        SpecialShape shape = {.type = type, .position = {4, 3, -5}, .age = 0.4, .scale = kScale, .count = 40};
-        shape.first = shape.second = 0xFFFF7F33;
-        shape.seed = static_cast<int>(system.GetInstanceStates().at(0).random[0] * 100);
-        KRN_PointVertex points[kSpecialPoints];
-        const int count = WriteShape(shape, table, points);
-        const RecordedDraw& draw = DrawAt(0);
-        ASSERT_EQ(draw.vertices.size(), static_cast<std::size_t>(count) * sizeof points[0]) << name;
-        EXPECT_EQ(std::memcmp(draw.vertices.data(), points, draw.vertices.size()), 0) << name;
-        EXPECT_EQ(std::bit_cast<float>(draw.render_states[D3DRS_POINTSIZE]), ShapePointSize(type, kScale, 2.5f));
-        EXPECT_EQ(std::bit_cast<float>(draw.render_states[D3DRS_POINTSCALE_C]), 10);
-        EXPECT_EQ(system.DrawnParticleCount(), 40) << name;
-    }
-}
-
-/// Emitters one above the other run along x from -20 to 20, and lay the edges of a ribbon of 60 lines.
-TEST_F(Drawing, ATrailSpansTheEdgesThatItsEmittersLay) {
-    gfx->Catalogue().Load(folder.Write("c.cfg", "\"glow\" = \"" + PathOf("a.png") + "\"").c_str(), "", false);
-    const auto edge = [](const char* z, bool stretched) {
-        return std::string("SPECIAL {\ntype = \"none\"\nEmitEffect = \"trace:glow\"\nEmitEffectPerTime = 60\n") +
-               "EmitEffectRand = 0\nTraceEffectLifeTime = 9\nTraceEffectTexScale = 0.5\nTraceEffectFlag = " +
-               (stretched ? "1" : "0") + "\npos = -20, 0, " + z +
-               "\nPOSITION {\ntype = \"linear\"\nscale = 40, 0, 0\n}\n}\n";
-    };
-    for (const bool stretched : {true, false}) {
-        DrawEffect(edge("-8", stretched) + edge("3", stretched) + edge("8", stretched));
-        for (int i = 0; i < 60; ++i) system.Update(1 / 60.0f);
-        Redraw();   // loads the texture
-        EXPECT_EQ(Redraw(), 1);
-        EXPECT_NE(DrawAt(0).texture, 0u);
-        EXPECT_GT(DrawAt(0).count, 2 * 2 * 56u);
-        std::vector<KRN_LVertex> vertices(3 * DrawAt(0).count);
-        std::memcpy(vertices.data(), DrawAt(0).vertices.data(), vertices.size() * sizeof(KRN_LVertex));
-        for (const KRN_LVertex& vertex : vertices) {
-            EXPECT_EQ(vertex.z, vertex.v == 0 ? -8 : vertex.v == 1 ? 8 : 3);
-            EXPECT_NEAR(vertex.u, (vertex.x + 20) / 40 * (stretched ? 1 : 60 / 19.2f), 0.06f);
-        }
-    }
 }
 
 TEST_F(Drawing, PreloadingGoesDepthFirstThroughWhatIsEmitted) {

@@ -164,6 +164,23 @@ TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
     }
 }
 
+TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
+    KRN_ShaderEffect effect;
+    Load(effect, kBlurAndBlocks);
+    gfx_->BeginScene();
+    Paint();
+    gfx_->SetViewPort(32, 16, 64, 48, 0, 1);
+    gfx_->DrawScreenEffect(effect);
+    gfx_->EndScene();
+    const std::vector<D3DCOLOR> pixels = gfx_.Pixels();
+    for (const int x : {4, 31, 64, 90}) EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), AsPainted(x, 30), 1)) << x;
+    for (const int x : {34, 41, 53, 62}) {   // in the middle of blocks neighbours are equal
+        const Rgb block = AsPainted(x, 30);
+        const Rgb expected = {block.r * 3 / 4, block.g * 3 / 4, block.b * 3 / 4};
+        EXPECT_TRUE(Near(ToRgb(pixels[30 * 96 + x]), expected, 2)) << x << ": " << ToRgb(pixels[30 * 96 + x]);
+    }
+}
+
 TEST_F(ScreenBufferPicture, ListsDrawnInsideABufferPassGoThroughIt) {
     KRN_ShaderEffect effect;
     Load(effect, R"(
