@@ -1,6 +1,6 @@
 // The contract between the graphics facade and the device below it, in the shape of Direct3D 9.
 //
-// It has two implementations: OpenGL (platform/d3d9_gl) and, for tests, one that records calls (tests/support).
+// It has two implementations: OpenGL (platform/d3d9_gl) and, for tests, one in memory (tests/support).
 // Only what the program calls is here. Objects are reference-counted; a Get function that returns an object adds a
 // reference for the caller. Above the layer every reference sits in a DevicePtr.
 #pragma once

@@ -11,7 +11,7 @@
 #include "app/effect_choice.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/device/whole_program.h"
-#include "tests/support/forwarding_device.h"
+#include "tests/support/recording_device.h"
 
 #ifndef __SANITIZE_ADDRESS__   // which has operators of its own
 
@@ -73,11 +73,11 @@ TEST(SteadyFrames, MakeNothing) {
         program.player->StartEffect(effect);
         program.engine.effects.PreloadEffect(program.engine.effects.GetEffectName(effect).c_str());
         program.Play(effect, kFewFrames);   // shows every combination of states
-        const std::size_t programs = ProgramCount(DeviceBehind(*program.Gfx().Device()));
+        const std::size_t programs = ProgramCount(Behind(*program.Gfx().Device()));
         const int objects = program.recording.LiveObjects();
         program.recording.ForgetCalls();
         program.Play(effect, kFewFrames);
-        EXPECT_EQ(ProgramCount(DeviceBehind(*program.Gfx().Device())), programs);
+        EXPECT_EQ(ProgramCount(Behind(*program.Gfx().Device())), programs);
         EXPECT_EQ(program.recording.LiveObjects(), objects);
         EXPECT_EQ(CountStarting(program.recording, "Create"), 0);
     }

@@ -6,7 +6,7 @@
 #include "gfx/device/gfx_environment.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/support/canvas.h"
-#include "tests/support/forwarding_device.h"
+#include "tests/support/recording_device.h"
 
 namespace sparkrig {
 
@@ -81,7 +81,7 @@ void WholeProgram::Frame() {
 
 std::vector<D3DCOLOR> WholeProgram::Picture() {
     player->Draw();
-    return back_end_ == BackEnd::OpenGl ? ReadBackBuffer(DeviceBehind(*Gfx().Device())) : std::vector<D3DCOLOR>();
+    return back_end_ == BackEnd::OpenGl ? ReadBackBuffer(Behind(*Gfx().Device())) : std::vector<D3DCOLOR>();
 }
 
 void WholeProgram::End() {
@@ -94,7 +94,7 @@ void WholeProgram::End() {
 
 void WholeProgram::LoseDevice() {
     if (back_end_ == BackEnd::Recording) return recording.LoseDevice(3);
-    lost_device = &DeviceBehind(*Gfx().Device());
+    lost_device = &Behind(*Gfx().Device());
     sparkrig::LoseDevice(*lost_device);
 }
 

@@ -9,7 +9,6 @@
 #include "gfx/textures/texture_loader.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
-#include "tests/support/recorded_objects.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
@@ -30,7 +29,9 @@ class TextureLoading : public TemporaryFolder {
         return pixel;
     }
     static D3DSURFACE_DESC DescOf(const KRN_Texture& texture) {
-        return static_cast<RecordedTexture*>(texture.DeviceTexture())->Level(0).desc;
+        D3DSURFACE_DESC desc = {};
+        texture.DeviceTexture()->GetLevelDesc(0, &desc);
+        return desc;
     }
     D3DSURFACE_DESC Desc() const { return DescOf(texture_); }
     TextureSettings& Settings() { return gfx_->TextureOptions(); }

@@ -1,7 +1,6 @@
 #include "gfx/textures/texture_stages.h"
 
 #include "tests/support/recorded_gfx.h"
-#include "tests/support/recorded_objects.h"
 
 namespace sparkrig {
 namespace {

@@ -1,6 +1,5 @@
 #include "tests/support/recording.h"
 
-#include "tests/support/forwarding_device.h"
 #include "tests/support/recording_device.h"
 
 namespace sparkrig {
@@ -8,27 +7,6 @@ namespace sparkrig {
 namespace {
 
 Recording* current = nullptr;
-
-D3DCAPS9 DefaultCaps() {
-    D3DCAPS9 caps = {};
-    caps.DeviceType = D3DDEVTYPE_HAL;
-    caps.Caps2 = D3DCAPS2_FULLSCREENGAMMA | D3DCAPS2_DYNAMICTEXTURES;
-    caps.DevCaps = D3DDEVCAPS_HWTRANSFORMANDLIGHT;
-    caps.DevCaps2 = D3DDEVCAPS2_CAN_STRETCHRECT_FROM_TEXTURES;
-    caps.RasterCaps = D3DPRASTERCAPS_FOGVERTEX | D3DPRASTERCAPS_FOGTABLE | D3DPRASTERCAPS_MIPMAPLODBIAS |
-                      D3DPRASTERCAPS_FOGRANGE | D3DPRASTERCAPS_WFOG | D3DPRASTERCAPS_ZFOG;
-    caps.TextureCaps = D3DPTEXTURECAPS_MIPMAP;
-    caps.PresentationIntervals = 0x8000000F;
-    caps.MaxTextureWidth = caps.MaxTextureHeight = 4096;
-    caps.MaxTextureBlendStages = caps.MaxSimultaneousTextures = caps.MaxActiveLights = 8;
-    caps.MaxVertexBlendMatrices = 4;
-    caps.MaxVertexBlendMatrixIndex = 255;
-    caps.VertexShaderVersion = 0xFFFE0300;
-    caps.PixelShaderVersion = 0xFFFF0300;
-    caps.NumSimultaneousRTs = 1;
-    caps.MaxPointSize = 256.0f;
-    return caps;
-}
 
 std::vector<DWORD> SentValues(const std::vector<RecordedCall>& calls, const char* method,
                               const std::vector<DWORD>& address) {
@@ -42,20 +20,12 @@ std::vector<DWORD> SentValues(const std::vector<RecordedCall>& calls, const char
 
 }   // namespace
 
-Recording::Recording() : caps(DefaultCaps()), previous_(current) {
-    for (const D3DFORMAT format : {D3DFMT_X8R8G8B8, D3DFMT_R5G6B5}) {
-        for (const UINT rate : {60u, 75u, 72u}) modes.push_back({1024, 768, rate, format});
-        modes.push_back({800, 600, 85, format});
-    }
-    current = this;
-}
-
+Recording::Recording() : previous_(current) { current = this; }
 Recording::~Recording() { current = previous_; }
 
 IDirect3D9* Recording::Create(UINT sdk_version) {
     if (!current || !current->offers_direct3d || sdk_version != D3D_SDK_VERSION) return nullptr;
-    if (current->behind) return Forward(*current, current->behind(sdk_version));
-    return MakeRecordingDirect3D(*current);
+    return RecordCalls(*current, current->behind ? current->behind(sdk_version) : MakeMemoryDirect3D(*current));
 }
 
 DevicePtr<IDirect3DDevice9> Recording::MakeDevice(DWORD behaviour) {
@@ -100,14 +70,14 @@ std::vector<DWORD> Recording::Sent(DWORD sampler, D3DSAMPLERSTATETYPE type) cons
 void Recording::ForgetCalls() {
     calls_.clear();
     redundant_.clear();
-    draws_.clear();
+    draws.clear();
 }
 
 void Recording::Fail(const std::string& method, HRESULT code, int nth) { failures_[method].push_back({nth, code}); }
 
 void Recording::LoseDevice(int polls) {
-    life_ = DeviceLife::Lost;
-    lost_polls_ = polls;
+    life = DeviceLife::Lost;
+    lost_polls = polls;
 }
 
 void Recording::Interrupt(int nth, std::function<void()> action) {
@@ -128,20 +98,14 @@ HRESULT Recording::Record(const char* method, std::vector<DWORD> arguments) {
     return result;
 }
 
-UINT Recording::ObjectMade(bool default_pool) {
-    ++live_objects_;
-    default_pool_objects_ += default_pool;
+UINT Recording::ObjectMade(void* object, void* recorded) {
+    live_objects_[object] = recorded;
     return ++serial_;
 }
 
-void Recording::ObjectGone(bool default_pool) {
-    --live_objects_;
-    default_pool_objects_ -= default_pool;
-}
-
-DeviceLife Recording::Poll() {
-    if (life_ == DeviceLife::Lost && lost_polls_-- <= 0) life_ = DeviceLife::NotReset;
-    return life_;
+void* Recording::ObjectAround(void* object) const {
+    const auto found = live_objects_.find(object);
+    return found == live_objects_.end() ? nullptr : found->second;
 }
 
 }   // namespace sparkrig

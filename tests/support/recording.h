@@ -7,15 +7,13 @@
 //     EXPECT_THAT(recording.Sent(D3DRS_CULLMODE), ElementsAre(D3DCULL_CW));
 //     EXPECT_EQ(recording.LiveObjects(), 0);
 #pragma once
-#include <array>
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "platform/d3d9/d3d9.h"
-#include "platform/d3d9/device_rules.h"
+#include "tests/support/memory_device.h"
 
 namespace sparkrig {
 
@@ -26,19 +24,7 @@ struct RecordedCall {
     bool operator==(const RecordedCall&) const = default;
 };
 
-/// One draw call, with a copy of the vertices that it reads and what was bound to stage 0.
-struct RecordedDraw {
-    D3DPRIMITIVETYPE type;
-    UINT first, count;
-    DWORD fvf;
-    UINT stride;
-    std::vector<BYTE> vertices;   // of a draw without indices: the count that it needs, from `first` on
-    UINT texture;                 // serial number, 0 for none
-    std::array<DWORD, kRenderStateCount> render_states;
-    D3DMATRIX world;
-};
-
-class Recording {
+class Recording : public MemoryAdapter {
   public:
     Recording();
     ~Recording();
@@ -51,21 +37,13 @@ class Recording {
     /// A windowed device of the newest recording, its calls forgotten.
     DevicePtr<IDirect3DDevice9> MakeDevice(DWORD behaviour = D3DCREATE_MIXED_VERTEXPROCESSING);
 
-    /// What makes the Direct3D object that calls go on to. None: calls are only recorded, and the adapter is as below.
+    /// What makes the Direct3D object that calls go on to. None: the adapter is the one in memory that this is.
     IDirect3D9* (*behind)(UINT sdk_version) = nullptr;
-
-    // ---- What the adapter offers; set before the device is made.
     bool offers_direct3d = true;
-    D3DCAPS9 caps;
-    D3DDISPLAYMODE desktop = {1920, 1080, 60, D3DFMT_X8R8G8B8};
-    std::vector<D3DDISPLAYMODE> modes;
-    std::vector<std::string> adapters = {"Recording adapter"};
-    std::set<D3DFORMAT> refused_texture_formats = {D3DFMT_R8G8B8};
-    UINT client_width = 640, client_height = 480;   // the back buffer of a window
 
     // ---- Calls
     const std::vector<RecordedCall>& Calls() const { return calls_; }
-    const std::vector<RecordedDraw>& Draws() const { return draws_; }
+    const std::vector<RecordedDraw>& Draws() const { return draws; }
     int Count(const std::string& method) const;
     /// The methods in order; an empty list means every method.
     std::vector<std::string> Methods(const std::set<std::string>& of = {}) const;
@@ -88,25 +66,22 @@ class Recording {
     void Interrupt(int nth, std::function<void()> action);
 
     // ---- Objects
-    /// Device objects that somebody still holds, the Direct3D object and the device included.
-    int LiveObjects() const { return live_objects_; }
-    int LiveDefaultPoolObjects() const { return default_pool_objects_; }
+    /// Objects that the program still holds, the Direct3D object and the device included.
+    int LiveObjects() const { return static_cast<int>(live_objects_.size()); }
+    int LiveDefaultPoolObjects() const { return default_pool_objects; }
 
     // ---- For the recording device alone
     HRESULT Record(const char* method, std::vector<DWORD> arguments);
     void LastWasRedundant() { redundant_.push_back(calls_.back()); }
-    void RecordDraw(RecordedDraw draw) { draws_.push_back(std::move(draw)); }
-    UINT ObjectMade(bool default_pool);
-    void ObjectGone(bool default_pool);
-    DeviceLife Life() const { return life_; }
-    void SetLife(DeviceLife life) { life_ = life; }
-    /// Asked by TestCooperativeLevel.
-    DeviceLife Poll();
+    /// An object and the recorded one that stands before it; the serial number.
+    UINT ObjectMade(void* object, void* recorded);
+    void ObjectGone(void* object) { live_objects_.erase(object); }
+    /// Null when nobody holds it.
+    void* ObjectAround(void* object) const;
 
   private:
     Recording* previous_;
     std::vector<RecordedCall> calls_, redundant_;
-    std::vector<RecordedDraw> draws_;
     struct Failure {
         int left;
         HRESULT code;
@@ -115,9 +90,7 @@ class Recording {
     int until_interrupt_ = 0;
     std::function<void()> interrupt_;
     UINT serial_ = 0;
-    int live_objects_ = 0, default_pool_objects_ = 0;
-    DeviceLife life_ = DeviceLife::Operational;
-    int lost_polls_ = 0;
+    std::map<void*, void*> live_objects_;   // the recorded one of each that it stands before
 };
 
 }   // namespace sparkrig

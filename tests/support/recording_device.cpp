@@ -1,277 +1,267 @@
 #include "tests/support/recording_device.h"
 
-#include <algorithm>
+#include <bit>
+#include <cstring>
 
-#include "platform/d3d9/present_parameters.h"
-#include "tests/support/recorded_states.h"
+#include "platform/com/ref_counted.h"
 
 namespace sparkrig {
 
 namespace {
 
-HRESULT Complete(const Recording& recording, D3DPRESENT_PARAMETERS& parameters) {
-    const RECT client = {0, 0, static_cast<LONG>(recording.client_width), static_cast<LONG>(recording.client_height)};
-    return CompleteParameters(client, recording.modes, parameters);
+template <class Interface>
+class Recorded;
+
+template <class Interface>
+concept Object = requires(Interface& object) {
+    object.AddRef();
+};
+
+// ---- The words that stand for an argument
+
+template <class Number>
+requires std::is_integral_v<Number> || std::is_enum_v<Number>
+void Append(std::vector<DWORD>& words, Number value) { words.push_back(static_cast<DWORD>(value)); }
+void Append(std::vector<DWORD>& words, float value) { words.push_back(std::bit_cast<DWORD>(value)); }
+template <Object Interface>
+void Append(std::vector<DWORD>& words, Interface* object) {
+    words.push_back(object ? static_cast<Recorded<Interface>*>(object)->Serial() : 0);
+}
+void Append(std::vector<DWORD>& words, const D3DVIEWPORT9* v) {
+    words.insert(words.end(), {v->X, v->Y, v->Width, v->Height});
+    Append(words, v->MinZ), Append(words, v->MaxZ);
+}
+void Append(std::vector<DWORD>& words, const D3DMATERIAL9* material) { Append(words, material->Diffuse.r); }
+void Append(std::vector<DWORD>& words, const D3DLIGHT9* light) { Append(words, light->Type); }
+/// Other structures and places for results say nothing.
+template <class Other>
+requires(!Object<Other>) void Append(std::vector<DWORD>&, Other*) {}
+void Append(std::vector<DWORD>&, const ShaderCode&) {}
+
+/// Whole words only: a block of globals is made of them.
+std::vector<DWORD> WordsOf(const void* data, UINT bytes) {
+    std::vector<DWORD> words(bytes / sizeof(DWORD));
+    if (!words.empty()) std::memcpy(words.data(), data, words.size() * sizeof(DWORD));
+    return words;
 }
 
-class RecordingDevice : public RecordedStateCalls {
+// ---- What an argument becomes for the object behind: an object, the one behind it; a place for an object, one that is
+// stored there in the end with the recorded object around it; anything else, itself.
+
+template <class Value>
+struct Argument {
+    Recording& recording;
+    Value value;
+    operator Value() const { return value; }
+};
+
+template <Object Interface>
+struct Argument<Interface*> {
+    Recording& recording;
+    Interface* value;
+    operator Interface*() const { return value ? static_cast<Recorded<Interface>*>(value)->Behind() : nullptr; }
+};
+
+template <Object Interface>
+struct Argument<Interface**> {
+    Recording& recording;
+    Interface** place;
+    Interface* behind = nullptr;
+    operator Interface**() { return &behind; }
+    ~Argument() noexcept(false) { *place = behind ? Recorded<Interface>::Around(recording, behind) : nullptr; }
+};
+
+template <class Interface>
+class RecordedObject : public RefCounted<Interface> {
   public:
-    /// The parameters are complete.
-    RecordingDevice(Recording& recording, DWORD behaviour, const D3DPRESENT_PARAMETERS& parameters)
-        : RecordedStateCalls(recording), behaviour_(behaviour) {
-        MakeSwapChain(parameters);
+    using I = Interface;
+    /// Takes over the reference. There is one recorded object around each, as long as somebody holds it.
+    RecordedObject(Recording& recording, Interface* behind)
+        : recording_(recording),
+          behind_(behind),
+          serial_(recording.ObjectMade(behind, static_cast<Interface*>(this))) {}
+    ~RecordedObject() override { recording_.ObjectGone(behind_.Get()); }
+    static Interface* Around(Recording& recording, Interface* behind) {
+        auto* known = static_cast<Interface*>(recording.ObjectAround(behind));
+        if (!known) return new Recorded<Interface>(recording, behind);
+        behind->Release();
+        return known->AddRef(), known;
+    }
+    Interface* Behind() const { return behind_.Get(); }
+    UINT Serial() const { return serial_; }
+
+  protected:
+    template <class... Parameters, class... Arguments>
+    HRESULT Call(const char* name, HRESULT (Interface::*method)(Parameters...), Arguments... arguments) {
+        std::vector<DWORD> words;
+        if constexpr (!requires { &Interface::GetDeviceCaps; }) words.push_back(serial_);   // there is one device
+        (Append(words, arguments), ...);
+        return CallTelling(std::move(words), name, method, arguments...);
+    }
+    template <class... Parameters, class... Arguments>
+    HRESULT CallTelling(std::vector<DWORD> words, const char* name, HRESULT (Interface::*method)(Parameters...),
+                        Arguments... arguments) {
+        if (const HRESULT refusal = recording_.Record(name, std::move(words)); FAILED(refusal)) return refusal;
+        const int repeated = recording_.repeated_states;
+        const HRESULT result = (behind_.Get()->*method)(Argument<Parameters>{recording_, arguments}...);
+        if (recording_.repeated_states > repeated) recording_.LastWasRedundant();
+        return result;
     }
 
-    HRESULT TestCooperativeLevel() override {
-        return Do("TestCooperativeLevel", {}, [&] { return CooperativeLevel(recording_.Poll()); });
-    }
-    HRESULT Reset(D3DPRESENT_PARAMETERS* p) override {
-        return Do("Reset", {p->BackBufferWidth, p->BackBufferHeight, p->PresentationInterval}, [&] {
-            if (recording_.Life() == DeviceLife::Lost) return D3DERR_DEVICELOST;
-            recording_.SetLife(DeviceLife::NotReset);   // until all has gone well
-            state_ = DeviceState(false);                // what only the device holds goes first
-            bound_ = {};
-            if (ForeignDefaultPoolObjects() > 0) return D3DERR_INVALIDCALL;
-            D3DPRESENT_PARAMETERS complete = *p;
-            if (const HRESULT refused = Complete(recording_, complete); FAILED(refused)) return refused;
-            MakeSwapChain(complete);
-            recording_.SetLife(DeviceLife::Operational);
-            return D3D_OK;
-        });
-    }
-    HRESULT Present(const RECT* source, const RECT* destination, HWND window, const void* region) override {
-        return Do("Present", {}, [&] {
-            return CheckPresent(recording_.Life(), state_.in_scene, !source && !destination && !window && !region);
-        });
-    }
-    HRESULT GetDeviceCaps(D3DCAPS9* caps) override {
-        return Do("GetDeviceCaps", {}, [&] { return *caps = recording_.caps, D3D_OK; });
-    }
-    void SetGammaRamp(UINT swap_chain, DWORD flags, const D3DGAMMARAMP* ramp) override {
-        recording_.Record("SetGammaRamp", {swap_chain, flags, ramp->red[1], ramp->green[1], ramp->blue[255]});
-    }
-    HRESULT SetSoftwareVertexProcessing(BOOL software) override {
-        return Do("SetSoftwareVertexProcessing", {static_cast<DWORD>(software)},
-                  [&] { return CheckSoftwareProcessing(behaviour_, software); });
-    }
-
-    HRESULT CreateTexture(UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
-                          IDirect3DTexture9** texture) override {
-        return Do("CreateTexture", {width, height, levels, usage, format, pool}, [&] {
-            TextureRequest r = {width, height, levels, usage, format, pool};
-            if (const HRESULT refused = CheckTexture(Limits(), r); FAILED(refused)) return refused;
-            if (recording_.refused_texture_formats.count(format) > 0) return D3DERR_INVALIDCALL;
-            *texture = new RecordedTexture(
-                recording_, {format, D3DRTYPE_SURFACE, r.usage, pool, D3DMULTISAMPLE_NONE, 0, width, height}, r.levels);
-            return D3D_OK;
-        });
-    }
-    HRESULT CreateVertexBuffer(UINT bytes, DWORD usage, DWORD fvf, D3DPOOL pool,
-                               IDirect3DVertexBuffer9** buffer) override {
-        return Do("CreateVertexBuffer", {bytes, usage, fvf, pool}, [&] {
-            const HRESULT refused = CheckVertexBuffer(behaviour_, bytes, usage, fvf, pool);
-            if (FAILED(refused)) return refused;
-            return *buffer = new RecordedBuffer<IDirect3DVertexBuffer9>(recording_, bytes, pool, 0), D3D_OK;
-        });
-    }
-    HRESULT CreateIndexBuffer(UINT bytes, DWORD usage, D3DFORMAT format, D3DPOOL pool,
-                              IDirect3DIndexBuffer9** buffer) override {
-        return Do("CreateIndexBuffer", {bytes, usage, format, pool}, [&] {
-            const HRESULT refused = CheckIndexBuffer(bytes, usage, format, pool);
-            if (FAILED(refused)) return refused;
-            const DWORD element = IndexBytes(format);
-            return *buffer = new RecordedBuffer<IDirect3DIndexBuffer9>(recording_, bytes, pool, element), D3D_OK;
-        });
-    }
-    HRESULT CreateRenderTarget(UINT width, UINT height, D3DFORMAT format, DWORD samples, DWORD quality, BOOL lockable,
-                               IDirect3DSurface9** surface) override {
-        const std::vector<DWORD> arguments = {width, height, format, samples, quality, static_cast<DWORD>(lockable)};
-        return Do("CreateRenderTarget", arguments, [&] {
-            const HRESULT refused = CheckRenderTarget(Limits(), width, height, format, samples, lockable);
-            if (FAILED(refused)) return refused;
-            *surface = new RecordedSurface(
-                recording_,
-                {format, D3DRTYPE_SURFACE, D3DUSAGE_RENDERTARGET, D3DPOOL_DEFAULT, samples, quality, width, height},
-                lockable != 0);
-            return D3D_OK;
-        });
-    }
-    HRESULT CreateOffscreenPlainSurface(UINT width, UINT height, D3DFORMAT format, D3DPOOL pool,
-                                        IDirect3DSurface9** surface) override {
-        return Do("CreateOffscreenPlainSurface", {width, height, format, pool}, [&] {
-            const HRESULT refused = CheckPlainSurface(Limits(), width, height, format, pool);
-            if (FAILED(refused)) return refused;
-            const D3DSURFACE_DESC desc = {format, D3DRTYPE_SURFACE, 0, pool, D3DMULTISAMPLE_NONE, 0, width, height};
-            return *surface = new RecordedSurface(recording_, desc, true, true), D3D_OK;
-        });
-    }
-    HRESULT CreateVertexShader(const ShaderCode&, IDirect3DVertexShader9** shader) override {
-        return MakeShader("CreateVertexShader", shader);
-    }
-    HRESULT CreatePixelShader(const ShaderCode&, IDirect3DPixelShader9** shader) override {
-        return MakeShader("CreatePixelShader", shader);
-    }
-
-    HRESULT GetBackBuffer(UINT swap_chain, UINT index, DWORD type, IDirect3DSurface9** surface) override {
-        return Do("GetBackBuffer", {swap_chain, index, type}, [&] {
-            const HRESULT refused = CheckBackBuffer(swap_chain, index, back_buffers_);
-            return FAILED(refused) ? refused : Give(back_buffer_, surface);
-        });
-    }
-    HRESULT SetRenderTarget(DWORD index, IDirect3DSurface9* surface) override {
-        return Do("SetRenderTarget", {index, SerialOf(surface)}, [&] {
-            if (!surface) return D3DERR_INVALIDCALL;
-            const D3DSURFACE_DESC& desc = ImageOf(surface).desc;
-            if (const HRESULT refused = CheckTarget(index, desc); FAILED(refused)) return refused;
-            state_.viewport = {0, 0, desc.Width, desc.Height, 0.0f, 1.0f};
-            return Bind(bound_.target, surface);
-        });
-    }
-    HRESULT GetRenderTarget(DWORD index, IDirect3DSurface9** surface) override {
-        return Do("GetRenderTarget", {index},
-                  [&] { return index == 0 ? Give(bound_.target, surface) : D3DERR_INVALIDCALL; });
-    }
-    HRESULT GetDepthStencilSurface(IDirect3DSurface9** surface) override {
-        return Do("GetDepthStencilSurface", {}, [&] { return depth_ ? Give(depth_, surface) : D3DERR_NOTFOUND; });
-    }
-    HRESULT StretchRect(IDirect3DSurface9* source, const RECT* from, IDirect3DSurface9* destination, const RECT* to,
-                        DWORD filter) override {
-        return Do("StretchRect", {SerialOf(source), SerialOf(destination), filter}, [&] {
-            RecordedImage &read = ImageOf(source), &written = ImageOf(destination);
-            RECT area, target;
-            if (!TakeRect(read.desc, from, area) || !TakeRect(written.desc, to, target)) return D3DERR_INVALIDCALL;
-            return CheckStretch({read.desc, area}, {written.desc, target}, &read == &written, filter);
-        });
-    }
-    HRESULT ColorFill(IDirect3DSurface9* surface, const RECT* rect, D3DCOLOR colour) override {
-        return Do("ColorFill", {SerialOf(surface), colour}, [&] {
-            RecordedImage& image = ImageOf(surface);
-            RECT area;
-            if (!TakeRect(image.desc, rect, area)) return D3DERR_INVALIDCALL;
-            const HRESULT refused = CheckFill(image.desc, image.plain);
-            if (SUCCEEDED(refused)) Fill(image, area, colour);
-            return refused;
-        });
-    }
-    HRESULT UpdateTexture(IDirect3DTexture9* source, IDirect3DTexture9* destination) override {
-        return Do("UpdateTexture", {SerialOf(source), SerialOf(destination)}, [&] {
-            auto &from = static_cast<RecordedTexture&>(*source), &to = static_cast<RecordedTexture&>(*destination);
-            const HRESULT refused =
-                CheckUpdate(from.Level(0).desc, from.GetLevelCount(), to.Level(0).desc, to.GetLevelCount());
-            if (FAILED(refused)) return refused;
-            for (UINT level = 0; level < to.GetLevelCount(); ++level) to.Level(level).bytes = from.Level(level).bytes;
-            return D3D_OK;
-        });
-    }
-    HRESULT GetRenderTargetData(IDirect3DSurface9* target, IDirect3DSurface9* system_surface) override {
-        return Do("GetRenderTargetData", {SerialOf(target), SerialOf(system_surface)}, [&] {
-            const RecordedImage& from = ImageOf(target);
-            RecordedImage& to = ImageOf(system_surface);
-            if (const HRESULT refused = CheckReadBack(from.desc, to.desc); FAILED(refused)) return refused;
-            return to.bytes = from.bytes, D3D_OK;
-        });
-    }
-
-    HRESULT BeginScene() override { return Set("BeginScene", {}, &DeviceState::SetInScene, true); }
-    HRESULT EndScene() override { return Set("EndScene", {}, &DeviceState::SetInScene, false); }
-    HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR colour, float z, DWORD stencil) override {
-        return Do("Clear", {count, flags, colour, Bits(z), stencil},
-                  [&] { return CheckClear(count, rects, flags, z, depth_ ? &ImageOf(depth_.Get()).desc : nullptr); });
-    }
+    Recording& recording_;
+    DevicePtr<Interface> behind_;
 
   private:
-    ~RecordingDevice() override = default;
-
-    DeviceLimits Limits() const { return {static_cast<int>(recording_.caps.MaxTextureWidth), 4, true}; }
-
-    void MakeSwapChain(const D3DPRESENT_PARAMETERS& parameters) {
-        const UINT width = parameters.BackBufferWidth, height = parameters.BackBufferHeight;
-        const auto make = [&](D3DFORMAT format, DWORD usage) {
-            const D3DSURFACE_DESC desc = {format, D3DRTYPE_SURFACE, usage, D3DPOOL_DEFAULT, 0, 0, width, height};
-            return DevicePtr<IDirect3DSurface9>(new RecordedSurface(recording_, desc, false));
-        };
-        back_buffers_ = parameters.BackBufferCount;
-        back_buffer_ = make(parameters.BackBufferFormat, D3DUSAGE_RENDERTARGET);
-        depth_.Reset();
-        if (parameters.EnableAutoDepthStencil) depth_ = make(parameters.AutoDepthStencilFormat, D3DUSAGE_DEPTHSTENCIL);
-        state_ = DeviceState(parameters.EnableAutoDepthStencil != 0);
-        state_.viewport = {0, 0, width, height, 0.0f, 1.0f};
-        bound_.target = back_buffer_;
-    }
-    /// Resources that the program, not the device, keeps in the default pool.
-    int ForeignDefaultPoolObjects() const {
-        int own = 0;
-        for (const auto* surface : {&back_buffer_, &depth_})
-            own += *surface && static_cast<RecordedSurface&>(**surface).References() == 1;
-        return recording_.LiveDefaultPoolObjects() - own;
-    }
-    template <class Interface>
-    HRESULT MakeShader(const char* method, Interface** shader) {
-        return Do(method, {}, [&] { return *shader = new RecordedShader<Interface>(recording_), D3D_OK; });
-    }
-    static RecordedImage& ImageOf(IDirect3DSurface9* surface) {
-        return static_cast<RecordedSurface*>(surface)->Image();
-    }
-    static void Fill(RecordedImage& image, const RECT& area, D3DCOLOR colour) {
-        if (image.format.bytes != sizeof(colour)) return;
-        for (LONG y = area.top; y < area.bottom; ++y) {
-            BYTE* row = image.bytes.data() + static_cast<std::ptrdiff_t>(y) * image.pitch;
-            for (LONG x = area.left; x < area.right; ++x) std::memcpy(row + 4 * x, &colour, sizeof(colour));
-        }
-    }
-
-    DWORD behaviour_;
-    UINT back_buffers_ = 0;
-    DevicePtr<IDirect3DSurface9> back_buffer_, depth_;
+    UINT serial_;
 };
 
-class RecordingDirect3D : public RecordedObject<IDirect3D9> {
-  public:
-    explicit RecordingDirect3D(Recording& recording) : RecordedObject(recording, false) {}
+// ---- The contract, its arguments by letters
 
-    UINT GetAdapterCount() override { return static_cast<UINT>(recording_.adapters.size()); }
-    HRESULT GetAdapterIdentifier(UINT adapter, DWORD flags, D3DADAPTER_IDENTIFIER9* identifier) override {
-        return Do("GetAdapterIdentifier", {adapter, flags}, [&] {
-            if (adapter >= recording_.adapters.size()) return D3DERR_INVALIDCALL;
-            *identifier = {};
-            recording_.adapters[adapter].copy(identifier->Description, sizeof(identifier->Description) - 1);
-            return D3D_OK;
-        });
-    }
-    HRESULT GetAdapterDisplayMode(UINT adapter, D3DDISPLAYMODE* mode) override {
-        return Do("GetAdapterDisplayMode", {adapter}, [&] { return *mode = recording_.desktop, D3D_OK; });
-    }
-    UINT GetAdapterModeCount(UINT, D3DFORMAT format) override {
-        return static_cast<UINT>(std::ranges::count(recording_.modes, format, &D3DDISPLAYMODE::Format));
-    }
-    HRESULT EnumAdapterModes(UINT adapter, D3DFORMAT format, UINT index, D3DDISPLAYMODE* mode) override {
-        return Do("EnumAdapterModes", {adapter, format, index}, [&] {
-            for (const D3DDISPLAYMODE& offered : recording_.modes)
-                if (offered.Format == format && index-- == 0) return *mode = offered, D3D_OK;
-            return D3DERR_INVALIDCALL;
-        });
-    }
-    HRESULT CheckDeviceFormat(UINT adapter, D3DDEVTYPE type, D3DFORMAT adapter_format, DWORD usage,
-                              D3DRESOURCETYPE resource, D3DFORMAT format) override {
-        return Do("CheckDeviceFormat", {adapter, type, adapter_format, usage, resource, format},
-                  [&] { return recording_.refused_texture_formats.count(format) > 0 ? D3DERR_NOTAVAILABLE : D3D_OK; });
-    }
-    HRESULT GetDeviceCaps(UINT adapter, D3DDEVTYPE type, D3DCAPS9* caps) override {
-        return Do("GetDeviceCaps", {adapter, type}, [&] { return *caps = recording_.caps, D3D_OK; });
-    }
-    HRESULT CreateDevice(UINT adapter, D3DDEVTYPE type, HWND, DWORD behaviour, D3DPRESENT_PARAMETERS* parameters,
-                         IDirect3DDevice9** device) override {
-        return Do("CreateDevice", {adapter, type, behaviour}, [&] {
-            D3DPRESENT_PARAMETERS complete = *parameters;
-            if (!ValidBehaviour(behaviour)) return D3DERR_INVALIDCALL;
-            if (const HRESULT refused = Complete(recording_, complete); FAILED(refused)) return refused;
-            return *device = new RecordingDevice(recording_, behaviour, complete), D3D_OK;
-        });
-    }
+// clang-format off
+#define CALL(method, ...) this->Call(#method, &I::method __VA_OPT__(, ) __VA_ARGS__)
+#define CALL0(method) HRESULT method() override { return CALL(method); }
+#define CALL1(method, A) HRESULT method(A a) override { return CALL(method, a); }
+#define CALL2(method, A, B) HRESULT method(A a, B b) override { return CALL(method, a, b); }
+#define CALL3(method, A, B, C) HRESULT method(A a, B b, C c) override { return CALL(method, a, b, c); }
+#define CALL4(method, A, B, C, D) HRESULT method(A a, B b, C c, D d) override { return CALL(method, a, b, c, d); }
+#define CALL5(method, A, B, C, D, E) \
+    HRESULT method(A a, B b, C c, D d, E e) override { return CALL(method, a, b, c, d, e); }
+#define CALL6(method, A, B, C, D, E, F) \
+    HRESULT method(A a, B b, C c, D d, E e, F f) override { return CALL(method, a, b, c, d, e, f); }
+#define CALL7(method, A, B, C, D, E, F, G) \
+    HRESULT method(A a, B b, C c, D d, E e, F f, G g) override { return CALL(method, a, b, c, d, e, f, g); }
+
+// Shaders have no calls.
+template <class Interface>
+struct Recorded : RecordedObject<Interface> {
+    using RecordedObject<Interface>::RecordedObject;
 };
+
+template <>
+struct Recorded<IDirect3DSurface9> : RecordedObject<IDirect3DSurface9> {
+    using RecordedObject::RecordedObject;
+    CALL1(GetDesc, D3DSURFACE_DESC*)
+    CALL3(LockRect, D3DLOCKED_RECT*, const RECT*, DWORD)
+    CALL0(UnlockRect)
+};
+
+template <>
+struct Recorded<IDirect3DTexture9> : RecordedObject<IDirect3DTexture9> {
+    using RecordedObject::RecordedObject;
+    DWORD GetLevelCount() override { return behind_->GetLevelCount(); }
+    CALL2(GetLevelDesc, UINT, D3DSURFACE_DESC*)
+    CALL2(GetSurfaceLevel, UINT, IDirect3DSurface9**)
+    CALL4(LockRect, UINT, D3DLOCKED_RECT*, const RECT*, DWORD)
+    CALL1(UnlockRect, UINT)
+};
+
+template <class Buffer>
+requires requires(Buffer& buffer) { buffer.Unlock(); }
+struct Recorded<Buffer> : RecordedObject<Buffer> {
+    using RecordedObject<Buffer>::RecordedObject;
+    using typename RecordedObject<Buffer>::I;
+    CALL4(Lock, UINT, UINT, void**, DWORD)
+    CALL0(Unlock)
+};
+
+template <>
+struct Recorded<IDirect3D9> : RecordedObject<IDirect3D9> {
+    using RecordedObject::RecordedObject;
+    UINT GetAdapterCount() override { return behind_->GetAdapterCount(); }
+    CALL3(GetAdapterIdentifier, UINT, DWORD, D3DADAPTER_IDENTIFIER9*)
+    CALL2(GetAdapterDisplayMode, UINT, D3DDISPLAYMODE*)
+    UINT GetAdapterModeCount(UINT a, D3DFORMAT b) override { return behind_->GetAdapterModeCount(a, b); }
+    CALL4(EnumAdapterModes, UINT, D3DFORMAT, UINT, D3DDISPLAYMODE*)
+    CALL6(CheckDeviceFormat, UINT, D3DDEVTYPE, D3DFORMAT, DWORD, D3DRESOURCETYPE, D3DFORMAT)
+    CALL3(GetDeviceCaps, UINT, D3DDEVTYPE, D3DCAPS9*)
+    CALL6(CreateDevice, UINT, D3DDEVTYPE, HWND, DWORD, D3DPRESENT_PARAMETERS*, IDirect3DDevice9**)
+};
+
+template <>
+struct Recorded<IDirect3DDevice9> : RecordedObject<IDirect3DDevice9> {
+    using RecordedObject::RecordedObject;
+    CALL0(TestCooperativeLevel)
+    HRESULT Reset(D3DPRESENT_PARAMETERS* p) override {
+        return CallTelling({p->BackBufferWidth, p->BackBufferHeight, p->PresentationInterval}, "Reset", &I::Reset, p);
+    }
+    CALL4(Present, const RECT*, const RECT*, HWND, const void*)
+    CALL1(GetDeviceCaps, D3DCAPS9*)
+    void SetGammaRamp(UINT swap_chain, DWORD flags, const D3DGAMMARAMP* ramp) override {
+        recording_.Record("SetGammaRamp", {swap_chain, flags, ramp->red[1], ramp->green[1], ramp->blue[255]});
+        behind_->SetGammaRamp(swap_chain, flags, ramp);
+    }
+    CALL1(SetSoftwareVertexProcessing, BOOL)
+
+    CALL7(CreateTexture, UINT, UINT, UINT, DWORD, D3DFORMAT, D3DPOOL, IDirect3DTexture9**)
+    CALL5(CreateVertexBuffer, UINT, DWORD, DWORD, D3DPOOL, IDirect3DVertexBuffer9**)
+    CALL5(CreateIndexBuffer, UINT, DWORD, D3DFORMAT, D3DPOOL, IDirect3DIndexBuffer9**)
+    CALL7(CreateRenderTarget, UINT, UINT, D3DFORMAT, DWORD, DWORD, BOOL, IDirect3DSurface9**)
+    CALL5(CreateOffscreenPlainSurface, UINT, UINT, D3DFORMAT, D3DPOOL, IDirect3DSurface9**)
+    CALL2(CreateVertexShader, const ShaderCode&, IDirect3DVertexShader9**)
+    CALL2(CreatePixelShader, const ShaderCode&, IDirect3DPixelShader9**)
+
+    CALL4(GetBackBuffer, UINT, UINT, DWORD, IDirect3DSurface9**)
+    CALL2(SetRenderTarget, DWORD, IDirect3DSurface9*)
+    CALL2(GetRenderTarget, DWORD, IDirect3DSurface9**)
+    CALL1(GetDepthStencilSurface, IDirect3DSurface9**)
+    CALL5(StretchRect, IDirect3DSurface9*, const RECT*, IDirect3DSurface9*, const RECT*, DWORD)
+    CALL3(ColorFill, IDirect3DSurface9*, const RECT*, D3DCOLOR)
+    CALL2(UpdateTexture, IDirect3DTexture9*, IDirect3DTexture9*)
+    CALL2(GetRenderTargetData, IDirect3DSurface9*, IDirect3DSurface9*)
+
+    CALL0(BeginScene)
+    CALL0(EndScene)
+    CALL6(Clear, DWORD, const D3DRECT*, DWORD, D3DCOLOR, float, DWORD)
+
+    CALL1(SetViewport, const D3DVIEWPORT9*)
+    CALL1(GetViewport, D3DVIEWPORT9*)
+    CALL2(SetTransform, D3DTRANSFORMSTATETYPE, const D3DMATRIX*)
+    CALL2(GetTransform, D3DTRANSFORMSTATETYPE, D3DMATRIX*)
+    CALL1(SetMaterial, const D3DMATERIAL9*)
+    CALL1(GetMaterial, D3DMATERIAL9*)
+    CALL2(SetLight, DWORD, const D3DLIGHT9*)
+    CALL2(GetLight, DWORD, D3DLIGHT9*)
+    CALL2(LightEnable, DWORD, BOOL)
+    CALL2(GetLightEnable, DWORD, BOOL*)
+    CALL2(SetRenderState, D3DRENDERSTATETYPE, DWORD)
+    CALL2(GetRenderState, D3DRENDERSTATETYPE, DWORD*)
+    CALL3(SetTextureStageState, DWORD, D3DTEXTURESTAGESTATETYPE, DWORD)
+    CALL3(GetTextureStageState, DWORD, D3DTEXTURESTAGESTATETYPE, DWORD*)
+    CALL3(SetSamplerState, DWORD, D3DSAMPLERSTATETYPE, DWORD)
+    CALL3(GetSamplerState, DWORD, D3DSAMPLERSTATETYPE, DWORD*)
+    CALL2(SetTexture, DWORD, IDirect3DTexture9*)
+    CALL2(GetTexture, DWORD, IDirect3DTexture9**)
+    CALL1(SetVertexShader, IDirect3DVertexShader9*)
+    CALL1(GetVertexShader, IDirect3DVertexShader9**)
+    CALL1(SetPixelShader, IDirect3DPixelShader9*)
+    CALL1(GetPixelShader, IDirect3DPixelShader9**)
+    HRESULT SetVertexShaderGlobals(const void* a, UINT b) override {
+        return CallTelling(WordsOf(a, b), "SetVertexShaderGlobals", &I::SetVertexShaderGlobals, a, b);
+    }
+    HRESULT SetPixelShaderGlobals(const void* a, UINT b) override {
+        return CallTelling(WordsOf(a, b), "SetPixelShaderGlobals", &I::SetPixelShaderGlobals, a, b);
+    }
+
+    CALL1(SetFVF, DWORD)
+    CALL1(GetFVF, DWORD*)
+    CALL4(SetStreamSource, UINT, IDirect3DVertexBuffer9*, UINT, UINT)
+    CALL1(SetIndices, IDirect3DIndexBuffer9*)
+    CALL3(DrawPrimitive, D3DPRIMITIVETYPE, UINT, UINT)
+    CALL6(DrawIndexedPrimitive, D3DPRIMITIVETYPE, INT, UINT, UINT, UINT, UINT)
+};
+// clang-format on
 
 }   // namespace
 
-IDirect3D9* MakeRecordingDirect3D(Recording& recording) { return new RecordingDirect3D(recording); }
+IDirect3D9* RecordCalls(Recording& recording, IDirect3D9* behind) {
+    return behind ? new Recorded<IDirect3D9>(recording, behind) : nullptr;
+}
+
+IDirect3DDevice9& Behind(IDirect3DDevice9& recorded) {
+    return *static_cast<Recorded<IDirect3DDevice9>&>(recorded).Behind();
+}
+IDirect3DTexture9& Behind(IDirect3DTexture9& recorded) {
+    return *static_cast<Recorded<IDirect3DTexture9>&>(recorded).Behind();
+}
 
 }   // namespace sparkrig

@@ -1,11 +1,15 @@
-// The second implementation of the device contract: it draws nothing, records every call, keeps states for the Get
-// functions and enforces the rules of scenes, locks and resets.
+// A device of the contract seen through a recording: every call is recorded, fails when the recording says so, and else
+// goes on to the object behind. So any device can be made to fail, and the objects that are held can be counted.
 #pragma once
-#include "tests/support/recorded_objects.h"
+#include "tests/support/recording.h"
 
 namespace sparkrig {
 
-/// What `recording` offers as Direct3D. The recording outlives it.
-IDirect3D9* MakeRecordingDirect3D(Recording& recording);
+/// Takes over the reference to the Direct3D object behind; null stays null. The recording outlives what is returned.
+IDirect3D9* RecordCalls(Recording& recording, IDirect3D9* behind);
+
+/// The object behind one that came from it.
+IDirect3DDevice9& Behind(IDirect3DDevice9& recorded);
+IDirect3DTexture9& Behind(IDirect3DTexture9& recorded);
 
 }   // namespace sparkrig

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/d3dx/d3dx_texture.h"
+#include "tests/support/memory_objects.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recording_device.h"
 #include "tests/support/temporary_folder.h"
@@ -27,9 +28,9 @@ class TextureFromFile : public TemporaryFolder {
                                             o.pool, o.filter, o.mip_filter, o.colour_key, &info_, texture_.Receive());
     }
 
-    RecordedImage& Level(UINT level) { return static_cast<RecordedTexture&>(*texture_).Level(level); }
+    MemoryImage& Level(UINT level) { return static_cast<MemoryTexture&>(Behind(*texture_)).Level(level); }
     std::vector<D3DCOLOR> Pixels(UINT level = 0) {
-        const RecordedImage& image = Level(level);
+        const MemoryImage& image = Level(level);
         std::vector<D3DCOLOR> pixels;
         for (UINT y = 0; y < image.desc.Height; ++y) {
             const auto* row = reinterpret_cast<const D3DCOLOR*>(image.bytes.data() + y * image.pitch);

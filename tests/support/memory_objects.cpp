@@ -1,17 +1,17 @@
-#include "tests/support/recorded_objects.h"
+#include "tests/support/memory_objects.h"
 
 #include <algorithm>
 
 namespace sparkrig {
 
-RecordedImage::RecordedImage(const D3DSURFACE_DESC& description, bool is_lockable, bool is_plain)
+MemoryImage::MemoryImage(const D3DSURFACE_DESC& description, bool is_lockable, bool is_plain)
     : desc(description), format(*FindPixelFormat(desc.Format)), lockable(is_lockable), plain(is_plain) {
     // Wider than the row, so that code that mistakes the pitch for the width is found out.
     pitch = static_cast<INT>(format.Pitch(desc.Width) + 16);
     bytes.resize(static_cast<std::size_t>(pitch) * format.Rows(desc.Height));
 }
 
-HRESULT RecordedImage::Lock(D3DLOCKED_RECT* result, const RECT* rect, DWORD flags) {
+HRESULT MemoryImage::Lock(D3DLOCKED_RECT* result, const RECT* rect, DWORD flags) {
     if (locked || !lockable) return D3DERR_INVALIDCALL;
     if (const HRESULT refused = CheckLock(desc, rect, flags); FAILED(refused)) return refused;
     RECT area;
@@ -23,17 +23,17 @@ HRESULT RecordedImage::Lock(D3DLOCKED_RECT* result, const RECT* rect, DWORD flag
     return D3D_OK;
 }
 
-HRESULT RecordedImage::Unlock() {
+HRESULT MemoryImage::Unlock() {
     if (!locked) return D3DERR_INVALIDCALL;
     locked = false;
     return D3D_OK;
 }
 
-RecordedTexture::RecordedTexture(Recording& recording, const D3DSURFACE_DESC& top, UINT levels)
-    : RecordedObject(recording, top.Pool == D3DPOOL_DEFAULT) {
+MemoryTexture::MemoryTexture(MemoryAdapter& adapter, const D3DSURFACE_DESC& top, UINT levels)
+    : MemoryObject(adapter, top.Pool), number_(++adapter.textures_made) {
     D3DSURFACE_DESC desc = top;
     for (UINT level = 0; level < levels; ++level) {
-        levels_.push_back(std::make_shared<RecordedImage>(desc, LevelsLockable(desc.Usage, desc.Pool)));
+        levels_.push_back(std::make_shared<MemoryImage>(desc, LevelsLockable(desc.Usage, desc.Pool)));
         desc.Width = std::max(desc.Width / 2, 1u);
         desc.Height = std::max(desc.Height / 2, 1u);
     }
