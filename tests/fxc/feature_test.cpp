@@ -10,14 +10,19 @@ namespace sparkrig {
 namespace {
 
 struct FeatureVertex {
-    static constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_NORMAL | D3DFVF_DIFFUSE | D3DFVF_TEX2;
-    float x, y, z, nx, ny, nz;
-    D3DCOLOR diffuse;
-    float u, v, u1, v1;
+    static constexpr DWORD kFvf = D3DFVF_XYZB4 | D3DFVF_LASTBETA_UBYTE4 | D3DFVF_NORMAL | D3DFVF_PSIZE |
+                                  D3DFVF_DIFFUSE | D3DFVF_SPECULAR | 8u << D3DFVF_TEXCOUNT_SHIFT;
+    float x, y, z;
+    float weights[3] = {0.1f, 0.3f, 0.2f};
+    BYTE indices[4] = {0, 5, 0, 0};
+    float normal[3] = {0.2f, 0.4f, 0.6f};
+    float size = 1;
+    D3DCOLOR diffuse = Argb(153, 255, 102, 51), specular = Argb(255, 51, 102, 153);
+    float coordinates[8][2] = {{0.25f, 0.75f}, {0.4f, 0.6f}, {}, {}, {}, {}, {0.2f, 0}, {0.6f, 0}};
 };
 
-/// Draws every pass of an effect's first valid technique over a canvas: normal (0.2, 0.4, 0.6), diffuse colour
-/// (1, 0.4, 0.2, 0.6), coordinates (0.25, 0.75) and (0.4, 0.6), each texture with (0.2, 0.4, 0.8, 0.6) at the first.
+/// Draws every pass of an effect's first valid technique over a canvas, each texture with (0.2, 0.4, 0.8, 0.6) at the
+/// first coordinate.
 class FeatureCanvas : public Canvas {
   public:
     FeatureCanvas() : Canvas(8, 8) {
@@ -56,12 +61,9 @@ class FeatureCanvas : public Canvas {
     }
 
     HRESULT DrawQuad() {
-        const auto corner = [](float x, float y) {
-            return FeatureVertex{x, y, 0.5f, 0.2f, 0.4f, 0.6f, Argb(153, 255, 102, 51), 0.25f, 0.75f, 0.4f, 0.6f};
-        };
         return Canvas::Draw<FeatureVertex>(
             FeatureVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-            {corner(-1.1f, -1.1f), corner(-1.1f, 1.1f), corner(1.1f, -1.1f), corner(1.1f, 1.1f)});
+            {{-1.1f, -1.1f, 0.5f}, {-1.1f, 1.1f, 0.5f}, {1.1f, -1.1f, 0.5f}, {1.1f, 1.1f, 0.5f}});
     }
 
     DevicePtr<IDirect3DTexture9> texture_;

@@ -58,11 +58,11 @@ class Pipeline {
         diffuse_ = v_.diffuse ? fixed::From(*v_.diffuse) : Colour(1.0);
         specular_ = v_.specular ? fixed::From(*v_.specular) : Colour(0.0);
         if (!v_.final_position && s_.On(D3DRS_LIGHTING)) Light();
-        return {Output(Cascade()), sure_};
-    }
-    Vec Eye() {
-        Transform();
-        return {eye_, 1};
+        const Colour colour = Output(Cascade());
+        const double size = Size();
+        for (const double edge : {x_ - size / 2, x_ + size / 2, y_ - size / 2, y_ + size / 2})
+            if (std::abs(edge - std::round(edge)) < 0.02) sure_ = false;
+        return {colour, x_, y_, size, sure_};
     }
 
   private:
@@ -78,6 +78,8 @@ class Pipeline {
         if (v_.final_position) {
             w_ = 1 / v_.position[3];
             depth_ = v_.position[2];
+            x_ = v_.position[0];
+            y_ = v_.position[1];
             return;
         }
         const DWORD blend = s_.render[D3DRS_VERTEXBLEND];
@@ -87,7 +89,7 @@ class Pipeline {
         for (std::size_t i = 0; i < std::max<std::size_t>(matrices, 1); ++i) {
             const double weight = i + 1 < matrices ? double{v_.weights[i]} : left;
             left -= weight;
-            const glm::dmat4 world_view = From(s_.view) * From(s_.world[indexed ? v_.indices[i] : i]);
+            const glm::dmat4 world_view = From(s_.view) * From(s_.world[indexed ? (*v_.indices)[i] : i]);
             eye_ += weight * dvec3(world_view * Vec(glm::make_vec3(v_.position.data()), 1));
             if (v_.normal)
                 n_ +=
@@ -97,6 +99,21 @@ class Pipeline {
         const Vec clip = From(s_.projection) * Vec(eye_, 1);
         w_ = clip.w;
         depth_ = clip.z / clip.w;
+        x_ = (1 + clip.x / clip.w) * s_.viewport.Width / 2;
+        y_ = (1 - clip.y / clip.w) * s_.viewport.Height / 2;
+    }
+
+    double Size() const {
+        double size = v_.size.value_or(s_.Float(D3DRS_POINTSIZE));
+        if (s_.On(D3DRS_POINTSCALEENABLE) && !v_.final_position) {
+            const double d = glm::length(eye_);
+            const double a = s_.Float(D3DRS_POINTSCALE_A), b = s_.Float(D3DRS_POINTSCALE_B),
+                         c = s_.Float(D3DRS_POINTSCALE_C);
+            size *= s_.viewport.Height * std::sqrt(1 / (a + b * d + c * d * d));
+        }
+        constexpr double kDeviceLimit = 256;
+        size = std::min({size, double{s_.Float(D3DRS_POINTSIZE_MAX)}, kDeviceLimit});
+        return std::max(size, double{s_.Float(D3DRS_POINTSIZE_MIN)});
     }
 
     Colour MaterialColour(D3DRENDERSTATETYPE source, const D3DCOLORVALUE& material) const {
@@ -326,7 +343,7 @@ class Pipeline {
     const Vertex& v_;
     bool sure_ = true;
     dvec3 eye_{0.0}, n_{0.0};
-    double w_ = 1, depth_ = 0;
+    double w_ = 1, depth_ = 0, x_ = 0, y_ = 0;
     Colour diffuse_, specular_, current_, temp_{0.0}, texel_, back_;
     glm::dvec2 shift_{0.0};   // of the next stage's coordinate, by a bump stage
 };
@@ -336,11 +353,12 @@ class Pipeline {
 Colour From(D3DCOLOR argb) {
     return {(argb >> 16 & 255) / 255.0, (argb >> 8 & 255) / 255.0, (argb & 255) / 255.0, (argb >> 24) / 255.0};
 }
-Vec Times(const Vec& v, const D3DMATRIX& m) { return From(m) * v; }
 
 DWORD Vertex::Fvf() const {
     constexpr DWORD kSizeBits[] = {0, 3, 0, 1, 2};
-    DWORD fvf = final_position ? D3DFVF_XYZRHW : weights.empty() ? D3DFVF_XYZ : D3DFVF_XYZB4 | D3DFVF_LASTBETA_UBYTE4;
+    const DWORD betas = static_cast<DWORD>(weights.size()) + indices.has_value();
+    DWORD fvf = final_position ? D3DFVF_XYZRHW : betas == 0 ? D3DFVF_XYZ : D3DFVF_XYZB1 + 2 * (betas - 1);
+    if (indices) fvf |= D3DFVF_LASTBETA_UBYTE4;
     if (normal) fvf |= D3DFVF_NORMAL;
     if (size) fvf |= D3DFVF_PSIZE;
     if (diffuse) fvf |= D3DFVF_DIFFUSE;
@@ -357,7 +375,7 @@ std::vector<BYTE> Vertex::Bytes() const {
     };
     add(position.data(), final_position ? 16 : 12);
     add(weights.data(), weights.size() * sizeof(float));
-    if (!weights.empty()) add(indices.data(), 4);
+    if (indices) add(&*indices, 4);
     if (normal) add(normal->data(), 12);
     if (size) add(&*size, 4);
     if (diffuse) add(&*diffuse, 4);
@@ -373,20 +391,6 @@ std::vector<BYTE> Texture::Rows() const {
     return bytes;
 }
 
-Seen PixelOf(const Scene& scene) { return Pipeline(scene).Run(); }
-Vec EyePosition(const Scene& scene) { return Pipeline(scene).Eye(); }
-
-double PointSize(const Scene& scene) {
-    const DeviceState& s = scene.state;
-    double size = scene.vertex.size.value_or(s.Float(D3DRS_POINTSIZE));
-    if (s.On(D3DRS_POINTSCALEENABLE) && !scene.vertex.final_position) {
-        const double d = glm::length(dvec3(EyePosition(scene)));
-        const double a = s.Float(D3DRS_POINTSCALE_A), b = s.Float(D3DRS_POINTSCALE_B), c = s.Float(D3DRS_POINTSCALE_C);
-        size *= s.viewport.Height * std::sqrt(1 / (a + b * d + c * d * d));
-    }
-    constexpr double kDeviceLimit = 256;
-    size = std::min({size, double{s.Float(D3DRS_POINTSIZE_MAX)}, kDeviceLimit});
-    return std::max(size, double{s.Float(D3DRS_POINTSIZE_MIN)});
-}
+Seen PointOf(const Scene& scene) { return Pipeline(scene).Run(); }
 
 }   // namespace sparkrig::fixed

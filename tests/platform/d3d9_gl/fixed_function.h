@@ -1,4 +1,4 @@
-// The fixed function on the processor, in double, for one vertex that is drawn as a point over everything: slow,
+// The fixed function on the processor, in double, for one vertex that is drawn as a point: slow,
 // obvious, written from the rules of the interface, and what OpenGL's pixels are compared with.
 #pragma once
 #include <array>
@@ -14,14 +14,13 @@ namespace sparkrig::fixed {
 using Colour = glm::dvec4;   // r, g, b, a in 0..1
 using Vec = glm::dvec4;
 Colour From(D3DCOLOR argb);
-Vec Times(const Vec& v, const D3DMATRIX& m);
 
 /// What the vertex format names is there, and in its order.
 struct Vertex {
     bool final_position = false;
     std::array<float, 4> position = {};   // w: rhw of a final one
-    std::vector<float> weights;           // three, with indices, or none
-    std::array<BYTE, 4> indices = {};
+    std::vector<float> weights;
+    std::optional<std::array<BYTE, 4>> indices;
     std::optional<std::array<float, 3>> normal;
     std::optional<float> size;
     std::optional<D3DCOLOR> diffuse, specular;
@@ -49,14 +48,12 @@ struct Scene {
     bool alpha_in_target = false;   // else it reads as 1
 };
 
+/// A square of one colour.
 struct Seen {
     Colour colour;
-    bool sure = true;   // not within rounding of a step: a texel's edge, a cone, a limit
+    double x, y, size;   // its middle and its edge in pixels, whose centres are whole numbers
+    bool sure = true;    // not within rounding of a step: a texel's edge, a cone, a limit, a pixel's centre
 };
-Seen PixelOf(const Scene& scene);
-
-/// Before the projection; and the point's edge in pixels.
-Vec EyePosition(const Scene& scene);
-double PointSize(const Scene& scene);
+Seen PointOf(const Scene& scene);
 
 }   // namespace sparkrig::fixed

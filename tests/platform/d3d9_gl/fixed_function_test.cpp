@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <random>
 
-#include "tests/platform/d3d9_gl/matrices.h"
 #include "tests/support/canvas.h"
+#include "tests/support/matrices.h"
 
 namespace sparkrig {
 namespace {
@@ -17,6 +17,7 @@ namespace {
 using fixed::Scene;
 
 constexpr int kTolerance = 2;   // of 255
+constexpr UINT kSize = 24;      // of the canvas
 
 void SetFloat(DeviceState& state, D3DRENDERSTATETYPE which, double value) {
     state.SetRenderState(which, std::bit_cast<DWORD>(static_cast<float>(value)));
@@ -54,17 +55,25 @@ std::vector<DevicePtr<IDirect3DTexture9>> Apply(const Scene& scene, Canvas& canv
 
 /// Whether the reference was sure enough to say anything.
 bool ExpectReference(const Scene& scene, Canvas& canvas) {
-    const fixed::Seen wanted = fixed::PixelOf(scene);
+    const fixed::Seen wanted = fixed::PointOf(scene);
     if (!wanted.sure) return false;
     const auto textures = Apply(scene, canvas);
     const std::vector<BYTE> bytes = scene.vertex.Bytes();
+    EXPECT_EQ(VertexFormatStride(scene.vertex.Fvf()), bytes.size());
     canvas.Clear(scene.back);
     EXPECT_EQ(canvas.DrawBytes(scene.vertex.Fvf(), D3DPT_POINTLIST, 1, bytes.data(), bytes.size(),
                                static_cast<UINT>(bytes.size())),
               D3D_OK);
-    const fixed::Colour found = fixed::From(canvas.PixelArgb(2, 1));
-    for (int c = 0; c < (scene.alpha_in_target ? 4 : 3); ++c)
-        EXPECT_NEAR(found[c] * 255, wanted.colour[c] * 255, kTolerance) << "channel " << c;
+    const std::vector<D3DCOLOR> pixels = canvas.Pixels();
+    const double reach = wanted.size / 2;
+    const fixed::Colour back = fixed::From(scene.back);
+    for (UINT i = 0; i < pixels.size() && !testing::Test::HasFailure(); ++i) {
+        const bool inside = std::abs(i % kSize - wanted.x) < reach && std::abs(i / kSize - wanted.y) < reach;
+        const fixed::Colour found = fixed::From(pixels[i]);
+        for (int c = 0; c < (scene.alpha_in_target ? 4 : 3); ++c)
+            EXPECT_NEAR(found[c] * 255, (inside ? wanted.colour : back)[c] * 255, inside ? kTolerance : 0)
+                << "channel " << c << " of " << i % kSize << ", " << i / kSize;
+    }
     return true;
 }
 
@@ -98,8 +107,7 @@ class Dice {
         RollLights(scene.state);
         for (DWORD stage = 0, stages = Of(0, 4); stage < stages; ++stage) RollStage(scene, stage);
         RollOutput(scene.state);
-        SetFloat(scene.state, D3DRS_POINTSIZE, 256);
-        SetFloat(scene.state, D3DRS_POINTSIZE_MAX, 256);
+        RollSize(scene);
         return scene;
     }
 
@@ -107,10 +115,11 @@ class Dice {
     void RollVertex(fixed::Vertex& vertex) {
         vertex.final_position = Chance(0.2);
         vertex.position = {In(-0.6, 0.6), In(-0.6, 0.6), In(-0.4, 0.8), 1};
-        if (vertex.final_position) vertex.position = {1.3f, 1.2f, In(0.1, 0.9), In(0.3, 1.5)};
+        if (vertex.final_position) vertex.position = {In(0, 23), In(0, 23), In(0.1, 0.9), In(0.3, 1.5)};
         if (!vertex.final_position && Chance(0.3)) {
-            vertex.weights = {In(0.1, 0.4), In(0.1, 0.3), In(0.1, 0.3)};
-            for (BYTE& index : vertex.indices) index = static_cast<BYTE>(Of(0, 255));
+            for (DWORD weights = Of(0, 4); weights > 0; --weights) vertex.weights.push_back(In(0.1, 0.3));
+            if (Chance(0.7))
+                for (BYTE& index : vertex.indices.emplace()) index = static_cast<BYTE>(Of(0, 255));
         }
         if (!vertex.final_position && Chance(0.8)) vertex.normal = {In(-0.5, 0.5), In(-0.5, 0.5), -0.8f};
         if (Chance(0.6)) vertex.diffuse = Colour();
@@ -127,10 +136,10 @@ class Dice {
         state.view = Matrix() * Translation(0, 0, 2.5f);
         state.projection = Chance(0.15) ? Scaling(0.5f, 0.5f, 0.1f) : Perspective(0.3f, 20);
         for (D3DMATRIX& matrix : state.texture_matrices) matrix = Matrix();
-        constexpr DWORD kBlends[] = {D3DVBF_DISABLE, D3DVBF_1WEIGHTS, D3DVBF_2WEIGHTS, D3DVBF_3WEIGHTS,
-                                     D3DVBF_0WEIGHTS};
-        if (!scene.vertex.weights.empty()) state.SetRenderState(D3DRS_VERTEXBLEND, kBlends[Of(0, 4)]);
-        state.SetRenderState(D3DRS_INDEXEDVERTEXBLENDENABLE, Of(0, 1));
+        const DWORD weights = std::min<DWORD>(static_cast<DWORD>(scene.vertex.weights.size()), D3DVBF_3WEIGHTS);
+        const DWORD blend = scene.vertex.indices && Chance(0.2) ? D3DVBF_0WEIGHTS : Of(D3DVBF_DISABLE, weights);
+        state.SetRenderState(D3DRS_VERTEXBLEND, blend);
+        state.SetRenderState(D3DRS_INDEXEDVERTEXBLENDENABLE, scene.vertex.indices && Chance(0.5));
         state.SetRenderState(D3DRS_NORMALIZENORMALS, Of(0, 1));
     }
 
@@ -192,6 +201,20 @@ class Dice {
             set(static_cast<D3DTEXTURESTAGESTATETYPE>(D3DTSS_BUMPENVMAT00 + i), std::bit_cast<DWORD>(In(-0.6, 0.6)));
     }
 
+    void RollSize(Scene& scene) {
+        DeviceState& state = scene.state;
+        state.viewport = {0, 0, kSize, kSize, 0, 1};
+        const bool scaled = Chance(0.5);
+        state.SetRenderState(D3DRS_POINTSCALEENABLE, scaled);
+        const auto edge = [&] { return scaled ? In(0.1, 0.6) : In(1, 20); };
+        if (Chance(0.5)) scene.vertex.size = edge();
+        SetFloat(state, D3DRS_POINTSIZE, edge());
+        SetFloat(state, D3DRS_POINTSIZE_MIN, In(1, 5)),
+            SetFloat(state, D3DRS_POINTSIZE_MAX, Chance(0.2) ? 1000 : In(6, 20));
+        for (const auto factor : {D3DRS_POINTSCALE_A, D3DRS_POINTSCALE_B, D3DRS_POINTSCALE_C})
+            SetFloat(state, factor, In(0.1, 1));
+    }
+
     void RollOutput(DeviceState& state) {
         const auto set = [&](D3DRENDERSTATETYPE type, DWORD value) { state.SetRenderState(type, value); };
         set(D3DRS_TEXTUREFACTOR, Colour()), set(D3DRS_BLENDFACTOR, Colour()), set(D3DRS_FOGCOLOR, Colour());
@@ -221,7 +244,7 @@ class Dice {
 TEST(FixedFunction, RandomStatesGiveThePixelsOfTheReference) {
     const char* asked = std::getenv("FIXED_FUNCTION_CASES");
     const int cases = asked ? std::atoi(asked) : 180;
-    Canvas opaque(4, 4), with_alpha(4, 4, D3DFMT_A8R8G8B8);
+    Canvas opaque(kSize, kSize), with_alpha(kSize, kSize, D3DFMT_A8R8G8B8);
     Dice dice(5);
     int sure = 0;
     for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) {

@@ -106,28 +106,6 @@ TEST_F(Redraw, StreamsWithoutEnd) {
     EXPECT_EQ(canvas_.PixelArgb(1, 6), kSecond);
 }
 
-TEST_F(Redraw, MixesFinalAndPlainPositionsAndPoints) {
-    struct PlainVertex {
-        float x, y, z;
-        D3DCOLOR diffuse;
-    };
-    constexpr DWORD kFvf = D3DFVF_XYZ | D3DFVF_DIFFUSE;
-    const D3DVIEWPORT9 viewport = {4, 0, 4, 8, 0, 1};
-    canvas_->SetViewport(&viewport);
-    canvas_->SetRenderState(D3DRS_CULLMODE, D3DCULL_CCW);
-    for (int round = 0; round < 2; ++round) {
-        canvas_.Clear(kBack);
-        canvas_.FillAll(kFirst);
-        EXPECT_EQ(canvas_.PixelArgb(5, 2), kFirst);
-        canvas_.Draw<PlainVertex>(kFvf, D3DPT_TRIANGLELIST, 1,   // the left half of the viewport
-                                  {{-1, -9, 0.5f, kSecond}, {-1, 9, 0.5f, kSecond}, {0.01f, 0, 0.5f, kSecond}});
-        EXPECT_EQ(canvas_.PixelArgb(5, 4), kSecond);
-        EXPECT_EQ(canvas_.PixelArgb(7, 4), kFirst);
-        canvas_.Draw<PlainVertex>(kFvf, D3DPT_POINTLIST, 1, {{0.6f, -0.6f, 0.5f, kSecond}});   // at 7.2, 6.4
-        EXPECT_EQ(canvas_.PixelArgb(7, 6), kSecond);
-    }
-}
-
 TEST_F(Redraw, SendsAllThatSeveralLocksWrote) {
     const auto texture = MakeTexture(canvas_.Device(), 2, 8, std::vector<D3DCOLOR>(16, kBack));
     canvas_->SetTexture(0, texture.Get());
@@ -143,19 +121,6 @@ TEST_F(Redraw, SendsAllThatSeveralLocksWrote) {
     }
     canvas_.FillAll(0xFFFFFFFF);
     EXPECT_EQ(canvas_.Pixels(), wanted);
-}
-
-TEST_F(Redraw, FollowsStatesThatAreOnlyValues) {
-    canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
-    for (const DWORD source : {D3DTA_TFACTOR, D3DTA_CONSTANT}) {
-        canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, source);
-        for (const D3DCOLOR colour : {kFirst, kSecond, kBack}) {
-            canvas_->SetRenderState(D3DRS_TEXTUREFACTOR, colour);
-            canvas_->SetTextureStageState(0, D3DTSS_CONSTANT, ~colour | 0xFF000000);
-            canvas_.FillAll(0xFFFFFFFF);
-            EXPECT_EQ(canvas_.PixelArgb(2, 2), source == D3DTA_TFACTOR ? colour : ~colour | 0xFF000000);
-        }
-    }
 }
 
 }   // namespace

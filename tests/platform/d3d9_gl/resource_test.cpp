@@ -5,7 +5,7 @@
 #include <random>
 
 #include "platform/d3d9/pixel_format.h"
-#include "platform/d3d9/vertex_format.h"
+
 #include "tests/support/canvas.h"
 
 namespace sparkrig {
@@ -249,15 +249,6 @@ TEST(Draws, RefuseWhatTheRulesForbid) {
     EXPECT_EQ(canvas->SetFVF(0x1D4), D3DERR_INVALIDCALL);   // a normal of a transformed vertex
     EXPECT_EQ(canvas->SetFVF(0), D3DERR_INVALIDCALL);
     EXPECT_EQ(canvas->SetStreamSource(1, vertices.Get(), 0, 32), D3DERR_INVALIDCALL);
-}
-
-TEST(VertexFormats, HaveTheDocumentedStrides) {
-    constexpr struct {
-        DWORD fvf, stride;
-    } kRows[] = {{0x42, 16},    {0x1C4, 32},   {0x40212, 44}, {0x1018, 32},  {0x101A, 36},
-                 {0x101C, 40},  {0x11D8, 48},  {0x00E, 32},   {0xF0102, 16}, {0x30102, 16},
-                 {0x20102, 28}, {0x10102, 24}, {0x000, 0},    {0x014, 0},    {0x902, 0}};   // no formats
-    for (const auto& row : kRows) EXPECT_EQ(VertexFormatStride(row.fvf), row.stride) << std::hex << row.fvf;
 }
 
 }   // namespace
