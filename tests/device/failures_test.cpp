@@ -12,6 +12,7 @@
 #include "gfx/textures/texture.h"
 #include "gfx/textures/texture_loader.h"
 #include "tests/device/failing_calls.h"
+#include "tests/support/held_states.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
@@ -83,30 +84,13 @@ TEST_P(Failures, WhileTheProgramStarts) {
 }
 TEST_P(Failures, WhileStatesAreSet) { RefuseOneByOne(GetParam(), WholeProgram::State::Started, SetEveryState); }
 
-/// The states of the device that a frame ends with, so that the next one begins as it did.
-std::vector<DWORD> HeldStates(IDirect3DDevice9& device) {
-    std::vector<DWORD> states;
-    for (DWORD state = 1; state < kRenderStateCount; ++state)
-        device.GetRenderState(static_cast<D3DRENDERSTATETYPE>(state), &states.emplace_back());
-    for (DWORD stage = 0; stage < kTextureStages; ++stage) {
-        for (DWORD state = 1; state < kStageStateCount; ++state)
-            device.GetTextureStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(state), &states.emplace_back());
-        for (DWORD state = 1; state < kSamplerStateCount; ++state)
-            device.GetSamplerState(stage, static_cast<D3DSAMPLERSTATETYPE>(state), &states.emplace_back());
-    }
-    D3DVIEWPORT9 viewport = {};
-    device.GetViewport(&viewport);
-    states.insert(states.end(), {viewport.X, viewport.Y, viewport.Width, viewport.Height});
-    return states;
-}
-
 TEST_P(Failures, WhileTheProgramPlays) {
     WholeProgram program(GetParam());
     program.Play(0, 30);
     program.Gfx().TextureOptions().sharing = false;
     program.Gfx().SetShaderSharing(false);
     const std::vector<D3DCOLOR> before = program.Picture();
-    const std::vector<DWORD> states = HeldStates(*program.Gfx().Device());
+    const std::vector<DWORD> states = HeldStates(*program.Gfx().Device());   // the next frame begins with them
     const int objects = program.recording.LiveObjects();
     std::set<std::string> seen;   // with every code it may answer; called again, one is enough
     int cases = 0;

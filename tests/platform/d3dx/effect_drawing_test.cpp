@@ -1,4 +1,6 @@
 #include "tests/platform/d3dx/effect_fixture.h"
+#include "tests/support/held_states.h"
+#include "tests/support/matrices.h"
 
 namespace sparkrig {
 namespace {
@@ -23,56 +25,19 @@ technique Draw {
     pass { VertexShader = NULL; CullMode = CW; }
 })";
 
-/// Everything that the technique above may change, as the device holds it.
-struct DeviceStates {
-    DWORD cull, fog_colour, alpha_ref, factor, fog_start, ambient, stage, sampler2, sampler3, sampler5;
-    D3DMATRIX world1, view;
-    D3DLIGHT9 light;
-    BOOL light_on;
-    D3DMATERIAL9 material;
-    DevicePtr<IDirect3DTexture9> textures[6];
-    DevicePtr<IDirect3DVertexShader9> vertex;
-    DevicePtr<IDirect3DPixelShader9> pixel;
-
-    explicit DeviceStates(IDirect3DDevice9& device) {
-        device.GetRenderState(D3DRS_CULLMODE, &cull);
-        device.GetRenderState(D3DRS_FOGCOLOR, &fog_colour);
-        device.GetRenderState(D3DRS_ALPHAREF, &alpha_ref);
-        device.GetRenderState(D3DRS_TEXTUREFACTOR, &factor);
-        device.GetRenderState(D3DRS_FOGSTART, &fog_start);
-        device.GetRenderState(D3DRS_AMBIENT, &ambient);
-        device.GetTextureStageState(1, D3DTSS_COLOROP, &stage);
-        device.GetSamplerState(2, D3DSAMP_MAGFILTER, &sampler2);
-        device.GetSamplerState(3, D3DSAMP_MINFILTER, &sampler3);
-        device.GetSamplerState(5, D3DSAMP_MINFILTER, &sampler5);
-        device.GetTransform(D3DTS_WORLDMATRIX(1), &world1);
-        device.GetTransform(D3DTS_VIEW, &view);
-        device.GetLight(2, &light);
-        device.GetLightEnable(2, &light_on);
-        device.GetMaterial(&material);
-        for (DWORD i = 0; i < std::size(textures); ++i) device.GetTexture(i, textures[i].Receive());
-        device.GetVertexShader(vertex.Receive());
-        device.GetPixelShader(pixel.Receive());
-    }
-    bool operator==(const DeviceStates&) const = default;
-};
-
-void DisturbStates(IDirect3DDevice9& device, IDirect3DTexture9* texture, float seed) {
-    const DWORD word = static_cast<DWORD>(seed);
+void DisturbStates(IDirect3DDevice9& device, IDirect3DTexture9* texture) {
     device.SetRenderState(D3DRS_CULLMODE, D3DCULL_CCW);
-    device.SetRenderState(D3DRS_FOGCOLOR, word * 3);
-    device.SetRenderState(D3DRS_ALPHAREF, word * 5);
-    device.SetRenderState(D3DRS_AMBIENT, word * 7);
+    for (const auto state : {D3DRS_FOGCOLOR, D3DRS_ALPHAREF, D3DRS_AMBIENT}) device.SetRenderState(state, 7u * state);
     device.SetTextureStageState(1, D3DTSS_COLOROP, D3DTOP_SUBTRACT);
     device.SetSamplerState(3, D3DSAMP_MINFILTER, D3DTEXF_ANISOTROPIC);
-    const D3DMATRIX matrix = {{{seed, 2, 3, 4}, {5, 6, 7, 8}, {9, 1, 2, 3}, {4, 5, 6, 7}}};
+    const D3DMATRIX matrix = Translation(2, 3, 4);
     device.SetTransform(D3DTS_WORLDMATRIX(1), &matrix);
     D3DLIGHT9 light = {};
     light.Type = D3DLIGHT_SPOT;
-    light.Range = seed;
+    light.Range = 11;
     device.SetLight(2, &light);
     D3DMATERIAL9 material = {};
-    material.Power = seed;
+    material.Power = 12;
     device.SetMaterial(&material);
     for (DWORD i = 0; i < 6; ++i) device.SetTexture(i, texture);
 }
@@ -85,39 +50,49 @@ TEST_F(EffectDrawingTest, BeginPassAppliesStatesAndEndPutsTheDeviceBackExactly) 
     device_->CreateTexture(8, 8, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, texture.Receive());
     effect->SetTexture(effect->GetParameterByName(nullptr, "T"), texture.Get());
     effect->SetMatrix(effect->GetParameterByName(nullptr, "M"), &matrix);
-    DisturbStates(*device_, before_texture.Get(), 11);
-    const DeviceStates before(*device_);
+    DisturbStates(*device_, before_texture.Get());
+    const std::vector<DWORD> before = HeldStates(*device_);
     UINT passes = 0;
     ASSERT_EQ(effect->Begin(&passes, 0), D3D_OK);
     ASSERT_EQ(passes, 2u);
+    recording_.ForgetCalls();
     ASSERT_EQ(effect->BeginPass(0), D3D_OK);
-    const DeviceStates states(*device_);
-    EXPECT_EQ(states.cull, D3DCULL_NONE);
-    EXPECT_EQ(states.fog_colour, 0xFFFF8000u);
-    EXPECT_EQ(states.alpha_ref, 30u);
-    EXPECT_EQ(states.factor, 0x12345678u);
-    EXPECT_EQ(states.fog_start, Bits(-0.25f));
-    EXPECT_EQ(states.ambient, 0x00112233u);
-    EXPECT_EQ(states.stage, D3DTOP_ADD);
-    EXPECT_EQ(states.sampler3, D3DTEXF_LINEAR);   // the register of the pixel function's sampler
-    EXPECT_EQ(states.sampler5, D3DTEXF_LINEAR);
-    EXPECT_EQ(states.world1, matrix);
-    EXPECT_EQ(states.view, matrix);
-    EXPECT_EQ(states.light.Type, D3DLIGHT_POINT);
-    EXPECT_EQ(states.light.Diffuse, (D3DCOLORVALUE{1, 0.5f, 0, 1}));
-    EXPECT_TRUE(states.light_on);
-    EXPECT_EQ(states.material.Diffuse, (D3DCOLORVALUE{1, 0.5f, 0, 1}));
-    EXPECT_EQ(states.material.Power, 3.0f);
-    for (const std::size_t i : {1, 3, 5}) EXPECT_EQ(states.textures[i].Get(), texture.Get()) << i;
-    EXPECT_TRUE(states.vertex);
-    EXPECT_TRUE(states.pixel);
+    const std::pair<D3DRENDERSTATETYPE, DWORD> kRenderStates[] = {
+        {D3DRS_CULLMODE, D3DCULL_NONE},    {D3DRS_FOGCOLOR, 0xFFFF8000},   {D3DRS_ALPHAREF, 30},
+        {D3DRS_TEXTUREFACTOR, 0x12345678}, {D3DRS_FOGSTART, Bits(-0.25f)}, {D3DRS_AMBIENT, 0x00112233}};
+    for (const auto& [state, value] : kRenderStates) EXPECT_THAT(recording_.Sent(state), ElementsAre(value)) << state;
+    EXPECT_THAT(recording_.Sent(1, D3DTSS_COLOROP), ElementsAre(D3DTOP_ADD));
+    for (const DWORD sampler : {3, 5})   // 3: the register of the pixel function's sampler
+        EXPECT_THAT(recording_.Sent(sampler, D3DSAMP_MINFILTER), ElementsAre(D3DTEXF_LINEAR));
+    D3DMATRIX held;
+    for (const auto type : {D3DTS_WORLDMATRIX(1), D3DTS_VIEW}) {
+        device_->GetTransform(type, &held);
+        EXPECT_EQ(held, matrix);
+    }
+    D3DLIGHT9 light;
+    BOOL on = FALSE;
+    D3DMATERIAL9 material;
+    device_->GetLight(2, &light);
+    device_->GetLightEnable(2, &on);
+    device_->GetMaterial(&material);
+    constexpr D3DCOLORVALUE kColour = {1, 0.5f, 0, 1};
+    EXPECT_TRUE(light.Type == D3DLIGHT_POINT && light.Diffuse == kColour && on);
+    EXPECT_TRUE(material.Diffuse == kColour && material.Power == 3.0f);
+    for (const DWORD i : {1, 3, 5}) {
+        DevicePtr<IDirect3DTexture9> bound;
+        device_->GetTexture(i, bound.Receive());
+        EXPECT_EQ(bound.Get(), texture.Get()) << i;
+    }
     ASSERT_EQ(effect->EndPass(), D3D_OK);
     ASSERT_EQ(effect->BeginPass(1), D3D_OK);
-    EXPECT_FALSE(DeviceStates(*device_).vertex);
-    EXPECT_TRUE(DeviceStates(*device_).pixel);   // not mentioned: it stays
+    DevicePtr<IDirect3DVertexShader9> vertex;
+    DevicePtr<IDirect3DPixelShader9> pixel;
+    device_->GetVertexShader(vertex.Receive());
+    device_->GetPixelShader(pixel.Receive());
+    EXPECT_TRUE(!vertex && pixel);   // the one that is not mentioned stays
     ASSERT_EQ(effect->EndPass(), D3D_OK);
     ASSERT_EQ(effect->End(), D3D_OK);
-    EXPECT_TRUE(DeviceStates(*device_) == before);
+    EXPECT_TRUE(HeldStates(*device_) == before);
 }
 
 TEST_F(EffectDrawingTest, CallsOutOfOrderAreRefused) {

@@ -3,55 +3,30 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <random>
 
+#include "platform/d3dx/effect_compiler.h"
 #include "platform/d3dx/effect_expression.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
 
-/// One of everything.
-EffectFile SampleEffect() {
-    EffectFile effect;
-    EffectParameter matrix;
-    matrix.variable = {"Transform", VariableClass::Matrix, NumberType::Float, 4, 3, 2, std::vector<DWORD>(24, 7), ""};
-    matrix.semantic = "WORLD";
-    matrix.shared = true;
-    matrix.annotations.push_back({"note", VariableClass::String, NumberType::Float, 1, 1, 0, {}, "text"});
-    effect.parameters = {matrix, {}, {}, {}};
-    effect.parameters[1].variable.kind = VariableClass::Texture;
-    effect.parameters[2].variable.kind = VariableClass::Sampler;
-    StateAssignment texture;
-    texture.group = StateGroup::Texture;
-    texture.type = StateType::Texture;
-    texture.value = ValueKind::Parameter;
-    texture.reference = 1;
-    effect.parameters[2].states.push_back(texture);
-    effect.parameters[3].variable.words = {5};
-
-    EffectFunction function;
-    function.version = 0x0101;
-    function.code = {"void main() {}", 112, 5, true};
-    function.globals = {{0, 0 + 16}};
-    function.code.globals_bytes = 144;
-    function.samplers = {{2, 15}};
-    effect.functions = {function};
-
-    StateAssignment computed;
-    computed.group = StateGroup::Render;
-    computed.state = 24;
-    computed.value = ValueKind::Expression;
-    computed.expression.resize(3);
-    computed.expression[0].code = ExpressionCode::Parameter;
-    computed.expression[0].parameter = 3;
-    computed.expression[1].constant = {2, 3, 4, 5};
-    computed.expression[2].code = ExpressionCode::Multiply;
-    StateAssignment shader;
-    shader.group = StateGroup::VertexShader;
-    shader.type = StateType::Shader;
-    shader.value = ValueKind::Function;
-    effect.techniques = {{"T", {matrix.annotations[0]}, {{"P", {}, {computed, shader}}}}};
-    return effect;
+/// One of everything, compiled.
+std::vector<BYTE> SampleBytes() {
+    const ScratchFolder folder;
+    std::vector<BYTE> bytes;
+    std::string errors;
+    EXPECT_TRUE(CompileEffect(folder.Write("t.fx", R"(
+float4 Tint; shared float4x3 Transform[2] : WORLD < string note = "text"; >; texture Picture;
+sampler Reader : register(s15) = sampler_state { Texture = <Picture>; }; float Number = 5;
+float4 V(float4 p : POSITION) : POSITION { return float4(mul(p, Transform[1]), 1) * Tint; }
+float4 P(float2 uv : TEXCOORD0) : COLOR { return tex2D(Reader, uv); }
+technique T < string note = "text"; > {
+    pass { AlphaRef = (Number * 3); VertexShader = compile vs_1_1 V(); PixelShader = compile ps_2_0 P(); }
+})"),
+                              bytes, errors))
+        << errors;
+    return bytes;
 }
 
 bool Reads(const std::vector<BYTE>& bytes, EffectFile& effect) {
@@ -61,40 +36,8 @@ bool Reads(const std::vector<BYTE>& bytes, EffectFile& effect) {
     return good;
 }
 
-TEST(EffectFile, ReadsWhatWasWritten) {
-    const std::vector<BYTE> bytes = WriteEffectFile(SampleEffect());
-    EffectFile effect;
-    ASSERT_TRUE(Reads(bytes, effect));
-    EXPECT_EQ(WriteEffectFile(effect), bytes);
-    EXPECT_EQ(effect.parameters[0].variable.rows, 4u);
-    EXPECT_EQ(effect.functions[0].code, SampleEffect().functions[0].code);
-    EXPECT_EQ(effect.techniques[0].passes[0].states[0].expression[1].constant[3], 5.0f);
-}
-
-TEST(EffectFile, ReadsTheSmallestRecords) {   // the fewest bytes of an element are not more than it takes
-    EffectFile smallest;
-    smallest.parameters.resize(1);
-    smallest.parameters[0].variable.words = {0};
-    smallest.parameters[0].annotations.resize(1);
-    smallest.parameters[0].annotations[0].kind = VariableClass::String;
-    smallest.functions.resize(1);
-    smallest.techniques.resize(1);
-    smallest.techniques[0].passes.resize(1);
-    smallest.techniques[0].passes[0].states.resize(1);
-    smallest.techniques[0].passes[0].states[0].value = ValueKind::Constant;
-    EffectFile effect;
-    EXPECT_TRUE(Reads(WriteEffectFile(smallest), effect));
-    for (std::size_t kept = 0; kept < 3; ++kept) {
-        EffectFile one = smallest;
-        if (kept != 0) one.parameters.clear();
-        if (kept != 1) one.functions.clear();
-        if (kept != 2) one.techniques.clear();
-        EXPECT_TRUE(Reads(WriteEffectFile(one), effect)) << kept;
-    }
-}
-
 TEST(EffectFile, RefusesEveryCut) {
-    const std::vector<BYTE> bytes = WriteEffectFile(SampleEffect());
+    const std::vector<BYTE> bytes = SampleBytes();
     EffectFile effect;
     for (std::size_t length = 0; length < bytes.size(); ++length)
         EXPECT_FALSE(Reads({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)}, effect)) << length;
@@ -104,7 +47,7 @@ TEST(EffectFile, RefusesEveryCut) {
 }
 
 TEST(EffectFile, SurvivesEveryChangedByte) {
-    const std::vector<BYTE> bytes = WriteEffectFile(SampleEffect());
+    const std::vector<BYTE> bytes = SampleBytes();
     for (std::size_t at = 0; at < bytes.size(); ++at) {
         for (const int value : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
             std::vector<BYTE> changed = bytes;
@@ -120,38 +63,41 @@ TEST(EffectFile, RefusesWhatIsOutOfRange) {
     using Change = std::function<void(EffectFile&)>;
     const auto state = [](EffectFile& effect) -> StateAssignment& { return effect.techniques[0].passes[0].states[0]; };
     const Change changes[] = {
-        [](EffectFile& e) { e.parameters[0].variable.rows = 5; },
-        [](EffectFile& e) { e.parameters[0].variable.columns = 0; },
-        [](EffectFile& e) { e.parameters[0].variable.words.pop_back(); },
-        [](EffectFile& e) { e.parameters[0].variable.elements = kMaxElements + 1; },
-        [](EffectFile& e) { e.parameters[3].variable.kind = static_cast<VariableClass>(99); },
-        [](EffectFile& e) { e.parameters[1].variable.elements = 1; },   // the element behind it is no texture
-        [](EffectFile& e) { e.parameters[3].parent = 3; },
-        [](EffectFile& e) { e.parameters[3].parent = 0; },
-        [](EffectFile& e) { e.parameters[3].function = 1; },
-        [](EffectFile& e) { e.parameters[2].states[0].reference = 4; },
-        [](EffectFile& e) { e.parameters[2].states[0].group = StateGroup::Render; },
+        [](EffectFile& e) { e.parameters[1].variable.rows = 5; },
+        [](EffectFile& e) { e.parameters[1].variable.columns = 0; },
+        [](EffectFile& e) { e.parameters[1].variable.words.pop_back(); },
+        [](EffectFile& e) { e.parameters[1].variable.elements = kMaxElements + 1; },
+        [](EffectFile& e) { e.parameters[4].variable.kind = static_cast<VariableClass>(99); },
+        [](EffectFile& e) { e.parameters[2].variable.elements = 1; },   // the element behind it is no texture
+        [](EffectFile& e) { e.parameters[4].parent = 4; },
+        [](EffectFile& e) { e.parameters[4].parent = 1; },
+        [](EffectFile& e) { e.parameters[4].function = 2; },
+        [](EffectFile& e) { e.parameters[3].states[0].reference = 5; },
+        [](EffectFile& e) { e.parameters[3].states[0].group = StateGroup::Render; },
         [](EffectFile& e) { e.functions[0].code.globals_bytes = 143; },
-        [](EffectFile& e) { e.functions[0].globals[0].offset = 0xFFFFFFF0; },
-        [](EffectFile& e) { e.functions[0].globals[0].offset = 14; },
-        [](EffectFile& e) { e.functions[0].globals[0].parameter = 4; },
-        [](EffectFile& e) { e.functions[0].samplers[0].sampler = 16; },
-        [](EffectFile& e) { e.functions[0].samplers[0].parameter = 1; },
+        [](EffectFile& e) { e.functions[0].globals[1].offset = 0xFFFFFFF0; },
+        [](EffectFile& e) { e.functions[0].globals[1].offset = 14; },
+        [](EffectFile& e) { e.functions[0].globals[0].parameter = 5; },
+        [](EffectFile& e) { e.functions[1].samplers[0].sampler = 16; },
+        [](EffectFile& e) { e.functions[1].samplers[0].parameter = 2; },
         [&](EffectFile& e) { state(e).state = 256; },
         [&](EffectFile& e) { state(e).index = 1; },
         [&](EffectFile& e) { state(e).type = StateType::Matrix; },
         [&](EffectFile& e) { state(e).value = ValueKind::Null; },
-        [&](EffectFile& e) { state(e).expression[0].parameter = 1; },
+        [&](EffectFile& e) { state(e).expression[0].parameter = 2; },
         [&](EffectFile& e) { state(e).expression.pop_back(); },
         [&](EffectFile& e) { state(e).expression.erase(state(e).expression.begin()); },
         [&](EffectFile& e) { state(e).expression[1].swizzle[2] = 4; },
         [&](EffectFile& e) { state(e).expression.insert(state(e).expression.begin(), kExpressionDepth, {}); },
-        [](EffectFile& e) { e.techniques[0].passes[0].states[1].reference = 1; },
+        [](EffectFile& e) { e.techniques[0].passes[0].states[1].reference = 2; },
         [](EffectFile& e) { e.techniques[0].passes[0].states[1].group = StateGroup::PixelShader; },
         [](EffectFile& e) { e.techniques[0].annotations[0].kind = VariableClass::Texture; },
     };
+    const std::vector<BYTE> bytes = SampleBytes();
     for (std::size_t i = 0; i < std::size(changes); ++i) {
-        EffectFile changed = SampleEffect(), effect;
+        EffectFile changed, effect;
+        ASSERT_TRUE(Reads(bytes, changed));
+        EXPECT_EQ(WriteEffectFile(changed), bytes);
         changes[i](changed);
         EXPECT_FALSE(Reads(WriteEffectFile(changed), effect)) << "change " << i;
     }
