@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <cstdio>
-
+#include "tests/support/program_run.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
@@ -10,23 +9,12 @@ namespace {
 
 using testing::HasSubstr;
 
-struct Outcome {
-    int exit_code;
-    std::string text;   // what it printed, on either stream
-};
-
 class Pack : public TemporaryFolder {
   protected:
-    static Outcome Run(const std::string& arguments) {
-        std::FILE* pipe = popen((std::string(PACK_PROGRAM) + " " + arguments + " 2>&1").c_str(), "r");
-        Outcome outcome{};
-        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) outcome.text += static_cast<char>(c);
-        outcome.exit_code = WEXITSTATUS(pclose(pipe));
-        return outcome;
-    }
+    static ProgramRun Run(const std::string& arguments) { return RunProgram(PACK_PROGRAM, arguments); }
     /// What it printed.
     static std::string ExpectOutcome(const std::string& arguments, int exit_code, const std::string& text) {
-        const Outcome outcome = Run(arguments);
+        const ProgramRun outcome = Run(arguments);
         EXPECT_EQ(outcome.exit_code, exit_code) << arguments;
         EXPECT_THAT(outcome.text, HasSubstr(text)) << arguments;
         return outcome.text;

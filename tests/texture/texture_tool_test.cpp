@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
-#include <cstdio>
-
 #include "tests/support/picture_files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
@@ -10,16 +9,9 @@ namespace {
 
 using testing::HasSubstr;
 
-class TextureTool : public TemporaryFolder {
-  protected:
-    /// What the program printed, on either stream, and its exit code.
-    static std::pair<std::string, int> Run(const std::string& arguments) {
-        std::FILE* pipe = popen((std::string(TEXTURE_PROGRAM) + " " + arguments + " 2>&1").c_str(), "r");
-        std::string text;
-        for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) text += static_cast<char>(c);
-        return {text, WEXITSTATUS(pclose(pipe))};
-    }
-};
+using TextureTool = TemporaryFolder;
+
+ProgramRun RunTool(const std::string& arguments) { return RunProgram(TEXTURE_PROGRAM, arguments); }
 
 TEST_F(TextureTool, DescribesPictures) {
     const TestPicture picture = TestPicture::Pattern(6, 3), opaque = TestPicture::Pattern(6, 3, false);
@@ -44,7 +36,7 @@ TEST_F(TextureTool, DescribesPictures) {
         all_names += std::string(" ") + row.name;
         all_lines += row.line;
     }
-    const auto [text, code] = Run("info" + all_names);
+    const auto [code, text] = RunTool("info" + all_names);
     EXPECT_EQ(text, all_lines);
     EXPECT_EQ(code, 0);
 }
@@ -54,13 +46,13 @@ TEST_F(TextureTool, NamesWhatCannotBeLoadedAndGoesOn) {
     WriteFile("blank.ifl", "\n");
     WriteFile("lost.ifl", "gone.png\n");
     WriteFile("good.png", PngFile(TestPicture::Pattern(2, 1), 4));
-    const auto [text, code] = Run("info gone.png text.png blank.ifl lost.ifl good.png");
+    const auto [code, text] = RunTool("info gone.png text.png blank.ifl lost.ifl good.png");
     for (const char* line :
          {"gone.png: can not open file\n", "text.png: no picture that can be loaded\n",
           "blank.ifl: Empty texture file list\n", "lost.ifl: frame gone.png: can not open file\n", "good.png: 2 x 1"})
         EXPECT_THAT(text, HasSubstr(line));
     EXPECT_EQ(code, 1);
-    EXPECT_EQ(Run("info good.png >/dev/full").second, 1) << "nothing was printed";
+    EXPECT_EQ(RunTool("info good.png >/dev/full").exit_code, 1) << "nothing was printed";
     EXPECT_FALSE(std::filesystem::exists("logfile.txt"));
 }
 
@@ -78,7 +70,7 @@ TEST_F(TextureTool, RefusesWhatItDoesNotKnow) {
         {"--help", "texture", 0},
     };
     for (const auto& row : rows) {
-        const auto [text, code] = Run(row.arguments);
+        const auto [code, text] = RunTool(row.arguments);
         EXPECT_THAT(text, HasSubstr(row.text)) << row.arguments;
         EXPECT_EQ(code, row.code) << row.arguments;
     }

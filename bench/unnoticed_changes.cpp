@@ -1,5 +1,5 @@
 // Prints which share of the one-byte changes of a packed stream pass unnoticed, kind by kind: every byte of small
-// streams, every other value. Run it as build/release/tests/unnoticed_changes.
+// streams, every other value.
 #include <cstdio>
 #include <string>
 
