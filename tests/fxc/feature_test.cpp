@@ -1,8 +1,9 @@
 // One small effect a feature of the language, compiled and drawn with OpenGL, with the pixel that it must give.
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "platform/d3dx/d3dx_effect.h"
-#include "tests/fxc/feature_rows.h"
 #include "tests/fxc/fxc_run.h"
 #include "tests/support/canvas.h"
 
@@ -69,20 +70,25 @@ class FeatureCanvas : public Canvas {
     DevicePtr<IDirect3DTexture9> texture_;
 };
 
-std::string SourceOf(const Feature& feature) {
-    if (!*feature.body) return feature.declarations;
-    return std::string(feature.declarations) + "\nfloat4 P(float2 uv : TEXCOORD0) : COLOR {" + feature.body +
-           "}\ntechnique { pass { PixelShader = compile ps_3_0 P(); } }\n";
+/// What stands behind "=> " is the body of a pixel function.
+std::string SourceOf(const std::string& text) {
+    const std::size_t body = text.find("=> ");
+    if (body == std::string::npos) return text;
+    return text.substr(0, body) + "float4 P(float2 uv : TEXCOORD0) : COLOR {" + text.substr(body + 3) +
+           "\n}\ntechnique { pass { PixelShader = compile ps_3_0 P(); } }\n";
 }
 
 TEST(FxcFeatures, GiveTheirPixel) {
     const FxcFolder folder;
     FeatureCanvas canvas;
-    for (const Feature& feature : kFeatures) {
-        folder.Write("t.fx", SourceOf(feature));
-        Rgb pixel;
-        EXPECT_EQ(canvas.Draw(folder.Path() + "t.fx", pixel), "") << feature.name;
-        EXPECT_TRUE(Near(pixel, feature.pixel, 1)) << feature.name << ": " << pixel << ", not " << feature.pixel;
+    const std::vector<TitledText> features = ReadTitledTexts("tests/fxc/features.fx");
+    ASSERT_FALSE(features.empty());
+    for (const auto& [title, text] : features) {
+        folder.Write("t.fx", SourceOf(text));
+        Rgb pixel, wanted;
+        std::istringstream(title.substr(title.rfind(':') + 1)) >> wanted.r >> wanted.g >> wanted.b;
+        EXPECT_EQ(canvas.Draw(folder.Path() + "t.fx", pixel), "") << title;
+        EXPECT_TRUE(Near(pixel, wanted, 1)) << title << ", not " << pixel;
     }
 }
 
