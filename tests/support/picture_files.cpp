@@ -82,38 +82,48 @@ std::string JpgFile(const TestPicture& picture, int channels) {
     return file;
 }
 
+std::string BmpBytes(UINT width, int height, UINT header, UINT bits, UINT compression, const std::string& between,
+                     const std::string& data) {
+    const int side = header == 12 ? 2 : 4;
+    std::string head = Little(header, 4) + Little(width, side) + Little(static_cast<UINT>(height), side) +
+                       Little(1, 2) + Little(bits, 2);
+    if (header > 12) head += Little(compression, 4);
+    head.resize(header, '\0');
+    if (header > 40) head.replace(40, std::min<std::size_t>(between.size(), 16), between, 0, 16);
+    const std::string behind = header > 40 ? "" : between;
+    return "BM" + Little(0, 8) + Little(static_cast<UINT>(14 + head.size() + behind.size()), 4) + head + behind + data;
+}
+
 std::string BmpFile(const TestPicture& picture, D3DFORMAT format) {
-    std::string masks;
+    std::string masks, rows;
     if (format == D3DFMT_R5G6B5) masks = Little(0xF800, 4) + Little(0x7E0, 4) + Little(0x1F, 4);
     if (format == D3DFMT_A8R8G8B8)
-        masks =
-            Little(0xFF0000, 4) + Little(0xFF00, 4) + Little(0xFF, 4) + Little(0xFF000000, 4) + std::string(52, '\0');
-    const UINT header = format == D3DFMT_A8R8G8B8 ? 108 : 40;
-    const std::string info = Little(header, 4) + Little(picture.width, 4) + Little(picture.height, 4) + Little(1, 2) +
-                             Little(PixelBytes(format) * 8, 2) + Little(masks.empty() ? 0 : 3, 4) +
-                             std::string(20, '\0') + masks;
-    std::string file = "BM" + Little(0, 8) + Little(static_cast<UINT>(14 + info.size()), 4) + info;
+        masks = Little(0xFF0000, 4) + Little(0xFF00, 4) + Little(0xFF, 4) + Little(0xFF000000, 4);
     for (UINT y = picture.height; y-- > 0;) {
-        file += Stored(format, &picture.pixels[y * picture.width], picture.width);
-        while ((file.size() - 14 - info.size()) % 4 != 0) file += '\0';
+        rows += Stored(format, &picture.pixels[y * picture.width], picture.width);
+        while (rows.size() % 4 != 0) rows += '\0';
     }
-    return file;
+    return BmpBytes(picture.width, static_cast<int>(picture.height), format == D3DFMT_A8R8G8B8 ? 108 : 40,
+                    PixelBytes(format) * 8, masks.empty() ? 0 : 3, masks, rows);
+}
+
+std::string TgaBytes(UINT width, UINT height, UINT type, UINT bits, UINT descriptor, const std::string& map,
+                     const std::string& data) {
+    const bool mapped = !map.empty();
+    return Little(2, 1) + Little(mapped, 1) + Little(type, 1) + (mapped ? map.substr(0, 5) : Little(0, 5)) +
+           Little(0, 4) + Little(width, 2) + Little(height, 2) + Little(bits, 1) + Little(descriptor, 1) + "id" +
+           (mapped ? map.substr(5) : "") + data;
 }
 
 std::string TgaFile(const TestPicture& picture, D3DFORMAT format, bool packed) {
     const UINT bytes = PixelBytes(format);
     const UINT alpha_bits = format == D3DFMT_A8R8G8B8 ? 8 : format == D3DFMT_A1R5G5B5 ? 1 : 0;
+    const std::string plain = Stored(format, picture.pixels.data(), picture.pixels.size());
+    std::string data = packed ? "" : plain;
+    for (std::size_t i = 0; packed && i < picture.pixels.size(); ++i)   // a run of one, a raw packet of one
+        data += (i % 2 ? '\x80' : '\0') + plain.substr(i * bytes, bytes);
     const UINT type = (format == D3DFMT_L8 ? 3 : 2) + (packed ? 8 : 0);
-    std::string file = Little(type << 16, 4) + Little(0, 8) + Little(picture.width, 2) + Little(picture.height, 2) +
-                       Little(bytes * 8, 1) + Little(0x20 | alpha_bits, 1);   // rows from the top
-    const std::string data = Stored(format, picture.pixels.data(), picture.pixels.size());
-    if (!packed) return file + data;
-    for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
-        // Single pixels by turns as a run of one and as a raw packet of one.
-        file += static_cast<char>(i % 2 ? 0x80 : 0x00);
-        file += data.substr(i * bytes, bytes);
-    }
-    return file;
+    return TgaBytes(picture.width, picture.height, type, bytes * 8, 0x20 | alpha_bits, "", data);   // from the top
 }
 
 std::string DdsHead(const DdsFields& fields) {

@@ -22,6 +22,12 @@ std::string PngFile(const TestPicture& picture, int channels);
 std::string PalettePngFile(const TestPicture& picture, D3DCOLOR first, D3DCOLOR second);
 std::string JpgFile(const TestPicture& picture, int channels);
 
+/// A head of that size (12: the old one), what follows it (masks, palette), and the rows as they are stored.
+std::string BmpBytes(UINT width, int height, UINT header, UINT bits, UINT compression, const std::string& between,
+                     const std::string& data);
+/// map: the three numbers of the head, then the entries; "" for none.
+std::string TgaBytes(UINT width, UINT height, UINT type, UINT bits, UINT descriptor, const std::string& map,
+                     const std::string& data);
 /// 16 bits with the masks of `format` (R5G6B5 or X1R5G5B5), 24 bits, or 32 bits with (A8R8G8B8) or without alpha mask.
 std::string BmpFile(const TestPicture& picture, D3DFORMAT format);
 /// 8 bits grey, 16 bits with (A1R5G5B5) or without alpha, 24 or 32 bits; run-length coded if asked for.
