@@ -1,7 +1,5 @@
 // Every call that the program makes is refused with each code that it may answer, on both back ends: it is reported,
 // nothing is leaked, and after a reset the picture is the one of before.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -231,7 +229,7 @@ void ExpectReport(const std::string& report, const std::string& method, HRESULT 
     if (quiet != std::end(kQuietCalls)) {
         EXPECT_TRUE(report != "" || !quiet->reported);
     } else if (!waits) {
-        EXPECT_THAT(report, testing::HasSubstr(DXGetErrorString9(code)));
+        EXPECT_THAT(report, HasSubstr(DXGetErrorString9(code)));
     }
 }
 

@@ -1,7 +1,5 @@
 // Frames in which nothing new is shown: nothing is made, nothing is sent that the device holds, and no memory is taken
 // from the operator that everything of ours allocates with.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -12,6 +10,7 @@
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/device/whole_program.h"
 #include "tests/support/recording_device.h"
+#include "tests/support/test.h"
 
 #ifndef __SANITIZE_ADDRESS__   // which has operators of its own
 
@@ -59,7 +58,7 @@ TEST(SteadyFrames, SendNothingThatTheDeviceHolds) {
         program.Play(effect, kFrames);
         std::vector<std::string> redundant;
         for (const RecordedCall& call : program.recording.Redundant()) redundant.push_back(Describe(call));
-        EXPECT_THAT(redundant, testing::IsEmpty()) << program.engine.effects.GetEffectName(effect).c_str();
+        EXPECT_THAT(redundant, IsEmpty()) << program.engine.effects.GetEffectName(effect).c_str();
         sent += CountStarting(program.recording, "Set");
         draws += CountStarting(program.recording, "Draw");
     }

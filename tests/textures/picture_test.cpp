@@ -1,8 +1,6 @@
 #include "tools/textures/picture.h"
+#include "tests/support/test.h"
 #include "tools/textures/flipbook.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -128,7 +126,7 @@ TEST(Flipbooks, AreTheSameEveryTimeAndStandInListAndCatalogue) {
     const std::string catalogue = ReadText("cfg/texCatalogue.cfg");
     for (Flipbook flipbook : AllFlipbooks()) {
         const std::string name = flipbook.name, list = "textures\\" + name + ".ifl";
-        EXPECT_THAT(catalogue, ::testing::HasSubstr("\"" + name + "\" = \"" + list + "\"")) << name;
+        EXPECT_THAT(catalogue, HasSubstr("\"" + name + "\" = \"" + list + "\"")) << name;
         EXPECT_EQ(ReadText("textures/" + name + ".ifl"), FrameList(flipbook)) << name;
         const int middle = flipbook.frames / 2;
         for (const int i : {0, middle, flipbook.frames - 1}) {
@@ -148,7 +146,7 @@ TEST(Textures, ExistForEverySpriteAndStandInTheCatalogue) {
     for (const Sprite& sprite : AllSprites()) {
         const std::string name = sprite.name;
         EXPECT_TRUE(std::filesystem::exists("textures/" + name + ".png")) << name;
-        EXPECT_THAT(catalogue, ::testing::HasSubstr("\"" + name + "\" = \"textures\\" + name + ".png\"")) << name;
+        EXPECT_THAT(catalogue, HasSubstr("\"" + name + "\" = \"textures\\" + name + ".png\"")) << name;
         EXPECT_EQ(EncodePng(RenderSmall(sprite)), EncodePng(RenderSmall(again.at(names.size())))) << name << " again";
         EXPECT_TRUE(names.insert(name).second) << name << " twice";
     }

@@ -1,13 +1,10 @@
 #include "platform/d3dx/image_scale.h"
-
-#include <gmock/gmock.h>
+#include "tests/support/test.h"
 
 #include <algorithm>
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 Image MakeImage(UINT width, UINT height, std::initializer_list<D3DCOLOR> pixels) {
     Image image(width, height);

@@ -1,15 +1,11 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "platform/d3dx/d3dx_mesh.h"
 #include "tests/support/recording_device.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::ElementsAre;
 
 struct Device {
     DevicePtr<ID3DXMesh> MakeMesh(DWORD faces, DWORD vertices, DWORD options = D3DXMESH_MANAGED, DWORD fvf = 0x42) {

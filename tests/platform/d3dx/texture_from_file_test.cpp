@@ -1,15 +1,12 @@
-#include <gmock/gmock.h>
-
 #include "platform/d3dx/d3dx_texture.h"
 #include "tests/support/memory_objects.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recording_device.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using testing::ElementsAre;
 
 struct Options {
     UINT width = D3DX_DEFAULT_NONPOW2, height = D3DX_DEFAULT_NONPOW2, levels = 1;
@@ -45,16 +42,6 @@ class TextureFromFile : public TemporaryFolder {
     D3DXIMAGE_INFO info_ = {};
 };
 
-TEST_F(TextureFromFile, KeepsSizePixelsAndFormat) {
-    const TestPicture picture = TestPicture::Pattern(5, 3);
-    ASSERT_EQ(Load(PngFile(picture, 4)), D3D_OK);
-    EXPECT_EQ(Level(0).desc.Format, D3DFMT_A8R8G8B8);
-    EXPECT_EQ(Level(0).desc.Pool, D3DPOOL_MANAGED);
-    EXPECT_EQ(Pixels(), picture.pixels);
-    EXPECT_EQ(texture_->GetLevelCount(), 1u);
-    EXPECT_EQ(info_.Width, 5u);
-}
-
 TEST_F(TextureFromFile, TakesTheNearestFormatThatTheDeviceHas) {
     recording_.refused_texture_formats.insert(D3DFMT_A8L8);
     const TestPicture picture = TestPicture::Pattern(4, 4);
@@ -74,28 +61,24 @@ TEST_F(TextureFromFile, TakesTheNearestFormatThatTheDeviceHas) {
     }
 }
 
-TEST_F(TextureFromFile, ChoosesTheSize) {
+TEST_F(TextureFromFile, ChoosesSizeAndLevels) {
     const std::string file = PngFile(TestPicture::Pattern(6, 20), 3);
-    const struct {
-        UINT asked_width, asked_height, width, height;
-    } rows[] = {{D3DX_DEFAULT, D3DX_DEFAULT, 8, 32},
-                {0, 0, 8, 32},
-                {D3DX_DEFAULT_NONPOW2, D3DX_DEFAULT_NONPOW2, 6, 20},
-                {D3DX_FROM_FILE, D3DX_FROM_FILE, 6, 20},
-                {3, 40, 3, 40}};
-    for (const auto& row : rows) {
-        ASSERT_EQ(Load(file, {.width = row.asked_width, .height = row.asked_height}), D3D_OK);
-        EXPECT_EQ(Level(0).desc.Width, row.width);
-        EXPECT_EQ(Level(0).desc.Height, row.height);
-    }
-}
-
-TEST_F(TextureFromFile, CountsLevels) {
-    const std::string file = PngFile(TestPicture::Pattern(20, 9), 3);
-    for (const auto& [asked, given] : std::initializer_list<std::pair<UINT, UINT>>{
-             {0, 5}, {D3DX_DEFAULT, 5}, {1, 1}, {3, 3}, {99, 5}, {D3DX_FROM_FILE, 1}}) {
-        ASSERT_EQ(Load(file, {.levels = asked}), D3D_OK);
-        EXPECT_EQ(texture_->GetLevelCount(), given);
+    constexpr UINT kAsItIs = D3DX_DEFAULT_NONPOW2;
+    constexpr std::array<UINT, 6> kRows[] = {// width, height and levels asked for, and given
+                                             {D3DX_DEFAULT, D3DX_DEFAULT, 1, 8, 32, 1},
+                                             {0, 0, 1, 8, 32, 1},
+                                             {kAsItIs, kAsItIs, 1, 6, 20, 1},
+                                             {D3DX_FROM_FILE, D3DX_FROM_FILE, 1, 6, 20, 1},
+                                             {3, 40, 1, 3, 40, 1},
+                                             {kAsItIs, kAsItIs, 0, 6, 20, 5},
+                                             {kAsItIs, kAsItIs, D3DX_DEFAULT, 6, 20, 5},
+                                             {kAsItIs, kAsItIs, 3, 6, 20, 3},
+                                             {kAsItIs, kAsItIs, 99, 6, 20, 5},
+                                             {kAsItIs, kAsItIs, D3DX_FROM_FILE, 6, 20, 1}};
+    for (const auto& [asked_width, asked_height, asked_levels, width, height, levels] : kRows) {
+        ASSERT_EQ(Load(file, {.width = asked_width, .height = asked_height, .levels = asked_levels}), D3D_OK);
+        EXPECT_THAT((std::array{Level(0).desc.Width, Level(0).desc.Height, texture_->GetLevelCount()}),
+                    ElementsAre(width, height, levels));
     }
 }
 

@@ -1,18 +1,16 @@
 #include "platform/dinput/keyboard_device.h"
 
 #include <SDL2/SDL_scancode.h>
-#include <gmock/gmock.h>
 
 #include <array>
 #include <set>
 #include <vector>
 
 #include "platform/dinput/scan_codes.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
-
-using ::testing::Each;
 
 bool foreground = true;
 std::array<std::uint8_t, SDL_NUM_SCANCODES> keys;

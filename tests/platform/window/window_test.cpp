@@ -2,18 +2,17 @@
 
 #include <SDL2/SDL_events.h>
 #include <SDL2/SDL_video.h>
-#include <gmock/gmock.h>
 
 #include <array>
 #include <vector>
 
 #include "tests/support/canvas.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 namespace {
 
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::Field;
 
 std::vector<MSG> received;
