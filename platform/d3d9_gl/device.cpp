@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/d3d9/capabilities.h"
 #include "platform/d3d9/present_parameters.h"
-#include "platform/d3d9_gl/capabilities.h"
 #include "platform/d3d9_gl/display_modes.h"
 
 namespace sparkrig {

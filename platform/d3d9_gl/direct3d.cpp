@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/d3d9_gl/capabilities.h"
+#include "platform/d3d9/capabilities.h"
 #include "platform/d3d9_gl/device.h"
 #include "platform/d3d9_gl/display_modes.h"
 #include "platform/window/window.h"

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/d3d9/capabilities.h"
+
 namespace sparkrig {
 
 namespace {

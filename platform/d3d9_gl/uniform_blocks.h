@@ -98,7 +98,4 @@ void FillStates(const DeviceState& state, UINT target_width, UINT target_height,
 void FillTransforms(const DeviceState& state, TransformsBlock& block);
 void FillLighting(const DeviceState& state, LightingBlock& block);
 
-/// The largest point that can be drawn, in pixels.
-inline constexpr float kMaxPointSize = 256.0f;
-
 }   // namespace sparkrig

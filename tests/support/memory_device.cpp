@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/d3d9/capabilities.h"
 #include "platform/d3d9/present_parameters.h"
 #include "tests/support/memory_objects.h"
 
@@ -358,23 +359,7 @@ class MemoryDirect3D : public RefCounted<IDirect3D9> {
 
 }   // namespace
 
-MemoryAdapter::MemoryAdapter() : caps() {
-    caps.DeviceType = D3DDEVTYPE_HAL;
-    caps.Caps2 = D3DCAPS2_FULLSCREENGAMMA | D3DCAPS2_DYNAMICTEXTURES;
-    caps.DevCaps = D3DDEVCAPS_HWTRANSFORMANDLIGHT;
-    caps.DevCaps2 = D3DDEVCAPS2_CAN_STRETCHRECT_FROM_TEXTURES;
-    caps.RasterCaps = D3DPRASTERCAPS_FOGVERTEX | D3DPRASTERCAPS_FOGTABLE | D3DPRASTERCAPS_MIPMAPLODBIAS |
-                      D3DPRASTERCAPS_FOGRANGE | D3DPRASTERCAPS_WFOG | D3DPRASTERCAPS_ZFOG;
-    caps.TextureCaps = D3DPTEXTURECAPS_MIPMAP;
-    caps.PresentationIntervals = 0x8000000F;
-    caps.MaxTextureWidth = caps.MaxTextureHeight = 4096;
-    caps.MaxTextureBlendStages = caps.MaxSimultaneousTextures = caps.MaxActiveLights = 8;
-    caps.MaxVertexBlendMatrices = 4;
-    caps.MaxVertexBlendMatrixIndex = 255;
-    caps.VertexShaderVersion = 0xFFFE0300;
-    caps.PixelShaderVersion = 0xFFFF0300;
-    caps.NumSimultaneousRTs = 1;
-    caps.MaxPointSize = 256.0f;
+MemoryAdapter::MemoryAdapter() : caps(DeviceCaps({4096, 4, true})) {
     for (const D3DFORMAT format : {D3DFMT_X8R8G8B8, D3DFMT_R5G6B5}) {
         for (const UINT rate : {60u, 75u, 72u}) modes.push_back({1024, 768, rate, format});
         modes.push_back({800, 600, 85, format});

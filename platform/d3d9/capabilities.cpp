@@ -1,10 +1,8 @@
-#include "platform/d3d9_gl/capabilities.h"
-
-#include "platform/d3d9_gl/uniform_blocks.h"
+#include "platform/d3d9/capabilities.h"
 
 namespace sparkrig {
 
-D3DCAPS9 DeviceCaps(const GlLimits& limits) {
+D3DCAPS9 DeviceCaps(const DeviceLimits& limits) {
     D3DCAPS9 caps = {};
     caps.DeviceType = D3DDEVTYPE_HAL;
     caps.AdapterOrdinal = D3DADAPTER_DEFAULT;
