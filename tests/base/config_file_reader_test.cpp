@@ -2,10 +2,13 @@
 
 #include <sstream>
 
+#include "tests/support/cases.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
+
+const std::vector<Case> kWalks = ReadCases("tests/base/walks.txt");
 
 class ConfigFileReaderTest : public TemporaryFolder {
   protected:
@@ -85,31 +88,10 @@ class ConfigFileReaderTest : public TemporaryFolder {
     }
 };
 
-constexpr char kEffects[] =
-    "before = \"first\"\n"      // 1
-    "#Fire\n"                   // 2
-    "desc = \"Fire\"\n"         // 3
-    ";life = 3\n"               // 4
-    "scale = 2\n"               // 5
-    "PARTICLE {\n"              // 6
-    "\ttexture=\"fire\"\n"      // 7
-    "  POSITION {\n"            // 8
-    "    type = \"linear\"\n"   // 9
-    "    scale = 9\n"           // 10
-    "  }\n"                     // 11
-    "  scale = 3\n"             // 12
-    "}\n"                       // 13
-    "sound = \"crackle\"\n"     // 14
-    "MESH {\n"                  // 15
-    "}\n"                       // 16
-    "# Smoke\n"                 // 17
-    "desc=\"Smoke\"\n"          // 18
-    "sound = \"hiss\"";         // 19
-
 TEST_F(ConfigFileReaderTest, FindsBlocksAndTheirIndexValues) {
-    ASSERT_EQ(Load(kEffects), 0);
+    ASSERT_EQ(Load(kWalks.at(0).text), 0);
     EXPECT_EQ(reader_.GetBlockCount(), 2);
-    for (const auto& [block, lines] : {std::pair(0, 15), {1, 3}, {-1, 19}, {2, -1}})
+    for (const auto& [block, lines] : {std::pair(0, 15), {1, 4}, {-1, 20}, {2, -1}})
         EXPECT_EQ(reader_.GetBlockLineCount(block), lines);
     EXPECT_EQ(reader_.FindBlock("SMOKE"), 1);
     EXPECT_EQ(reader_.FindBlock("fog"), -1);
@@ -122,41 +104,12 @@ TEST_F(ConfigFileReaderTest, FindsBlocksAndTheirIndexValues) {
 }
 
 TEST_F(ConfigFileReaderTest, AnswersAWalkThroughItsBlocks) {
-    const std::string d = "#\ndesc \"d\"\n", file = " in file 'e.cfg'";
-    const std::string numbers = d + "a = 1E3\nb = 1e3\nc =x\nd =\ne = -70000.9\nf = 9e99\ng= 0.49\nh =-0.5 \n" +
-                                "i = 1234567890123456789012345678901234567890\nj \t = 7";
-    const struct {
-        std::string content, words, answers;
-    } kRows[] = {
-        // None is selected: keys of blocks at any depth, of the file, and of blocks that are not there.
-        {kEffects, "texture@0 TYPE@0 texture@1 sound@1 sound before sound@2 scale@0 life@0",
-         "fire linear !1 hiss crackle first !2 !9 !1"},
-        // One is: its keys from the cursor on, at its level.
-        {kEffects, "#0 R:scale texture next line next enter texture sound N:scale next skip texture next",
-         "2 !1 PARTICLE 6 PARTICLE fire !1 3 POSITION !1 none"},
-        {kEffects, "#0 next enter exit desc sound next skip next sound #1 sound next #-1 before next",
-         "PARTICLE !1 crackle MESH none !1 hiss none first PARTICLE"},
-        {d + "child \"a\"\nchild3 \"b\"\nchild3_0 \"c\"\n",
-         "child child+5 child/3@0 child/3+0@0 child/4@0 " + std::string(400, 'k'), "a a b c !1 !1"},
-        {numbers, "N:a N:b N:d N:z N:b@1 N:c N:j N:i", "1 1000 !1 !1 !2 0 7 1.23456789e+30"},   // 31 digits count
-        {numbers, "I:e I:f S:e S:b F:g F:h F:d", "-70000 2147483647 -32768 1000 0 1 !1"},
-        {d + "a = 1, 2 ,\t-3.5,4\nb = 1,2\nc 1,2,3\nd = 1,,3\n", "3:b 3:c 3:d 3:z 3:a@9 3:a 2:b",
-         "!1 !1 !1 !2 !2 1,2,-3.5 1,2"},
-        // Count and total, then what was read: what is missing ends the list.
-        {d + "a = 1, 2, 3\nb 4,5\nc = 6, 7,\nd = 8,,9\n", "L:a l:a L:b L:z L:c L:d",
-         "3,3,1,2,3,0 2,3,1,2,0,0 0,0,0,0,0,0 0,0,0,0,0,0 2,2,6,7,0,0 1,1,8,0,0,0"},
-        {"#A\ndesc=\"A\"\nsound=\"a\"\n##A1\nsound=\"a1\"\n##A2\ndesc=\"A2\"\n# B\ndesc=\"B\"\n##B1\ndesc=\"B1\"\n",
-         "desc@1 sound@1 sound@2 sound@4 #1 desc", "A a1 a !1 !1"},   // children inherit their parents' keys
-        {d + "A {\nB {\nx=1\n#\ndesc=\"e\"\nC {\nD {\n}\n}\n", "#0 next enter next enter desc next exit",
-         "A B !1 none Invalid ExitBlock() at line: 5" + file},   // an unfinished entry
-        {d + "NAME{\n}\n{\n}\nGOOD {\nlast \t {\n}\n}\n", "next enter #0 next enter exit",
-         "NextBlock() before block read start" + file + " Invalid EnterBlock() at line 1" + file + " Unreachable code" +
-             file + " at line 3 Invalid EnterBlock() at line 1" + file + " Invalid ExitBlock() at line: 1" + file},
-        {d + " {\n}\n", "#0 next", "Invalid block start" + file + " at line 3"}};
-    for (const auto& [content, words, answers] : kRows) {
-        ASSERT_EQ(Load(content), 0);
+    ASSERT_GT(kWalks.size(), 10u);
+    for (const auto& [head, content] : kWalks) {
+        const std::size_t behind = head.find(" => ");
+        EXPECT_EQ(content.empty() ? 0 : Load(content), 0);
         reader_.Load("e.cfg", true);   // no block is selected
-        EXPECT_EQ(Walk(words), answers) << content;
+        EXPECT_EQ(Walk(head.substr(0, behind)), head.substr(behind + 4)) << content;
     }
 }
 
@@ -225,7 +178,7 @@ TEST_F(ConfigFileReaderTest, WarnsOfMissingAndRepeatedIndexValues) {
 TEST_F(ConfigFileReaderTest, ReportsOfOthersNameTheKeysLine) {
     struct User : KRN_Base {};
     Reports reports;
-    Load(kEffects);
+    Load(kWalks.at(0).text);
     for (const char* words : {"#0 scale", "missing", "next enter texture"}) {
         Walk(words);
         User().Warning("%s", words);

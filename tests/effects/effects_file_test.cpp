@@ -4,6 +4,7 @@
 #include "effects/effects_file.h"
 #include "scene/object_3d.h"
 #include "tests/effects/effects_file_text.h"
+#include "tests/support/cases.h"
 
 namespace sparkrig {
 namespace {
@@ -261,111 +262,28 @@ TEST_F(EffectsFile, TracesAreNumberedThroughTheFileByTheirId) {
 }
 
 TEST_F(EffectsFile, EachErrorHasItsTextAndLine) {
-    const std::pair<std::string, const char*> kRows[] = {
-        {"#b\n\ndesc = \"X\"", "5: Multiple effect entry 'X' in effects.cfg"},
-        {"SPECIAL {\n\ntype = \"rain\"\n}", "5: Unknown special effect type in effect 'x'"},
-        {"MESH {\nBlendType = \"glow\"\n}", "4: Invalid blend mode 'glow' in effects.cfg"},
-        {"MESH {\nTransformObjectFile = \"s\"\n}", "4: 'TransformObjectName' missing in effect: 'x'"},
-        {"MESH {\nTransformObjectName = \"o\"\nTransformObjectFile = \"s\"\n}", "5: s: Can not open file s"},
-        {"MESH {\nTransformObjectFile = \"models\\rock.kva\"\nTransformObjectName = \"o\"\n}",
-         "5: Transformation object 'o' not found in scene of effect: 'x'"},
-        {"MESH {\nALPHA {\ntype = \"bezier\"\n}\n}", "5: No bezier curve defined in effect 'x'"},
-        {"MESH {\nALPHA {\ntype = \"bezier\"\ncurve = 0,1,2\n}\n}", "6: Invalid curve entry"},
-        {"MESH {\nALPHA {\ntype = \"bezier\"\ncurve = 1,0,0,0, 0.5,0,0,0\n}\n}",
-         "6: Invalid order in bezier curve of entry 'x'"},
-        {"MESH {\nLifeCountBez = 0,1,2\n}", "4: Invalid LifeCountBez entry"},
-        {"MESH {\nLifeCountBez = 1,1,0,1\n}", "4: Invalid order in bezier curve of entry 'x'"},
-        {"MESH {\nALPHA {\ntype = \"sin\"\nConcatType = \"sum\"\n}\n}",
-         "6: Unknown concatenation type 'sum' in effect 'x'"},
-    };
-    for (const auto& [text, report] : kRows) {
-        EXPECT_FALSE(Load("#a\ndesc = \"x\"\n" + text + "\n")) << text;
+    const std::vector<Case> cases = ReadCases("tests/effects/errors.txt");
+    ASSERT_GT(cases.size(), 10u);
+    for (const auto& [report, text] : cases) {
+        EXPECT_FALSE(Load(text)) << text;
         EXPECT_EQ(reports.Last(), report);
     }
     EXPECT_THROW(LoadEffectsFile("no/such/effects.cfg", reporter, definitions), ErrorMsg);
     EXPECT_EQ(reports.Last(), "0: Can not open file 'no/such/effects.cfg': ");
 }
 
-constexpr char kManyMistakes[] = R"(; "textures/none.png"
-#1
-desc = "one"
-  PARTICLE {
-    Lifee = 3
-    texture = "none.png"
-    BlendType = "aditive"
-	Life	= 3
-    Count = x
-    Count = 2
-    FadeIn = 1,5 ; seconds
-    POSITON {
-    }
-    POSITION {
-      type = "linaer"
-      scale = 1, 2
-      Offset = 1, 2, 3 // up
-    }
-    SCALE {
-    }
-  }
-#2
-  PARTICLE {
-    texture = "none.png"
-    EmitEffect = "trace:t"
-  }
-#3
-desc = "ONE"
-  SPECIAL {
-    CountType = "randon"
-    EmitEffectRand = 0
-  }
-#4
-desc = "four"
-   }
-#5
-desc = "five"
-child2 = "a"
-  MESH {
-    sFile = "rock.3sc"
-    EmitEffect = "nobody"
-  }
-  MESH {
-    EmitEffect = "trace:t"
-    EmitEffectPerTime = 9
-    TraceEffectId = 5
-  }
-  NAME{
-  }
-)";
-
 TEST_F(EffectsFile, ACheckFindsEveryMistakeAtItsPlace) {
     Reports places([](const Report& report) {
         return std::to_string(report.place.line) + ":" + std::to_string(report.place.column) + " " + report.message;
     });
-    const EffectsFileOf text(kManyMistakes);
-    const std::string file = text.Name();
     std::string things;
-    for (const NamedThing& thing : CheckEffectsFile(file.c_str(), reporter, definitions))
+    for (const NamedThing& thing : CheckEffectsFile("tests/effects/mistakes.cfg", reporter, definitions))
         things += thing.name + "@" + std::to_string(thing.place.line) + ":" + std::to_string(thing.place.column) + " ";
     EXPECT_EQ(things, "none.png@6:16 none.png@24:16 t@25:19 rock.3sc@40:14 t@44:19 ");
-    const std::string in_file = " in file '" + file + "' at line ";
-    EXPECT_THAT(
-        places.All(),
-        testing::UnorderedElementsAre(
-            "5:5 Unknown key \"Lifee\", did you mean \"Life\"?",
-            "7:18 Unknown blend mode \"aditive\", did you mean \"additive\"?",
-            "8:2 No key \"Life\": a tab does not end it", "9:5 Key \"Count\" is no number and reads as 0",
-            "10:5 Key \"Count\" stands here twice, the first one counts",
-            "11:5 Key \"FadeIn\" has \",5 ; seconds\" behind its value, which is not read",
-            "12:5 Unknown block name 'POSITON' in effects.cfg, did you mean \"POSITION\"?",
-            "15:15 Unknown animation type 'linaer' in effect 'one', did you mean \"linear\"?",
-            "16:7 Key \"scale\" has no value that can be read", "19:5 No 'type' specified for effect 'one'",
-            "22:1 Effect entry 1 without 'desc' entry", "28:9 Multiple effect entry 'ONE' in effects.cfg",
-            "29:3 No type in special effect 'ONE'",
-            "30:18 Unknown CountType 'randon' in effect 'ONE', did you mean \"random\"?",
-            "31:5 Key \"EmitEffectRand\" is not read without EmitEffect", "35:4 Invalid '}'" + in_file + "35",
-            "38:1 Key \"child2\" is not read", "41:19 Emit effect 'nobody' of effect 'five' not found",
-            "44:19 The trail of effect 'five' is never drawn: it lays edge 1, and needs two or more from edge 1 on",
-            "43:3 A layer of effect 'five' names no scene", "48:3 Unreachable code" + in_file + "48"));
+    std::vector<std::string> expected;
+    std::ifstream file("tests/effects/mistakes.txt");
+    for (std::string line; std::getline(file, line);) expected.push_back(line);
+    EXPECT_THAT(places.All(), testing::UnorderedElementsAreArray(expected));
 }
 
 TEST_F(EffectsFile, CutShortAtEveryLengthItLoadsOrReports) {

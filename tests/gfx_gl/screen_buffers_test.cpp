@@ -7,45 +7,11 @@
 #include "gfx/device/surface.h"
 #include "gfx/shaders/shader_effect.h"
 #include "tests/support/drawn_gfx.h"
-#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
 
-constexpr char kStart[] = R"(
-float4 Inverse : InvViewPortDim;
-texture Copy : SCREENCOPY; texture Quarter : SCREENQUARTERBUFFER3; texture Full : ScreenBuffer2;
-#define READER(name, picture) sampler name = sampler_state { Texture = <picture>; \
-    MinFilter = POINT; MagFilter = POINT; AddressU = CLAMP; AddressV = CLAMP; };
-READER(CopyReader, Copy) READER(QuarterReader, Quarter) READER(FullReader, Full)
-struct Out { float4 p : POSITION; float2 uv : TEXCOORD0; };
-Out V(float4 p : POSITION, float2 uv : TEXCOORD0) { Out o; o.p = p; o.uv = uv + Inverse.xy * 0.5; return o; }
-#define PASS(function, annotations) \
-    pass < annotations > { VertexShader = compile vs_2_0 V(); PixelShader = compile ps_2_0 function(); }
-)";
-
-constexpr char kInvert[] = R"(
-float4 P(float2 uv : TEXCOORD0) : COLOR { return float4(1 - tex2D(CopyReader, uv).rgb, 1); }
-technique { PASS(P, ) })";
-
-// Half of every fourth pixel goes to the quarter buffer, each pixel blurred with its neighbours to the full one.
-constexpr char kBlurAndBlocks[] = R"(
-float4 Half(float2 uv : TEXCOORD0) : COLOR { return tex2D(CopyReader, uv) * 0.5; }
-float4 Blur(float2 uv : TEXCOORD0) : COLOR {
-    float2 step = float2(Inverse.x, 0);
-    return (tex2D(CopyReader, uv - step) + tex2D(CopyReader, uv + step)) / 2;
-}
-float4 Sum(float2 uv : TEXCOORD0) : COLOR {
-    return float4(tex2D(QuarterReader, uv).rgb + tex2D(FullReader, uv).rgb / 4, 1);
-}
-technique {
-    PASS(Half, string RenderTarget = "ScreenQuarterBuffer3";)
-    PASS(Blur, string RenderTarget = "ScreenBuffer2";)
-    PASS(Sum, string RenderTarget = "Initial";)
-})";
-
-class ScreenBufferPicture : public TemporaryFolder {
-  protected:
+struct ScreenBufferPicture : testing::Test {
     ScreenBufferPicture() { Resize(96, 64); }
 
     void Resize(int width, int height) {
@@ -54,10 +20,8 @@ class ScreenBufferPicture : public TemporaryFolder {
         width_ = width;
         height_ = height;
     }
-    void Load(KRN_ShaderEffect& effect, const char* text) {
-        const std::string name = "t" + std::to_string(++files_) + ".fx";
-        WriteFile(name, std::string(kStart) + text);
-        gfx_->LoadShaderEffect(effect, name.c_str(), true, 0, true);
+    void Load(KRN_ShaderEffect& effect, const std::string& file) {
+        gfx_->LoadShaderEffect(effect, ("tests/gfx_gl/" + file).c_str(), true, 0, true);
         ASSERT_TRUE(effect.IsValid());
     }
 
@@ -80,7 +44,7 @@ class ScreenBufferPicture : public TemporaryFolder {
         const Rgb colour = AsPainted(x, y);
         return {255 - colour.r, 255 - colour.g, 255 - colour.b};
     }
-    /// What kBlurAndBlocks makes of the painted picture.
+    /// What blur_and_blocks.fx makes of the painted picture.
     Rgb Blurred(int x, int y) const {
         const Rgb block = AsPainted(x, y);
         const Rgb left = AsPainted(std::max(x - 1, 0), y), right = AsPainted(std::min(x + 1, width_ - 1), y);
@@ -104,13 +68,13 @@ class ScreenBufferPicture : public TemporaryFolder {
     }
 
     DrawnGfx gfx_{160, 120};
-    int width_ = 0, height_ = 0, files_ = 0;
+    int width_ = 0, height_ = 0;
 };
 
 /// Inside the scene the copy is of the scene, on its way to the screen it is the scene.
 TEST_F(ScreenBufferPicture, TheSceneReachesTheScreenThroughItsTexture) {
     KRN_ShaderEffect invert;
-    Load(invert, kInvert);
+    Load(invert, "invert.fx");
     const Rgb screen = {90, 60, 30};
     for (const bool multisample : {false, true}) {
         gfx_->SetMultisampleTarget(multisample);
@@ -135,7 +99,7 @@ TEST_F(ScreenBufferPicture, TheSceneReachesTheScreenThroughItsTexture) {
 
 TEST_F(ScreenBufferPicture, PassesThroughBuffersGiveTheFormulaInEverySize) {
     KRN_ShaderEffect effect;
-    Load(effect, kBlurAndBlocks);
+    Load(effect, "blur_and_blocks.fx");
     for (const int width : {96, 160}) {
         Resize(width, 80);
         gfx_->BeginScene();
@@ -148,7 +112,7 @@ TEST_F(ScreenBufferPicture, PassesThroughBuffersGiveTheFormulaInEverySize) {
 
 TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
     KRN_ShaderEffect invert;
-    Load(invert, kInvert);
+    Load(invert, "invert.fx");
     const RECT viewports[] = {{0, 0, 96, 64}, {8, 12, 60, 48}, {33, 5, 96, 41}};
     for (const RECT& view : viewports) {
         gfx_->SetViewPort(0, 0, width_, height_, 0, 1);
@@ -183,12 +147,7 @@ TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
 
 TEST_F(ScreenBufferPicture, ListsDrawnInsideABufferPassGoThroughIt) {
     KRN_ShaderEffect effect;
-    Load(effect, R"(
-float4x4 World : WORLD;
-float4 Place(float4 p : POSITION) : POSITION { return mul(p, World); }
-float4 Plain() : COLOR { return float4(0.2, 0.4, 0.6, 1); }
-technique { pass < string RenderTarget = "ScreenBuffer1"; > {
-    VertexShader = compile vs_2_0 Place(); PixelShader = compile ps_2_0 Plain(); } })");
+    Load(effect, "place.fx");
     KRN_VertexListTemp<KRN_VertexPosTex> left(PrimitiveMode::TriangleStrip), right(PrimitiveMode::TriangleStrip);
     for (auto* list : {&left, &right}) {
         gfx_->CreateVertexList(list, 4, -1, false);
