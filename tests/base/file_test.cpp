@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <random>
 
 #include "base/file_validator.h"
 #include "tests/base/file_size_limit.h"
+#include "tests/support/picture_files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
@@ -52,43 +54,6 @@ TEST_P(FileTest, RefusesToReadOutsideTheContent) {
     ASSERT_TRUE(file.Open("long.bin", true, GetParam(), true));
     String text;
     EXPECT_EQ(ErrorOf([&] { file.ReadString(text); }), "File: long.bin: Error reading from file (Success)");
-}
-
-TEST_P(FileTest, WritesWhatItReadsBack) {
-    WriteFile("a.bin", "0123456789");
-    File file;
-    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
-    EXPECT_EQ(file.ReadByte(), '0');
-    file.WriteInt32(0x44434241);
-    EXPECT_EQ(file.ReadByte(), '5');
-    file.WriteInt16(0x6261);
-    file.WriteByte('!');
-    file.WriteString("xyz");
-    file.WriteString("");
-    EXPECT_TRUE(file.Write(nullptr, 0));
-    EXPECT_EQ(file.GetSize(), 20);
-    EXPECT_TRUE(file.IsModified());
-    file.Close();
-    EXPECT_EQ(ReadFile("a.bin"), std::string("0ABCD5ab!\3\0\0\0xyz\0\0\0\0", 20));
-}
-
-TEST_P(FileTest, SetSizeOnlyCuts) {
-    WriteFile("a.bin", "0123456789");
-    File file;
-    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
-    file.SetSize(12);
-    EXPECT_FALSE(file.IsModified());
-    file.Write("abcdefgh", 8);
-    file.SetSize(4);
-    EXPECT_EQ(file.Tell(), 4);
-    file.Seek(6);
-    file.WriteByte('x');   // the gap reads as zeros
-    file.Close();
-    EXPECT_EQ(ReadFile("a.bin"), std::string("abcd\0\0x", 7));
-    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
-    file.SetSize(0);
-    file.Close();
-    EXPECT_EQ(ReadFile("a.bin"), "");
 }
 
 TEST_P(FileTest, ReportsWhatIsNotAllowed) {
@@ -286,24 +251,53 @@ TEST_F(PackedFileTest, OfAnotherVersionIsPlainWithAWarning) {
     EXPECT_EQ(reports.All().size(), 1u);
 }
 
-TEST_F(PackedFileTest, IsPackedBackWithItsMode) {
-    for (int mode = 1; mode <= 8; ++mode) {
-        WriteFile("a.bin", PackedFile(mode, kStoredHello));
+/// Any operations, on disk, in memory and packed, beside a string and a place in it.
+TEST_F(PackedFileTest, HoldsWhatAStringHolds) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 45; ++round) {
+        const int mode = round % 9;   // 0: a plain file
+        std::string held = "hello";
+        WriteFile("a.bin", mode > 0 ? PackedFile(mode, kStoredHello) : held);
         File file;
-        ASSERT_TRUE(file.Open("a.bin", false, false, true));
+        ASSERT_TRUE(file.Open("a.bin", false, round % 2 == 0, true));
         EXPECT_EQ(file.PackMode(), mode);
-        EXPECT_EQ(file.GetSize(), 5);
-        file.Seek(5);
-        for (int i = 0; i < 5000; ++i) file.WriteByte(static_cast<std::int8_t>(i));
-        file.SetSize(4005);
-        EXPECT_EQ(ReadFile("a.bin"), PackedFile(mode, kStoredHello));   // until Close
+        std::size_t place = 0;
+        const auto write = [&](const std::string& bytes) {
+            held.resize(std::max(held.size(), place + bytes.size()));   // a gap reads as zeros
+            held.replace(place, bytes.size(), bytes);
+            place += bytes.size();
+        };
+        for (int step = 0; step < 40; ++step) {
+            const auto number = static_cast<std::int32_t>(random());
+            const std::string bytes = Little(static_cast<UINT>(number), 4);
+            const int at = 1 + static_cast<int>(random() % 300);
+            switch (random() % 7) {
+                case 0: file.WriteInt32(number), write(bytes); break;
+                case 1: file.WriteInt16(static_cast<std::int16_t>(number)), write(bytes.substr(0, 2)); break;
+                case 2: file.WriteByte(static_cast<std::int8_t>(number)), write(bytes.substr(0, 1)); break;
+                case 3:
+                    file.WriteString(at % 2 == 0 ? "xyz" : "");
+                    write(at % 2 == 0 ? Little(3, 4) + "xyz" : Little(0, 4));
+                    break;
+                case 4: file.Seek(at), place = static_cast<std::size_t>(at); break;
+                case 5:
+                    file.SetSize(at);
+                    if (static_cast<std::size_t>(at) >= held.size()) break;
+                    held.resize(static_cast<std::size_t>(at));
+                    place = held.size();   // it stands at the end then
+                    break;
+                default:
+                    if (place + 4 > held.size()) break;
+                    EXPECT_EQ(Little(static_cast<UINT>(file.ReadInt32()), 4), held.substr(place, 4));
+                    place += 4;
+            }
+            ASSERT_EQ(file.GetSize(), static_cast<int>(held.size())) << round << " " << step;
+            ASSERT_EQ(file.Tell(), static_cast<int>(place)) << round << " " << step;
+        }
+        EXPECT_TRUE(mode == 0 || ReadFile("a.bin") == PackedFile(mode, kStoredHello)) << "until it is closed";
         file.Close();
-        const std::string packed = ReadFile("a.bin");
-        EXPECT_EQ(packed.substr(0, 6), kHeader + static_cast<char>(mode));
-        EXPECT_NE(packed.substr(6), kStoredHello);
-        const std::string content = Content("a.bin", false);
-        ASSERT_EQ(content.size(), 4005u);
-        EXPECT_EQ(content.substr(0, 8), std::string("hello\0\1\2", 8));
+        EXPECT_EQ(mode == 0 ? ReadFile("a.bin") : Content("a.bin", false), held) << round;
+        EXPECT_TRUE(mode == 0 || held.empty() || ReadFile("a.bin").substr(0, 6) == kHeader + static_cast<char>(mode));
     }
 }
 

@@ -278,29 +278,5 @@ TEST(Fade, RisesFallsAndEnds) {
     }
 }
 
-TEST(Motion, EveryArgumentHasAResult) {
-    Dice dice(3);
-    SubEffect sub(SubEffectKind::Particle);
-    for (int type = 0; type <= 13; ++type) {
-        const VisualEffectMotion motion = RandomStage(dice, static_cast<AnimationType>(type)).motion;
-        for (MotionChannel* channel : {&sub.position_stages, &sub.rotation_stages, &sub.scale_stages})
-            channel->Add(motion);
-    }
-    sub.fade_in = 0.3;
-    sub.fade_out = 0.8;
-    sub.life = 2;
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    for (const double t : {kInfinity, -kInfinity, std::nan(""), 1e300, -1e-300}) {
-        for (const float c : {std::nanf(""), 1e38f, -2.5f}) {
-            const MotionRandoms r = {c, 1e30f, -7, std::nanf("")};
-            (void)EvalPosition(sub, t, c, r);
-            (void)EvalRotation(sub, t, c, r);
-            (void)EvalScale(sub, t, c, r);
-            const float fade = FadeFactor(sub, t, c);
-            EXPECT_TRUE(std::isnan(fade) || (fade >= 0 && fade <= 1)) << t;
-        }
-    }
-}
-
 }   // namespace
 }   // namespace sparkrig

@@ -109,5 +109,14 @@ TEST_F(TextureCatalogue, BorrowedTexturesSurviveAReset) {
     EXPECT_EQ(gfx_.recording.LiveDefaultPoolObjects() > 0, true);
 }
 
+TEST_F(TextureCatalogue, CutShortAtEveryLengthItLoads) {
+    const std::string text = "; c\n\"Smoke\" = \"a.png\"\n\"fire\" = \"b.png\" ; d\n";
+    for (std::size_t length = 0; length <= text.size(); ++length) {
+        catalogue_.Clear();
+        Load(text.substr(0, length));
+        EXPECT_EQ(catalogue_.GetTexture("smoke") != nullptr, length >= 21) << length;
+    }
+}
+
 }   // namespace
 }   // namespace sparkrig

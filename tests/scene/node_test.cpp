@@ -43,15 +43,6 @@ TEST(Node, IsBuiltFromScaleThenRotationThenPositionWhenSomethingChanged) {
     ExpectNear(Carried(node, {}), {10, 20, 30});
 }
 
-TEST(Node, ReportsWithItsName) {
-    Node node;
-    const Reports reports;
-    node.Warning("bent by %i", 7);
-    EXPECT_EQ(reports.Last(), "warning KRN_3dObject: *undefined*: bent by 7");
-    node.SetNodeName("Roof");
-    EXPECT_EQ(ErrorOf([&] { node.Error("gone"); }), "KRN_3dObject: Roof: gone");
-}
-
 /// Keys at 2 and 4 seconds: from (10, 20, 30) to (30, 60, -10), twice to four times the size, half a turn about z.
 void AddKeys(NodeTracks& tracks) {
     constexpr auto kLinear = KeyInterpolation::Linear;
@@ -63,22 +54,6 @@ void AddKeys(NodeTracks& tracks) {
     KRN_RotKeyData half_turn;
     half_turn.rotation = {0, 0, 1, 0};
     tracks.rotation.Add(4, kLinear, half_turn);
-}
-
-TEST(AnimatedNode, FollowsItsTracks) {
-    Node node;
-    NodeTransform rest;
-    rest.axis_signs = {1, -1, 1};
-    rest.position = {7, 7, 7};
-    node.SetRestPose(rest);
-    AddKeys(node.Tracks());
-    node.RebuildLookupTables();
-    EXPECT_EQ(node.Animate(3, false, false), 1);
-    ExpectNear(Carried(node, {1, 2, 3}), {20 + 3 * 2, 40 + 3 * 1, 10 + 3 * 3});   // a quarter turn, y mirrored
-    ExpectNear(node.CurrentPosition(), {20, 40, 10});
-    ExpectNear(node.CurrentScale(), {3, 3, 3});
-    ExpectSameTurn(node.CurrentRotation(), {0, 0, 0.70710678f, 0.70710678f});
-    EXPECT_EQ(node.RestPose().position, D3DXVECTOR3(7, 7, 7));
 }
 
 TEST(AnimatedNode, TakesItsTimeFromTheLoop) {
@@ -186,24 +161,6 @@ TEST(CopyNode, CopiesTheNodeAndItsKeysIfAsked) {
         ExpectNear(Carried(copy, {}), with_keys ? D3DXVECTOR3(20, 40, 10) : D3DXVECTOR3(5, 6, 7));
         ExpectNear(copy.CurrentScale(), with_keys ? D3DXVECTOR3(3, 3, 3) : D3DXVECTOR3(1, 1, 1));
     }
-}
-
-TEST(Camera, KeepsAndTurnsDirectionAndUp) {
-    KRN_Camera camera;
-    EXPECT_EQ(camera.ViewDirection(), D3DXVECTOR3(0, 1, 0));
-    EXPECT_EQ(camera.Up(), D3DXVECTOR3(0, 0, 1));
-    camera.SetEye(3, 5, 7, true);
-    camera.SetViewDirection(0, -6, 8, true);
-    EXPECT_EQ(camera.Eye(), D3DXVECTOR3(3, 5, 7));
-    ExpectNear(camera.ViewDirection(), {0, -0.6f, 0.8f});
-    EXPECT_EQ(camera.WorldMatrix(), kIdentityMatrix) << "the node is not rebuilt";
-    camera.SetViewDirection(1, 0, 0, false);
-    camera.TurnAroundUp(kQuarterTurn);
-    ExpectNear(camera.ViewDirection(), {0, 1, 0});
-    ExpectNear(camera.Up(), {0, 0, 1});
-    camera.RotateView({1, 0, 0}, kQuarterTurn);
-    ExpectNear(camera.ViewDirection(), {0, 0, 1});
-    ExpectNear(camera.Up(), {0, -1, 0});
 }
 
 TEST(Camera, LooksAtItsTarget) {
