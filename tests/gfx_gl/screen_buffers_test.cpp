@@ -130,7 +130,7 @@ TEST_F(ScreenBufferPicture, TheScreenCopyIsTheViewportAsItWasDrawn) {
 
 TEST_F(ScreenBufferPicture, BuffersStandForTheViewport) {
     KRN_ShaderEffect effect;
-    Load(effect, kBlurAndBlocks);
+    Load(effect, "blur_and_blocks.fx");
     gfx_->BeginScene();
     Paint();
     gfx_->SetViewPort(32, 16, 64, 48, 0, 1);
