@@ -51,7 +51,7 @@ int ShowError(Engine& engine, TesterState& state, const ErrorRecord& error) {
 }
 
 int RunTester(const Options& options) {
-    if (!HasDisplay() && !std::getenv("SDL_VIDEODRIVER")) {
+    if (!CanMakeWindows() || (!HasDisplay() && !std::getenv("SDL_VIDEODRIVER"))) {
         std::fprintf(stderr, "sparkrig: there is no display for the window; --help shows what works without one.\n");
         return kCannot;
     }

@@ -96,9 +96,8 @@ bool StartVideo() {
     SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");   // the window procedure decides
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");    // the click that activates counts
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY")) {
-        SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");   // as SDL would, without asking the others, which complain
-    }
+    if (!std::getenv("WAYLAND_DISPLAY"))   // as SDL would, without asking those that cannot be there, which complain
+        SDL_SetHint(SDL_HINT_VIDEODRIVER, std::getenv("DISPLAY") ? "x11" : "offscreen");
     if (SDL_Init(SDL_INIT_VIDEO) != 0) return false;
     std::atexit(SDL_Quit);
     return true;
@@ -110,6 +109,8 @@ bool DriverIsInvisible() {
 }
 
 const std::vector<std::unique_ptr<Window>>& Windows() { return System().windows; }
+
+bool CanMakeWindows() { return StartVideo(); }
 
 bool HasDisplay() { return StartVideo() && !DriverIsInvisible(); }
 

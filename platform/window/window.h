@@ -122,8 +122,9 @@ void CollectEvents();
 /// For the keyboard layer: whether keys go to the window. Always true where there is no focus at all.
 bool IsForegroundWindow(HWND window);
 
-/// Whether windows are seen by anybody: false with SDL's off-screen drivers. Starts the window system if need be;
-/// false as well when that fails.
+/// Starts the window system if need be; false when that fails.
+bool CanMakeWindows();
+/// Whether windows are seen by anybody: false with SDL's off-screen drivers, and where none can be made.
 bool HasDisplay();
 /// Windows made from now on are seen by nobody, whatever display there is. Before the first window.
 void HideFromDisplay();
