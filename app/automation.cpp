@@ -142,7 +142,7 @@ class LastErrorPlace {
 
 int Perform(Engine& engine, TesterState& state, const Options& options) {
     ReadRegistrySettings(state, *engine.gfx, options.data.empty() ? BasePathUse::Enter : BasePathUse::Ignore);
-    if (options.mode == RunMode::Check) return CheckEverything(engine) ? kDone : kFindings;
+    if (options.mode == RunMode::Check) return CheckEverything(engine, state) ? kDone : kFindings;
     Player player(engine, state, options);
     return Play(player, options);
 }

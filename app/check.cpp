@@ -6,6 +6,7 @@
 
 #include "app/problem_printer.h"
 #include "app/progress.h"
+#include "app/shader_files.h"
 #include "app/tester_commands.h"
 #include "effects/effects_file.h"
 #include "gfx/textures/catalogue_file.h"
@@ -104,9 +105,11 @@ void CheckEffects(Engine& engine, ProblemPrinter& problems) {
 
 }   // namespace
 
-bool CheckEverything(Engine& engine) {
+bool CheckEverything(Engine& engine, const TesterState& state) {
     ProblemPrinter problems;
     CheckStart(engine, problems);
+    problems.SetPlace(kShaderFolder, {});
+    Succeeds([&] { LoadShaderFiles(engine, state); });
     CheckCatalogue(*engine.gfx, problems);
     CheckEffects(engine, problems);
     if (problems.Count() == 0) {

@@ -1,5 +1,8 @@
 #include "app/journal.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "app/json_text.h"
 
 namespace sparkrig {
@@ -27,8 +30,10 @@ void Journal::Write(const Engine& engine, const TesterState& state, const LoopSt
     line.AddList("client", client);
     std::string text = line.Finish();
     if (text == last_) return;
-    std::fprintf(file_.get(), "%s\n", text.c_str());
-    std::fflush(file_.get());
+    const bool written = std::fprintf(file_.get(), "%s\n", text.c_str()) >= 0 && std::fflush(file_.get()) == 0;
+    if (!written && !failed_)
+        std::fprintf(stderr, "sparkrig: the journal cannot be written: %s\n", std::strerror(errno));
+    failed_ = !written;
     last_ = std::move(text);
 }
 

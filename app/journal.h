@@ -20,6 +20,7 @@ class Journal {
     };
     std::unique_ptr<std::FILE, Close> file_;
     std::string last_;
+    bool failed_ = false;
 };
 
 }   // namespace sparkrig

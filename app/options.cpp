@@ -89,6 +89,9 @@ std::string Conflict(const CLI::App& app, const Options& options) {
         if (!first.empty()) return first + " and " + row.option + " cannot be given together";
         first = row.option;
     }
+    if (options.mode == RunMode::Sheet || options.mode == RunMode::Check)
+        for (const char* option : {"--effect", "--repeat"})
+            if (app.count(option) != 0) return first + " and " + option + " cannot be given together";
     const bool plays_frames = options.mode == RunMode::Sequence || options.mode == RunMode::Record;
     if (app.count("--at") != 0 && options.mode != RunMode::Capture) return "--at needs --capture";
     if (app.count("--frames") != 0 && !plays_frames) return "--frames needs --sequence or --record";

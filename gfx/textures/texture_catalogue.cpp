@@ -1,6 +1,7 @@
 #include "gfx/textures/texture_catalogue.h"
 
 #include "base/file_validator.h"
+#include "base/report_listener.h"
 #include "gfx/device/with_restore.h"
 #include "gfx/textures/catalogue_file.h"
 #include "gfx/textures/texture.h"
@@ -26,6 +27,7 @@ void KRN_TextureCatalogue::Clear() { entries_.Clear(); }
 void KRN_TextureCatalogue::Load(const char* file, const char* directory, bool use_directory) {
     const bool below = use_directory && directory && *directory;
     TextureLookup lookup(loader_.Paths());
+    const SourceFileScope place(file);
     CatalogueFile catalogue(file);
     String name, entry_file;
     while (catalogue.Next(name, entry_file)) {

@@ -181,8 +181,9 @@ TEST_F(AutomationTest, CheckPrintsEachProblemWithItsPlace) {
               "cfg/effects.cfg:18:14: error: Can not open file gone.png\n"
               "cut.3sc: error: cut.3sc: Unknown 3sc file version: 211 (cut.3sc)\n");
     Write("cfg/effects.cfg", "");
-    EXPECT_EQ(Run({"--check"}), 1);
+    EXPECT_EQ(Run({"--check", "--screen-effect", "gone.fx"}), 1);
     EXPECT_THAT(out_, HasSubstr("cfg/effects.cfg: error: No effects in effect file"));
+    EXPECT_THAT(out_, HasSubstr("shader: error: Shader effect file 'gone.fx' not found"));
 }
 
 TEST_F(AutomationTest, EndsWithOneSentence) {

@@ -56,6 +56,7 @@ TEST(Options, RefusesWrongUsageWithTwo) {
         {{"--data", ""}, "--data is empty"},
         {{"--capture", "a.png", "--sheet", "b.png"}, "--capture and --sheet cannot be given together"},
         {{"--capture", ""}, "--capture is empty"},
+        {{"--check", "--effect", "a"}, "--check and --effect cannot be given together"},
         {{"--at", "2"}, "--at needs --capture"},
         {{"--capture", "a.png", "--at", "nan"}, "--at: nan is no number from 0 to 3600"},
         {{"--capture", "a.png", "--at", "-1"}, "--at"},
