@@ -19,6 +19,46 @@ namespace {
 constexpr std::size_t kLongestShown = 400;   // bytes of a list entry
 constexpr unsigned kShade = 0x50000000;      // over the picture behind
 
+/// Where the controls are, in pixels. In a window that is too small for the dialog its list gives up rows and its
+/// columns draw together; what is still too high scrolls.
+class DialogLayout {
+  public:
+    struct Box {
+        ImVec2 corner, size;
+    };
+
+    ImVec2 size;   // below the title
+
+    DialogLayout(const Dialog& dialog, const Gui& gui, ImVec2 room) {
+        for (const DialogItem& item : dialog.items) {
+            if (item.control->kind == ControlKind::ListBox) list_ = item.control;
+        }
+        constexpr float kFewestUnits = 30;
+        const float letter = gui.TextWidth("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ") / 52;
+        const float width = static_cast<float>(dialog.form.width);
+        unit_.y = gui.LineHeight() / 8;
+        const float height = static_cast<float>(dialog.form.height) * unit_.y;
+        const float most = list_ ? std::max(static_cast<float>(list_->height) - kFewestUnits, 0.0f) * unit_.y : 0;
+        given_up_ = std::clamp(height - room.y, 0.0f, most);
+        const float bar = height - given_up_ > room.y ? ImGui::GetStyle().ScrollbarSize : 0;
+        unit_.x = std::min(letter / 4, (room.x - bar) / width);
+        size = {width * unit_.x + bar, std::min(height - given_up_, room.y)};
+    }
+
+    Box Place(const DialogControl& control) const {
+        Box box = {{static_cast<float>(control.x) * unit_.x, static_cast<float>(control.y) * unit_.y},
+                   {static_cast<float>(control.width) * unit_.x, static_cast<float>(control.height) * unit_.y}};
+        if (&control == list_) box.size.y -= given_up_;
+        if (list_ && control.y >= list_->y + list_->height) box.corner.y -= given_up_;
+        return box;
+    }
+
+  private:
+    ImVec2 unit_;   // of the dialog
+    const DialogControl* list_ = nullptr;
+    float given_up_ = 0;   // by the list
+};
+
 class DialogView : public ModalView {
   public:
     explicit DialogView(Dialog& dialog) : dialog_(dialog) {
@@ -154,22 +194,20 @@ void DialogView::Character(char character) {
 // ---- Widgets
 
 void DialogView::Widgets(Gui& gui) {
-    const float letter = gui.TextWidth("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ") / 52;
-    const ImVec2 unit(letter / 4, gui.LineHeight() / 8), room = ImGui::GetIO().DisplaySize;
+    const ImVec2 screen = ImGui::GetIO().DisplaySize;
     const float title = ImGui::GetFrameHeight(), strip = static_cast<float>(StripHeight(*dialog_.owner));
-    const ImVec2 size(std::min(static_cast<float>(dialog_.form.width) * unit.x, room.x),
-                      std::min(static_cast<float>(dialog_.form.height) * unit.y + title, room.y - strip));
-    ImGui::GetBackgroundDrawList()->AddRectFilled({0, strip}, room, kShade);
-    ImGui::SetNextWindowPos({(room.x - size.x) / 2, std::max((room.y - size.y) / 2, strip)}, ImGuiCond_Appearing);
+    const DialogLayout layout(dialog_, gui, {screen.x, screen.y - strip - title});
+    const ImVec2 size(layout.size.x, layout.size.y + title);
+    ImGui::GetBackgroundDrawList()->AddRectFilled({0, strip}, screen, kShade);
+    ImGui::SetNextWindowPos({(screen.x - size.x) / 2, std::max((screen.y - size.y) / 2, strip)}, ImGuiCond_Appearing);
     ImGui::SetNextWindowSize(size);
     const std::string name = gui.Show(dialog_.form.title) + "###dialog";
     ImGui::Begin(name.c_str(), nullptr, ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoCollapse);
     for (DialogItem& item : dialog_.items) {
-        const DialogControl& control = *item.control;
-        ImGui::SetCursorPos({static_cast<float>(control.x) * unit.x, static_cast<float>(control.y) * unit.y + title});
+        const DialogLayout::Box box = layout.Place(*item.control);
+        ImGui::SetCursorPos({box.corner.x, box.corner.y + title});
         ImGui::PushID(&item);
-        ItemWidgets(gui, item,
-                    {static_cast<float>(control.width) * unit.x, static_cast<float>(control.height) * unit.y});
+        ItemWidgets(gui, item, box.size);
         ImGui::PopID();
         if (dialog_.done) break;
     }
