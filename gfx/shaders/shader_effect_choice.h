@@ -24,13 +24,15 @@ class ShaderEffectChoice {
 
     /// How the vertices of geometry are processed, as far as it matters here.
     enum class Processing { Fixed = 0, ShaderSkinning = 2 };
-    /// own: what the geometry brings along, or null. Null for fixed-function drawing.
+    /// own: what the geometry brings along, or null; one without a valid technique is drawn with its last. Null for
+    /// fixed-function drawing.
     KRN_ShaderEffect* ForDraw(KRN_ShaderEffect* own = nullptr, Processing processing = Processing::Fixed) const {
         if (forced_) return forced_;
         KRN_ShaderEffect* const skinning = processing == Processing::ShaderSkinning ? skinning_ : nullptr;
-        for (KRN_ShaderEffect* effect : {override_, current_, own, skinning})
+        for (KRN_ShaderEffect* effect : {override_, current_})
             if (effect && effect->IsValid()) return effect;
-        return nullptr;
+        if (own && own->Technique() >= 0) return own;
+        return skinning && skinning->IsValid() ? skinning : nullptr;
     }
     KRN_ShaderEffect* For2D() const { return for_2d_ && for_2d_->IsValid() ? for_2d_ : nullptr; }
 

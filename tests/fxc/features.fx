@@ -718,3 +718,8 @@ texture T; sampler2D unused; sampler2D second : register(s1); sampler plain; sam
     fourth; float4 Look(sampler s, float2 uv) { return tex2D(s, uv); } float4 P(float2 uv : TEXCOORD0) : COLOR {
     return float4(Look(plain, uv).r, tex2D(second, uv).g + tex1D(far, uv.x).g, tex2Dproj(fourth, float4(uv * 2, 0,
     2)).b, 1); } technique { pass { Texture[0] = <T>; Texture[2] = <T>; PixelShader = compile ps_2_0 P(); } }
+
+//// flat lists of structures in functions: 51 102 153
+struct S { float a; float2 b; }; struct T { S s; float c[2]; float2x2 m; }; static const S g = {0.2, 0.4, 0};
+=> S s = {0.1, {0.4, 0}}, u = {0.1, 0, 0}; T v = {g, {3, 1}, {1, 0, 0, 1}}, w = {0, 0, 0, 0.6, 0, 1, 2, 3, 4};
+return float4(s.a + u.a, v.s.b.x, w.m[0][0] * w.c[0], 1);

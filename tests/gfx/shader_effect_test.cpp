@@ -426,6 +426,9 @@ TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
     EXPECT_EQ(choice.ForDraw(&own, kSkinned), &current);
     choice.SetCurrent(&invalid);
     EXPECT_EQ(choice.ForDraw(&own, kSkinned), &own);
+    EXPECT_EQ(choice.ForDraw(&invalid, kSkinned), &skinning) << "nothing is loaded";
+    ASSERT_TRUE(LoadText(invalid, "technique { pass { PixelShader = asm { ps.1.1 }; } }"));
+    EXPECT_EQ(choice.ForDraw(&invalid, kSkinned), &invalid) << "its last technique";
     EXPECT_EQ(choice.ForDraw(nullptr, kSkinned), &skinning);
     EXPECT_EQ(choice.ForDraw(), nullptr);
 }

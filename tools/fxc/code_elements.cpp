@@ -26,13 +26,11 @@ struct Shape {
     bool IsScalar() const { return rows == 1 && columns == 1 && !matrix && dimensions == 0; }
 };
 
-constexpr Shape kUnknown = {};
-
 Shape VectorOf(DWORD columns) { return {1, columns, false, 0, {}}; }
 
 Shape ShapeOf(const Type& type) {
     if (type.kind == VariableClass::Structure) return {0, 0, false, type.elements > 0 ? 1 : 0, type.structure};
-    if (!IsNumeric(type.kind)) return kUnknown;
+    if (!IsNumeric(type.kind)) return Shape();
     return {type.rows, type.columns, type.kind == VariableClass::Matrix, type.elements > 0 ? 1 : 0, {}};
 }
 
@@ -330,7 +328,7 @@ class ElementOperations {
             --shape.dimensions;
             return shape;
         }
-        return shape.matrix ? VectorOf(shape.columns) : shape.rows > 0 ? VectorOf(1) : kUnknown;
+        return shape.matrix ? VectorOf(shape.columns) : shape.rows > 0 ? VectorOf(1) : Shape();
     }
 
     Shape MemberOf(const Shape& shape, const std::string& name) const {
@@ -344,7 +342,7 @@ class ElementOperations {
             }
         }
         const bool swizzle = name.size() <= 4 && name.find_first_not_of("xyzwrgba") == std::string::npos;
-        return swizzle ? VectorOf(static_cast<DWORD>(name.size())) : kUnknown;
+        return swizzle ? VectorOf(static_cast<DWORD>(name.size())) : Shape();
     }
 
     // ---- Functions
@@ -355,7 +353,7 @@ class ElementOperations {
         Operand result;
         Take(result.tokens, 2);
         std::vector<Operand> values = ParseList(result);
-        result.shape = kUnknown;
+        result.shape = Shape();
         if (failed_) return result;
         if (constructed) {
             result.shape = ShapeOf(*constructed);

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "tools/fxc/code_adaption.h"
 #include "tools/fxc/token_tools.h"
 #include "tools/fxc/type_parser.h"
@@ -21,7 +23,7 @@ std::vector<Tokens> LeavesOf(const Tokens& code, std::size_t open, std::size_t c
     return leaves;
 }
 
-/// A numeric variable with a list as its value: "TYPE NAME [n][m] = {".
+/// A variable of numbers or a structure with a list as its value: "TYPE NAME [n][m] = {".
 struct ListedVariable {
     Type type;
     std::vector<std::size_t> sizes;   // 0 for one that is not known
@@ -56,9 +58,16 @@ class ListShaper {
   private:
     bool Find(std::size_t i, ListedVariable& variable) const {
         if (i + 4 >= code_.size() || code_[i].kind != TokenKind::Identifier) return false;
-        const std::optional<Type> type = BuiltInType(code_[i].text, LetterCase::Exact);
-        if (!type || !IsNumeric(type->kind) || code_[i + 1].kind != TokenKind::Identifier) return false;
-        variable.type = *type;
+        if (code_[i + 1].kind != TokenKind::Identifier) return false;
+        if (effect_.symbols.structures.contains(code_[i].text)) {
+            variable.type.kind = VariableClass::Structure;
+            variable.type.structure = code_[i].text;
+            variable.type.spelling = {code_[i]};
+        } else {
+            const std::optional<Type> type = BuiltInType(code_[i].text, LetterCase::Exact);
+            if (!type || !IsNumeric(type->kind)) return false;
+            variable.type = *type;
+        }
         std::size_t at = i + 2;
         for (; at + 2 < code_.size() && code_[at].Is("["); at = ClosingBracket(code_, at) + 1)
             variable.sizes.push_back(SizeAt(at + 1));
@@ -78,6 +87,7 @@ class ListShaper {
     /// The list as the compiler takes it; empty when it can stay, or is wrong.
     Tokens Shaped(const ListedVariable& variable, std::size_t close) const {
         const std::vector<Tokens> leaves = LeavesOf(code_, variable.open, close);
+        if (variable.type.kind == VariableClass::Structure) return ShapedStructure(variable, leaves);
         const std::size_t width = std::size_t{variable.type.rows} * variable.type.columns;
         std::size_t count = 1;
         for (const std::size_t size : variable.sizes) count *= size;
@@ -91,6 +101,49 @@ class ListShaper {
         Tokens result;
         Write(variable, sizes, 0, leaves, group == 0 ? leaves.size() : group, next, result);
         return result;
+    }
+
+    /// One number for each of the structure's; any other list is left to the compiler.
+    Tokens ShapedStructure(const ListedVariable& variable, const std::vector<Tokens>& leaves) const {
+        Tokens result;
+        std::size_t next = 0;
+        const std::string& structure = variable.type.structure;
+        if (variable.sizes.empty() && CountNumbers(structure, leaves.size()) == leaves.size())
+            WriteMembers(variable, structure, leaves, next, result);
+        return result;
+    }
+
+    /// The numbers that a structure holds; more than `most` when it holds more, or anything else.
+    std::size_t CountNumbers(const std::string& structure, std::size_t most, int depth = 0) const {
+        constexpr int kDeepest = 16;   // a structure that was declared twice may hold itself
+        std::size_t count = 0;
+        for (const StructureMember& member : effect_.symbols.structures.at(structure)) {
+            const std::size_t elements = std::max<DWORD>(1, member.elements);
+            if (count >= most || depth > kDeepest) return most + 1;
+            if (IsNumeric(member.type.kind))
+                count += elements * member.type.rows * member.type.columns;
+            else if (member.type.kind == VariableClass::Structure && elements == 1)
+                count += std::max<std::size_t>(1, CountNumbers(member.type.structure, most - count, depth + 1));
+            else
+                return most + 1;
+        }
+        return count;
+    }
+
+    void WriteMembers(const ListedVariable& variable, const std::string& structure, const std::vector<Tokens>& leaves,
+                      std::size_t& next, Tokens& result) const {
+        const Token& at = code_[variable.open];
+        const char* separator = "{";
+        for (const StructureMember& member : effect_.symbols.structures.at(structure)) {
+            AppendText(result, at, std::exchange(separator, ","));
+            ListedVariable part{member.type, {}, variable.open};
+            if (member.elements > 0) part.sizes.push_back(member.elements);
+            if (member.type.kind == VariableClass::Structure)
+                WriteMembers(variable, member.type.structure, leaves, next, result);
+            else
+                Write(part, part.sizes, 0, leaves, std::size_t{member.type.rows} * member.type.columns, next, result);
+        }
+        AppendText(result, at, "}");
     }
 
     /// Of an array without a size: as many as there are items in its list.
