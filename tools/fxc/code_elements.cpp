@@ -43,18 +43,18 @@ struct Operand {
 
 struct Binary {
     std::string_view text;
-    int level;          // a higher one binds tighter
     const char* name;   // of the function for matrices; none where the compiler does it by elements
+    int level;          // a higher one binds tighter
     bool compares = false;
 };
 
 // Longer ones first.
 constexpr Binary kBinaries[] = {
-    {"||", 1, nullptr},     {"&&", 2, nullptr},        {"==", 6, "equal", true}, {"!=", 6, "unequal", true},
-    {"<<", 8, nullptr},     {">>", 8, nullptr},        {"<=", 7, "most", true},  {">=", 7, "least", true},
-    {"<", 7, "less", true}, {">", 7, "greater", true}, {"|", 3, nullptr},        {"^", 4, nullptr},
-    {"&", 5, nullptr},      {"+", 9, nullptr},         {"-", 9, nullptr},        {"*", 10, "times"},
-    {"/", 10, nullptr},     {"%", 10, "remainder"},
+    {"||", nullptr, 1},     {"&&", nullptr, 2},        {"==", "equal", 6, true}, {"!=", "unequal", 6, true},
+    {"<<", nullptr, 8},     {">>", nullptr, 8},        {"<=", "most", 7, true},  {">=", "least", 7, true},
+    {"<", "less", 7, true}, {">", "greater", 7, true}, {"|", nullptr, 3},        {"^", nullptr, 4},
+    {"&", nullptr, 5},      {"+", nullptr, 9},         {"-", nullptr, 9},        {"*", "times", 10},
+    {"/", nullptr, 10},     {"%", "remainder", 10},
 };
 
 /// The intrinsic functions that take each element by itself, by their names after SpellOut.
