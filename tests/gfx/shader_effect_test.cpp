@@ -427,7 +427,8 @@ TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
     choice.SetCurrent(&invalid);
     EXPECT_EQ(choice.ForDraw(&own, kSkinned), &own);
     EXPECT_EQ(choice.ForDraw(&invalid, kSkinned), &skinning) << "nothing is loaded";
-    ASSERT_TRUE(LoadText(invalid, "technique { pass { PixelShader = asm { ps.1.1 }; } }"));
+    WriteFile("invalid.fx", "technique { pass { PixelShader = asm { ps.1.1 }; } }");
+    ASSERT_TRUE(gfx_->LoadShaderEffect(invalid, "invalid.fx", true, 0, false));
     EXPECT_EQ(choice.ForDraw(&invalid, kSkinned), &invalid) << "its last technique";
     EXPECT_EQ(choice.ForDraw(nullptr, kSkinned), &skinning);
     EXPECT_EQ(choice.ForDraw(), nullptr);

@@ -42,6 +42,8 @@ class ListShaper {
             Tokens value;
             if (Find(i, variable)) {
                 close = ClosingBracket(code_, variable.open);
+                behind_ = close + 1;
+                last_ = variable.type;
                 if (close < code_.size()) value = Shaped(variable, close);
             }
             if (value.empty()) {
@@ -56,18 +58,25 @@ class ListShaper {
     }
 
   private:
-    bool Find(std::size_t i, ListedVariable& variable) const {
-        if (i + 4 >= code_.size() || code_[i].kind != TokenKind::Identifier) return false;
-        if (code_[i + 1].kind != TokenKind::Identifier) return false;
+    /// Of numbers or of a structure.
+    std::optional<Type> TypeAt(std::size_t i) const {
+        if (i == behind_ && code_[i].Is(",")) return last_;   // the declaration goes on
+        if (code_[i].kind != TokenKind::Identifier) return std::nullopt;
         if (effect_.symbols.structures.contains(code_[i].text)) {
-            variable.type.kind = VariableClass::Structure;
-            variable.type.structure = code_[i].text;
-            variable.type.spelling = {code_[i]};
-        } else {
-            const std::optional<Type> type = BuiltInType(code_[i].text, LetterCase::Exact);
-            if (!type || !IsNumeric(type->kind)) return false;
-            variable.type = *type;
+            Type type;
+            type.kind = VariableClass::Structure;
+            type.structure = code_[i].text;
+            return type;
         }
+        const std::optional<Type> type = BuiltInType(code_[i].text, LetterCase::Exact);
+        return type && IsNumeric(type->kind) ? type : std::nullopt;
+    }
+
+    bool Find(std::size_t i, ListedVariable& variable) const {
+        if (i + 4 >= code_.size() || code_[i + 1].kind != TokenKind::Identifier) return false;
+        const std::optional<Type> type = TypeAt(i);
+        if (!type) return false;
+        variable.type = *type;
         std::size_t at = i + 2;
         for (; at + 2 < code_.size() && code_[at].Is("["); at = ClosingBracket(code_, at) + 1)
             variable.sizes.push_back(SizeAt(at + 1));
@@ -178,6 +187,8 @@ class ListShaper {
 
     ParsedEffect& effect_;
     Tokens& code_;
+    std::size_t behind_ = 0;   // the last list, whose variable is of
+    Type last_;                // this type
 };
 
 }   // namespace
