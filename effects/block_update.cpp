@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include "effects/beyond_cache.h"
 #include "effects/motion.h"
 #include "effects/particle_appearance.h"
 #include "effects/vector_code.h"
@@ -23,12 +24,13 @@ struct Ages {
     double youngest, oldest;
 };
 
-/// Eight minima and maxima side by side: one after the other each would wait for the one before.
+/// Four minima and maxima side by side: one after the other each would wait for the one before, and the registers hold
+/// no more.
 void FindAgeSpan(int count, Ages& ages) {
-    constexpr int kSideBySide = 8;
-    double low[kSideBySide], high[kSideBySide];
-    std::fill_n(low, kSideBySide, ages.t[0]);
-    std::fill_n(high, kSideBySide, ages.t[0]);
+    constexpr int kSideBySide = 4;
+    constexpr double kNever = std::numeric_limits<double>::infinity();
+    double low[kSideBySide] = {kNever, kNever, kNever, kNever},
+           high[kSideBySide] = {-kNever, -kNever, -kNever, -kNever};
     std::fill_n(ages.t + count, std::min(kSideBySide, kLanes - count), ages.t[0]);
     for (int i = 0; i < count; i += kSideBySide) {
         for (int k = 0; k < kSideBySide; ++k) {
@@ -118,9 +120,6 @@ void WriteUnborn(const InstanceBlock& block, int first, int count, const Ages& a
     }
 }
 
-/// Four lanes of one number.
-using Four = float __attribute__((vector_size(16)));
-
 Four FourAt(const void* numbers) {
     Four four;
     std::memcpy(&four, numbers, sizeof four);
@@ -139,61 +138,72 @@ void Transpose(Four (&rows)[4]) {
     rows[3] = __builtin_shufflevector(high_01, high_23, 2, 3, 6, 7);
 }
 
-/// Everything of four records but their ids: position and colour, then angle, size and age. Records are rows, and what
-/// they hold has been computed in columns.
-void WriteFour(Four (&&front)[4], Four (&&back)[4], DrawRecord* records) {
-    Transpose(front);
-    Transpose(back);
-    for (int i = 0; i < 4; ++i) {
-        char* const record = reinterpret_cast<char*>(records + i);
-        const Four kept = FourAt(record + sizeof(Four));
-        const Four behind = __builtin_shufflevector(back[i], kept, 0, 1, 2, 7);
-        std::memcpy(record, &front[i], sizeof(Four));
-        std::memcpy(record + sizeof(Four), &behind, sizeof(Four));
+/// What records hold, as it has been computed: in columns.
+struct Columns {
+    const float *base[3], *offset[3];
+    const std::uint32_t* colour;
+    const float *angle, *size, *age;
+    const std::int32_t* id;
+};
+
+DrawRecord RecordAt(const Columns& in, int i) {
+    const D3DXVECTOR3 position(in.base[0][i] + in.offset[0][i], in.base[1][i] + in.offset[1][i],
+                               in.base[2][i] + in.offset[2][i]);
+    return {position, in.colour[i], in.angle[i], in.size[i], in.age[i], in.id[i]};
+}
+
+template <void (*kStore)(Four, void*)>
+void WriteRows(const Columns& in, int count, DrawRecord* records) {
+    int i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const auto place = [&](int axis) { return FourAt(in.base[axis] + i) + FourAt(in.offset[axis] + i); };
+        Four front[4] = {place(0), place(1), place(2), FourAt(in.colour + i)};
+        Four back[4] = {FourAt(in.angle + i), FourAt(in.size + i), FourAt(in.age + i), FourAt(in.id + i)};
+        Transpose(front);
+        Transpose(back);
+        for (int row = 0; row < 4; ++row) {
+            char* const record = reinterpret_cast<char*>(records + i + row);
+            kStore(front[row], record);
+            kStore(back[row], record + sizeof(Four));
+        }
     }
+    for (; i < count; ++i) records[i] = RecordAt(in, i);
 }
 
 SPARKRIG_VECTOR_CODE void Write(const SubEffect& sub, const InstanceBlock& block, int first, int count,
-                                const Ages& ages, DrawRecord* records) {
+                                const Ages& ages, Storing storing, DrawRecord* records) {
     const MotionLanes in = LanesOf(block, first, count, ages);
-    VectorLanes position;
-    alignas(64) float sizes[kLanes], angles[kLanes];
+    VectorLanes offset;
+    alignas(64) float sizes[kLanes], angles[kLanes], seconds[kLanes];
     alignas(64) std::uint32_t colours[kLanes];
-    EvalPosition(sub, in, position);
+    EvalPosition(sub, in, offset);
     EvaluateSizes(sub, in, sizes);
     EvalRotationAngle(sub, in, angles);
     EvaluateColours(sub, in, ages, block.life + first, colours);
-    const float* const base[] = {block.base.x + first, block.base.y + first, block.base.z + first};
-    const auto write_one = [&](int i) {
-        DrawRecord& record = records[first + i];
-        record.position = {base[0][i] + position.x[i], base[1][i] + position.y[i], base[2][i] + position.z[i]};
-        record.colour = colours[i];
-        record.angle = angles[i];
-        record.size = sizes[i];
-        record.age = static_cast<float>(ages.t[i]);
-    };
-    int i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const double* t = ages.t + i;
-        const Four age = {static_cast<float>(t[0]), static_cast<float>(t[1]), static_cast<float>(t[2]),
-                          static_cast<float>(t[3])};
-        WriteFour({FourAt(base[0] + i) + FourAt(position.x + i), FourAt(base[1] + i) + FourAt(position.y + i),
-                   FourAt(base[2] + i) + FourAt(position.z + i), FourAt(colours + i)},
-                  {FourAt(angles + i), FourAt(sizes + i), age}, records + first + i);
-    }
-    for (; i < count; ++i) write_one(i);
+    for (int i = 0; i < count; ++i) seconds[i] = static_cast<float>(ages.t[i]);
+    const Columns columns = {{block.base.x + first, block.base.y + first, block.base.z + first},
+                             {offset.x, offset.y, offset.z},
+                             colours,
+                             angles,
+                             sizes,
+                             seconds,
+                             block.id + first};
+    if (storing == Storing::BeyondCache)
+        WriteRows<StoreBeyondCache>(columns, count, records + first);
+    else
+        WriteRows<Store>(columns, count, records + first);
     if (ages.youngest < 0) WriteUnborn(block, first, count, ages, records);
 }
 
 }   // namespace
 
 SPARKRIG_VECTOR_CODE bool UpdateBlock(const SubEffect& sub, InstanceBlock& block, int count, float step, bool evaluate,
-                                      DrawRecord* records) {
+                                      Storing storing, DrawRecord* records) {
     Ages ages;
     const bool deaths = AdvanceClocks(sub, block, count, step, ages);
     if (!evaluate) return deaths;
     FindAgeSpan(count, ages);
-    Write(sub, block, 0, count, ages, records);
+    Write(sub, block, 0, count, ages, storing, records);
     return deaths;
 }
 
@@ -203,7 +213,7 @@ void WriteRecords(const SubEffect& sub, const InstanceBlock& block, int first, i
     for (int i = first; i < end; ++i)
         ages.t[i - first] = block.time[i] - (birth + birth_per_count * block.count_value[i]);
     FindAgeSpan(end - first, ages);
-    Write(sub, block, first, end - first, ages, records);
+    Write(sub, block, first, end - first, ages, Storing::InCache, records);
 }
 
 float RecordSize(SubEffectKind kind, const D3DXVECTOR3& scale) {

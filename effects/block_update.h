@@ -4,12 +4,16 @@
 
 namespace sparkrig {
 
+/// Whether all blocks and records together stay in the processor's caches.
+enum class Storing { InCache, BeyondCache };
+
 /// Moves the clocks of the first `count` instances on by `step` seconds and, where asked, writes their records. True
 /// when the life of one is over; its record then means nothing.
-bool UpdateBlock(const SubEffect& sub, InstanceBlock& block, int count, float step, bool evaluate, DrawRecord* records);
+bool UpdateBlock(const SubEffect& sub, InstanceBlock& block, int count, float step, bool evaluate, Storing storing,
+                 DrawRecord* records);
 
-/// Writes the records of the instances from `first` to `end`, but their ids. One that is not born takes the place where
-/// it was started.
+/// Writes the records of the instances from `first` to `end`. One that is not born takes the place where it was
+/// started.
 void WriteRecords(const SubEffect& sub, const InstanceBlock& block, int first, int end, DrawRecord* records);
 
 /// DrawRecord::size of an instance of this scale.

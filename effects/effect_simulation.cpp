@@ -2,11 +2,13 @@
 
 #include <tbb/parallel_for.h>
 
+#include <cstddef>
 #include <cstring>
 #include <optional>
 
 #include "base/numeric.h"
 #include "base/random.h"
+#include "effects/beyond_cache.h"
 #include "effects/block_update.h"
 #include "effects/motion.h"
 
@@ -15,6 +17,7 @@ namespace {
 
 constexpr int kTraceIds = 3;                 // trail blocks of one started effect
 constexpr int kWorthThreads = 10000;         // instances
+constexpr int kBeyondCache = 200000;         // instances: an update moves 60 to 80 bytes of each
 constexpr std::size_t kTasksTogether = 16;   // blocks that a thread takes at once
 
 /// a + b, going round where an int ends.
@@ -204,12 +207,16 @@ void EffectSimulation::PlanUpdate(float elapsed_seconds) {
 }
 
 void EffectSimulation::RunTasks() {
-    const auto run = [this](std::size_t first, std::size_t end) {
+    const auto storing = instances_.Count() < kBeyondCache ? Storing::InCache : Storing::BeyondCache;
+    const auto run = [this, storing](std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end; ++i) {
             BlockTask& task = tasks_[i];
+            if (storing == Storing::BeyondCache && i + 1 < end)
+                AskFor(&instances_.Block(tasks_[i + 1].block), offsetof(InstanceBlock, random));
             task.deaths = UpdateBlock(*task.sub, instances_.Block(task.block), task.count, task.step, task.evaluate,
-                                      instances_.Records(task.block));
+                                      storing, instances_.Records(task.block));
         }
+        FinishStoresBeyondCache();
     };
     if (instances_.Count() < kWorthThreads) return run(0, tasks_.size());
     tbb::parallel_for(tbb::blocked_range<std::size_t>(0, tasks_.size(), kTasksTogether),
@@ -221,9 +228,8 @@ void EffectSimulation::RemoveDead(InstanceGroup& group, std::span<const BlockTas
     for (std::size_t b = tasks.size(); b-- > 0;) {
         if (!tasks[b].deaths) continue;
         const InstanceBlock& block = instances_.Block(tasks[b].block);
-        const DrawRecord* records = instances_.Records(tasks[b].block);
         for (int place = tasks[b].count - 1; place >= 0; --place)
-            if (IsDead(*group.sub, block, place)) instances_.Remove(records[place].id);
+            if (IsDead(*group.sub, block, place)) instances_.Remove(block.id[place]);
     }
 }
 

@@ -58,7 +58,7 @@ int InstanceStore::Add(int number) {
     const Lane lane = LaneAt(group, group.count++);
     lanes_[Index(id)] = lane;
     records_[lane] = {};
-    records_[lane].id = id;
+    records_[lane].id = BlockOfLane(lane).id[lane % kLanes] = id;
     trace_keys.Forget(id);
     kept.Forget(id);
     ++count_;
@@ -76,6 +76,7 @@ void InstanceStore::MoveLane(Lane from, Lane to) {
     target.base.z[b] = source.base.z[a];
     for (int i = 0; i < 4; ++i) target.random[i][b] = source.random[i][a];
     target.life[b] = source.life[a];
+    target.id[b] = source.id[a];
     records_[to] = records_[from];
     lanes_[Index(records_[to].id)] = to;
 }

@@ -32,6 +32,7 @@ struct InstanceBlock {
     alignas(64) double time[kLanes];   // of the instance's own clock, seconds
     alignas(64) float count_value[kLanes];
     VectorLanes base;   // where it was started
+    alignas(64) std::int32_t id[kLanes];
     // Read only where the definition asks for them.
     alignas(64) float random[4][kLanes];
     alignas(64) float life[kLanes];   // LifeForCount

@@ -1,6 +1,7 @@
 // The store of live instances beside a slow, obvious one: a map from id to instance, walked one after the other.
 #include <tbb/global_control.h>
 
+#include <cstring>
 #include <limits>
 #include <map>
 #include <memory>
@@ -10,6 +11,7 @@
 
 #include "base/numeric.h"
 #include "base/random.h"
+#include "effects/block_update.h"
 #include "effects/effect_simulation.h"
 #include "effects/motion.h"
 #include "effects/packed_colour.h"
@@ -391,6 +393,21 @@ TEST(InstanceStore, AnyNumberOfThreadsGivesTheSameBytes) {
     const std::string one = play(1);
     EXPECT_GT(one.size(), 1000000u);
     for (const std::size_t threads : {2u, 4u}) EXPECT_TRUE(play(threads) == one) << threads;
+}
+
+TEST(InstanceStore, RecordsAreTheSameBeyondTheCache) {
+    ParticleEffect sub;
+    MoveLinearly(sub, {1, 2, 3});
+    for (const int count : {1, 4, 127, kLanes}) {
+        InstanceBlock block = {};
+        for (int i = 0; i < count; ++i) block.time[i] = i - 3, block.base.x[i] = 0.5f * i, block.id[i] = 7 * i;
+        InstanceBlock other = block;
+        DrawRecord records[2][kLanes];
+        UpdateBlock(sub, block, count, 0.25f, true, Storing::InCache, records[0]);
+        UpdateBlock(sub, other, count, 0.25f, true, Storing::BeyondCache, records[1]);
+        EXPECT_EQ(std::memcmp(records[0], records[1], sizeof records[0]), 0) << count;
+        EXPECT_EQ(records[1][count - 1].id, 7 * (count - 1));
+    }
 }
 
 }   // namespace
