@@ -78,11 +78,9 @@ void StateSender::SetMaterial(const D3DMATERIAL9& material) {
     Note({Sent::Kind::Material});
 }
 
-void StateSender::SetTexture(DWORD stage, IDirect3DTexture9* texture) {
-    std::optional<DevicePtr<IDirect3DTexture9>>& held = cache_.textures[stage];
-    if (Knows() && held && held->Get() == texture) return;
+void StateSender::SendTexture(DWORD stage, IDirect3DTexture9* texture) {
     graphics_.Require(Device().SetTexture(stage, texture), "SetTexture failed: ");
-    held = DevicePtr<IDirect3DTexture9>::Share(texture);
+    cache_.textures[stage] = DevicePtr<IDirect3DTexture9>::Share(texture);
     Note({Sent::Kind::Texture, stage});
 }
 

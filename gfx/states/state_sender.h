@@ -21,6 +21,9 @@ class StateCache {
     bool Holds(D3DRENDERSTATETYPE state, DWORD value) const { return render_[state] == value; }
     bool Holds(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) const { return stages_[stage][type] == value; }
     bool Holds(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) const { return samplers_[sampler][type] == value; }
+    bool Holds(DWORD stage, const IDirect3DTexture9* texture) const {
+        return textures[stage] && textures[stage]->Get() == texture;
+    }
     void Remember(D3DRENDERSTATETYPE state, DWORD value) { render_[state] = value; }
     void Remember(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) { stages_[stage][type] = value; }
     void Remember(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) { samplers_[sampler][type] = value; }
@@ -72,7 +75,10 @@ class StateSender {
     HRESULT TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     void SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix);
     void SetMaterial(const D3DMATERIAL9& material);
-    void SetTexture(DWORD stage, IDirect3DTexture9* texture);
+    void SetTexture(DWORD stage, IDirect3DTexture9* texture) {
+        if (!(Knows() && cache_.Holds(stage, texture))) SendTexture(stage, texture);
+    }
+    void SendTexture(DWORD stage, IDirect3DTexture9* texture);
     /// Lights are 0 to 7.
     void SendLight(DWORD index, const D3DLIGHT9& light);
     void SetLightEnable(DWORD index, bool on);

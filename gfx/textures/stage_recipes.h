@@ -17,7 +17,7 @@ const char* WhyNotAtStage(MapKind kind, int stage, MapKind first);
 /// The recipe of a layer that may stand there. A diffuse layer at stage 0 follows the render source (1 to 3).
 StageRecipe RecipeOf(MapKind kind, int stage, int render_source);
 
-/// Without a texture: the diffuse colour alone.
-inline constexpr StageRecipe kNoTextureRecipe = {D3DTOP_SELECTARG2, D3DTA_TEXTURE, D3DTA_DIFFUSE};
+/// Of a stage above 0 that has no layer.
+inline constexpr StageRecipe kNoLayerRecipe = {D3DTOP_DISABLE, D3DTA_TEXTURE, D3DTA_CURRENT};
 
 }   // namespace sparkrig

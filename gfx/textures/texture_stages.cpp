@@ -9,6 +9,55 @@ void TextureStages::SetStagesInUse(int count) { stages_in_use_ = std::clamp(coun
 
 void TextureStages::Forget() { std::ranges::fill(bound_, Map()); }
 
+// ---- States of a stage, inline for SetTexture, which is called before every draw
+
+inline DWORD TextureStages::DiffuseArgument() {
+    const D3DCOLOR* colour = states_.lighting.On() ? nullptr : states_.lighting.Colour();
+    if (!colour) return D3DTA_DIFFUSE;
+    const D3DCOLOR with_alpha = (*colour & 0x00FFFFFF) | static_cast<D3DCOLOR>(states_.blending.Alpha() & 0xFF) << 24;
+    if (states_.texture_factor.Colour() != with_alpha) states_.texture_factor.Set(with_alpha);
+    return D3DTA_TFACTOR;
+}
+
+inline void TextureStages::SendRecipe(int stage, const StageRecipe& recipe) {
+    StateSender& sender = states_.sender;
+    const DWORD number = static_cast<DWORD>(stage);
+    sender.SetStageState(number, D3DTSS_COLOROP, recipe.operation);
+    if (recipe.operation == D3DTOP_DISABLE) return;
+    sender.SetStageState(number, D3DTSS_COLORARG1, recipe.argument1);
+    sender.SetStageState(number, D3DTSS_COLORARG2, recipe.argument2);
+}
+
+void TextureStages::SendColour(int stage, StageRecipe recipe) {
+    if (recipe.argument1 == D3DTA_DIFFUSE) recipe.argument1 = DiffuseArgument();
+    if (recipe.argument2 == D3DTA_DIFFUSE) recipe.argument2 = DiffuseArgument();
+    SendRecipe(stage, recipe);
+}
+
+inline void TextureStages::SendAlpha(int stage, DWORD operation, DWORD argument) {
+    StateSender& sender = states_.sender;
+    sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAOP, operation);
+    if (operation != D3DTOP_DISABLE) sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAARG1, argument);
+}
+
+/// The matrix stays: without a texture it means nothing.
+inline void TextureStages::BindNothing(int stage) {
+    states_.sender.SetTexture(static_cast<DWORD>(stage), nullptr);
+    bound_[stage].texture = nullptr;
+    bound_[stage].kind = MapKind::None;
+}
+
+// ---- Binding
+
+void TextureStages::Unbind(int stage) {
+    if (stage >= 0) return BindNothing(stage);
+    for (int i = 0; i < stages_in_use_; ++i) BindNothing(i);
+    const DWORD diffuse = DiffuseArgument();   // alone
+    SendRecipe(0, {D3DTOP_SELECTARG2, D3DTA_TEXTURE, diffuse});
+    SendAlpha(0, D3DTOP_SELECTARG1, diffuse);
+    for (int i = 1; i < std::max(2, stages_in_use_); ++i) SendRecipe(i, kNoLayerRecipe);
+}
+
 void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
     if (stage < -1 || stage >= int{kTextureStages}) states_.Reporter().Error("Invalid stage: %i", stage);
     if (!texture || !texture->HasSurface()) return Unbind(stage);
@@ -18,14 +67,6 @@ void TextureStages::SetTexture(KRN_Texture* texture, int stage) {
     if (stage <= 0) return SetLayers(*texture);
     const bool has_layer = stage < KRN_Texture::kLayers && texture->LayerTexture(stage);
     SetLayer(*texture, has_layer ? stage : texture->CurrentLayer(), stage);
-}
-
-void TextureStages::Unbind(int stage) {
-    if (stage >= 0) return Bind(stage, {});
-    for (int i = 0; i < stages_in_use_; ++i) Bind(i, {});
-    SendColour(0, kNoTextureRecipe);
-    SendAlpha(0, D3DTOP_SELECTARG1, DiffuseArgument());
-    for (int i = 1; i < std::max(2, stages_in_use_); ++i) SendColour(i, RecipeOf(MapKind::None, i, 1));
 }
 
 namespace {
@@ -48,8 +89,8 @@ void TextureStages::SetLayers(const KRN_Texture& texture) {
         if (i > alpha_stage) SendAlpha(i, D3DTOP_DISABLE, D3DTA_TEXTURE);
     }
     for (int i = layers; i < std::max(2, stages_in_use_); ++i) {
-        Bind(i, {});
-        SendColour(i, RecipeOf(MapKind::None, i, 1));
+        BindNothing(i);
+        SendRecipe(i, kNoLayerRecipe);
     }
     BlendingState& blending = states_.blending;
     if (blending.Mode() == 1) SendAlpha(alpha_stage, D3DTOP_SELECTARG1, D3DTA_TEXTURE);
@@ -84,33 +125,6 @@ TextureStages::Map TextureStages::DiffuseMap() const {
 TextureStages::Map TextureStages::ReflectionMap() const {
     const Map reflection = MapOf(MapKind::Reflection);
     return reflection.texture ? reflection : MapOf(MapKind::SphereReflection);
-}
-
-// ---- States of a stage
-
-DWORD TextureStages::DiffuseArgument() {
-    const D3DCOLOR* colour = states_.lighting.On() ? nullptr : states_.lighting.Colour();
-    if (!colour) return D3DTA_DIFFUSE;
-    const D3DCOLOR with_alpha = (*colour & 0x00FFFFFF) | static_cast<D3DCOLOR>(states_.blending.Alpha() & 0xFF) << 24;
-    if (states_.texture_factor.Colour() != with_alpha) states_.texture_factor.Set(with_alpha);
-    return D3DTA_TFACTOR;
-}
-
-void TextureStages::SendColour(int stage, StageRecipe recipe) {
-    if (recipe.argument1 == D3DTA_DIFFUSE) recipe.argument1 = DiffuseArgument();
-    if (recipe.argument2 == D3DTA_DIFFUSE) recipe.argument2 = DiffuseArgument();
-    StateSender& sender = states_.sender;
-    const DWORD number = static_cast<DWORD>(stage);
-    sender.SetStageState(number, D3DTSS_COLOROP, recipe.operation);
-    if (recipe.operation == D3DTOP_DISABLE) return;
-    sender.SetStageState(number, D3DTSS_COLORARG1, recipe.argument1);
-    sender.SetStageState(number, D3DTSS_COLORARG2, recipe.argument2);
-}
-
-void TextureStages::SendAlpha(int stage, DWORD operation, DWORD argument) {
-    StateSender& sender = states_.sender;
-    sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAOP, operation);
-    if (operation != D3DTOP_DISABLE) sender.SetStageState(static_cast<DWORD>(stage), D3DTSS_ALPHAARG1, argument);
 }
 
 void TextureStages::SendMatrix(int stage, const D3DXMATRIX& matrix) {

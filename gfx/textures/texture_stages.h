@@ -42,7 +42,10 @@ class TextureStages final : public TextureBinder {
     void SetLayers(const KRN_Texture& texture);
     void SetLayer(const KRN_Texture& texture, int layer, int stage);
     void Bind(int stage, const Map& map);
+    void BindNothing(int stage);
     void SendColour(int stage, StageRecipe recipe);
+    /// As it stands: its arguments are those that the device takes.
+    void SendRecipe(int stage, const StageRecipe& recipe);
     void SendAlpha(int stage, DWORD operation, DWORD argument);
     void SendMatrix(int stage, const D3DXMATRIX& matrix);
     void SendBumpMatrix(int stage, float amount);
