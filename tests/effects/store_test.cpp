@@ -262,6 +262,7 @@ void Append(std::string& bytes, const VisualEffectObject& object) {
     Append(bytes, object.id);
     Append(bytes, object.time);
     Append(bytes, object.random);
+    Append(bytes, object.local_offset);
     Append(bytes, object.position);
     Append(bytes, object.scale);
     Append(bytes, object.rotation);
