@@ -9,7 +9,7 @@ namespace sparkrig {
 namespace {
 
 float At(const ScalarCurve& curve, double time) {
-    float value[1];
+    float value[1] = {-7};
     curve.EvaluateCurve(time, value);
     return value[0];
 }
