@@ -1,13 +1,12 @@
 #include "tools/textures/picture.h"
+#include "tests/support/temporary_folder.h"
 #include "tests/support/test.h"
 #include "tools/textures/flipbook.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
 
 namespace sparkrig {
 namespace {
@@ -17,12 +16,6 @@ constexpr int kSmallSize = 24;   // every painter is a function of the plane: a 
 Picture RenderSmall(Sprite sprite) {
     sprite.size = kSmallSize;
     return Render(sprite);
-}
-
-std::string ReadText(const std::filesystem::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
 }
 
 TEST(Picture, StoresTheTopRowFirstAndWeighsColoursByTheirAlpha) {
@@ -123,11 +116,11 @@ TEST(Flipbooks, LoopOrEndWithNothing) {
 }
 
 TEST(Flipbooks, AreTheSameEveryTimeAndStandInListAndCatalogue) {
-    const std::string catalogue = ReadText("cfg/texCatalogue.cfg");
+    const std::string catalogue = ReadFile("cfg/texCatalogue.cfg");
     for (Flipbook flipbook : AllFlipbooks()) {
         const std::string name = flipbook.name, list = "textures\\" + name + ".ifl";
         EXPECT_THAT(catalogue, HasSubstr("\"" + name + "\" = \"" + list + "\"")) << name;
-        EXPECT_EQ(ReadText("textures/" + name + ".ifl"), FrameList(flipbook)) << name;
+        EXPECT_EQ(ReadFile("textures/" + name + ".ifl"), FrameList(flipbook)) << name;
         const int middle = flipbook.frames / 2;
         for (const int i : {0, middle, flipbook.frames - 1}) {
             std::string file = FrameFile(flipbook, i);
@@ -140,7 +133,7 @@ TEST(Flipbooks, AreTheSameEveryTimeAndStandInListAndCatalogue) {
 }
 
 TEST(Textures, ExistForEverySpriteAndStandInTheCatalogue) {
-    const std::string catalogue = ReadText("cfg/texCatalogue.cfg");
+    const std::string catalogue = ReadFile("cfg/texCatalogue.cfg");
     const std::vector<Sprite> again = AllSprites();
     std::set<std::string> names;
     for (const Sprite& sprite : AllSprites()) {
