@@ -197,13 +197,21 @@ class Pipeline {
 
     D3DCOLOR TexelAt(DWORD stage, const glm::dvec2& shift) {
         const glm::dvec2 texels = (glm::dvec2(Coordinate(stage)) + shift) * double{Texture::kSize};
+        const auto& sampler = s_.samplers[stage];
         std::size_t place[2];
         for (int i = 0; i < 2; ++i) {
             const double texel = texels[i], inside = texel - std::floor(texel);
             const bool near_edge = texel != 0 && std::abs(inside - 0.5) > 0.47;   // a missing coordinate is exactly 0
             if (near_edge || !(std::abs(texel) < 200)) sure_ = false;
-            const long wrapped = std::lround(std::fmod(std::floor(std::clamp(texel, -1e6, 1e6)), Texture::kSize));
-            place[i] = static_cast<std::size_t>((wrapped + Texture::kSize) % Texture::kSize);
+            const long size = Texture::kSize, at = std::lround(std::floor(std::clamp(texel, -1e6, 1e6)));
+            const long turn = (at % (2 * size) + 2 * size) % (2 * size);   // of the texture and its mirror picture
+            const DWORD mode = sampler[D3DSAMP_ADDRESSU + i];
+            if (mode == D3DTADDRESS_BORDER && (at < 0 || at >= size)) return sampler[D3DSAMP_BORDERCOLOR];
+            const long taken = mode == D3DTADDRESS_WRAP                   ? turn % size
+                               : mode == D3DTADDRESS_MIRROR               ? std::min(turn, 2 * size - 1 - turn)
+                               : mode == D3DTADDRESS_MIRRORONCE && at < 0 ? std::min(-1 - at, size - 1)
+                                                                          : std::clamp(at, 0L, size - 1);
+            place[i] = static_cast<std::size_t>(taken);
         }
         return scene_.textures[stage]->texels[place[1] * Texture::kSize + place[0]];
     }

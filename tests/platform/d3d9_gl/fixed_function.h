@@ -30,7 +30,7 @@ struct Vertex {
     std::vector<BYTE> Bytes() const;
 };
 
-/// Sampled at the nearest texel, wrapped.
+/// Sampled at the nearest texel.
 struct Texture {
     static constexpr UINT kSize = 4;
     std::array<D3DCOLOR, kSize * kSize> texels;

@@ -32,6 +32,8 @@ std::vector<DevicePtr<IDirect3DTexture9>> Apply(const Scene& scene, Canvas& canv
     for (DWORD stage = 0; stage < kTextureStages; ++stage) {
         for (DWORD i = 1; i < kStageStateCount; ++i)
             canvas->SetTextureStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(i), state.stages[stage][i]);
+        for (const auto type : {D3DSAMP_ADDRESSU, D3DSAMP_ADDRESSV, D3DSAMP_BORDERCOLOR})
+            canvas->SetSamplerState(stage, type, state.samplers[stage][type]);
         canvas->SetTransform(D3DTS_TEXTUREn(stage), &state.texture_matrices[stage]);
         const fixed::Texture* texture = scene.textures[stage];
         canvas->SetTexture(stage, nullptr);
@@ -198,6 +200,9 @@ class Dice {
         set(D3DTSS_CONSTANT, Colour());
         set(D3DTSS_RESULTARG, !bumps && Chance(0.2) ? D3DTA_TEMP : D3DTA_CURRENT);
         if (bumps || Chance(0.85)) scene.textures[stage] = &textures_[bumps ? Of(1, 2) : Of(0, 1)];
+        for (const auto axis : {D3DSAMP_ADDRESSU, D3DSAMP_ADDRESSV})   // a border has no signed numbers
+            scene.state.SetSamplerState(stage, axis, Chance(0.3) ? D3DTADDRESS_WRAP : Of(2, bumps ? 3 : 5));
+        scene.state.SetSamplerState(stage, D3DSAMP_BORDERCOLOR, Colour());
         constexpr DWORD kSets[] = {0, 1, 2, 5};   // or 1 to 4 in the upper half: what is generated
         set(D3DTSS_TEXCOORDINDEX, scene.vertex.final_position || Chance(0.5) ? kSets[Of(0, 3)] : Of(1, 4) << 16);
         const DWORD count = Chance(0.5) ? 0 : Of(1, 4);

@@ -5,8 +5,6 @@
 namespace sparkrig {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using EffectDrawingTest = EffectTest;
 
 constexpr const char* kEverything = R"(

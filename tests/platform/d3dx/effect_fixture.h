@@ -1,7 +1,5 @@
 // Effects from source on the recording device.
 #pragma once
-#include <gmock/gmock.h>
-
 #include <bit>
 #include <stdexcept>
 #include <string>
@@ -9,6 +7,7 @@
 #include "platform/d3dx/d3dx_effect.h"
 #include "tests/support/recording.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/test.h"
 
 namespace sparkrig {
 
@@ -28,12 +27,12 @@ class EffectTest : public ::testing::Test {
         return effect;
     }
 
-    /// The arguments of the last call of a method.
-    std::vector<DWORD> Last(const std::string& method) const {
-        std::vector<DWORD> arguments;
-        for (const RecordedCall& call : recording_.Calls())
-            if (call.method == method) arguments = call.arguments;
-        return arguments;
+    /// What the vertex function was given last.
+    std::vector<float> Globals() const {
+        std::vector<float> values;
+        const std::vector<DWORD> words = recording_.ArgumentsOf("SetVertexShaderGlobals").back();
+        for (const DWORD word : words) values.push_back(std::bit_cast<float>(word));
+        return values;
     }
 
     Recording recording_;   // before the device, which records to it

@@ -113,18 +113,17 @@ TEST_F(TextureFromFile, FillsWhatCannotBeLockedThroughSystemMemory) {
 }
 
 TEST_F(TextureFromFile, PassesOnWhatFails) {
-    const std::string file = PngFile(TestPicture::Pattern(4, 4), 4);
     const int objects_before = recording_.LiveObjects();
     for (const char* method : {"CreateTexture", "LockRect", "UnlockRect"}) {
         recording_.Fail(method, D3DERR_OUTOFVIDEOMEMORY);
-        EXPECT_EQ(Load(file), D3DERR_OUTOFVIDEOMEMORY) << method;
-        EXPECT_FALSE(texture_) << method;
+        EXPECT_EQ(Load(DdsFile(TestPicture::Pattern(4, 4))), D3DERR_OUTOFVIDEOMEMORY) << method;
     }
     EXPECT_EQ(Load("no picture"), D3DXERR_INVALIDDATA);
     EXPECT_EQ(D3DXGetImageInfoFromFileA("missing", &info_), D3DXERR_INVALIDDATA);
     EXPECT_EQ(D3DXGetImageInfoFromFileA(".", &info_), D3DXERR_INVALIDDATA);
     EXPECT_EQ(D3DXGetImageInfoFromFileA(nullptr, &info_), D3DERR_INVALIDCALL);
     EXPECT_EQ(recording_.LiveObjects(), objects_before);
+    EXPECT_FALSE(texture_);
 }
 
 TEST_F(TextureFromFile, TakesTheStoredLevelsOfADdsFileAndMakesTheOthers) {
