@@ -309,8 +309,16 @@ class MemoryDevice : public RefCounted<IDirect3DDevice9> {
     }
     RecordedDraw& NoteDraw(D3DPRIMITIVETYPE type, UINT first, UINT count) {
         const auto* texture = static_cast<MemoryTexture*>(bound_.textures[0].Get());
-        return adapter_.draws.emplace_back(type, first, count, state_.format.fvf, bound_.stride, std::vector<BYTE>(),
-                                           texture ? texture->Number() : 0, state_.render, state_.world[0]);
+        adapter_.draws.push_back({type,
+                                  first,
+                                  count,
+                                  state_.format.fvf,
+                                  bound_.stride,
+                                  {},
+                                  texture ? texture->Number() : 0,
+                                  state_.render,
+                                  state_.world[0]});
+        return adapter_.draws.back();
     }
 
     MemoryAdapter& adapter_;

@@ -10,7 +10,7 @@ namespace sparkrig {
 namespace {
 
 template <class Interface>
-class Recorded;
+struct Recorded;
 
 template <class Interface>
 concept Object = requires(Interface& object) {
