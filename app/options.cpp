@@ -14,12 +14,17 @@ constexpr int kMostFrames = 1'000'000;
 constexpr double kLongestPlay = 3600;   // seconds
 
 constexpr char kAbout[] =
-    "Sparkrig plays particle effects from cfg/effects.cfg in a window, or without one for automation.\n"
-    "  /full             full screen\n"
-    "  /resx:N /resy:N   size of the window, or of a captured picture";
+    "Sparkrig plays the effects of cfg/effects.cfg in a window, or draws them without one.\n"
+    "Without options: the first effect, once Return is pressed; Space lists them all.";
+constexpr char kUsage[] = "sparkrig [/full] [/resx:N] [/resy:N]";
 constexpr char kFooter[] =
-    "Keys: Tab next effect, Return start, R and F5 reload, L preload, Pause, B backdrop, C camera,\n"
-    "F8 overlay, keypad * and / speed, arrows and Page Up/Down with Shift or Ctrl camera, Escape end.\n"
+    "  /full                       full screen\n"
+    "  /resx:N /resy:N             size of the window, or of a picture\n"
+    "\n"
+    "Keys: Space list of effects, Tab next effect, Return or a click start, R and F5 reload, D detail level, Pause,\n"
+    "L preload, B backdrop, F8 overlay, keypad * and / speed, arrows and Page Up/Down camera (also with Shift or "
+    "Ctrl),\n"
+    "C camera home, Alt or F10 menu, Escape end.\n"
     "Automation ends with 0 done, 1 findings, 2 wrong usage, 3 when the environment cannot do it.";
 
 struct ModeRow {
@@ -37,6 +42,8 @@ constexpr ModeRow kModes[] = {
     {RunMode::Check, "--check", nullptr, "load every configuration file and all that it names, print each problem"},
 };
 
+constexpr char kUnseen[] = "Without a window";
+
 void AddModes(CLI::App& app, Options& options) {
     for (const ModeRow& row : kModes) {
         const auto choose = [&options, &row](const std::string& value) {
@@ -44,10 +51,11 @@ void AddModes(CLI::App& app, Options& options) {
             options.output = value;
         };
         if (row.value) {
-            app.add_option_function<std::string>(row.option, choose, row.help)->type_name(row.value);
+            app.add_option_function<std::string>(row.option, choose, row.help)->type_name(row.value)->group(kUnseen);
         } else {
             app.add_flag_callback(
-                row.option, [choose] { choose({}); }, row.help);
+                   row.option, [choose] { choose({}); }, row.help)
+                ->group(kUnseen);
         }
     }
 }
@@ -64,10 +72,12 @@ void AddOptions(CLI::App& app, Options& options) {
     app.add_option("--data", options.data, "work in DIR instead of the current directory")->type_name("DIR");
     app.add_option("--at", options.at_seconds, "seconds to play before --capture saves its frame (default: 1)")
         ->type_name("SECONDS")
-        ->check(NumberBetween(0, kLongestPlay));
+        ->check(NumberBetween(0, kLongestPlay))
+        ->group(kUnseen);
     app.add_option("--frames", options.frames, "frames of --sequence or --record (default: 60)")
         ->type_name("N")
-        ->check(WholeNumberBetween(1, kMostFrames));
+        ->check(WholeNumberBetween(1, kMostFrames))
+        ->group(kUnseen);
     app.add_option("--screen-effect", options.screen_effect,
                    "take the picture through a shader effect, as shader/Glow.fx; R and F5 read it again")
         ->type_name("FILE.fx");
@@ -109,7 +119,7 @@ std::string Join(const std::vector<std::string>& words) {
 
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& words) {
     ParsedCommandLine parsed;
-    CLI::App app(kAbout, "sparkrig");
+    CLI::App app(kAbout, kUsage);
     BeginUsage(app);
     app.footer(kFooter);
     app.set_version_flag("--version", std::string(kProgramName) + " " + kProgramVersion, "show name and version");
