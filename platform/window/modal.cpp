@@ -62,6 +62,7 @@ class InFront {
 
 void RunModal(HWND window, ModalView& view) {
     const InFront in_front(window, view);
+    if (window->gui) window->gui->Run([&] { view.Widgets(*window->gui); });   // the focus comes with the second frame
     while (!view.Done() && IsWindow(window)) {
         ShowContents(window, [&](Gui& gui) { view.Widgets(gui); });
         if (view.Done()) break;
