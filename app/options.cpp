@@ -16,7 +16,6 @@ constexpr double kLongestPlay = 3600;   // seconds
 constexpr char kAbout[] =
     "Sparkrig plays the effects of cfg/effects.cfg in a window, or draws them without one.\n"
     "Without options: the first effect, once Return is pressed; Space lists them all.";
-constexpr char kUsage[] = "sparkrig [/full] [/resx:N] [/resy:N]";
 constexpr char kFooter[] =
     "  /full                       full screen\n"
     "  /resx:N /resy:N             size of the window, or of a picture\n"
@@ -119,7 +118,7 @@ std::string Join(const std::vector<std::string>& words) {
 
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& words) {
     ParsedCommandLine parsed;
-    CLI::App app(kAbout, kUsage);
+    CLI::App app(kAbout, "sparkrig");
     BeginUsage(app);
     app.footer(kFooter);
     app.set_version_flag("--version", std::string(kProgramName) + " " + kProgramVersion, "show name and version");
