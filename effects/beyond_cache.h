@@ -2,14 +2,10 @@
 // memory without its old contents being read first. A walk over less is faster without either.
 #pragma once
 #include <cstddef>
-#include <cstring>
+
+#include "effects/four.h"
 
 namespace sparkrig {
-
-/// Four numbers, side by side.
-using Four = float __attribute__((vector_size(16)));
-
-inline void Store(Four four, void* to) { std::memcpy(to, &four, sizeof four); }
 
 /// `to` is a multiple of 16.
 inline void StoreBeyondCache(Four four, void* to) {

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "effects/beyond_cache.h"
+#include "effects/four.h"
 #include "effects/motion.h"
 #include "effects/particle_appearance.h"
 #include "effects/vector_code.h"
@@ -118,24 +119,6 @@ void WriteUnborn(const InstanceBlock& block, int first, int count, const Ages& a
         record.colour = 0;
         record.age = kUnborn;
     }
-}
-
-Four FourAt(const void* numbers) {
-    Four four;
-    std::memcpy(&four, numbers, sizeof four);
-    return four;
-}
-
-/// Rows become columns.
-void Transpose(Four (&rows)[4]) {
-    const Four low_01 = __builtin_shufflevector(rows[0], rows[1], 0, 4, 1, 5);
-    const Four high_01 = __builtin_shufflevector(rows[0], rows[1], 2, 6, 3, 7);
-    const Four low_23 = __builtin_shufflevector(rows[2], rows[3], 0, 4, 1, 5);
-    const Four high_23 = __builtin_shufflevector(rows[2], rows[3], 2, 6, 3, 7);
-    rows[0] = __builtin_shufflevector(low_01, low_23, 0, 1, 4, 5);
-    rows[1] = __builtin_shufflevector(low_01, low_23, 2, 3, 6, 7);
-    rows[2] = __builtin_shufflevector(high_01, high_23, 0, 1, 4, 5);
-    rows[3] = __builtin_shufflevector(high_01, high_23, 2, 3, 6, 7);
 }
 
 /// What records hold, as it has been computed: in columns.

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "base/numeric.h"
 #include "base/random.h"
 #include "effects/exponential.h"
+#include "effects/four.h"
 #include "effects/sine.h"
 #include "effects/vector_code.h"
 
@@ -52,11 +54,55 @@ void FindLine(int first, int count, Progress& progress) {
     for (int i = 0; i < count; ++i) progress.f[first + i] = static_cast<float>(i) / last;
 }
 
+/// The angle that a turn a second has come to, within (-2 pi, 2 pi).
+float Phase(double age) { return static_cast<float>(std::fmod(kTurn * age, 2 * std::numbers::pi)); }
+
 /// Once a second.
 float Burst(double age) {
     const double f = WrapFloat(age, 1.0);
     return static_cast<float>(f >= 0 && f <= 1 ? f : 0);
 }
+
+// ---- Random numbers
+
+/// Of each point the numbers from kFirst on behind its own place in the table: a row for each number, so that the loops
+/// over points read what lies side by side.
+template <int kFirst, int kNumbers>
+struct RandomRows {
+    static_assert(kNumbers % 4 == 0 && kFirst + kNumbers <= RandomTable::kRepeated);
+    alignas(64) float rows[kNumbers][kSpecialPoints];
+
+    const float* operator[](int number) const { return rows[number - kFirst]; }
+
+    /// The numbers of point i begin at index k[i] + i + offset.
+    void Fetch(const RandomTable& table, const std::int32_t* k, int offset, int count) {
+        alignas(64) std::int32_t place[kSpecialPoints + 3];
+        for (int i = 0; i < count; ++i) place[i] = (k[i] + i + offset) & (kSpecialPoints - 1);
+        std::fill_n(place + count, 3, 0);
+        for (int i = 0; i < count; i += 4) {
+            for (int n = 0; n < kNumbers; n += 4) {
+                Four four[4];
+                for (int point = 0; point < 4; ++point)
+                    four[point] = FourAt(table.values + place[i + point] + kFirst + n);
+                Transpose(four);
+                for (int row = 0; row < 4; ++row) Store(four[row], rows[n + row] + i);
+            }
+        }
+    }
+};
+
+/// The table from an index on, as far as `count` points of a few numbers each reach.
+struct TurnedTable {
+    static constexpr int kBehind = 4;
+    alignas(64) float values[kSpecialPoints + kBehind];
+
+    TurnedTable(const RandomTable& table, std::int64_t first, int count) {
+        const int begin = static_cast<int>(first & (kSpecialPoints - 1)), needed = count + kBehind;
+        const int before_end = std::min(needed, kSpecialPoints - begin);
+        std::copy_n(table.values + begin, before_end, values);
+        std::copy_n(table.values, needed - before_end, values + before_end);
+    }
+};
 
 // ---- Colours
 
@@ -99,18 +145,18 @@ inline int Rising(const SpecialShape& shape, const RandomTable& table, int count
     const float height = shape.scale.z, spread = shape.scale.x;
     Progress progress;
     FindCycles(table, 0, count, 0.2, 0.5, 0.6 * shape.age, progress);
+    RandomRows<2, 12> T;
+    T.Fetch(table, progress.k, shape.seed, count);
     for (int i = 0; i < count; ++i) {
         const float f = progress.f[i];
-        const float* T = table.values + ((progress.k[i] + i + shape.seed) & (kSpecialPoints - 1));
-        float sway_1, sway_2, cosine;
-        SineAndCosine(kTurnF * f * (3 * T[2] + 1) + kTurnF * T[4], sway_1, cosine);
-        SineAndCosine(kTurnF * f * (3 * T[3] + 1) + kTurnF * T[5], sway_2, cosine);
-        const float wobble_1 = 1.5f * (2 * T[8] - 1) + 0.3f * T[12] * sway_1;
-        const float wobble_2 = 1.5f * (2 * T[9] - 1) + 0.3f * T[13] * sway_2;
-        const float radius = (kFlame ? std::sqrt(f) : 0.2f) * (0.2f * T[7] + 0.4f) * spread;
-        points.forward[i] = radius * wobble_1 * (kFlame ? Exponential(-(2 + 2.5f * T[10]) * f) : 1);
-        points.side[i] = radius * wobble_2 * (kFlame ? Exponential(-(2 + 2.5f * T[11]) * f) : 1);
-        points.up[i] = (0.4f * T[6] + 0.5f) * height * f;
+        const float sway_1 = ShortSine(kTurnF * f * (3 * T[2][i] + 1) + kTurnF * T[4][i]);
+        const float sway_2 = ShortSine(kTurnF * f * (3 * T[3][i] + 1) + kTurnF * T[5][i]);
+        const float wobble_1 = 1.5f * (2 * T[8][i] - 1) + 0.3f * T[12][i] * sway_1;
+        const float wobble_2 = 1.5f * (2 * T[9][i] - 1) + 0.3f * T[13][i] * sway_2;
+        const float radius = (kFlame ? std::sqrt(f) : 0.2f) * (0.2f * T[7][i] + 0.4f) * spread;
+        points.forward[i] = radius * wobble_1 * (kFlame ? Exponential(-(2 + 2.5f * T[10][i]) * f) : 1);
+        points.side[i] = radius * wobble_2 * (kFlame ? Exponential(-(2 + 2.5f * T[11][i]) * f) : 1);
+        points.up[i] = (0.4f * T[6][i] + 0.5f) * height * f;
     }
     const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
     for (int i = 0; i < count; ++i) {
@@ -140,12 +186,11 @@ SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& tab
     const float length = shape.scale.z, radius = shape.scale.x;
     Progress progress;
     FindCycles(table, 0, count, 0.2, 0.5, shape.age, progress);
-    const double phase = shape.age * kTurn;
+    const float phase = Phase(shape.age);
     for (int i = 0; i < count; ++i) {
-        const float f = progress.f[i], r = (1 - Exponential(-f)) * radius;
-        const double angle = f * kTurn + phase;
-        points.forward[i] = static_cast<float>(Sine(angle)) * r;
-        points.side[i] = static_cast<float>(Cosine(angle)) * r;
+        const float f = progress.f[i], r = (1 - Exponential(-f)) * radius, angle = f * kTurnF + phase;
+        points.forward[i] = ShortSine(angle) * r;
+        points.side[i] = ShortCosine(angle) * r;
         points.up[i] = f * length;
     }
     ColourRamp(shape, progress, count, kLinearFade, points);
@@ -155,9 +200,9 @@ SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& tab
 /// A line backwards along the forward axis that swings once over its length.
 void Swinging(const SpecialShape& shape, const Progress& progress, int first, int count, float length, float amplitude,
               float* swing, Points& points) {
-    const double age = shape.age;
+    const float phase = Phase(shape.age);
     for (int i = first; i < first + count; ++i) {
-        swing[i] = amplitude * static_cast<float>(Sine(kTurn * (progress.f[i] + age)));
+        swing[i] = amplitude * ShortSine(kTurnF * progress.f[i] + phase);
         points.forward[i] = -progress.f[i] * length;
     }
 }
@@ -201,15 +246,15 @@ SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& tab
     Progress progress;
     Sheet(shape, 1, sheet, progress, points);
     FindCycles(table, sheet, drops, 0.1, 0.3, shape.age, progress);
+    RandomRows<2, 4> T;
+    T.Fetch(table, progress.k + sheet, 0, drops);
     for (int drop = 0; drop < drops; ++drop) {
         const int i = sheet + drop;
-        const float f = progress.f[i];
-        const float* T = table.values + ((progress.k[i] + drop) & (kSpecialPoints - 1));
-        float sine, cosine;
-        SineAndCosine(kTurnF * T[2], sine, cosine);
-        const float radius = width * f * (1 - (1 - T[3]) * (1 - T[3]));
-        points.up[i] = radius * sine;
-        points.side[i] = radius * cosine;
+        const float f = progress.f[i], spread = 1 - T[3][drop];
+        const float angle = kTurnF * T[2][drop];
+        const float radius = width * f * (1 - spread * spread);
+        points.up[i] = radius * ShortSine(angle);
+        points.side[i] = radius * ShortCosine(angle);
         points.forward[i] = -length * f * f / 3.0f;
     }
     ColourRamp(shape, progress, count, kSquareFade, points);
@@ -222,16 +267,13 @@ SPARKRIG_VECTOR_CODE int Firework(const SpecialShape& shape, const RandomTable& 
     const float radius = shape.scale.x, height = shape.scale.z;
     const float f = Burst(shape.age), expansion = 1 - Exponential(-f), rest = (1 - f) * (1 - f);
     std::fill_n(points.colour, count, Mixed(shape, 1 - rest * rest, 1 - f * f));
-    const int base = static_cast<int>(*table.At(shape.seed) * kSpecialPoints);
+    const TurnedTable turned(table, static_cast<int>(*table.At(shape.seed) * kSpecialPoints), count);
     for (int i = 0; i < count; ++i) {
-        const float* T = table.values + ((base + i) & (kSpecialPoints - 1));
-        float sine, cosine, steepness, unused;
-        SineAndCosine(kTurnF * T[1], sine, cosine);
-        SineAndCosine(kTurnF * 0.5f * T[3], unused, steepness);
-        const float r = T[2] * expansion;
-        points.side[i] = radius * r * cosine;
-        points.up[i] = radius * r * sine;
-        points.forward[i] = height * r * steepness;
+        const float* T = turned.values + i;
+        const float angle = kTurnF * T[1], r = T[2] * expansion;
+        points.side[i] = radius * r * ShortCosine(angle);
+        points.up[i] = radius * r * ShortSine(angle);
+        points.forward[i] = height * r * ShortCosine(kTurnF * 0.5f * T[3]);
     }
     return count;
 }
@@ -245,16 +287,15 @@ SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& ta
     for (int spray = 0; spray < kSprays; ++spray) {
         const float* S = table.At(4 * shape.seed + 1 + spray);   // of the whole spray
         const float azimuth = kTurnF * S[0], elevation = kThirdTurn * S[1], scale = S[2];
+        const TurnedTable turned(table, 4 * each * shape.seed + 4 + spray * each, each);
         for (int j = 0; j < each; ++j) {
-            const float* T = table.values + ((4 * each * shape.seed + 4 + spray * each + j) & (kSpecialPoints - 1));
+            const float* T = turned.values + j;
             const float radius = (0.5f * T[2] + 0.75f) * scale;
-            float sine, cosine, steepness, unused;
-            SineAndCosine(azimuth + 0.5f * (2 * T[0] - 1), sine, cosine);
-            SineAndCosine(elevation + 0.5f * (2 * T[1] - 1), unused, steepness);
+            const float across = azimuth + 0.5f * (2 * T[0] - 1), upward = elevation + 0.5f * (2 * T[1] - 1);
             const int i = spray * each + j;
-            points.forward[i] = size * f * radius * cosine;
-            points.side[i] = size * f * radius * sine;
-            points.up[i] = size * (f * radius * steepness - fall);
+            points.forward[i] = size * f * radius * ShortCosine(across);
+            points.side[i] = size * f * radius * ShortSine(across);
+            points.up[i] = size * (f * radius * ShortCosine(upward) - fall);
         }
     }
     return kSprays * each;
@@ -307,12 +348,16 @@ Axes AxesOf(const SpecialShape& shape, const ShapeRow& row) {
     return axes;
 }
 
+/// Four by four: what is written behind the last point means nothing.
 void WritePoints(const D3DXVECTOR3& p, const Axes& axes, const Points& points, int count, KRN_PointVertex* out) {
+    static_assert(sizeof(KRN_PointVertex) == sizeof(Four) && kSpecialPoints % 4 == 0);
     const auto& [d, u, n] = axes;
-    for (int i = 0; i < count; ++i) {
-        const float along = points.forward[i], rise = points.up[i], aside = points.side[i];
-        out[i] = {p.x + along * d.x + aside * n.x + rise * u.x, p.y + along * d.y + aside * n.y + rise * u.y,
-                  p.z + along * d.z + aside * n.z + rise * u.z, points.colour[i]};
+    for (int i = 0; i < count; i += 4) {
+        const Four along = FourAt(points.forward + i), rise = FourAt(points.up + i), aside = FourAt(points.side + i);
+        Four four[4] = {p.x + along * d.x + aside * n.x + rise * u.x, p.y + along * d.y + aside * n.y + rise * u.y,
+                        p.z + along * d.z + aside * n.z + rise * u.z, FourAt(points.colour + i)};
+        Transpose(four);
+        for (int point = 0; point < 4; ++point) Store(four[point], out + i + point);
     }
 }
 
