@@ -220,8 +220,9 @@ SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, in
 
 /// `rows` lines of `each` points side by side.
 void Sheet(const SpecialShape& shape, int rows, int each, Progress& progress, Points& points) {
+    const int middle = rows / 2;
     for (int row = 0; row < rows; ++row) {
-        const float offset = static_cast<float>(row - rows / 2) / static_cast<float>(rows) * shape.scale.z;
+        const float offset = static_cast<float>(row - middle) / static_cast<float>(rows) * shape.scale.z;
         FindLine(row * each, each, progress);
         std::fill_n(points.side + row * each, each, offset);
     }
@@ -306,24 +307,24 @@ SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& ta
 enum class Side { UpTimesForward, ForwardTimesUp, Helix };
 
 struct ShapeRow {
-    SpecialType type;
     int (*write)(const SpecialShape&, const RandomTable&, int count, Points&);
-    bool unit_forward;
+    SpecialType type;
     Side side;
     float D3DXVECTOR3::*size;   // the scale that the size of a point goes with
     float size_factor;
+    bool unit_forward;
 };
 // clang-format off
 constexpr ShapeRow kShapes[] = {
-    // type                 points          unit   side axis              size
-    {SpecialType::Flame,    Flame,         false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
-    {SpecialType::Helix,    Helix,         false, Side::Helix,           &D3DXVECTOR3::x, 1},
-    {SpecialType::Snake,    Snake,         true,  Side::UpTimesForward,  &D3DXVECTOR3::x, 2},
-    {SpecialType::Wave,     Wave,          true,  Side::UpTimesForward,  &D3DXVECTOR3::z, 2},
-    {SpecialType::Jelly,    Jelly,         true,  Side::UpTimesForward,  &D3DXVECTOR3::z, 2},
-    {SpecialType::Firework, Firework,      true,  Side::UpTimesForward,  &D3DXVECTOR3::x, 1 / 5.0f},
-    {SpecialType::Splash,   Splash,        false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1 / 5.0f},
-    {SpecialType::Smoke,    Smoke,         false, Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1},
+    // points   type                   side axis              size                      unit
+    {Flame,    SpecialType::Flame,     Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1,        false},
+    {Helix,    SpecialType::Helix,     Side::Helix,           &D3DXVECTOR3::x, 1,        false},
+    {Snake,    SpecialType::Snake,     Side::UpTimesForward,  &D3DXVECTOR3::x, 2,        true},
+    {Wave,     SpecialType::Wave,      Side::UpTimesForward,  &D3DXVECTOR3::z, 2,        true},
+    {Jelly,    SpecialType::Jelly,     Side::UpTimesForward,  &D3DXVECTOR3::z, 2,        true},
+    {Firework, SpecialType::Firework,  Side::UpTimesForward,  &D3DXVECTOR3::x, 1 / 5.0f, true},
+    {Splash,   SpecialType::Splash,    Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1 / 5.0f, false},
+    {Smoke,    SpecialType::Smoke,     Side::ForwardTimesUp,  &D3DXVECTOR3::x, 1,        false},
 };
 // clang-format on
 
