@@ -36,14 +36,13 @@ struct Axes {
 
 // ---- Progress
 
-/// Points that start afresh again and again: period = spread x T[i] + least, phase = period x T[i + 1] + age.
+/// Points that start afresh again and again: period = spread x T[i] + least, and T[i + 1] periods have gone at age 0.
 void FindCycles(const RandomTable& table, int first, int count, double spread, double least, double age,
                 Progress& progress) {
     for (int i = 0; i < count; ++i) {
-        const double period = spread * table.values[i] + least;
-        const double phase = period * table.values[i + 1] + age, cycle = std::trunc(phase / period);
-        const double f = (phase - period * cycle) / period;
-        progress.f[first + i] = static_cast<float>(f > 0 ? (f < 1 ? f : 1) : 0);
+        const double periods = table.values[i + 1] + age / (spread * table.values[i] + least);
+        const double cycle = std::trunc(periods), f = periods - cycle;
+        progress.f[first + i] = static_cast<float>(f > 0 ? f : 0);
         progress.k[first + i] = static_cast<std::int32_t>(cycle - 256 * std::trunc(cycle / 256));
     }
 }
