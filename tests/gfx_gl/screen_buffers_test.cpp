@@ -56,7 +56,9 @@ struct ScreenBufferPicture : testing::Test {
         int wrong = 0;
         for (int y = 0; y < height_; ++y) {
             for (int x = 0; x < width_; ++x) {
-                const Rgb is = ToRgb(pixels[static_cast<std::size_t>(y * width_ + x)]), expected = formula(x, y);
+                const Rgb is = ToRgb(pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                                            static_cast<std::size_t>(x)]),
+                          expected = formula(x, y);
                 if (Near(is, expected, tolerance)) continue;
                 if (++wrong < 5) ADD_FAILURE() << x << ", " << y << ": " << is << ", not " << expected;
             }

@@ -45,17 +45,18 @@ json Dump(const std::string& file, float time, bool geometry) {
 
 /// Where two dumps differ by more than processors do; empty for nowhere.
 std::string Difference(const json& a, const json& b, double tolerance, const std::string& place = "") {
+    const auto unlike = [&] { return std::string(place).append(": ").append(a.dump()).append(" ").append(b.dump()); };
     if (a.is_number() && b.is_number()) {
         const double x = a, y = b;
-        return std::abs(x - y) <= tolerance * std::max(1.0, std::abs(x)) ? ""
-                                                                         : place + ": " + a.dump() + " " + b.dump();
+        return std::abs(x - y) <= tolerance * std::max(1.0, std::abs(x)) ? "" : unlike();
     }
-    if (a.type() != b.type() || a.size() != b.size()) return place + ": " + a.dump() + " " + b.dump();
-    if (!a.is_structured()) return a == b ? "" : place + ": " + a.dump() + " " + b.dump();
+    if (a.type() != b.type() || a.size() != b.size()) return unlike();
+    if (!a.is_structured()) return a == b ? "" : unlike();
     for (const auto& [key, value] : a.items()) {
-        if (a.is_object() && !b.contains(key)) return place + "/" + key + " is missing";
+        const std::string inside = std::string(place).append("/").append(key);
+        if (a.is_object() && !b.contains(key)) return inside + " is missing";
         const json& other = a.is_object() ? b.at(key) : b.at(std::stoul(key));
-        const std::string found = Difference(value, other, tolerance, place + "/" + key);
+        std::string found = Difference(value, other, tolerance, inside);
         if (!found.empty()) return found;
     }
     return "";
