@@ -51,6 +51,26 @@ class ShaderEffectTest : public TemporaryFolder {
         return values;
     }
 
+    /// Directional ones in slots 1, 4 and 6; all eight are on but slot 2.
+    void SetLights() {
+        for (int i = 0; i < 8; ++i) {
+            const float number = static_cast<float>(i);
+            KRN_Light node;
+            node.off = false;
+            D3DLIGHT9& light = node.record;
+            light.Type = i == 1 || i == 4 || i == 6 ? D3DLIGHT_DIRECTIONAL : i == 3 ? D3DLIGHT_SPOT : D3DLIGHT_POINT;
+            node.SetEye(number, 20, 30, false);
+            node.SetViewDirection(number, -2, -3, false);
+            light.Diffuse = {number, 0.5f, 0.25f, 1};
+            light.Ambient = {0.125f, 0, 0.25f, 1};
+            light.Specular = {0.75f, number, 0, 1};
+            light.Attenuation0 = number;
+            light.Attenuation2 = 9;
+            gfx_->SetLight(i, node, 0, false);
+            gfx_->SetLightEnable(i, i != 2);
+        }
+    }
+
     /// What the device holds for a sampler.
     IDirect3DTexture9* Bound(DWORD sampler) {
         DevicePtr<IDirect3DTexture9> bound;
@@ -242,23 +262,7 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
                          "float4 l[6] : OmniLightSpecCol; float4 m[6] : OmniLightAmbiCol;\n"
                          "#define USE d[0] + e[0] + f[0] + g[0] + h[0] + k[0] + l[0] + m[0]\n" +
                              std::string(kVertexFunction) + kOneTechnique));
-    // Directional ones in slots 1, 4 and 6; all eight are on but slot 2.
-    for (int i = 0; i < 8; ++i) {
-        const float number = static_cast<float>(i);
-        KRN_Light node;
-        node.off = false;
-        D3DLIGHT9& light = node.record;
-        light.Type = i == 1 || i == 4 || i == 6 ? D3DLIGHT_DIRECTIONAL : i == 3 ? D3DLIGHT_SPOT : D3DLIGHT_POINT;
-        node.SetEye(number, 20, 30, false);
-        node.SetViewDirection(number, -2, -3, false);
-        light.Diffuse = {number, 0.5f, 0.25f, 1};
-        light.Ambient = {0.125f, 0, 0.25f, 1};
-        light.Specular = {0.75f, number, 0, 1};
-        light.Attenuation0 = number;
-        light.Attenuation2 = 9;
-        gfx_->SetLight(i, node, 0, false);
-        gfx_->SetLightEnable(i, i != 2);
-    }
+    SetLights();
     gfx_->SetAmbient(0x00330066);
     effect.ApplyLightSemantics();
     EXPECT_EQ(FloatOf(effect, "NumDirectionalLights"), 2.0f);
@@ -291,7 +295,12 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
         EXPECT_EQ(vector(kColours + i), (D3DXVECTOR4{directional[i], 0.5f, 0.25f, 1})) << "diffuse";
         EXPECT_EQ(vector(kColours + 2 + i), (D3DXVECTOR4{0.75f, directional[i], 0, 1})) << "specular";
     }
+}
 
+TEST_F(ShaderEffectTest, WithoutLightingTheColourThatStandsInIsTheAmbientOne) {
+    KRN_ShaderEffect effect;
+    ASSERT_TRUE(LoadText(effect, "int a : NumOmniLights; float4 b : AmbientColor; technique { pass { } }"));
+    SetLights();
     const D3DCOLOR unlit = 0x00FF8040;
     gfx_->SetLighting(false, &unlit);
     for (int i = 0; i < 8; ++i) gfx_->SetLightEnable(i, i != 1 && i != 4 && i != 6);
