@@ -543,17 +543,19 @@ texture T; sampler S = sampler_state { Texture = <T>; };
 
 // ---- Files
 
-//// macros of macros, pasted and quoted: 51 102 0
+//// macros of macros, pasted and quoted: 51 102 153
 #define JOIN(a, b) a##b
 #define VAL(x) JOIN(val, x)
 #define STR(x) #x
 #define SET(n, v) float n = v;
+#define FUN(n, v) float n() { return 0-v; }
 SET(VAL(1), 0.2)
+FUN(c, -0.6)
 string s = STR(a b);
 #if defined(VAL) && !defined(NONE) && (1 + 1 == 2)
 float b = 0.4;
 #endif
-=> return float4(val1, b, 0, 1);
+=> return float4(val1, b, c(), 1);
 
 //// pragmas, lines and empty directives: 51 0 0
 #pragma warning(disable: 3571)

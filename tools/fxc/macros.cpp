@@ -79,10 +79,12 @@ bool MacroExpander::ReadArguments(Sources& sources, const Token& name, std::vect
     for (int open = 1; Next(sources, token);) {
         open += token.Is("(") ? 1 : token.Is(")") ? -1 : 0;
         if (open == 0) return true;
-        if (open == 1 && token.Is(","))
+        if (open == 1 && token.Is(",")) {
             arguments.emplace_back();
-        else
+        } else {
+            token.joined &= !arguments.back().empty();   // to nothing in the body
             arguments.back().push_back(token);
+        }
     }
     diagnostics_.Error(name.place, ErrorCode::Source, fmt::format("the arguments of '{}' do not end", name.text));
     return false;
