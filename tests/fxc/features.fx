@@ -312,7 +312,7 @@ float a[2][3] = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}}; static const float b[2][2] =
 //// typedef struct: 51 102 153
 typedef struct { float2 a; } Pair; typedef struct Tagged { float4 b; } TaggedPair; typedef float3 Colour; typedef
     float Weights[2];
-=> Pair p; p.a = 0.2; Tagged t; TaggedPair u; t.b = 0.4; u = t; Colour c = 0.6; Weights w; w[0] = 1; return
+=> Pair p; p.a = 0.2; Tagged t; TaggedPair u; t.b = 0.4; u = t; TaggedPair l = {1, 0.4, 1, 1}; u = l; Colour c = 0.6; Weights w; w[0] = 1; return
     float4(p.a.x, u.b.y, c.z * w[0], 1);
 
 //// a structure's variable beside it: 51 102 153
@@ -354,7 +354,7 @@ float4x4 m = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9, 1, 0, 0, 0, 0, 0, 0};
 
 //// suffixes of numbers: 51 102 153
 float a = 1f; half b = 2h; float c = 5L;
-=> return float4(a * 0.2f + 0h, b * 0.2h, c * .12 + 1.h - 1., 1L);
+=> return float4(a * 0.2f + 0h, b * 0.2h, c * .12 + 1.h - 1.xx.y, 1L);
 
 //// a vector as an array: 51 102 153
 float4 w = {0.2, 0.4, 0.6, 1}; float Sum(float x[4]) { return x[0]; }
@@ -560,6 +560,9 @@ float b = 0.4;
 //// pragmas, lines and empty directives: 51 0 0
 #pragma warning(disable: 3571)
 #pragma pack_matrix(row_major)
+#if 0
+it is "not read
+#endif
 #line 5 "other"
 #
 float a = 0.2;

@@ -68,8 +68,11 @@ class ListShaper {
             type.structure = code_[i].text;
             return type;
         }
-        const std::optional<Type> type = BuiltInType(code_[i].text, LetterCase::Exact);
-        return type && IsNumeric(type->kind) ? type : std::nullopt;
+        const auto named = effect_.symbols.types.find(code_[i].text);
+        const std::optional<Type> type =
+            named != effect_.symbols.types.end() ? named->second : BuiltInType(code_[i].text, LetterCase::Exact);
+        const bool listed = type && (IsNumeric(type->kind) || type->kind == VariableClass::Structure);
+        return listed && type->elements == 0 ? type : std::nullopt;
     }
 
     bool Find(std::size_t i, ListedVariable& variable) const {

@@ -207,6 +207,7 @@ class Speller {
         for (std::size_t i = 0; i < code_.size(); ++i) {
             Token token = code_[i];
             if (token.kind == TokenKind::Number) PlainNumber(token.text);
+            if (token.kind == TokenKind::Number && Next(i, ".")) token.text = '(' + token.text + ')';   // 1.xxx
             if (token.kind == TokenKind::Identifier && !Spell(i, token)) continue;
             spelled.push_back(std::move(token));
         }

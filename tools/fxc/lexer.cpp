@@ -97,8 +97,7 @@ class Lexer {
         const std::size_t start = next_;
         const char c = Peek();
         if (c == '"') {
-            token.kind = TokenKind::String;
-            token.text = ReadString();
+            ReadString(token);
             return token;
         }
         if (IsLetter(c)) {
@@ -118,29 +117,32 @@ class Lexer {
     /// Everything that hangs together with a number, such as 1.5e-3f, 0x80FF or 1WEIGHTS.
     void SkipNumber() {
         const bool hexadecimal = Peek() == '0' && (Peek(1) == 'x' || Peek(1) == 'X');
-        while (IsWordCharacter(Peek()) || Peek() == '.') {
+        bool point = false;
+        while (IsWordCharacter(Peek()) || (Peek() == '.' && !point && !ComponentsFollow())) {
             const bool exponent = !hexadecimal && (Peek() == 'e' || Peek() == 'E');
+            point |= Peek() == '.';
             Advance();
             if (exponent && (Peek() == '+' || Peek() == '-')) Advance();
         }
     }
 
+    /// The point of 1.xxx, not that of 1.f or 1.e3.
+    bool ComponentsFollow() const {
+        const bool suffix = std::string_view("eEfFhHlL").find(Peek(1)) != std::string_view::npos;
+        return IsLetter(Peek(1)) && !(suffix && !IsLetter(Peek(2)));
+    }
+
     /// Only \" and \\ are escapes: file names are full of backslashes.
-    std::string ReadString() {
-        const Place start = here_;
-        std::string content;
+    void ReadString(Token& token) {
         Advance();
         while (!AtEnd() && Peek() != '"' && Peek() != '\n') {
             if (SkipSplice()) continue;
             if (Peek() == '\\' && (Peek(1) == '"' || Peek(1) == '\\')) Advance();
-            content += Peek();
+            token.text += Peek();
             Advance();
         }
-        if (Peek() == '"')
-            Advance();
-        else
-            diagnostics_.Error(start, ErrorCode::Source, "the string is not closed");
-        return content;
+        token.kind = Peek() == '"' ? TokenKind::String : TokenKind::OpenString;
+        if (token.kind == TokenKind::String) Advance();
     }
 
     std::string_view text_;

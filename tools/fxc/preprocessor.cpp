@@ -1,5 +1,6 @@
 #include "tools/fxc/preprocessor.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -77,6 +78,7 @@ class Preprocessor {
                 ++last;
             Tokens part(tokens.begin() + static_cast<std::ptrdiff_t>(first),
                         tokens.begin() + static_cast<std::ptrdiff_t>(last));
+            if (files_.back().Active()) CheckStrings(part);
             if (directive)
                 ProcessDirective(part);
             else if (files_.back().Active())
@@ -85,6 +87,11 @@ class Preprocessor {
         }
         for (const Condition& open : files_.back().conditions) Error(open.place, "the condition has no #endif");
         files_.pop_back();
+    }
+
+    void CheckStrings(const Tokens& part) {
+        const auto open = std::ranges::find(part, TokenKind::OpenString, &Token::kind);
+        if (open != part.end()) Error(open->place, "the string is not closed");
     }
 
     void ProcessDirective(const Tokens& line) {

@@ -11,7 +11,7 @@ struct Place {
     int column = 1;
 };
 
-enum class TokenKind { Identifier, Number, String, Symbol, End };
+enum class TokenKind { Identifier, Number, String, OpenString, Symbol, End };
 
 /// A symbol is one character; `joined` tells that it follows the token before it without a blank.
 struct Token {
