@@ -309,6 +309,12 @@ struct L { float3 c; float2 d[2]; }; L l[2] = {{{0.2, 0, 0}, {0, 0, 0, 0}}, {{0,
 float a[2][3] = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}}; static const float b[2][2] = {0.1, 0.2, 0.3, 0.4};
 => float c[2][2]; c[1][0] = b[1][1]; return float4(a[0][1], c[1][0], a[1][2], 1);
 
+//// structures whose members lie close: 51 102 153
+struct L { float a; float3 b; float c; float2 d; float3x2 e; bool f; float3 g; };
+L l[2] = {{1, {1, 1, 1}, 0.4, {1, 1}, {1, 1, 1, 1, 1, 1}, true, {1, 1, 1}},
+          {1, {1, 1, 0.2}, 1, {1, 0.3}, {1, 1, 1, 1, 1, 0.1}, true, {1, 1, 0.2}}};
+=> return float4(l[1].b.z, l[0].c, l[1].d.y + l[1].e[2][1] + l[1].g.z, l[1].f);
+
 //// typedef struct: 51 102 153
 typedef struct { float2 a; } Pair; typedef struct Tagged { float4 b; } TaggedPair; typedef float3 Colour; typedef
     float Weights[2];

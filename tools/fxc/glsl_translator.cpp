@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <spirv_cross/spirv_glsl.hpp>
 
+#include "tools/fxc/block_layout.h"
 #include "tools/fxc/stage_interface.h"
 
 namespace sparkrig::fxc {
@@ -46,6 +47,7 @@ class Translator {
     // ---- Globals
 
     void AddGlobals(const spirv_cross::Resource& block) {
+        LayOutBlock(compiler_, block.base_type_id);
         const spirv_cross::SPIRType& type = compiler_.get_type(block.base_type_id);
         out_.code.globals_bytes = static_cast<DWORD>((compiler_.get_declared_struct_size(type) + 15) / 16 * 16);
         AddMembers(block.base_type_id, "", 0);
