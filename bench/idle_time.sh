@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Prints the processor time that the program uses in ten seconds: active, without the focus, with a dialog, minimised.
-. "$(dirname "$0")/desktop.sh" "$@"
+. "$(dirname "$0")/../tests/x11/desktop.sh" "$@"
 
 used_in_ten_seconds() {
     local before
