@@ -1,13 +1,15 @@
 #include <cstdlib>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "app/contact_sheet.h"
+#include "app/json_text.h"
 #include "app/program.h"
 #include "app/tester_state.h"
 #include "platform/system/system.h"
-#include "tests/app/load_picture.h"
 #include "tests/support/canvas.h"
+#include "tests/support/picture_files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
@@ -70,15 +72,12 @@ TEST_F(AutomationTest, RecordsEveryFrameByTheSteppedClock) {
     const std::vector<Json> frames = Record({"--frames", "9", "--effect", "flash"});
     ASSERT_EQ(frames.size(), 9u);
     EXPECT_EQ(out_, Path("record.jsonl") + "\n");
-    for (int n = 0; n < 9; ++n) {
-        const Json& frame = frames[static_cast<std::size_t>(n)];
-        EXPECT_EQ(frame["frame"], n);
-        EXPECT_NEAR(frame["time"].get<double>(), (n + 1) / 60.0, 1e-6);
-        const bool lives = n < 5;
-        EXPECT_EQ(frame["live"], lives ? 1 : 0) << n;
-        EXPECT_EQ(frame["drawn"], lives ? 1 : 0) << n;
-        EXPECT_EQ(frame["draws"], lives ? 1 : 0) << n;
-        ASSERT_EQ(frame["instances"].size(), lives ? 1u : 0u);
+    for (int n = 0; const Json& frame : frames) {
+        const int lives = n < 5;
+        EXPECT_EQ(frame["frame"], n++);
+        EXPECT_NEAR(frame["time"].get<double>(), n / 60.0, 1e-6);
+        for (const char* count : {"live", "drawn", "draws"}) EXPECT_EQ(frame[count], lives) << n << count;
+        ASSERT_EQ(frame["instances"].size(), lives);
     }
     const Json& instance = frames[0]["instances"][0];
     EXPECT_EQ(instance["effect"], "Flash");
@@ -142,15 +141,14 @@ TEST_F(AutomationTest, TheSheetShowsEachEffectAsACaptureOfItsLiveliestMomentDoes
     }
     Write("cfg/effects.cfg", effects);
     ASSERT_EQ(Run({"--sheet", "sheet.png"}), 0) << err_;
-    const Image sheet = LoadPicture(Path("sheet.png"));
-    constexpr UINT kGap = 4;
+    constexpr UINT kWidth = 640, kHeight = 360, kGap = 4, kSheetWidth = kWidth + 3 * kGap;   // two beside each other
+    const std::vector<D3DCOLOR> sheet = Decoded(ReadFile(Path("sheet.png")));
     for (UINT left = kGap; const auto& [fade_in, moment] : kEffects) {
         Run({"--capture", "a.png", "--effect", moment, "--at", moment, "--no-overlay", "/resx:640", "/resy:360"});
-        const Image capture = LoadPicture(Path("a.png"));
-        const Picture half = Halve({capture.width, capture.height, {capture.Row(0), capture.Row(capture.height)}});
+        const Picture half = Halve({kWidth, kHeight, Decoded(ReadFile(Path("a.png")))});
         std::vector<D3DCOLOR> cell;
         for (UINT y = 0; y < half.height; ++y) {
-            const D3DCOLOR* row = sheet.Row(kGap + y) + left;
+            const auto row = sheet.begin() + (kGap + y) * kSheetWidth + left;
             cell.insert(cell.end(), row, row + half.width);
         }
         EXPECT_TRUE(cell == half.pixels) << moment;
@@ -237,6 +235,24 @@ TEST_F(AutomationTest, ABackgroundPictureThatCannotBeReadIsSaidInThePicture) {
     EXPECT_EQ(Run({"--capture", "with.png"}), 0);
     EXPECT_NE(ReadFile(Path("with.png")), ReadFile(Path("without.png")));
     EXPECT_EQ(ReadFile(Path("config/sparkrig/registry.toml")), setting);
+}
+
+TEST(JsonLine, WritesEveryKindOfValue) {
+    const float values[] = {0.25f, std::numeric_limits<float>::infinity(), -2};
+    JsonLine line;
+    line.Add("name", "a \"b\"\n\xFF");
+    line.Add("count", 7);
+    line.Add("on", true);
+    line.AddList("list", values);
+    line.AddJson("inner", "[3]");
+    EXPECT_EQ(
+        line.Finish(),
+        "{\"name\":\"a \\\"b\\\"\\n\xEF\xBF\xBD\",\"count\":7,\"on\":true,\"list\":[0.25,null,-2],\"inner\":[3]}");
+    for (const float value : {0.1f, 1.0f / 60, -3.0e-39f, 16777217.0f, 3.4028235e38f}) {
+        JsonLine number;
+        number.Add("value", value);
+        EXPECT_EQ(Json::parse(number.Finish())["value"].get<float>(), value) << "reads back the same";
+    }
 }
 
 }   // namespace

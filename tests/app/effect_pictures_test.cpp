@@ -8,8 +8,8 @@
 
 #include "app/program.h"
 #include "app/tester_state.h"
-#include "tests/app/load_picture.h"
 #include "tests/support/canvas.h"
+#include "tests/support/picture_files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
@@ -19,7 +19,9 @@ namespace {
 // so much may be different.
 constexpr double kTolerance = 0.15;
 
-Image Capture(std::vector<std::string> words) {
+using Pixels = std::vector<D3DCOLOR>;
+
+Pixels Capture(std::vector<std::string> words) {
     KeepDriverLoaded();
     const ScratchFolder folder;
     const std::string captured = folder.Path("seen.png");
@@ -28,20 +30,17 @@ Image Capture(std::vector<std::string> words) {
     Tester() = {};
     EXPECT_EQ(RunProgram(words), 0);
     Tester() = {};
-    return LoadPicture(captured);
+    return Decoded(ReadFile(captured));
 }
-Image Wanted(const std::string& name) { return LoadPicture("tests/app/pictures/" + name + ".png"); }
+Pixels Wanted(const std::string& name) { return Decoded(ReadFile("tests/app/pictures/" + name + ".png")); }
 
 /// Over all pixels, by the channel that differs most, a step aside: drivers round the floor and the wall otherwise too.
-double Difference(const Image& a, const Image& b) {
-    EXPECT_EQ(a.Count(), b.Count());
+double Difference(const Pixels& a, const Pixels& b) {
+    EXPECT_EQ(a.size(), b.size());
     double sum = 0;
-    for (std::size_t i = 0; i < std::min(a.Count(), b.Count()); ++i) {
-        int largest = 0;
-        for (const int shift : {0, 8, 16})
-            largest = std::max(largest, std::abs(static_cast<int>(a.Pixels()[i] >> shift & 255) -
-                                                 static_cast<int>(b.Pixels()[i] >> shift & 255)));
-        sum += std::max(largest - 1, 0);
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+        const Rgb one = ToRgb(a[i]), other = ToRgb(b[i]);
+        sum += std::max({1, std::abs(one.r - other.r), std::abs(one.g - other.g), std::abs(one.b - other.b)}) - 1;
     }
     return sum;
 }
@@ -55,8 +54,8 @@ class EffectPictures : public testing::TestWithParam<Row> {};
 
 TEST_P(EffectPictures, LookAsTheyDid) {
     const auto& [effect, seconds] = GetParam();
-    const Image wanted = Wanted(effect);
-    const Image seen = Capture({"/resx:160", "/resy:90", "--no-overlay", "--effect", effect, "--at", seconds});
+    const Pixels wanted = Wanted(effect);
+    const Pixels seen = Capture({"/resx:160", "/resy:90", "--no-overlay", "--effect", effect, "--at", seconds});
     EXPECT_LE(Difference(seen, wanted), kTolerance * Difference(wanted, Wanted("stage")));
 }
 
@@ -64,7 +63,7 @@ TEST(OverlayPicture, LooksAsItDid) {
     const std::vector<std::string> words = {"/resx:400", "/resy:160", "--effect", "campfire", "--at", "0.6"};
     std::vector<std::string> without = words;
     without.emplace_back("--no-overlay");
-    const Image wanted = Wanted("overlay");
+    const Pixels wanted = Wanted("overlay");
     EXPECT_LE(Difference(Capture(words), wanted), kTolerance * Difference(wanted, Capture(without)));
 }
 

@@ -9,25 +9,22 @@ namespace {
 using Words = std::vector<std::string>;
 
 TEST(Options, EachModeTakesItsOutput) {
-    const struct {
-        Words words;
-        RunMode mode;
-        const char* output;
-    } kRows[] = {{{"--capture", "a.png", "--at", "2.5"}, RunMode::Capture, "a.png"},
-                 {{"--sequence=frames", "--frames", "7"}, RunMode::Sequence, "frames"},
-                 {{"--sheet", "/tmp/b.png"}, RunMode::Sheet, "/tmp/b.png"},
-                 {{"--record", "c.jsonl", "--frames=7"}, RunMode::Record, "c.jsonl"},
-                 {{"--check"}, RunMode::Check, ""}};
-    for (const auto& row : kRows) {
-        const ParsedCommandLine parsed = ParseCommandLine(row.words);
+    const std::tuple<Words, RunMode, const char*> kRows[] = {
+        {{"--capture", "a.png", "--at", "2.5"}, RunMode::Capture, "a.png"},
+        {{"--sequence=frames", "--frames", "7"}, RunMode::Sequence, "frames"},
+        {{"--sheet", "/tmp/b.png"}, RunMode::Sheet, "/tmp/b.png"},
+        {{"--record", "c.jsonl", "--frames=7"}, RunMode::Record, "c.jsonl"},
+        {{"--check"}, RunMode::Check, ""}};
+    for (const auto& [words, mode, output] : kRows) {
+        const ParsedCommandLine parsed = ParseCommandLine(words);
         ASSERT_FALSE(parsed.exit_code.has_value()) << parsed.text;
-        EXPECT_EQ(parsed.options.mode, row.mode);
-        EXPECT_EQ(parsed.options.output, row.output);
+        EXPECT_EQ(parsed.options.mode, mode);
+        EXPECT_EQ(parsed.options.output, output);
     }
     EXPECT_EQ(ParseCommandLine({}).options.mode, RunMode::Interactive);
     EXPECT_TRUE(ParseCommandLine({}).options.overlay && ParseCommandLine({}).options.backdrop);
-    EXPECT_EQ(ParseCommandLine(kRows[0].words).options.at_seconds, 2.5);
-    EXPECT_EQ(ParseCommandLine(kRows[3].words).options.frames, 7);
+    EXPECT_EQ(ParseCommandLine(std::get<0>(kRows[0])).options.at_seconds, 2.5);
+    EXPECT_EQ(ParseCommandLine(std::get<0>(kRows[3])).options.frames, 7);
 }
 
 TEST(Options, ReadsTheRest) {

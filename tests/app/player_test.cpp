@@ -1,7 +1,7 @@
-#include "app/player.h"
-
 #include <algorithm>
 
+#include "app/clock.h"
+#include "app/player.h"
 #include "app/shader_files.h"
 #include "app/tester_commands.h"
 #include "app/video_generator.h"
@@ -89,23 +89,64 @@ TEST_F(PlayerTest, AScreenEffectIsReadAgainAndStaysWhereThatFails) {
                                                   "PixelShader = compile ps_2_0 P(); } }");
         std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(age));
     };
-    const struct {
-        const char* colour;
-        Rgb shown;
-        const char* note;
-    } rows[] = {{"float4(1, 0.2, 0, 1)", {255, 51, 0}, ""},
-                {"float4(0, 0.6, 1, 1)", {0, 153, 255}, ""},
-                {"flot4(0, 0, 0, 1)", {0, 153, 255}, "Fill.fx(2): error X3000"},
-                {"0.4", {102, 102, 102}, ""}};
+    const std::tuple<const char*, Rgb, const char*> rows[] = {
+        {"float4(1, 0.2, 0, 1)", {255, 51, 0}, ""},
+        {"float4(0, 0.6, 1, 1)", {0, 153, 255}, ""},
+        {"flot4(0, 0, 0, 1)", {0, 153, 255}, "Fill.fx(2): error X3000"},
+        {"0.4", {102, 102, 102}, ""}};
     Tester().screen_effect_path = folder.Path("Fill.fxo");   // there is only the source
     int age = 0;
-    for (const auto& row : rows) {
+    for (const auto& [colour, shown, note] : rows) {
         Tester().notice = {};
-        write(row.colour, ++age);
+        write(colour, ++age);
         ReloadShaders(engine_, Tester());
-        EXPECT_TRUE(Near(ToRgb(Draw()[0]), row.shown, 1)) << row.colour;
-        EXPECT_NE(Tester().notice.text.find(row.note), std::string::npos) << Tester().notice.text;
+        EXPECT_TRUE(Near(ToRgb(Draw()[0]), shown, 1)) << colour;
+        EXPECT_NE(Tester().notice.text.find(note), std::string::npos) << Tester().notice.text;
     }
+}
+
+double now;
+double Now() { return now; }
+
+TEST(FrameClock, ClampsLongFramesAndKnowsNoStalls) {
+    constexpr std::tuple<double, double> kFrames[] = {{5.25, 0.0625}, {5.28125, 0.03125}, {8.5, 0.1}, {8.5, 0}};
+    now = 5.1875;
+    FrameClock clock(Now);
+    const auto frame_at = [&](double time) {
+        now = time;
+        clock.NextFrame();
+        EXPECT_EQ(clock.FrameTime(), time);
+        return clock.FrameSeconds();
+    };
+    clock.Restart();
+    for (const auto& [time, seconds] : kFrames) EXPECT_EQ(frame_at(time), seconds);
+    now = 60;
+    clock.Restart();   // the stall before belongs to no frame
+    EXPECT_EQ(frame_at(60.03125), 0.03125);
+    now = 0;
+    clock.Restart();
+    EXPECT_EQ(frame_at(0.1), 0.1) << "exactly a tenth is kept";
+}
+
+TEST(FrameClock, SteppedMovesByEqualSteps) {
+    FrameClock clock = FrameClock::Stepped(kAutomationStep);
+    for (int frame = 1; frame <= 600; ++frame) {
+        clock.NextFrame();
+        EXPECT_EQ(clock.FrameSeconds(), kAutomationStep);
+        clock.Restart();
+    }
+    EXPECT_DOUBLE_EQ(clock.Now(), 10.0);
+}
+
+TEST(FrameRate, IsMeasuredOverMoreThanASecond) {
+    FrameRate rate;
+    rate.Restart(3);
+    for (int frame = 1; frame <= 4; ++frame) rate.CountFrame(3 + frame * 0.25);
+    EXPECT_EQ(rate.PerSecond(), 0);
+    rate.CountFrame(4.25);
+    EXPECT_EQ(rate.PerSecond(), 4);
+    for (int frame = 1; frame <= 3; ++frame) rate.CountFrame(4.25 + frame * 0.5);
+    EXPECT_EQ(rate.PerSecond(), 2);
 }
 
 }   // namespace

@@ -4,6 +4,10 @@
 
 namespace sparkrig {
 
+struct TestReporter : ErrorClass {
+    TestReporter() { SetName("TestReporter"); }
+};
+
 inline VisualEffect& AddEffect(EffectDefinitions& definitions, const char* name) {
     VisualEffect& effect = *definitions.effects.Insert(name);
     effect.name = name;

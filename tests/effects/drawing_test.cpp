@@ -1,10 +1,14 @@
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <limits>
+#include <numeric>
+#include <random>
 
+#include "effects/draw_order.h"
 #include "effects/particle_vertices.h"
 #include "effects/visual_effect_system.h"
 #include "scene/camera.h"
-#include "tests/effects/effects_file_text.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/temporary_folder.h"
@@ -23,20 +27,19 @@ class Drawing : public testing::Test {
         gfx->SetProjection(1, 2000, 0.7854f, -1);
         system.Init(*gfx, 0);
         gfx->BeginScene();
-        for (const char* name : {"a", "b"})
-            folder.Write(std::string(name) + ".png", PngFile(TestPicture::Pattern(4, 4), 4));
+        for (const char* name : {"a", "b"}) folder.Write(name, PngFile(TestPicture::Pattern(4, 4), 4));
     }
     ~Drawing() override { system.Release(); }
 
-    std::string PathOf(const std::string& name) const { return folder.Path(name); }
     /// A block of one particle at y (the distance is 100 - y) with more lines.
     std::string Particle(const char* texture, float y, const std::string& lines = "") const {
-        return "PARTICLE {\ntexture = \"" + PathOf(std::string(texture) + ".png") + "\"\npos = 0, " +
-               std::to_string(y) + ", 0\n" + lines + "\n}\n";
+        return "PARTICLE {\ntexture = \"" + folder.Path(texture) + "\"\npos = 0, " + std::to_string(y) + ", 0\n" +
+               lines + "\n}\n";
     }
+    void Load(const std::string& entries) { system.LoadEffects(folder.Write("effects.cfg", entries).c_str(), false); }
     /// Loads and starts one effect of these blocks, and draws it.
     int DrawEffect(const std::string& blocks) {
-        system.LoadEffects(EffectsFileOf("#e\ndesc = \"e\"\n" + blocks).Name(), false);
+        Load("#e\ndesc = \"e\"\n" + blocks);
         system.StartEffect("e", {});
         return Redraw();
     }
@@ -80,10 +83,10 @@ TEST_F(Drawing, AdditiveParticlesAreRegroupedByTextureAndOthersKeepTheirOrder) {
 }
 
 TEST_F(Drawing, AFullBatchIsDrawnAndAnotherBegins) {
-    const struct { int count, draws; } kRows[] = {{1024, 1}, {1025, 2}, {2500, 3}};
-    for (const auto& row : kRows) {
-        EXPECT_EQ(DrawEffect(Particle("a", 1, "Count = " + std::to_string(row.count))), row.draws);
-        EXPECT_EQ(system.DrawnParticleCount(), row.count);
+    const std::tuple<int, int> kRows[] = {{1024, 1}, {1025, 2}, {2500, 3}};
+    for (const auto& [count, draws] : kRows) {
+        EXPECT_EQ(DrawEffect(Particle("a", 1, "Count = " + std::to_string(count))), draws);
+        EXPECT_EQ(system.DrawnParticleCount(), count);
         EXPECT_EQ(DrawAt(0).count, 2048u);
         for (const RecordedDraw& draw : gfx.recording.Draws()) EXPECT_NE(draw.texture, 0u);
     }
@@ -165,11 +168,8 @@ TEST_F(Drawing, WhatHangsBeforeTheCameraIsSortedLastAndDrawnInCameraSpace) {
 }
 
 TEST_F(Drawing, AnAnimatedTextureEndsTheBatchWhereItsFrameChanges) {
-    folder.Write("list.ifl", PathOf("a.png") + "\n" + PathOf("b.png") + "\n");
-    const auto block = [this](float y, const std::string& lines) {
-        return "PARTICLE {\ntexture = \"" + PathOf("list.ifl") + "\"\npos = 0, " + std::to_string(y) + ", 0\n" + lines +
-               "\n}\n";
-    };
+    folder.Write("list.ifl", folder.Path("a") + "\n" + folder.Path("b") + "\n");
+    const auto block = [this](float y, const char* lines) { return Particle("list.ifl", y, lines); };
     // Two instances share a texture; the second is a frame of 1/30 s younger.
     EXPECT_EQ(DrawEffect(block(1, "Count = 2\nBirthCountOff = 0.03\nStartTime = 0.05")), 2);
     const UINT second_frame = DrawAt(0).texture, first_frame = DrawAt(1).texture;
@@ -185,10 +185,7 @@ std::string Mesh(const std::string& lines) { return "MESH {\nsFile = \"models\\b
 /// 5).
 TEST_F(Drawing, AMeshStandsAsItsBillboardModeSays) {
     constexpr D3DXVECTOR3 kPlace(7, -8, 9), kHeld(0, 0, 0), kNone(0, 0, 0);
-    const struct {
-        int mode;
-        D3DXVECTOR3 x, y, z, position;
-    } kRows[] = {
+    const std::tuple<int, D3DXVECTOR3, D3DXVECTOR3, D3DXVECTOR3, D3DXVECTOR3> kRows[] = {
         {0, {0, 2, 0}, {-3, 0, 0}, {0, 0, 5}, kPlace}, {1, {-3, 0, 0}, {0, 2, 0}, {0, 0, 5}, kPlace},
         {2, {0, 0, 2}, {3, 0, 0}, {0, -5, 0}, kPlace}, {3, {0, 0, 2}, {3, 0, 0}, {0, -5, 0}, kHeld},
         {4, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, kNone},
@@ -234,11 +231,8 @@ TEST_F(Drawing, PreloadingGoesDepthFirstThroughWhatIsEmitted) {
     };
     const std::string others = missing("p") + missing("q") + missing("m") + missing("s");
     const std::string special_and_mesh = emits("SPECIAL", "s") + emits("MESH", "m");
-    system.LoadEffects(EffectsFileOf(effect("e", Particle("a", 1, "EmitEffect = \"f\"")) +
-                                     effect("f", Particle("b", 1, "EmitEffect = \"e\"") +
-                                                     Particle("b", 1, "EmitEffect = \"trace:none\"")))
-                           .Name(),
-                       false);
+    Load(effect("e", Particle("a", 1, "EmitEffect = \"f\"")) +
+         effect("f", Particle("b", 1, "EmitEffect = \"e\"") + Particle("b", 1, "EmitEffect = \"trace:none\"")));
     gfx.recording.ForgetCalls();
     for (int i = 0; i < 2; ++i) {
         system.PreloadEffect("e");
@@ -251,12 +245,95 @@ TEST_F(Drawing, PreloadingGoesDepthFirstThroughWhatIsEmitted) {
         {special_and_mesh + Particle("a", 1, "EmitEffect = \"q\""), "file q"},
         {special_and_mesh, "file m"}};
     for (const auto& [blocks, first] : kRows) {
-        system.LoadEffects(EffectsFileOf(effect("e", blocks) + others).Name(), false);
-        try {
-            system.PreloadEffect("e");
-            ADD_FAILURE() << first;
-        } catch (const ErrorRecord& error) {
-            EXPECT_THAT(error.message, testing::EndsWith(first));
+        Load(effect("e", blocks) + others);
+        EXPECT_THAT(ErrorOf([&] { system.PreloadEffect("e"); }), EndsWith(first));
+    }
+}
+
+// ---- The order, beside slow ways to find it
+
+/// An element is its place in the list: lane and id in one.
+std::vector<std::uint32_t> OrderOf(const std::vector<float>& distances, const std::vector<std::uint32_t>& ids) {
+    DrawOrder order;
+    std::vector<KeyedPlace> elements;
+    for (std::uint32_t lane = 0; lane < distances.size(); ++lane)
+        elements.push_back(MakeKeyed(DrawOrder::DepthKey(distances[lane]), lane));
+    order.AddClass(elements, [&](std::uint32_t lane) { return ids[lane]; });
+    return order.Order();
+}
+
+TEST(DrawOrder, IsThatOfAStableComparison) {
+    std::mt19937 generator(7);
+    const float infinity = std::numeric_limits<float>::infinity();
+    const std::pair<float, unsigned> kRanges[] = {
+        {1, 1}, {0.5f, 3}, {0.125f, 2000}, {1e-6f, 1u << 20}, {1e30f, 1u << 31}};
+    for (const std::size_t count : {0u, 1u, 2u, 100u, 255u, 256u, 5000u}) {
+        for (const auto& [unit, range] : kRanges) {   // some of few distances, some of more than two digits of keys
+            std::vector<float> distances(count);
+            std::vector<std::uint32_t> ids(count), expected(count);
+            for (float& distance : distances)
+                distance = unit * (static_cast<float>(generator() % range) - static_cast<float>(range / 3));
+            if (count > 3 && range > 3) distances[1] = -infinity, distances[2] = infinity;
+            std::iota(ids.begin(), ids.end(), 0u);
+            std::shuffle(ids.begin(), ids.end(), generator);
+            std::iota(expected.begin(), expected.end(), 0u);
+            std::sort(expected.begin(), expected.end(), [&](auto a, auto b) { return ids[a] < ids[b]; });
+            std::stable_sort(expected.begin(), expected.end(),
+                             [&](auto a, auto b) { return distances[a] > distances[b]; });
+            EXPECT_EQ(OrderOf(distances, ids), expected) << count << " " << unit;
+        }
+    }
+}
+
+TEST(DrawOrder, KeepsWhatHasNoDistance) {
+    std::vector<float> distances(300, std::nanf(""));
+    for (std::size_t i = 0; i < distances.size(); i += 2) distances[i] = static_cast<float>(i);
+    std::vector<std::uint32_t> ids(distances.size()), all = ids;
+    std::iota(all.begin(), all.end(), 0u);
+    std::vector<std::uint32_t> order = OrderOf(distances, all);
+    std::sort(order.begin(), order.end());
+    EXPECT_EQ(order, all);
+}
+
+/// The slow, obvious way: the walk over the order, each run sorted by comparison.
+std::vector<std::uint32_t> RegroupSlowly(std::vector<std::uint32_t> order, const std::vector<RegroupTraits>& of,
+                                         std::uint32_t groups) {
+    const auto at = [&](std::uint32_t lane) -> const RegroupTraits& { return of[lane % groups]; };
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (!at(order[i]).starts_run) continue;
+        std::size_t end = i;
+        while (end < order.size() && at(order[end]).particle && at(order[end]).states == at(order[i]).states) ++end;
+        std::stable_sort(order.begin() + static_cast<std::ptrdiff_t>(i),
+                         order.begin() + static_cast<std::ptrdiff_t>(end),
+                         [&](std::uint32_t a, std::uint32_t b) { return at(a).texture < at(b).texture; });
+        i = end - 1;
+    }
+    return order;
+}
+
+TEST(DrawOrder, RegroupsAsTheSlowWayDoes) {
+    std::mt19937 generator(11);
+    for (const std::uint32_t count : {1u, 7u, 60u, 3000u}) {
+        for (const std::uint32_t groups : {1u, 3u, 40u}) {
+            std::vector<RegroupTraits> traits;
+            for (std::uint32_t i = 0; i < groups; ++i) {
+                RegroupTraits one;
+                one.particle = generator() % 6 != 0;
+                one.starts_run = one.particle && generator() % 2 == 0;
+                one.states = generator() % 2;
+                one.texture = generator() % 9;
+                traits.push_back(one);
+            }
+            DrawOrder order;
+            for (std::uint32_t first : {0u, count}) {   // two classes: runs go on from one to the other
+                std::vector<KeyedPlace> elements;
+                for (std::uint32_t i = 0; i < count; ++i)
+                    elements.push_back(MakeKeyed(static_cast<std::uint32_t>(generator()), first + i));
+                order.AddClass(elements, [](std::uint32_t lane) { return lane; });
+            }
+            const std::vector<std::uint32_t> expected = RegroupSlowly(order.Order(), traits, groups);
+            order.Regroup(traits, [&](std::uint32_t lane) { return lane % groups; });
+            EXPECT_EQ(order.Order(), expected) << count << " " << groups;
         }
     }
 }

@@ -3,15 +3,12 @@
 
 #include "effects/effects_file.h"
 #include "scene/object_3d.h"
-#include "tests/effects/effects_file_text.h"
+#include "tests/effects/definitions_builder.h"
 #include "tests/support/cases.h"
+#include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
-
-struct TestReporter : ErrorClass {
-    TestReporter() { SetName("TestReporter"); }
-};
 
 class EffectsFile : public testing::Test {
   protected:
@@ -19,13 +16,9 @@ class EffectsFile : public testing::Test {
     bool Load(const std::string& text) {
         reports.Clear();
         definitions.Clear();
-        const EffectsFileOf file(text);
-        try {
-            LoadEffectsFile(file.Name(), reporter, definitions);
-            return true;
-        } catch (const ErrorMsg&) {
-            return false;
-        }
+        const ScratchFolder folder;
+        const std::string file = folder.Write("effects.cfg", text);
+        return ErrorOf([&] { LoadEffectsFile(file.c_str(), reporter, definitions); }) == "no error";
     }
     /// Of the one effect that the lines define.
     VisualEffect& LoadEffect(const std::string& lines) {
@@ -206,7 +199,7 @@ TEST_F(EffectsFile, CurveTangentsKnowTheLoop) {
 
 TEST_F(EffectsFile, BlendTypeDependsOnWordKindAndTrace) {
     // clang-format off
-    const struct { const char* block; const char* lines; int mode; } kRows[] = {
+    const std::tuple<const char*, const char*, int> kRows[] = {
         {"PARTICLE", "", 9},
         {"PARTICLE", "BlendType = \"ADDITIVE\"", 3},
         {"PARTICLE", "BlendType = \"subtractive\"", 5},
@@ -220,11 +213,10 @@ TEST_F(EffectsFile, BlendTypeDependsOnWordKindAndTrace) {
         {"SPECIAL", "type = \"none\"\nBlendType = \"additive\"", 3},
     };
     // clang-format on
-    for (const auto& row : kRows) {
-        const VisualEffect& effect = LoadEffect(std::string(row.block) + " {\n" + row.lines + "\n}\n");
-        ForEachSubEffect(effect, [&](const SubEffect& sub) {
-            EXPECT_EQ(sub.blend_mode, row.mode) << row.block << " " << row.lines;
-        });
+    for (const auto& [block, lines, mode] : kRows) {
+        const std::string text = std::string(block) + " {\n" + lines + "\n}\n";
+        ForEachSubEffect(LoadEffect(text),
+                         [&text, mode = mode](const SubEffect& sub) { EXPECT_EQ(sub.blend_mode, mode) << text; });
     }
 }
 

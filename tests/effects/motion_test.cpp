@@ -264,20 +264,17 @@ TEST(Life, FollowsTheCountValue) {
 }
 
 TEST(Fade, RisesFallsAndEnds) {
-    const struct {
-        double fade_in, fade_out, life, t;
-        float factor;
-    } kRows[] = {
+    const std::tuple<double, double, double, double, float> kRows[] = {
         {0.5, 0, 0, 0.25, 0.5f}, {0.5, 0, 0, 0.75, 1},  {0, 1, 2, 1.5, 0.5f},      {0, 1, 2, 2, 0},
         {0, 1, 2, 5, 0},         {0, 1, 0, 1.5, 1},     {0.5, 1, 1, 0.25, 0.375f}, {0, 0, 2, 3, 1},
         {0, 0, 2, 1, 1},         {0.5, 0, 2, -0.25, 0}, {4, 1, 2, 1.5, 0.1875f},
     };
-    for (const auto& row : kRows) {
+    for (const auto& [fade_in, fade_out, life, t, factor] : kRows) {
         SubEffect sub(SubEffectKind::Particle);
-        sub.fade_in = row.fade_in;
-        sub.fade_out = row.fade_out;
-        sub.life = row.life;
-        EXPECT_FLOAT_EQ(FadeFactor(sub, row.t, 0), row.factor) << row.fade_in << " " << row.fade_out << " " << row.t;
+        sub.fade_in = fade_in;
+        sub.fade_out = fade_out;
+        sub.life = life;
+        EXPECT_FLOAT_EQ(FadeFactor(sub, t, 0), factor) << fade_in << " " << fade_out << " " << t;
     }
 }
 

@@ -23,8 +23,6 @@
 namespace sparkrig {
 namespace {
 
-struct TestReporter : ErrorClass {};
-
 constexpr int kEffects = 6;
 std::string EffectName(int number) { return "e" + std::to_string(number); }
 

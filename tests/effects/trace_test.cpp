@@ -2,9 +2,9 @@
 
 #include <cmath>
 #include <map>
-#include <random>
 
 #include "effects/trace_ribbon.h"
+#include "tests/effects/reference.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
@@ -59,13 +59,8 @@ struct SlowTrail {
             const double alpha = line.life / line.reference * std::min(1.0, k * f);
             const double u = settings.stretched ? double(k - first) / (n - 1) : k * g;
             const D3DXVECTOR3& p = line.points[c];
-            return KRN_LVertex{p.x,
-                               p.y,
-                               p.z,
-                               static_cast<D3DCOLOR>(std::min(alpha, 1.0) * 255) << 24 | 0xFFFFFF,
-                               0,
-                               static_cast<float>(u),
-                               static_cast<float>(c / (C - 1.0))};
+            const auto colour = static_cast<D3DCOLOR>(std::min(alpha, 1.0) * 255) << 24 | 0xFFFFFF;
+            return KRN_LVertex{p.x, p.y, p.z, colour, 0, static_cast<float>(u), static_cast<float>(c / (C - 1.0))};
         };
         for (int c = 0; c + 1 < C; ++c)
             for (int k = first; k + 1 < first + n; ++k)
@@ -98,8 +93,7 @@ void ExpectEqual(const std::vector<KRN_LVertex>& found, const std::vector<KRN_LV
 
 /// Channels that lag, pause and start late; trails that end and begin again; some grow too long.
 TEST(Traces, AreThoseOfTheSlowOne) {
-    std::mt19937 generator(7);
-    const auto one_in = [&](unsigned sides) { return generator() % sides == 0; };
+    Dice dice(7);
     TraceEffectSet set(kTraceBlocks);
     std::map<int, SlowTrail> slow;
     std::size_t longest = 0;
@@ -107,11 +101,11 @@ TEST(Traces, AreThoseOfTheSlowOne) {
         for (int block = 0; block < 5; ++block) {
             const int channels = 1 + block % 4;   // a single channel is never drawn
             const bool long_one = block == 3;
-            for (int add = static_cast<int>(generator() % (long_one ? 30 : 3)); add > 0; --add) {
-                const int channel = static_cast<int>(generator() % static_cast<unsigned>(channels));
+            for (int add = dice.Below(long_one ? 30 : 3); add > 0; --add) {
+                const int channel = dice.Below(channels);
                 if (!long_one && (step / 200 + block) % 3 == 0) continue;   // a pause in which it dies
                 const D3DXVECTOR3 point(static_cast<float>(step), static_cast<float>(channel), static_cast<float>(add));
-                const float life = long_one ? 6 : 0.2f + 0.1f * static_cast<float>(generator() % 8);
+                const float life = long_one ? 6 : 0.2f + 0.1f * static_cast<float>(dice.Below(8));
                 const RibbonSettings settings = {block % 2 == 0, 3, true, 1.5f};
                 const bool is_new = slow.count(block) == 0;
                 SlowTrail& trail = slow[block];
@@ -120,7 +114,7 @@ TEST(Traces, AreThoseOfTheSlowOne) {
                 set.AddTracePoint("t", block, channel, point, life, life, settings);
             }
         }
-        const float dt = one_in(10) ? 0.1f : 1 / 60.0f;
+        const float dt = dice.OneIn(10) ? 0.1f : 1 / 60.0f;
         set.UpdateTraces(dt);
         for (auto next = slow.begin(); next != slow.end();) {
             const auto here = next++;
@@ -149,21 +143,14 @@ TEST(Traces, RefuseBlocksAndChannelsThatThereAreNot) {
                                            "warning TraceEffectSet: Too many Trace Effect channels: 4"));
 }
 
-TEST(Traces, SpanTheLinesThatAllChannelsHavePassed) {
+TEST(Traces, EndWithTheirLifeAndShowNothingWhereMoreLinesAreDroppedThanThereAre) {
     TraceEffectSet set(kTraceBlocks);
-    for (int i = 0; i < 3; ++i)
-        for (int channel = 0; channel < 2; ++channel) set.AddTracePoint("t", 7, channel, {}, 1, 1, {});
-    EXPECT_EQ(RibbonTriangles(set.At(0)), 4);
-    for (int ahead = 0; ahead < 2; ++ahead) set.AddTracePoint("t", 7, 0, {}, 1, 1, {});
-    EXPECT_EQ(RibbonTriangles(set.At(0)), 4);   // of the lines that both have passed
-    const auto vertices = RibbonOf(set.At(0));
-    EXPECT_NEAR(vertices[2].u - vertices[0].u, 1 / 38.4f, 1e-6f);
-    set.UpdateTraces(1);   // as long as their life
-    EXPECT_EQ(set.Count(), 0);
-    for (int i = 0; i < 2000 * kTraceChannels; ++i) set.AddTracePoint("t", 7, i % kTraceChannels, {}, 1, 1, {});
-    EXPECT_EQ(RibbonOf(set.At(0)).size(), 0u);   // more lines dropped than there are
-    set.UpdateTraces(1);
-    EXPECT_EQ(set.Count(), 0);
+    for (const auto& [lines, vertices] : {std::pair(3, 36u), {2000, 0u}}) {
+        for (int i = 0; i < lines * kTraceChannels; ++i) set.AddTracePoint("t", 7, i % kTraceChannels, {}, 1, 1, {});
+        EXPECT_EQ(RibbonOf(set.At(0)).size(), vertices);
+        set.UpdateTraces(1);   // as long as their life
+        EXPECT_EQ(set.Count(), 0);
+    }
 }
 
 }   // namespace

@@ -7,7 +7,6 @@
 #include "effects/visual_effect_system.h"
 #include "gfx/textures/texture_catalogue.h"
 #include "scene/camera.h"
-#include "tests/effects/effects_file_text.h"
 #include "tests/support/drawn_gfx.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/temporary_folder.h"
@@ -33,7 +32,7 @@ class FormulaPicture : public testing::Test {
     ~FormulaPicture() override { system_.Release(); }
 
     void Start(const std::string& blocks) {
-        system_.LoadEffects(EffectsFileOf("#e\ndesc = \"e\"\n" + blocks).Name(), false);
+        system_.LoadEffects(ScratchFolder().Write("e.cfg", "#e\ndesc = \"e\"\n" + blocks).c_str(), false);
         system_.StartEffect("e", {});
     }
     void Redraw() {

@@ -34,13 +34,7 @@ TEST(Construction, NeedsTheRunTimeLibrariesAndDirect3D) {
 
 TEST(Creation, ChoosesAdapterTypeAndBehaviour) {
     // clang-format off
-    constexpr struct {
-        const char* name;
-        int vertex_processing, device_select, multithreaded;
-        bool hardware;
-        const char* third_adapter;
-        DWORD adapter, type, behaviour;
-    } kRows[] = {
+    constexpr std::tuple<const char*, int, int, int, bool, const char*, DWORD, DWORD, DWORD> kRows[] = {
         {"software",               0, 0, 0, true,  "NVIDIA NVPerfHUD", 0, D3DDEVTYPE_HAL, 0x20},
         {"mixed",                  1, 0, 0, true,  "NVIDIA NVPerfHUD", 0, D3DDEVTYPE_HAL, 0x80},
         {"hardware, many threads", 2, 0, 1, true,  "NVIDIA NVPerfHUD", 0, D3DDEVTYPE_HAL, 0x44},
@@ -50,15 +44,15 @@ TEST(Creation, ChoosesAdapterTypeAndBehaviour) {
         {"no analysis adapter",    1, 2, 0, true,  "NVIDIA",           0, D3DDEVTYPE_HAL, 0x80},
     };
     // clang-format on
-    for (const auto& row : kRows) {
+    for (const auto& [name, vertex_processing, device_select, multithreaded, hardware, third_adapter, adapter, type,
+                      behaviour] : kRows) {
         RecordedGfx gfx(RecordedGfx::State::Constructed);
-        gfx.recording.adapters = {"NVIDIA", "NVIDIA NVPerfHUD 2", row.third_adapter};
-        if (!row.hardware) gfx.recording.caps.DevCaps = 0;
-        gfx->InitDevice(FakeWindow(), 1, nullptr, 16, 0, row.vertex_processing, row.device_select, row.multithreaded);
-        EXPECT_THAT(gfx.recording.ArgumentsOf("CreateDevice"),
-                    ElementsAre(ElementsAre(row.adapter, row.type, row.behaviour)))
-            << row.name;
-        EXPECT_EQ(gfx->HardwareVertexProcessing(), row.hardware && row.vertex_processing > 0) << row.name;
+        gfx.recording.adapters = {"NVIDIA", "NVIDIA NVPerfHUD 2", third_adapter};
+        if (!hardware) gfx.recording.caps.DevCaps = 0;
+        gfx->InitDevice(FakeWindow(), 1, nullptr, 16, 0, vertex_processing, device_select, multithreaded);
+        EXPECT_THAT(gfx.recording.ArgumentsOf("CreateDevice"), ElementsAre(ElementsAre(adapter, type, behaviour)))
+            << name;
+        EXPECT_EQ(gfx->HardwareVertexProcessing(), hardware && vertex_processing > 0) << name;
     }
     RecordedGfx unknown([](Recording& recording) { recording.Fail("GetDeviceCaps", D3DERR_NOTAVAILABLE); });
     EXPECT_FALSE(unknown->HardwareVertexProcessing()) << "the adapter does not say what it can";

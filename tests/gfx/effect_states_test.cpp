@@ -1,7 +1,5 @@
 // What is set while shader effects are begun stands when they have ended, whatever they changed and however they ended.
 
-#include <cstring>
-#include <map>
 #include <random>
 
 #include "gfx/gfx.h"
@@ -9,21 +7,22 @@
 #include "gfx/textures/texture.h"
 #include "platform/d3dx/d3dx_math.h"
 #include "scene/light.h"
+#include "tests/support/held_states.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {
 namespace {
 
-constexpr const char* kStates =
-    "CullMode = %; AlphaBlendEnable = TRUE; SrcBlend = ONE; DestBlend = %; ZEnable = FALSE; ZWriteEnable = FALSE;"
+const std::string kStates =
+    "AlphaBlendEnable = TRUE; SrcBlend = ONE; ZEnable = FALSE; ZWriteEnable = FALSE;"
     "Lighting = FALSE; SpecularEnable = TRUE; FogEnable = TRUE; FogColor = 0x00112233; TextureFactor = 0x01020304;"
     "AlphaTestEnable = TRUE; AlphaRef = 9; Ambient = 0x00445566; PointSize = 5; MaterialPower = 3;"
     "MaterialDiffuse = {1, 0.5, 0.25, 1}; ColorOp[0] = ADD; AlphaOp[0] = ADD; ColorOp[1] = MODULATE;"
     "MinFilter[0] = POINT; AddressU[0] = CLAMP; Texture[0] = NULL; LightType[2] = POINT; LightEnable[2] = TRUE;"
     "LightEnable[1] = FALSE; WorldTransform[0] = <World>;";
 
-constexpr const char* kMatrix = "float4x4 World = {2,0,0,0, 0,2,0,0, 0,0,2,0, 0,0,0,1};";
+const std::string kMatrix = "float4x4 World = {2,0,0,0, 0,2,0,0, 0,0,2,0, 0,0,0,1};";
 
 /// Two devices that are told the same; one of them also draws with effects.
 class EffectStates : public TemporaryFolder {
@@ -36,20 +35,21 @@ class EffectStates : public TemporaryFolder {
         Side() {
             for (KRN_Texture& texture : textures) gfx->CreateTexture(&texture, 4, 4, 4, -1, 1);
             gfx->CreateVertexList(&list, 3, 0, false);
+            light.off = false;
+            light.record.Type = D3DLIGHT_POINT;
             gfx->BeginScene();
         }
         ~Side() { gfx->EndScene(); }
     };
 
     EffectStates() {
-        const char* const targets[] = {"", "< string RenderTarget = \"ScreenBuffer1\"; >"};
-        const char* const values[] = {"CW", "SRCALPHA", "NONE", "INVSRCALPHA"};
-        for (int i = 0; i < 2; ++i) {
-            std::string states = kStates;
-            for (int value = 0; value < 2; ++value) states.replace(states.find('%'), 1, values[2 * i + value]);
+        constexpr const char* kOwn[2][3] = {{"", "CW", "SRCALPHA"},
+                                            {"< string RenderTarget = \"ScreenBuffer1\"; >", "NONE", "INVSRCALPHA"}};
+        for (int i = 0; const auto& [target, culling, blend] : kOwn) {
             const std::string name = std::to_string(i) + ".fx";
-            WriteFile(name, std::string(kMatrix) + "technique { pass " + targets[i] + " { " + states + " } pass { } }");
-            with_.gfx->LoadShaderEffect(effects_[i], name.c_str(), true, 0, false);
+            WriteFile(name, kMatrix + "technique { pass " + target + " { CullMode = " + culling +
+                                "; DestBlend = " + blend + ";" + kStates + " } pass { } }");
+            with_.gfx->LoadShaderEffect(effects_[i++], name.c_str(), true, 0, false);
         }
     }
 
@@ -63,10 +63,9 @@ class EffectStates : public TemporaryFolder {
         const bool on = n % 2 != 0;
         const D3DCOLOR colour = n * 0x010305u;
         D3DMATERIAL9 material = {};
-        material.Power = static_cast<float>(small);
+        material.Power = side.light.record.Range = static_cast<float>(small);
         D3DXMATRIX matrix;
         D3DXMatrixScaling(&matrix, static_cast<float>(1 + small), 1, 1);
-        const float z = static_cast<float>(small);
         switch (what) {
             case 0: gfx.SetCullingMode(small - 1); break;
             case 1: gfx.SetBlendingMode(small == 0 ? 1 : small == 1 ? 7 : 3, 100 + small, 0); break;
@@ -84,12 +83,7 @@ class EffectStates : public TemporaryFolder {
             case 13: gfx.SetTextureFilter(1 + static_cast<int>(n % 9), 0); break;
             case 14: gfx.SetRenderSource(1 + small, 0, colour); break;
             case 15: gfx.SetLightEnable(small, on); break;
-            case 16:
-                side.light.off = false;
-                side.light.record.Type = D3DLIGHT_POINT;
-                side.light.record.Range = z;
-                gfx.SetLight(small, side.light, 0, false);
-                break;
+            case 16: gfx.SetLight(small, side.light, 0, false); break;
             case 17: gfx.SetFillMode(2 + static_cast<int>(n % 2), nullptr); break;
             default: gfx.DrawTriangleList(side.list, 0, 1); break;
         }
@@ -98,85 +92,32 @@ class EffectStates : public TemporaryFolder {
 
     /// Begins, goes on with, ends or interrupts an effect of the one device.
     void Draw(unsigned what) {
-        KRN_ShaderEffect& effect = effects_[open_.empty() ? what / 8 % 2 : open_.back()];
-        switch (what % 8) {
-            case 0:
-            case 1: {   // one inside of the other, if one is begun
-                const std::size_t next = open_.empty() ? what / 8 % 2 : 1 - open_.back();
-                if (open_.size() == 2) break;
-                effects_[next].Begin();
-                open_.push_back(next);
-                break;
-            }
-            case 2:
-            case 3:
-                if (!open_.empty() && !effect.InPass()) effect.BeginPass(static_cast<int>(what / 16 % 2));
-                break;
-            case 4:
-                if (!open_.empty() && effect.InPass()) effect.EndPass();
-                break;
-            case 5:
-                if (open_.empty()) break;
-                effect.End();
-                open_.pop_back();
-                break;
-            case 6:
-                if (open_.empty()) break;
-                effect.Abandon();
-                open_.pop_back();
-                break;
-            default:
-                if (!open_.empty()) break;
-                with_.gfx->SetShaderEffect(&effect);
-                if (what / 16 % 2) with_.gfx.recording.Fail("DrawPrimitive", E_FAIL, 1 + what / 32 % 2);
-                ErrorOf([&] { with_.gfx->DrawTriangleList(with_.list, 0, 1); });
-                with_.gfx->SetShaderEffect(nullptr);
-                without_.gfx->DrawTriangleList(without_.list, 0, 1);
+        const unsigned act = what % 8;
+        const bool begun = !open_.empty();
+        const std::size_t chosen = begun ? open_.back() : what / 8 % 2;
+        KRN_ShaderEffect& effect = effects_[chosen];
+        if (act < 2 && open_.size() < 2) {   // one inside of the other, if one is begun
+            open_.push_back(begun ? 1 - chosen : chosen);
+            effects_[open_.back()].Begin();
+        } else if ((act == 2 || act == 3) && begun && !effect.InPass()) {
+            effect.BeginPass(static_cast<int>(what / 16 % 2));
+        } else if (act == 4 && begun && effect.InPass()) {
+            effect.EndPass();
+        } else if ((act == 5 || act == 6) && begun) {
+            act == 5 ? effect.End() : effect.Abandon();
+            open_.pop_back();
+        } else if (act == 7 && !begun) {
+            with_.gfx->SetShaderEffect(&effect);
+            if (what / 16 % 2) with_.gfx.recording.Fail("DrawPrimitive", E_FAIL, 1 + what / 32 % 2);
+            ErrorOf([&] { with_.gfx->DrawTriangleList(with_.list, 0, 1); });
+            with_.gfx->SetShaderEffect(nullptr);
+            without_.gfx->DrawTriangleList(without_.list, 0, 1);
         }
     }
 
-    /// What a device holds, each value under its name.
-    static std::map<std::string, std::vector<DWORD>> HeldBy(Side& side) {
-        IDirect3DDevice9& device = *side.gfx->Device();
-        std::map<std::string, std::vector<DWORD>> held;
-        const auto take = [&](const char* name, DWORD unit, DWORD state, const auto& value) {
-            std::vector<DWORD>& words = held[name + std::to_string(unit) + "." + std::to_string(state)];
-            words.resize(sizeof value / sizeof(DWORD));
-            std::memcpy(words.data(), &value, sizeof value);
-        };
-        DWORD value = 0;
-        for (DWORD i = 0; i < kRenderStateCount; ++i)
-            if (SUCCEEDED(device.GetRenderState(D3DRENDERSTATETYPE(i), &value))) take("render", 0, i, value);
-        for (DWORD unit = 0; unit < 3; ++unit) {
-            for (DWORD i = 0; i < kStageStateCount; ++i)
-                if (SUCCEEDED(device.GetTextureStageState(unit, D3DTEXTURESTAGESTATETYPE(i), &value)))
-                    take("stage", unit, i, value);
-            for (DWORD i = 0; i < kSamplerStateCount; ++i)
-                if (SUCCEEDED(device.GetSamplerState(unit, D3DSAMPLERSTATETYPE(i), &value)))
-                    take("sampler", unit, i, value);
-            BOOL on = FALSE;
-            D3DLIGHT9 light = {};
-            DevicePtr<IDirect3DTexture9> bound;
-            device.GetLightEnable(unit, &on);
-            device.GetLight(unit, &light);
-            device.GetTexture(unit, bound.Receive());
-            take("light on", unit, 0, on);
-            take("light", unit, 0, light);
-            take("texture", unit, 0, !bound ? 0 : bound.Get() == side.textures[0].DeviceTexture() ? 1 : 2);
-        }
-        D3DMATRIX matrix = {};
-        for (const D3DTRANSFORMSTATETYPE kind : {D3DTS_WORLD, D3DTS_VIEW, D3DTS_PROJECTION}) {
-            device.GetTransform(kind, &matrix);
-            take("transform", 0, kind, matrix);
-        }
-        D3DMATERIAL9 material = {};
-        device.GetMaterial(&material);
-        take("material", 0, 0, material);
-        D3DVIEWPORT9 viewport = {};
-        device.GetViewport(&viewport);
-        EXPECT_EQ(viewport, side.gfx->Viewport());
+    static std::vector<DWORD> HeldBy(Side& side) {
         side.gfx.recording.ForgetCalls();
-        return held;
+        return HeldStates(*side.gfx->Device(), {side.textures[0].DeviceTexture(), side.textures[1].DeviceTexture()});
     }
 
     Side with_, without_;

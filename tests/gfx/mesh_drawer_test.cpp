@@ -88,29 +88,25 @@ TEST(DrawMesh, AMeshOutOfViewIsNotDrawn) {
 
 TEST(DrawMesh, WhatStandsInForTheMaterialsColours) {
     DrawnMesh t(1);
-    const D3DCOLOR colour = 0x80FF3300;
+    const D3DCOLOR kColour = 0x80FF3300;
     const D3DCOLORVALUE red = {1, 0.2f, 0, 128 / 255.0f}, grey = {0.9f, 0.9f, 0.9f, 1}, black = {0, 0, 0, 1};
     const D3DMATERIAL9 given = {{0.1f, 0.2f, 0.3f, 0.4f}, {0.5f, 0.6f, 0.7f, 0.8f}, black, black, 3};
-    const struct {
-        const char* name;
-        bool lighting;
-        const D3DCOLOR* colour;
-        const D3DMATERIAL9* material;
-        D3DCOLORVALUE diffuse, ambient, emissive;
-    } kRows[] = {{"nothing", true, nullptr, nullptr, grey, grey, black},
-                 {"a material", true, nullptr, &given, given.Diffuse, given.Ambient, black},
-                 {"a colour", true, &colour, nullptr, red, red, black},
-                 {"an unlit colour", false, &colour, &given, {0, 0, 0, red.a}, black, red}};
-    for (const auto& row : kRows) {
-        t.gfx->SetLighting(row.lighting, nullptr);
-        t.gfx->SetColourOverride(row.colour);
-        t.gfx->DrawMesh(&t.mesh, nullptr, row.material);
-        const D3DMATERIAL9& material = t.gfx->Material();
-        EXPECT_EQ(material.Diffuse, row.diffuse) << row.name;
-        EXPECT_EQ(material.Ambient, row.ambient) << row.name;
-        EXPECT_EQ(material.Emissive, row.emissive) << row.name;
-        EXPECT_EQ(t.gfx->Lighting(), row.lighting) << row.name;
-        EXPECT_TRUE(t.gfx.recording.Draws().back().render_states.at(D3DRS_LIGHTING)) << row.name;
+    const std::tuple<const char*, bool, const D3DCOLOR*, const D3DMATERIAL9*, D3DCOLORVALUE, D3DCOLORVALUE,
+                     D3DCOLORVALUE>
+        kRows[] = {{"nothing", true, nullptr, nullptr, grey, grey, black},
+                   {"a material", true, nullptr, &given, given.Diffuse, given.Ambient, black},
+                   {"a colour", true, &kColour, nullptr, red, red, black},
+                   {"an unlit colour", false, &kColour, &given, {0, 0, 0, red.a}, black, red}};
+    for (const auto& [name, lighting, colour, material, diffuse, ambient, emissive] : kRows) {
+        t.gfx->SetLighting(lighting, nullptr);
+        t.gfx->SetColourOverride(colour);
+        t.gfx->DrawMesh(&t.mesh, nullptr, material);
+        const D3DMATERIAL9& used = t.gfx->Material();
+        EXPECT_EQ(used.Diffuse, diffuse) << name;
+        EXPECT_EQ(used.Ambient, ambient) << name;
+        EXPECT_EQ(used.Emissive, emissive) << name;
+        EXPECT_EQ(t.gfx->Lighting(), lighting) << name;
+        EXPECT_TRUE(t.gfx.recording.Draws().back().render_states.at(D3DRS_LIGHTING)) << name;
     }
 }
 
@@ -296,7 +292,7 @@ TEST(DrawScene, DrawsWhatIsVisibleInItsOrderAndLeavesTheStates) {
 
 TEST(DeviceMesh, OptionsChooseThePools) {
     // clang-format off
-    constexpr struct { const char* name; bool system_memory; std::size_t bones; DWORD extra, usage, pool; } kRows[] = {
+    constexpr std::tuple<const char*, bool, std::size_t, DWORD, DWORD, DWORD> kRows[] = {
         {"managed", false, 0, 0, 0, D3DPOOL_MANAGED},
         {"no extra options", false, 0, static_cast<DWORD>(-1), 0, D3DPOOL_MANAGED},
         {"write only", false, 0, D3DXMESH_WRITEONLY, D3DUSAGE_WRITEONLY, D3DPOOL_MANAGED},
@@ -306,20 +302,20 @@ TEST(DeviceMesh, OptionsChooseThePools) {
         {"too many bones", false, 5, D3DXMESH_DYNAMIC, D3DUSAGE_SOFTWAREPROCESSING, D3DPOOL_SYSTEMMEM},
     };
     // clang-format on
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, system_memory, bones, extra, usage, pool] : kRows) {
+        SCOPED_TRACE(name);
         RecordedGfx gfx(RecordedGfx::State::Constructed);
         gfx.recording.caps.MaxVertexBlendMatrixIndex = 4;
         gfx.Init();
         KRN_Mesh mesh;
-        mesh.CreateGeometry({.faces = 4, .vertices = 6, .format = 0x112, .system_memory = row.system_memory});
-        mesh.bones.resize(row.bones);
-        gfx->CreateMesh(mesh, row.extra);
+        mesh.CreateGeometry({.faces = 4, .vertices = 6, .format = 0x112, .system_memory = system_memory});
+        mesh.bones.resize(bones);
+        gfx->CreateMesh(mesh, extra);
         EXPECT_EQ(gfx.recording.ArgumentsOf("CreateVertexBuffer").at(0),
-                  (std::vector<DWORD>{6 * 32, row.usage, 0x112, row.pool}));
+                  (std::vector<DWORD>{6 * 32, usage, 0x112, pool}));
         EXPECT_EQ(gfx.recording.ArgumentsOf("CreateIndexBuffer").at(0),
-                  (std::vector<DWORD>{4 * 6, row.usage, D3DFMT_INDEX16, row.pool}));
-        EXPECT_EQ(static_cast<DeviceMesh&>(*mesh.Geometry()->device).software_processing, row.bones > 4);
+                  (std::vector<DWORD>{4 * 6, usage, D3DFMT_INDEX16, pool}));
+        EXPECT_EQ(static_cast<DeviceMesh&>(*mesh.Geometry()->device).software_processing, bones > 4);
         mesh.Clear();
     }
 }

@@ -235,13 +235,12 @@ TEST_F(ScreenBufferTest, AnnotationsNameThePassesTargets) {
         EXPECT_EQ(pass.index, index) << annotations;
         EXPECT_EQ(pass.init_pass, init) << annotations;
     }
-    const struct {
-        const char* name;
-        int limit;
-    } too_many[] = {{"ScreenBuffer3", 2}, {"ScreenBuffer9e9", 2}, {"ScreenQuarterBuffer4", 3}};
-    for (const auto& row : too_many) {
-        EXPECT_EQ(ErrorOf([&] { LoadPasses(effect, {std::string("string RenderTarget = \"") + row.name + "\";"}); }),
-                  "KRN_Gfx: Not more than " + std::to_string(row.limit) + " ScreenBuffer supported");
+    const std::tuple<const char*, int> too_many[] = {
+        {"ScreenBuffer3", 2}, {"ScreenBuffer9e9", 2}, {"ScreenQuarterBuffer4", 3}};
+    for (const auto& [name, limit] : too_many) {
+        const std::string target = std::string("string RenderTarget = \"") + name + "\";";
+        EXPECT_EQ(ErrorOf([&] { LoadPasses(effect, {target}); }),
+                  "KRN_Gfx: Not more than " + std::to_string(limit) + " ScreenBuffer supported");
         EXPECT_FALSE(effect.IsValid());
     }
 }

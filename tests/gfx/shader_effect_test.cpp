@@ -21,33 +21,37 @@ constexpr const char* kOneTechnique = "technique { pass { VertexShader = compile
 
 class ShaderEffectTest : public TemporaryFolder {
   protected:
-    bool LoadText(KRN_ShaderEffect& effect, const std::string& text) {
+    bool Load(KRN_ShaderEffect& effect, const std::string& text) {
         WriteFile("t.fx", text);
         return gfx_->LoadShaderEffect(effect, "t.fx", true, 0, true);
     }
+    void LoadText(const std::string& text) { ASSERT_TRUE(Load(effect_, text)); }
 
-    static float FloatOf(KRN_ShaderEffect& effect, const char* semantic) {
+    float FloatOf(const char* semantic) {
         float value = -1;
-        effect.Effect()->GetFloat(effect.ParameterBySemantic(semantic), &value);
+        effect_.Effect()->GetFloat(effect_.ParameterBySemantic(semantic), &value);
         return value;
     }
-    static D3DXVECTOR4 VectorOf(KRN_ShaderEffect& effect, const char* semantic) {
+    D3DXVECTOR4 VectorOf(const char* semantic) {
         D3DXVECTOR4 value;
-        effect.Effect()->GetVector(effect.ParameterBySemantic(semantic), &value);
+        effect_.Effect()->GetVector(effect_.ParameterBySemantic(semantic), &value);
         return value;
+    }
+    /// Does it in the first pass.
+    template <class Action>
+    void InPass(Action action) {
+        effect_.Begin();
+        effect_.BeginPass(0);
+        action();
+        effect_.EndPass();
+        effect_.End();
     }
     /// The block of globals that the first pass sends, as floats.
-    std::vector<float> SentGlobals(KRN_ShaderEffect& effect) {
-        effect.Begin();
-        effect.BeginPass(0);
+    std::vector<float> SentGlobals() {
+        InPass([] {});
         std::vector<float> values;
-        for (const RecordedCall& call : gfx_.recording.Calls()) {
-            if (call.method != "SetVertexShaderGlobals") continue;
-            values.clear();
-            for (const DWORD word : call.arguments) values.push_back(std::bit_cast<float>(word));
-        }
-        effect.EndPass();
-        effect.End();
+        const auto blocks = gfx_.recording.ArgumentsOf("SetVertexShaderGlobals");
+        for (const DWORD word : blocks.back()) values.push_back(std::bit_cast<float>(word));
         return values;
     }
 
@@ -79,6 +83,7 @@ class ShaderEffectTest : public TemporaryFolder {
     }
 
     RecordedGfx gfx_;
+    KRN_ShaderEffect effect_;
 };
 
 TEST_F(ShaderEffectTest, ASecondLoadSharesWithoutCompiling) {
@@ -147,33 +152,28 @@ TEST_F(ShaderEffectTest, CompileFailuresCarryTheCompilersText) {
 TEST_F(ShaderEffectTest, TheFirstTechniqueThatValidatesIsChosen) {
     const std::string bad = "technique { pass { VertexShader = compile vs_4_0 V(); } }\n";
     const std::string start = std::string("#define USE p\n") + kVertexFunction;
-    const struct {
-        std::string techniques;
-        int chosen;
-        bool valid;
-    } rows[] = {{bad + kOneTechnique + kOneTechnique, 1, true}, {bad + bad + bad, 2, false}, {"", -1, false}};
-    for (const auto& row : rows) {
+    const std::tuple<std::string, int, bool> rows[] = {
+        {bad + kOneTechnique + kOneTechnique, 1, true}, {bad + bad + bad, 2, false}, {"", -1, false}};
+    for (const auto& [techniques, chosen, valid] : rows) {
         const Reports reports;
         KRN_ShaderEffect effect;
-        EXPECT_TRUE(LoadText(effect, start + row.techniques));
-        EXPECT_EQ(effect.Technique(), row.chosen);
-        EXPECT_EQ(effect.IsValid(), row.valid);
-        EXPECT_EQ(effect.SelectTechnique(), row.valid);   // the chosen one, checked again
-        EXPECT_EQ(reports.Last(),
-                  row.valid ? "" : "warning KRN_Gfx: Shader could not be validated for this GPU: 't.fx'");
+        EXPECT_TRUE(Load(effect, start + techniques));
+        EXPECT_EQ(effect.Technique(), chosen);
+        EXPECT_EQ(effect.IsValid(), valid);
+        EXPECT_EQ(effect.SelectTechnique(), valid);   // the chosen one, checked again
+        EXPECT_EQ(reports.Last(), valid ? "" : "warning KRN_Gfx: Shader could not be validated for this GPU: 't.fx'");
         std::filesystem::remove("t.fx");
         gfx_->SetShaderEffect(&effect);
-        EXPECT_EQ(gfx_->EffectForDraw(), row.valid ? &effect : nullptr);
+        EXPECT_EQ(gfx_->EffectForDraw(), valid ? &effect : nullptr);
         gfx_->SetShaderEffect(nullptr);
     }
 }
 
 TEST_F(ShaderEffectTest, OwnTextureCoordinatesAreSetForSixStages) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect, "technique { pass { } }"));
-    effect.SetOwnTextureCoordinates(true);
+    LoadText("technique { pass { } }");
+    effect_.SetOwnTextureCoordinates(true);
     gfx_.recording.ForgetCalls();
-    EXPECT_TRUE(effect.SelectTechnique());
+    EXPECT_TRUE(effect_.SelectTechnique());
     for (DWORD stage = 0; stage < 8; ++stage)
         EXPECT_EQ(gfx_.recording.Sent(stage, D3DTSS_TEXCOORDINDEX),
                   stage < 6 ? std::vector<DWORD>{stage} : std::vector<DWORD>());
@@ -208,10 +208,9 @@ TEST_F(ShaderEffectTest, MatricesAreFilledBySemantic) {
         text += std::string("float4x4 M") + semantic + " : " + semantic + ";\n";
         sum += std::string(" + mul(p, M") + semantic + ")";
     }
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect, "#define USE " + sum + "\n" + text + kVertexFunction + kOneTechnique));
-    effect.ApplyFrameSemantics();
-    const std::vector<float> sent = SentGlobals(effect);
+    LoadText("#define USE " + sum + "\n" + text + kVertexFunction + kOneTechnique);
+    effect_.ApplyFrameSemantics();
+    const std::vector<float> sent = SentGlobals();
     ASSERT_EQ(sent.size(), 16 * std::size(rows));
     for (std::size_t i = 0; i < sent.size(); ++i) {
         const auto& [semantic, value] = rows[i / 16];
@@ -220,11 +219,10 @@ TEST_F(ShaderEffectTest, MatricesAreFilledBySemantic) {
 }
 
 TEST_F(ShaderEffectTest, TimesFogAndViewportAreFilled) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect,
-                         "float a : TIME; float b : GAMETIME; float c : ELAPSEDTIME; float d : RANDOM;"
-                         "float4 e : FOGSTARTEND; float4 f : InvViewPortDim; float4 g : VIEWPOSITION;"
-                         "technique { pass { } }"));
+    LoadText(
+        "float a : TIME; float b : GAMETIME; float c : ELAPSEDTIME; float d : RANDOM;"
+        "float4 e : FOGSTARTEND; float4 f : InvViewPortDim; float4 g : VIEWPOSITION;"
+        "technique { pass { } }");
     FogSettings fog;
     fog.start = 2.5f;
     fog.end = 30;
@@ -232,47 +230,46 @@ TEST_F(ShaderEffectTest, TimesFogAndViewportAreFilled) {
     gfx_->SetViewPort(0, 0, 200, 50, 0, 1);
     gfx_->SetTransform(D3DTS_VIEW, kView);
     FakeEnvironment::now += 12.5;
-    effect.ApplyFrameSemantics();
-    EXPECT_EQ(FloatOf(effect, "time"), 12.5f);
-    EXPECT_EQ(FloatOf(effect, "gametime"), 12.5f);
-    EXPECT_EQ(FloatOf(effect, "elapsedtime"), 0.0f);   // no frame was presented yet
-    EXPECT_EQ(VectorOf(effect, "fogstartend"), (D3DXVECTOR4{2.5f, 30, 0, 0}));
-    EXPECT_EQ(VectorOf(effect, "invviewportdim"), (D3DXVECTOR4{1 / 200.0f, 1 / 50.0f, 0, 0}));
-    EXPECT_EQ(VectorOf(effect, "viewposition"), (D3DXVECTOR4{2, 3, -8, 1}));
-    const float random = FloatOf(effect, "random");
+    effect_.ApplyFrameSemantics();
+    EXPECT_EQ(FloatOf("time"), 12.5f);
+    EXPECT_EQ(FloatOf("gametime"), 12.5f);
+    EXPECT_EQ(FloatOf("elapsedtime"), 0.0f);   // no frame was presented yet
+    EXPECT_EQ(VectorOf("fogstartend"), (D3DXVECTOR4{2.5f, 30, 0, 0}));
+    EXPECT_EQ(VectorOf("invviewportdim"), (D3DXVECTOR4{1 / 200.0f, 1 / 50.0f, 0, 0}));
+    EXPECT_EQ(VectorOf("viewposition"), (D3DXVECTOR4{2, 3, -8, 1}));
+    const float random = FloatOf("random");
     EXPECT_TRUE(random >= 0 && random <= 1);
 
     gfx_->SetGameTimeSource([] { return 77.5f; });
     gfx_->SetFrameCache(true);
-    effect.ApplyFrameSemantics();
-    EXPECT_EQ(FloatOf(effect, "gametime"), 12.5f);   // filled in this frame already
+    effect_.ApplyFrameSemantics();
+    EXPECT_EQ(FloatOf("gametime"), 12.5f);   // filled in this frame already
     gfx_->PresentFrame();
-    effect.ApplyFrameSemantics();
-    EXPECT_EQ(FloatOf(effect, "gametime"), 77.5f);
-    EXPECT_NE(FloatOf(effect, "random"), random);
+    effect_.ApplyFrameSemantics();
+    EXPECT_EQ(FloatOf("gametime"), 77.5f);
+    EXPECT_NE(FloatOf("random"), random);
 }
 
 TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect,
-                         "int a : NumDirectionalLights; int b : NumOmniLights; float4 c : AmbientColor;"
-                         "float4 d[6] : OmniLightPosition; float4 e[2] : DirectionalLightDirection;"
-                         "float4 f[6] : OmniLightAttenuation; float4 g[2] : DirectionalLightDiffCol;"
-                         "float4 h[2] : DirectionalLightSpecCol; float4 k[6] : OmniLightDiffCol;"
-                         "float4 l[6] : OmniLightSpecCol; float4 m[6] : OmniLightAmbiCol;\n"
-                         "#define USE d[0] + e[0] + f[0] + g[0] + h[0] + k[0] + l[0] + m[0]\n" +
-                             std::string(kVertexFunction) + kOneTechnique));
+    LoadText(
+        "int a : NumDirectionalLights; int b : NumOmniLights; float4 c : AmbientColor;"
+        "float4 d[6] : OmniLightPosition; float4 e[2] : DirectionalLightDirection;"
+        "float4 f[6] : OmniLightAttenuation; float4 g[2] : DirectionalLightDiffCol;"
+        "float4 h[2] : DirectionalLightSpecCol; float4 k[6] : OmniLightDiffCol;"
+        "float4 l[6] : OmniLightSpecCol; float4 m[6] : OmniLightAmbiCol;\n"
+        "#define USE d[0] + e[0] + f[0] + g[0] + h[0] + k[0] + l[0] + m[0]\n" +
+        std::string(kVertexFunction) + kOneTechnique);
     SetLights();
     gfx_->SetAmbient(0x00330066);
-    effect.ApplyLightSemantics();
-    EXPECT_EQ(FloatOf(effect, "NumDirectionalLights"), 2.0f);
-    EXPECT_EQ(FloatOf(effect, "NumOmniLights"), 4.0f);
-    const D3DXVECTOR4 ambient = VectorOf(effect, "AmbientColor");   // the third directional light adds nothing
+    effect_.ApplyLightSemantics();
+    EXPECT_EQ(FloatOf("NumDirectionalLights"), 2.0f);
+    EXPECT_EQ(FloatOf("NumOmniLights"), 4.0f);
+    const D3DXVECTOR4 ambient = VectorOf("AmbientColor");   // the third directional light adds nothing
     EXPECT_NEAR(ambient.x, 0.2f + 0.25f, 1e-6f);
     EXPECT_EQ(ambient.y, 0.0f);
     EXPECT_NEAR(ambient.z, 0.4f + 0.5f, 1e-6f);
     EXPECT_EQ(ambient.w, 1.0f);
-    const std::vector<float> sent = SentGlobals(effect);   // a, b, padding, c, then the arrays
+    const std::vector<float> sent = SentGlobals();   // a, b, padding, c, then the arrays
     const auto vector = [&](std::size_t index) {
         const float* v = &sent.at(index * 4);
         return D3DXVECTOR4{v[0], v[1], v[2], v[3]};
@@ -298,25 +295,23 @@ TEST_F(ShaderEffectTest, LightsAreScannedInSlotOrder) {
 }
 
 TEST_F(ShaderEffectTest, WithoutLightingTheColourThatStandsInIsTheAmbientOne) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect, "int a : NumOmniLights; float4 b : AmbientColor; technique { pass { } }"));
+    LoadText("int a : NumOmniLights; float4 b : AmbientColor; technique { pass { } }");
     SetLights();
     const D3DCOLOR unlit = 0x00FF8040;
     gfx_->SetLighting(false, &unlit);
     for (int i = 0; i < 8; ++i) gfx_->SetLightEnable(i, i != 1 && i != 4 && i != 6);
-    effect.ApplyLightSemantics();
-    EXPECT_EQ(FloatOf(effect, "NumOmniLights"), 5.0f);
-    EXPECT_NEAR(VectorOf(effect, "AmbientColor").y, 128 / 255.0f, 1e-6f);
+    effect_.ApplyLightSemantics();
+    EXPECT_EQ(FloatOf("NumOmniLights"), 5.0f);
+    EXPECT_NEAR(VectorOf("AmbientColor").y, 128 / 255.0f, 1e-6f);
 }
 
 TEST_F(ShaderEffectTest, MapsAreThoseBoundToTheStages) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect,
-                         "texture a : DIFFUSEMAP; texture b : NORMALMAP; texture c : REFLECTIONMAP;"
-                         "int d : REFLECTIONMAPTYPE; float e : Opacity; float4x4 f : TextureMatrix;"
-                         "float4x4 g : TransformReflectionMap;"
-                         "technique { pass { Texture[4] = <a>; Texture[5] = <b>; Texture[6] = <c>;"
-                         "TextureTransform[4] = <f>; TextureTransform[6] = <g>; } }"));
+    LoadText(
+        "texture a : DIFFUSEMAP; texture b : NORMALMAP; texture c : REFLECTIONMAP;"
+        "int d : REFLECTIONMAPTYPE; float e : Opacity; float4x4 f : TextureMatrix;"
+        "float4x4 g : TransformReflectionMap;"
+        "technique { pass { Texture[4] = <a>; Texture[5] = <b>; Texture[6] = <c>;"
+        "TextureTransform[4] = <f>; TextureTransform[6] = <g>; } }");
     KRN_Texture plain, layered;
     gfx_->CreateTexture(&plain, 4, 4, 4, -1, 1);
     constexpr MapKind kKinds[] = {MapKind::Reflection, MapKind::Diffuse};
@@ -329,62 +324,52 @@ TEST_F(ShaderEffectTest, MapsAreThoseBoundToTheStages) {
         layered.SetLayerMatrix(layer, values);
     }
     gfx_->SetBlendingMode(7, 51, 0);
-    const struct {
-        KRN_Texture* texture;
-        IDirect3DTexture9 *diffuse, *reflection;
-        float kind;
-        D3DXMATRIX texture_matrix, reflection_matrix;
-    } rows[] = {
+    const std::tuple<KRN_Texture*, IDirect3DTexture9*, IDirect3DTexture9*, float, D3DXMATRIX, D3DXMATRIX> rows[] = {
         {&plain, plain.DeviceTexture(), nullptr, 0, kIdentityMatrix, kIdentityMatrix},
         {&layered, layered.LayerTexture(1), layered.LayerTexture(0), 3, layered.LayerMatrix(1), layered.LayerMatrix(0)},
         {nullptr, nullptr, nullptr, 0, kIdentityMatrix, kIdentityMatrix},
     };
-    for (const auto& row : rows) {
-        gfx_->SetTexture(row.texture, -1);
-        effect.ApplyMaterialSemantics();
-        EXPECT_EQ(FloatOf(effect, "Opacity"), 0.2f);
-        EXPECT_EQ(FloatOf(effect, "REFLECTIONMAPTYPE"), row.kind);
-        effect.Begin();
-        effect.BeginPass(0);
-        IDirect3DTexture9* const expected[] = {row.diffuse, nullptr, row.reflection};
-        for (DWORD i = 0; i < 3; ++i) {
-            EXPECT_EQ(Bound(4 + i), expected[i]) << i;
-        }
-        D3DXMATRIX matrix;
-        gfx_->Device()->GetTransform(D3DTS_TEXTUREn(4), &matrix);
-        EXPECT_EQ(matrix, row.texture_matrix);
-        gfx_->Device()->GetTransform(D3DTS_TEXTUREn(6), &matrix);
-        EXPECT_EQ(matrix, row.reflection_matrix);
-        effect.EndPass();
-        effect.End();
+    for (const auto& [texture, diffuse, reflection, kind, texture_matrix, reflection_matrix] : rows) {
+        gfx_->SetTexture(texture, -1);
+        effect_.ApplyMaterialSemantics();
+        EXPECT_EQ(FloatOf("Opacity"), 0.2f);
+        EXPECT_EQ(FloatOf("REFLECTIONMAPTYPE"), kind);
+        IDirect3DTexture9* const bound[] = {diffuse, nullptr, reflection};
+        const D3DXMATRIX matrices[] = {texture_matrix, kIdentityMatrix, reflection_matrix};
+        InPass([&] {
+            for (DWORD i = 0; i < 3; ++i) {
+                D3DXMATRIX matrix;
+                gfx_->Device()->GetTransform(D3DTS_TEXTUREn(4 + i), &matrix);
+                EXPECT_EQ(Bound(4 + i), bound[i]) << i;
+                EXPECT_EQ(matrix, matrices[i]) << i;
+            }
+        });
     }
 }
 
 TEST_F(ShaderEffectTest, BonesAreCutToTheRoomOfTheDevice) {
     gfx_.recording.caps.MaxVertexBlendMatrixIndex = 1;
     gfx_.Init();
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect,
-                         "float4x4 m[3] : WORLDMATRIXARRAY; float n : NUMBLENDWEIGHTS;\n"
-                         "#define USE mul(p, m[0]) + mul(p, m[1]) + mul(p, m[2]) * n\n" +
-                             std::string(kVertexFunction) + kOneTechnique));
+    LoadText(
+        "float4x4 m[3] : WORLDMATRIXARRAY; float n : NUMBLENDWEIGHTS;\n"
+        "#define USE mul(p, m[0]) + mul(p, m[1]) + mul(p, m[2]) * n\n" +
+        std::string(kVertexFunction) + kOneTechnique);
     const D3DXMATRIX bones[] = {kWorld, kView, kProjection};
     gfx_->SetFrameCache(true);
-    effect.ApplyObjectSemantics(3, bones);
-    effect.ApplyObjectSemantics(2, {});   // filled in this frame already
-    const std::vector<float> sent = SentGlobals(effect);
+    effect_.ApplyObjectSemantics(3, bones);
+    effect_.ApplyObjectSemantics(2, {});   // filled in this frame already
+    const std::vector<float> sent = SentGlobals();
     ASSERT_GE(sent.size(), 49u);
     EXPECT_EQ(sent[3 * 4], kWorld.m[3][0]);
     EXPECT_EQ(sent[16 + 3 * 4], kView.m[3][0]);
     EXPECT_EQ(sent[32 + 3 * 4 + 2], 0.0f) << "no room for a third";
-    EXPECT_EQ(FloatOf(effect, "NUMBLENDWEIGHTS"), 3.0f);
+    EXPECT_EQ(FloatOf("NUMBLENDWEIGHTS"), 3.0f);
 }
 
 TEST_F(ShaderEffectTest, DrawersFillLightsObjectAndMaterial) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect,
-                         "float4 a : AmbientColor; float4 b : DiffuseMaterial; float4 c : EmissiveMaterial;"
-                         "float d : SpecularPower; float e : NUMBLENDWEIGHTS; technique { pass { } }"));
+    LoadText(
+        "float4 a : AmbientColor; float4 b : DiffuseMaterial; float4 c : EmissiveMaterial;"
+        "float d : SpecularPower; float e : NUMBLENDWEIGHTS; technique { pass { } }");
     D3DMATERIAL9 material = {};
     material.Diffuse = {0.1f, 0.2f, 0.3f, 0.4f};
     material.Emissive = {0.5f, 0.6f, 0.7f, 0.8f};
@@ -393,24 +378,23 @@ TEST_F(ShaderEffectTest, DrawersFillLightsObjectAndMaterial) {
     gfx_->SetMaterial(material);
     KRN_VertexList list(PrimitiveMode::PointList, D3DFVF_XYZB2 | D3DFVF_LASTBETA_UBYTE4);
     gfx_->CreateVertexList(&list, 1, 0, false);
-    list.SetEffect(&effect);
+    list.SetEffect(&effect_);
     gfx_->BeginScene();
     gfx_->DrawTriangleList(list, 0, -1);
-    EXPECT_EQ(VectorOf(effect, "AmbientColor").x, 1.0f);
-    EXPECT_EQ(VectorOf(effect, "DiffuseMaterial"), (D3DXVECTOR4{0.1f, 0.2f, 0.3f, 0.4f}));
-    EXPECT_EQ(VectorOf(effect, "EmissiveMaterial"), (D3DXVECTOR4{0.5f, 0.6f, 0.7f, 0.8f}));
-    EXPECT_EQ(FloatOf(effect, "SpecularPower"), 3.0f);
-    EXPECT_EQ(FloatOf(effect, "NUMBLENDWEIGHTS"), 2.0f);
+    EXPECT_EQ(VectorOf("AmbientColor").x, 1.0f);
+    EXPECT_EQ(VectorOf("DiffuseMaterial"), (D3DXVECTOR4{0.1f, 0.2f, 0.3f, 0.4f}));
+    EXPECT_EQ(VectorOf("EmissiveMaterial"), (D3DXVECTOR4{0.5f, 0.6f, 0.7f, 0.8f}));
+    EXPECT_EQ(FloatOf("SpecularPower"), 3.0f);
+    EXPECT_EQ(FloatOf("NUMBLENDWEIGHTS"), 2.0f);
 }
 
 TEST_F(ShaderEffectTest, ScreenDrawingHasAnEffectOfItsOwn) {
-    KRN_ShaderEffect effect;
     KRN_Texture texture;
-    ASSERT_TRUE(LoadText(effect, "technique { pass { } pass { } }"));
+    LoadText("technique { pass { } pass { } }");
     gfx_->CreateTexture(&texture, 4, 4, 4, -1, 1);
     gfx_->SetTexture2D(&texture);
     gfx_->BeginScene();
-    for (KRN_ShaderEffect* chosen : {&effect, static_cast<KRN_ShaderEffect*>(nullptr)}) {
+    for (KRN_ShaderEffect* chosen : {&effect_, static_cast<KRN_ShaderEffect*>(nullptr)}) {
         gfx_.recording.ForgetCalls();
         gfx_->SetShaderEffect2D(chosen);
         gfx_->DrawTexture2D({0, 0, 2, 2}, 0xFFFFFFFF, {0, 0, 0, 0});
@@ -421,7 +405,7 @@ TEST_F(ShaderEffectTest, ScreenDrawingHasAnEffectOfItsOwn) {
 TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
     KRN_ShaderEffect forced, override, current, own, skinning, invalid;
     for (KRN_ShaderEffect* effect : {&forced, &override, &current, &own, &skinning})
-        ASSERT_TRUE(LoadText(*effect, "technique { pass { } }"));
+        ASSERT_TRUE(Load(*effect, "technique { pass { } }"));
     constexpr auto kSkinned = ShaderEffectChoice::Processing::ShaderSkinning;
     ShaderEffectChoice choice;
     choice.Force(&forced);
@@ -444,8 +428,7 @@ TEST_F(ShaderEffectTest, TheFirstOfManyEffectsIsChosen) {
 }
 
 TEST_F(ShaderEffectTest, NumberedParametersComeBackAfterDrawing) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(LoadText(effect, "float a : fParam3 = 1.5; float4 b : vParam8 = {2, 3, 4, 5}; technique { pass { } }"));
+    LoadText("float a : fParam3 = 1.5; float4 b : vParam8 = {2, 3, 4, 5}; technique { pass { } }");
     KRN_ShaderEffect shared;
     ASSERT_TRUE(gfx_->LoadShaderEffect(shared, "t.fx", true, 0, true));
     EXPECT_FALSE(shared.SetNumberedParameter(2, 0.5f)) << "it has no fParam2";
@@ -453,44 +436,39 @@ TEST_F(ShaderEffectTest, NumberedParametersComeBackAfterDrawing) {
         EXPECT_EQ(ErrorOf([&] { shared.SetNumberedParameter(number, D3DXVECTOR4()); }),
                   "KRN_ShaderEffect: Invalid parameter number: " + std::to_string(number));
     for (const bool reapply : {false, true}) {
-        effect.SetReapplyDefaults(reapply);
-        effect.SetParameter(effect.ParameterBySemantic("fParam3"), 9.0f);
-        effect.SetParameter(effect.ParameterBySemantic("vParam8"), {6, 7, 8, 9});
-        effect.Begin();
-        effect.End();
-        EXPECT_EQ(FloatOf(effect, "fParam3"), reapply ? 1.5f : 9.0f);
-        EXPECT_EQ(VectorOf(effect, "vParam8"), reapply ? (D3DXVECTOR4{2, 3, 4, 5}) : (D3DXVECTOR4{6, 7, 8, 9}));
+        effect_.SetReapplyDefaults(reapply);
+        effect_.SetParameter(effect_.ParameterBySemantic("fParam3"), 9.0f);
+        effect_.SetParameter(effect_.ParameterBySemantic("vParam8"), {6, 7, 8, 9});
+        effect_.Begin();
+        effect_.End();
+        EXPECT_EQ(FloatOf("fParam3"), reapply ? 1.5f : 9.0f);
+        EXPECT_EQ(VectorOf("vParam8"), reapply ? (D3DXVECTOR4{2, 3, 4, 5}) : (D3DXVECTOR4{6, 7, 8, 9}));
     }
     EXPECT_TRUE(shared.SetNumberedParameter(3, 0.25f));
     EXPECT_TRUE(shared.SetNumberedParameter(8, D3DXVECTOR4{5, 4, 3, 2}));
-    EXPECT_EQ(FloatOf(effect, "fParam3"), 0.25f);
-    effect.SetParameter(effect.ParameterBySemantic("fParam3"), 9.0f);
-    effect.Begin();
-    effect.End();
-    EXPECT_EQ(FloatOf(effect, "fParam3"), 0.25f) << "the override, not the effect's own";
-    EXPECT_EQ(VectorOf(effect, "vParam8"), (D3DXVECTOR4{5, 4, 3, 2}));
+    EXPECT_EQ(FloatOf("fParam3"), 0.25f);
+    effect_.SetParameter(effect_.ParameterBySemantic("fParam3"), 9.0f);
+    effect_.Begin();
+    effect_.End();
+    EXPECT_EQ(FloatOf("fParam3"), 0.25f) << "the override, not the effect's own";
+    EXPECT_EQ(VectorOf("vParam8"), (D3DXVECTOR4{5, 4, 3, 2}));
 }
 
 TEST_F(ShaderEffectTest, ResourceTexturesComeFromTheCatalogue) {
-    KRN_ShaderEffect effect;
-    ASSERT_TRUE(
-        LoadText(effect,
-                 "texture a < string ResourceName = \"some\\pic~.tga\"; >; texture b < float ResourceName = 1; >;"
-                 "technique { pass { Texture[3] = <a>; } }"));
-    effect.ApplyFrameSemantics();
+    LoadText(
+        "texture a < string ResourceName = \"some\\pic~.tga\"; >; texture b < float ResourceName = 1; >;"
+        "technique { pass { Texture[3] = <a>; } }");
+    effect_.ApplyFrameSemantics();
     KRN_Texture* texture = gfx_->Catalogue().GetTexture("SOME\\PIC_.TGA_FX_");
     ASSERT_NE(texture, nullptr);   // a grey picture: there is no such file
-    effect.Begin();
-    effect.BeginPass(0);
-    EXPECT_EQ(Bound(3), texture->DeviceTexture());
-    effect.End();
+    InPass([&] { EXPECT_EQ(Bound(3), texture->DeviceTexture()); });
 }
 
 TEST_F(ShaderEffectTest, WhatTheEffectDoesNotTakeIsAnError) {
-    KRN_ShaderEffect effect, without_file;
-    ASSERT_TRUE(LoadText(effect, "texture t : T; int4 v : V; technique { pass { } }"));
+    KRN_ShaderEffect without_file;
+    LoadText("texture t : T; int4 v : V; technique { pass { } }");
     const D3DXVECTOR4 vector;
-    for (KRN_ShaderEffect* each : {&effect, &without_file}) {
+    for (KRN_ShaderEffect* each : {&effect_, &without_file}) {
         const D3DXHANDLE texture = each->ParameterBySemantic("T"), none = each->ParameterBySemantic("N");
         const std::function<void()> setters[] = {
             [&] { each->SetParameter(texture, 1.0f); },
@@ -503,11 +481,11 @@ TEST_F(ShaderEffectTest, WhatTheEffectDoesNotTakeIsAnError) {
         for (const auto& set : setters)
             EXPECT_EQ(ErrorOf(set), "KRN_ShaderEffect: Can not SetParameter :D3DERR_INVALIDCALL");
     }
-    effect.SetParameter(effect.ParameterBySemantic("V"), {4, -5, 6, 7});
-    EXPECT_EQ(VectorOf(effect, "V"), (D3DXVECTOR4{4, -5, 6, 7}));
-    effect.Begin();
-    EXPECT_EQ(ErrorOf([&] { effect.BeginPass(1); }), "KRN_ShaderEffect: BeginPass failed: D3DERR_INVALIDCALL");
-    effect.End();
+    effect_.SetParameter(effect_.ParameterBySemantic("V"), {4, -5, 6, 7});
+    EXPECT_EQ(VectorOf("V"), (D3DXVECTOR4{4, -5, 6, 7}));
+    effect_.Begin();
+    EXPECT_EQ(ErrorOf([&] { effect_.BeginPass(1); }), "KRN_ShaderEffect: BeginPass failed: D3DERR_INVALIDCALL");
+    effect_.End();
 }
 
 TEST(ShaderSearchList, TriesTheCompiledEffectFirst) {

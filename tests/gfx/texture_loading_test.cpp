@@ -227,30 +227,24 @@ TEST_F(TextureLoading, ChoosesSizeAndFilters) {
     WritePng("odd.png", 300, 200, 3);
     Settings().compression = true;
     Settings().sharing = false;
-    const struct {
-        const char* name;
-        int parameter, format, levels;
-        UINT width, height;
-        float shown_width;
-        std::size_t warnings;
-    } rows[] = {
+    const std::tuple<const char*, int, int, int, UINT, UINT, float, std::size_t> rows[] = {
         {"one level keeps the size", 0, -1, 1, 300, 200, 300, 0},
         {"compressed levels are stretched", 0, -1, 3, 512, 256, 512, 0},
         {"or surrounded", kLoadWithoutStretching, -1, 3, 512, 256, 300, 1},
         {"as many as there are", kLoadWithoutStretching, static_cast<int>(D3DFMT_DXT1), 0, 512, 256, 300, 1},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, parameter, format, levels, width, height, shown_width, warnings] : rows) {
         Reports reports;
-        Load("odd.png", row.parameter, row.format, row.levels);
-        EXPECT_EQ(Desc().Width, row.width) << row.name;
-        EXPECT_EQ(Desc().Height, row.height) << row.name;
-        EXPECT_EQ(Desc().Format, D3DFMT_DXT1) << row.name;
-        EXPECT_EQ(texture_.Width(), row.shown_width) << row.name;
+        Load("odd.png", parameter, format, levels);
+        EXPECT_EQ(Desc().Width, width) << name;
+        EXPECT_EQ(Desc().Height, height) << name;
+        EXPECT_EQ(Desc().Format, D3DFMT_DXT1) << name;
+        EXPECT_EQ(texture_.Width(), shown_width) << name;
         const std::string warning = "warning KRN_Gfx: Loading none-power of 2 texture 'odd.png' with options: ";
-        EXPECT_EQ(reports.All(), std::vector(row.warnings, warning + "mipmaps+noStretch+compressed")) << row.name;
+        EXPECT_EQ(reports.All(), std::vector(warnings, warning + "mipmaps+noStretch+compressed")) << name;
         RECT rectangle;
         texture_.GetRect(rectangle);
-        EXPECT_EQ(rectangle, (RECT{0, 0, static_cast<LONG>(row.shown_width), row.shown_width == 512 ? 256 : 200}));
+        EXPECT_EQ(rectangle, (RECT{0, 0, static_cast<LONG>(shown_width), shown_width == 512 ? 256 : 200}));
     }
 }
 

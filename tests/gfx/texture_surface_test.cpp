@@ -122,28 +122,22 @@ TEST_F(TextureSurface, ReadsSinglePixelsOfCompressedBlocks) {
 }
 
 TEST_F(TextureSurface, FindsPartialAlphaInItsSamples) {
-    const struct {
-        const char* name;
-        D3DFORMAT format;
-        UINT width, height;
-        int x, y;   // of the one pixel with partial alpha
-        bool found;
-    } rows[] = {
+    const std::tuple<const char*, D3DFORMAT, UINT, UINT, int, int, bool> rows[] = {
         // 4 samples an axis; of 8 pixels every second one from the first on, of 10 from 1 on.
         {"on a sample", D3DFMT_A8R8G8B8, 8, 8, 3, 5, true},  {"beside the samples", D3DFMT_A8R8G8B8, 8, 8, 2, 5, false},
         {"with a rest", D3DFMT_A8R8G8B8, 10, 8, 7, 1, true}, {"4444", D3DFMT_A4R4G4B4, 8, 8, 3, 3, true},
         {"small", D3DFMT_A8R8G8B8, 3, 2, 2, 1, true},        {"without alpha", D3DFMT_X8R8G8B8, 8, 8, 3, 3, false},
         {"another format", D3DFMT_A8L8, 8, 8, 3, 3, false},  {"many samples", D3DFMT_A8R8G8B8, 2048, 4, 16, 0, true},
     };
-    for (const auto& row : rows) {
-        Create(row.width, row.height, row.format);
+    for (const auto& [name, format, width, height, x, y, found] : rows) {
+        Create(width, height, format);
         // 15 of 15 in four bits reads as 240, which counts as partial.
-        texture_.Clear(row.format == D3DFMT_A4R4G4B4 ? 0 : row.x % 2 ? 0xFF000000 : 0x00FFFFFF, nullptr);
+        texture_.Clear(format == D3DFMT_A4R4G4B4 ? 0 : x % 2 ? 0xFF000000 : 0x00FFFFFF, nullptr);
         texture_.AnalyseAlpha();
-        EXPECT_FALSE(texture_.HasPartialAlpha()) << row.name;
-        Locked([&] { texture_.SetPixel(row.x, row.y, 0x80000000); });
+        EXPECT_FALSE(texture_.HasPartialAlpha()) << name;
+        Locked([&, x = x, y = y] { texture_.SetPixel(x, y, 0x80000000); });
         texture_.AnalyseAlpha();
-        EXPECT_EQ(texture_.HasPartialAlpha(), row.found) << row.name;
+        EXPECT_EQ(texture_.HasPartialAlpha(), found) << name;
     }
 }
 

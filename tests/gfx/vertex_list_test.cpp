@@ -59,33 +59,27 @@ TEST(VertexList, DerivesPrimitivesFromElements) {
 }
 
 TEST(VertexList, PoolAndUsageFollowTheRequest) {
-    constexpr struct {
-        const char* name;
-        int usage;
-        bool system_memory, sprites, hardware;
-        DWORD sent_usage, pool;
-    } kRows[] = {
+    constexpr std::tuple<const char*, int, bool, bool, bool, DWORD, DWORD> kRows[] = {
         {"plain", -1, false, false, true, 0, D3DPOOL_MANAGED},
         {"points", -1, false, true, true, D3DUSAGE_POINTS, D3DPOOL_MANAGED},
         {"dynamic", 0x208, false, true, true, 0x208, D3DPOOL_DEFAULT},
         {"system memory", 0x208, true, false, true, 0x208, D3DPOOL_SYSTEMMEM},
         {"without hardware", 8, false, false, false, 0x18, D3DPOOL_MANAGED},
     };
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, usage, system_memory, sprites, hardware, sent_usage, pool] : kRows) {
+        SCOPED_TRACE(name);
         RecordedGfx gfx(RecordedGfx::State::Constructed);
-        if (!row.hardware) gfx.recording.caps.DevCaps = 0;
+        if (!hardware) gfx.recording.caps.DevCaps = 0;
         gfx.Init();
         KRN_VertexListTemp<KRN_LVertex> list(PrimitiveMode::TriangleStrip);
-        list.PointSprites().sprites = row.sprites;
-        EXPECT_TRUE(gfx->CreateVertexList(&list, 7, row.usage, row.system_memory));
-        EXPECT_EQ(gfx.recording.Calls().back().arguments,
-                  (std::vector<DWORD>{7 * 28, row.sent_usage, 0x1C2, row.pool}));
+        list.PointSprites().sprites = sprites;
+        EXPECT_TRUE(gfx->CreateVertexList(&list, 7, usage, system_memory));
+        EXPECT_EQ(gfx.recording.Calls().back().arguments, (std::vector<DWORD>{7 * 28, sent_usage, 0x1C2, pool}));
         EXPECT_EQ(list.ElementCount(), 7u);
         EXPECT_EQ(list.PrimitiveCount(), 5u);
         list.SetMode(PrimitiveMode::LineList);
         EXPECT_EQ(list.PrimitiveCount(), 3u);
-        EXPECT_EQ(list.SoftwareProcessing(), !row.hardware);
+        EXPECT_EQ(list.SoftwareProcessing(), !hardware);
     }
     RecordedGfx poor([](Recording& recording) { recording.caps.MaxVertexBlendMatrices = 2; });
     KRN_VertexList weighted(PrimitiveMode::PointList, 0x101A);

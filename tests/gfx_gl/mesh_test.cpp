@@ -126,14 +126,7 @@ TEST_F(MeshPicture, EveryModeGivesItsFormula) {
 
 /// The mode that a material chooses, and what it makes of one that is set already.
 TEST_F(MeshPicture, MaterialsBlendByTheirOpacity) {
-    constexpr struct {
-        const char* name;
-        int mode, alpha;   // set before
-        bool blending;
-        MaterialBlend blend;
-        float transparency;
-        int drawn_mode, drawn_alpha;
-    } kRows[] = {
+    constexpr std::tuple<const char*, int, int, bool, MaterialBlend, float, int, int> kRows[] = {
         {"opaque", 1, 255, false, MaterialBlend::Normal, 0, 1, 255},
         {"normal", 1, 255, true, MaterialBlend::Normal, 0.25f, 7, 191},
         {"additive", 1, 255, true, MaterialBlend::Additive, 0.5f, 12, 128},
@@ -147,15 +140,15 @@ TEST_F(MeshPicture, MaterialsBlendByTheirOpacity) {
     gfx->SetColourOverride(&kColour);
     for (const D3DCOLOR texel : {kTexel, 0xFFFFFFFF}) {   // the second stands for no map
         mesh.Textures(0).device = texel == kTexel ? Map(texel) : nullptr;
-        for (const auto& row : kRows) {
+        for (const auto& [name, mode, alpha, blending, blend, transparency, drawn_mode, drawn_alpha] : kRows) {
             MeshMaterial& material = mesh.Material(0);
-            material.blending = row.blending;
-            material.blend = row.blend;
-            material.transparency = row.transparency;
-            gfx->SetBlendingMode(row.mode, row.alpha, 0);
-            const auto* mode = std::ranges::find(kModes, row.drawn_mode, &Mode::mode);
-            Expect(mode->result, texel, kColour, 0xFF283C50, row.drawn_alpha, row.name);
-            EXPECT_EQ(gfx->BlendingMode(), row.mode) << row.name;
+            material.blending = blending;
+            material.blend = blend;
+            material.transparency = transparency;
+            gfx->SetBlendingMode(mode, alpha, 0);
+            const auto* drawn = std::ranges::find(kModes, drawn_mode, &Mode::mode);
+            Expect(drawn->result, texel, kColour, 0xFF283C50, drawn_alpha, name);
+            EXPECT_EQ(gfx->BlendingMode(), mode) << name;
         }
     }
 }

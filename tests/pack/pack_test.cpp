@@ -58,15 +58,13 @@ TEST_F(Pack, ScramblesDifferentlyEachTime) {
 
 TEST_F(Pack, LeavesEmptyContentEmptyAndPlain) {
     const std::string packed("\xA7VT\xA7\1\1\0\0\0\0\0", 11);
-    const struct {
-        std::string before;
-        const char *arguments, *text;
-    } kRows[] = {{"", "a.bin --mode 2", "a.bin: mode 0 (plain), empty\n"},
-                 {packed, "a.bin --mode 2", "a.bin: mode 0 (plain), empty\n"},
-                 {packed, "--unpack a.bin", "a.bin: plain, 0 bytes\n"}};
-    for (const auto& row : kRows) {
-        WriteFile("a.bin", row.before);
-        EXPECT_EQ(ExpectOutcome(row.arguments, 0, ""), row.text);
+    const std::tuple<std::string, const char*, const char*> kRows[] = {
+        {"", "a.bin --mode 2", "a.bin: mode 0 (plain), empty\n"},
+        {packed, "a.bin --mode 2", "a.bin: mode 0 (plain), empty\n"},
+        {packed, "--unpack a.bin", "a.bin: plain, 0 bytes\n"}};
+    for (const auto& [before, arguments, text] : kRows) {
+        WriteFile("a.bin", before);
+        EXPECT_EQ(ExpectOutcome(arguments, 0, ""), text);
         EXPECT_EQ(ReadFile("a.bin"), "");
     }
 }

@@ -118,29 +118,29 @@ TEST(FinishedKeys, HaveControlPointsByTheirTension) {
     constexpr float kBefore = 0.25f, kHere = 0.75f, kBehind = 1.875f, kTension = 0.5f;
     constexpr float kReach = (kBehind - kBefore) / 6 * (1 - 0.8f * kTension);
     // clang-format off
-    const struct { const char* name; bool before, behind; float in, out; } rows[] = {
+    const std::tuple<const char*, bool, bool, float, float> rows[] = {
         {"alone", false, false, kHere, kHere},
         {"between", true, true, kHere - kReach, kHere + kReach},
         {"last", true, false, kBefore + (kHere - kBefore) * (1 + 0.63f * kTension) / 2, kHere},
         {"first", false, true, kHere, kHere + (kBehind - kHere) * (1 - 0.63f * kTension) / 2},
     };
     // clang-format on
-    for (const auto& row : rows) {
-        const testing::ScopedTrace trace(__FILE__, __LINE__, row.name);
+    for (const auto& [name, before, behind, in, out] : rows) {
+        const testing::ScopedTrace trace(__FILE__, __LINE__, name);
         Node node;
         ExportedRotations rotations(node.Tracks().rotation);
-        if (row.before) rotations.Add(160, kLinear, Exported(kBefore));
-        rotations.Add(320, kTcb, Exported(row.before ? kHere - kBefore : kHere, kTension));
-        if (row.behind) rotations.Add(480, kLinear, Exported(kBehind - kHere));
+        if (before) rotations.Add(160, kLinear, Exported(kBefore));
+        rotations.Add(320, kTcb, Exported(before ? kHere - kBefore : kHere, kTension));
+        if (behind) rotations.Add(480, kLinear, Exported(kBehind - kHere));
         FinishExportedKeys(node, {});
         const auto* key = node.Tracks().rotation.Head();
-        if (row.before) {
+        if (before) {
             EXPECT_EQ(key->data.out_control, D3DXQUATERNION()) << "linear keys have none";
             key = key->next.get();
         }
         EXPECT_FLOAT_EQ(key->time, 2 / 30.0f);
-        ExpectSameTurn(key->data.in_control, TurnAboutZ(row.in));
-        ExpectSameTurn(key->data.out_control, TurnAboutZ(row.out));
+        ExpectSameTurn(key->data.in_control, TurnAboutZ(in));
+        ExpectSameTurn(key->data.out_control, TurnAboutZ(out));
     }
 }
 

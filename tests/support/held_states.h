@@ -1,5 +1,6 @@
 // What a device holds, for comparing it before and after.
 #pragma once
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -7,8 +8,9 @@
 
 namespace sparkrig {
 
-/// Every state, transform, light, material and viewport, and what is bound, in words.
-inline std::vector<DWORD> HeldStates(IDirect3DDevice9& device) {
+/// Every state, transform, light, material and viewport, and what is bound, in words; `textures` stand as their numbers
+/// in that list, so that devices with textures of their own can be compared.
+inline std::vector<DWORD> HeldStates(IDirect3DDevice9& device, const std::vector<IDirect3DTexture9*>& textures = {}) {
     std::vector<DWORD> words;
     const auto add = [&]<class Value>(HRESULT result, const Value& value) {
         words.resize(words.size() + sizeof(Value) / sizeof(DWORD));
@@ -27,7 +29,12 @@ inline std::vector<DWORD> HeldStates(IDirect3DDevice9& device) {
         BOOL on = FALSE;
         add(device.GetLightEnable(stage, &on), on);
         DevicePtr<IDirect3DTexture9> texture;
-        add(device.GetTexture(stage, texture.Receive()), texture.Get());
+        const HRESULT result = device.GetTexture(stage, texture.Receive());
+        const auto place = std::ranges::find(textures, texture.Get());
+        if (place != textures.end())
+            add(result, static_cast<std::size_t>(place - textures.begin() + 1));
+        else
+            add(result, texture.Get());
     }
     D3DMATRIX matrix;
     for (const auto type : {D3DTS_VIEW, D3DTS_PROJECTION, D3DTS_WORLDMATRIX(0), D3DTS_WORLDMATRIX(1)})

@@ -18,10 +18,7 @@ TEST_F(TextureTool, DescribesPictures) {
     const TestPicture cut_out = {2, 1, {0x00102030, 0xFF405060}};
     std::string levels = DdsHead({4, 4, 3, 4, D3DFMT_DXT1, 0, 0, 0, 0, 0});
     for (int i = 0; i < 3; ++i) levels += std::string("\x00\xF8\x1F\x00\xE4\xE4\xE4\xE4", 8);
-    const struct {
-        const char* name;
-        std::string content, line;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string> rows[] = {
         {"a.png", PngFile(picture, 4), "a.png: 6 x 3, png, A8R8G8B8, 1 level, partial alpha\n"},
         {"b.bmp", BmpFile(opaque, D3DFMT_R8G8B8), "b.bmp: 6 x 3, bmp, R8G8B8, 1 level, no alpha\n"},
         {"c.tga", TgaFile(cut_out, D3DFMT_A1R5G5B5), "c.tga: 2 x 1, tga, A1R5G5B5, 1 level, on-off alpha\n"},
@@ -31,10 +28,10 @@ TEST_F(TextureTool, DescribesPictures) {
          "f.ifl: 3 frames; the first: 6 x 3, png, A8R8G8B8, 1 level, partial alpha\n"},
     };
     std::string all_names, all_lines;
-    for (const auto& row : rows) {
-        WriteFile(row.name, row.content);
-        all_names += std::string(" ") + row.name;
-        all_lines += row.line;
+    for (const auto& [name, content, line] : rows) {
+        WriteFile(name, content);
+        all_names += std::string(" ") + name;
+        all_lines += line;
     }
     const auto [code, text] = RunTool("info" + all_names);
     EXPECT_EQ(text, all_lines);
@@ -57,11 +54,7 @@ TEST_F(TextureTool, NamesWhatCannotBeLoadedAndGoesOn) {
 }
 
 TEST_F(TextureTool, RefusesWhatItDoesNotKnow) {
-    const struct {
-        const char* arguments;
-        const char* text;
-        int code;
-    } rows[] = {
+    const std::tuple<const char*, const char*, int> rows[] = {
         {"", "a command is needed", 2},
         {"info", "FILE is required", 2},
         {"inof a.png", "unknown command inof; did you mean info?", 2},
@@ -69,10 +62,10 @@ TEST_F(TextureTool, RefusesWhatItDoesNotKnow) {
         {"info -x a.png", "unknown option -x (", 2},
         {"--help", "texture", 0},
     };
-    for (const auto& row : rows) {
-        const auto [code, text] = RunTool(row.arguments);
-        EXPECT_THAT(text, HasSubstr(row.text)) << row.arguments;
-        EXPECT_EQ(code, row.code) << row.arguments;
+    for (const auto& [arguments, text, code] : rows) {
+        const ProgramRun run = RunTool(arguments);
+        EXPECT_THAT(run.text, HasSubstr(text)) << arguments;
+        EXPECT_EQ(run.exit_code, code) << arguments;
     }
 }
 

@@ -1,7 +1,9 @@
-// The gathered lines, and what is drawn of them. How text looks stands in a picture: tests/app/pictures/overlay.png.
-
+// What lies over the scene: the gathered lines and what is drawn of them, and pictures. How text looks stands in a
+// picture: tests/app/pictures/overlay.png.
 #include <cstring>
 
+#include "gfx/geometry/vertex_list.h"
+#include "gfx/gfx.h"
 #include "gfx/text/font.h"
 #include "gfx/text/printf_container.h"
 #include "gfx/textures/texture.h"
@@ -13,6 +15,12 @@ namespace {
 using ::testing::_;
 
 constexpr D3DCOLOR kA = 0xFF96DCFF, kB = 0xFF006473;
+
+std::vector<KRN_TLVertex> VerticesOf(const RecordedDraw& draw) {
+    std::vector<KRN_TLVertex> vertices(draw.vertices.size() / sizeof(KRN_TLVertex));
+    std::memcpy(vertices.data(), draw.vertices.data(), draw.vertices.size());
+    return vertices;
+}
 
 /// A device with the built-in font in use, one sheet pixel four screen pixels large.
 struct Overlay {
@@ -29,17 +37,6 @@ struct Overlay {
         const PrintfEntity& run = Text().Entity(entity);
         return std::string(Text().Characters(run), static_cast<std::size_t>(run.length));
     }
-    /// The vertices of every glyph drawn, six for each.
-    std::vector<KRN_TLVertex> Drawn() {
-        std::vector<KRN_TLVertex> all;
-        for (const RecordedDraw& draw : gfx.recording.Draws()) {
-            const std::size_t old = all.size();
-            all.resize(old + draw.vertices.size() / sizeof(KRN_TLVertex));
-            std::memcpy(all.data() + old, draw.vertices.data(), draw.vertices.size());
-        }
-        return all;
-    }
-
     RecordedGfx gfx;
     KRN_Font font;
 };
@@ -140,7 +137,7 @@ TEST(DrawText, SharesABaseAndLeavesTheStatesAsTheyWere) {
     const RecordedDraw& draw = overlay.gfx.recording.Draws()[0];
     EXPECT_EQ(draw.render_states.at(D3DRS_ZENABLE), 0u);
     EXPECT_EQ(draw.render_states.at(D3DRS_CULLMODE), D3DCULL_NONE);
-    const std::vector<KRN_TLVertex> v = overlay.Drawn();
+    const std::vector<KRN_TLVertex> v = VerticesOf(draw);
     ASSERT_EQ(v.size(), 12u);
     EXPECT_EQ(v[1].y, 20 + 24 - 18 - 0.5f);   // the base lies at three quarters of the line's 24 and of the run's 12
     EXPECT_EQ(v[7].y, 20 + 24 - 9 - 0.5f);
@@ -166,7 +163,7 @@ TEST(DrawText, RectangleAndLimitsLeaveOutLines) {
     Overlay overlay, limited;
     for (const float y : {300.0f, 5.0f, 100.0f, 200.0f}) overlay.gfx->Printf(7, y, "A");
     overlay.gfx->DrawText({0, 110, 640, 210}, 3, 0);
-    const std::vector<KRN_TLVertex> v = overlay.Drawn();
+    const std::vector<KRN_TLVertex> v = VerticesOf(overlay.gfx.recording.Draws().at(0));
     ASSERT_EQ(v.size(), 12u) << "the line at 100 reaches in, the one at 200 begins inside";
     EXPECT_EQ(v[1].x, 3.5f) << "scrolled by 3";
     EXPECT_EQ(v[1].y, 105.5f);
@@ -185,6 +182,77 @@ TEST(DrawText, RectangleAndLimitsLeaveOutLines) {
     EXPECT_EQ(limited.gfx.recording.Draws().size(), 1u);
     EXPECT_THAT(limited.gfx.recording.ArgumentsOf("SetViewport")[0], ElementsAre(10, 20, 30, 24, _, _))
         << "the limits and the text's own extent";
+}
+
+// ---- Pictures
+
+/// A picture of 16 x 8 to be drawn.
+struct ScreenTexture : testing::Test {
+    ScreenTexture() {
+        gfx->CreateTexture(&texture, 16, 8, 4, -1, 1);
+        gfx->BeginScene();
+    }
+    const RecordedDraw& Drawn(std::size_t i) const { return gfx.recording.Draws().at(i); }
+    /// x, y, z, u and v of each corner.
+    std::vector<std::vector<float>> Corners(std::size_t draw) const {
+        std::vector<std::vector<float>> corners;
+        for (const KRN_TLVertex& v : VerticesOf(Drawn(draw))) {
+            EXPECT_EQ(v.rhw, 1.0f);
+            EXPECT_EQ(v.diffuse, 0x80AABBCC);
+            EXPECT_EQ(v.specular, 0xFF000000);
+            corners.push_back({v.x, v.y, v.z, v.u, v.v});
+        }
+        return corners;
+    }
+
+    RecordedGfx gfx;
+    KRN_Texture texture;
+};
+
+TEST_F(ScreenTexture, IsAStripOfItsCorners) {
+    texture.SetTextureRectangle({0.125f, 0.25f, 0.5f, 0.625f, 0, 0});
+    gfx->SetTexture2D(&texture);
+    gfx->SetCullingMode(1);
+    gfx->SetAddressModeU(D3DTADDRESS_MIRROR, 0);
+    gfx->DrawTexture2D({10, 20, 30, 50}, 0x80AABBCC, {0.1f, 0.2f, 0.3f, 0.4f});
+    EXPECT_EQ(Drawn(0).type, D3DPT_TRIANGLESTRIP);
+    EXPECT_EQ(Drawn(0).count, 2u);
+    EXPECT_EQ(Drawn(0).fvf, 0x1C4u);
+    EXPECT_NE(Drawn(0).texture, 0u);
+    EXPECT_EQ(Drawn(0).render_states.at(D3DRS_CULLMODE), D3DCULL_NONE);
+    EXPECT_EQ(Drawn(0).render_states.at(D3DRS_ZENABLE), 0u);
+    EXPECT_THAT(Corners(0), ElementsAre(ElementsAre(9.75f, 49.75f, 0.1f, 0.125f, 0.875f),
+                                        ElementsAre(9.75f, 19.75f, 0.2f, 0.125f, 0.25f),
+                                        ElementsAre(29.75f, 49.75f, 0.3f, 0.625f, 0.875f),
+                                        ElementsAre(29.75f, 19.75f, 0.4f, 0.625f, 0.25f)));
+    EXPECT_EQ(gfx->CullingMode(), 1);
+    EXPECT_THAT(gfx.recording.Sent(0, D3DSAMP_ADDRESSU),
+                ElementsAre(D3DTADDRESS_MIRROR, D3DTADDRESS_CLAMP, D3DTADDRESS_MIRROR));
+    EXPECT_THAT(gfx.recording.Sent(D3DRS_ZENABLE), ElementsAre(0, 1));
+    texture.SetTextureRectangle({0, 0, 1, 1, 0, 0});
+    gfx->SetDepthTest2D(true);
+    gfx->DrawTexture2D({10, 20, 30, 50}, {4, 1, 12, 7}, 0x80AABBCC, {0, 0, 0, 0});   // a part in pixels
+    EXPECT_THAT(Corners(1)[1], ElementsAre(9.75f, 19.75f, 0, 0.25f, 0.125f));
+    EXPECT_THAT(Corners(1)[2], ElementsAre(29.75f, 49.75f, 0, 0.75f, 0.875f));
+    EXPECT_EQ(Drawn(1).render_states.at(D3DRS_ZENABLE), 1u);
+}
+
+TEST_F(ScreenTexture, IsDrawnAgainWhereItWas) {
+    EXPECT_EQ(ErrorOf([&] { gfx->DrawLastTexture(); }), "KRN_Gfx: No texture set");
+    EXPECT_EQ(ErrorOf([&] { gfx->DrawFullScreenTexture(0, 0); }), "KRN_Gfx: No texture set");
+    KRN_Texture second;
+    gfx->CreateTexture(&second, 16, 8, 4, -1, 1);
+    texture.SetRepeats(true);
+    gfx->SetTexture2D(&texture);
+    gfx->DrawTexture2D({10, 20, 30, 50}, 0x80AABBCC, {0, 0, 0, 0});
+    gfx->SetTexture2D(&second);
+    gfx->SetViewPort(40, 60, 140, 260, 0, 1);
+    gfx->DrawFullScreenTexture(0x80AABBCC, 0.75f);
+    gfx->SetTexture2D(&texture);
+    gfx->DrawLastTexture();
+    EXPECT_EQ(Corners(2), Corners(0));
+    EXPECT_THAT(Corners(1)[0], ElementsAre(39.75f, 259.75f, 0.75f, 0, 1));
+    EXPECT_THAT(Corners(1)[3], ElementsAre(139.75f, 59.75f, 0.75f, 1, 0));
 }
 
 }   // namespace
