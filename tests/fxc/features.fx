@@ -5,7 +5,7 @@
 
 //// fmod of a negative number: 102 102 153
 float a = -1.4;
-=> return float4(fmod(a, 1) + 0.8, -fmod(a, -1), a % 1 + 1, 1);
+=> return float4(fmod(a, 1) + 0.8, -fmod(a, -1), a % 1 + 1.2 - fmod(1.2, 1), 1);
 
 //// fmod of a vector: 51 153 153
 float2 a = float2(-0.7, 1.7);

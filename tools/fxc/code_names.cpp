@@ -19,7 +19,9 @@ const char* const kIntrinsicFunctions =
     "#define fxc_pow(x, y) exp2((y) * fxc_log2(x))\n"
     "#define fxc_sqrt(x) sqrt(abs((x) * 1.0))\n"
     "#define fxc_rsqrt(x) rsqrt(abs((x) * 1.0))\n"
-    "#define fxc_fmod(x, y) (((x) * 1.0) % (y))\n"
+    // Not a constant: the compiler works out remainders of constants wrong.
+    "static float fxc_one = 1;\n"
+    "#define fxc_fmod(x, y) (((x) * fxc_one) % (y))\n"
     "float fxc_first(float x) { return x; } float fxc_first(float2 x) { return x.x; }\n"
     "float fxc_first(float3 x) { return x.x; } float fxc_first(float4 x) { return x.x; }\n"
     "#define fxc_tex1D(s, x) tex2D(s, float2(fxc_first(x), 0.5))\n"
