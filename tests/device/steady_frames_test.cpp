@@ -9,7 +9,6 @@
 #include "app/effect_choice.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/device/whole_program.h"
-#include "tests/support/recording_device.h"
 #include "tests/support/test.h"
 
 #ifndef __SANITIZE_ADDRESS__   // which has operators of its own

@@ -6,7 +6,6 @@
 #include "gfx/device/gfx_environment.h"
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/support/canvas.h"
-#include "tests/support/recording_device.h"
 
 namespace sparkrig {
 

@@ -1,6 +1,8 @@
 // The memory device's objects. Memory stands behind every one, so that locks work.
 #pragma once
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "platform/com/ref_counted.h"
 #include "tests/support/memory_device.h"
@@ -31,9 +33,23 @@ struct MemoryImage {
     std::vector<BYTE> bytes;
     bool locked = false;
 
-    MemoryImage(const D3DSURFACE_DESC& description, bool is_lockable, bool is_plain = false);
-    HRESULT Lock(D3DLOCKED_RECT* result, const RECT* rect, DWORD flags);
-    HRESULT Unlock();
+    MemoryImage(const D3DSURFACE_DESC& description, bool is_lockable, bool is_plain = false)
+        : desc(description), format(*FindPixelFormat(desc.Format)), lockable(is_lockable), plain(is_plain) {
+        // Wider than the row, so that code that mistakes the pitch for the width is found out.
+        pitch = static_cast<INT>(format.Pitch(desc.Width) + 16);
+        bytes.resize(static_cast<std::size_t>(pitch) * format.Rows(desc.Height));
+    }
+    HRESULT Lock(D3DLOCKED_RECT* result, const RECT* rect, DWORD flags) {
+        if (locked || !lockable) return D3DERR_INVALIDCALL;
+        if (const HRESULT refused = CheckLock(desc, rect, flags); FAILED(refused)) return refused;
+        RECT area;
+        TakeRect(desc, rect, area);
+        locked = true;
+        *result = {pitch, bytes.data() + pitch * (area.top / static_cast<LONG>(format.Step())) +
+                              format.RowBytes(static_cast<UINT>(area.left))};
+        return D3D_OK;
+    }
+    HRESULT Unlock() { return std::exchange(locked, false) ? D3D_OK : D3DERR_INVALIDCALL; }
 };
 
 class MemorySurface : public MemoryObject<IDirect3DSurface9> {
@@ -61,7 +77,12 @@ class MemorySurface : public MemoryObject<IDirect3DSurface9> {
 
 class MemoryTexture : public MemoryObject<IDirect3DTexture9> {
   public:
-    MemoryTexture(MemoryAdapter& adapter, const D3DSURFACE_DESC& top, UINT levels);
+    MemoryTexture(MemoryAdapter& adapter, D3DSURFACE_DESC desc, UINT levels)
+        : MemoryObject(adapter, desc.Pool), number_(++adapter.textures_made) {
+        for (; levels_.size() < levels;
+             desc.Width = std::max(desc.Width / 2, 1u), desc.Height = std::max(desc.Height / 2, 1u))
+            levels_.push_back(std::make_shared<MemoryImage>(desc, LevelsLockable(desc.Usage, desc.Pool)));
+    }
 
     DWORD GetLevelCount() override { return static_cast<DWORD>(levels_.size()); }
     HRESULT GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) override {

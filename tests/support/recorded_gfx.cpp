@@ -2,24 +2,17 @@
 
 namespace sparkrig {
 
-RECT FakeEnvironment::client = {};
-int FakeEnvironment::pumped = 0;
-double FakeEnvironment::now = 0;
-const char* FakeEnvironment::missing = nullptr;
-HRESULT FakeEnvironment::pool_result = D3D_OK;
-
 const GfxEnvironment FakeEnvironment::kTable = {
     [](const char* name) { return !missing || std::string(missing) != name; },
     [](const char*) {},
     [](HWND, RECT& rectangle) { rectangle = client; },
-    [] { ++pumped; },
+    [] {},
     [] { return now; },
     [](ID3DXEffectPool** pool) { return FAILED(pool_result) ? pool_result : D3DXCreateEffectPool(pool); },
 };
 
 void FakeEnvironment::Reset() {
     client = {20, 30, 660, 510};
-    pumped = 0;
     now = 100;
     missing = nullptr;
     pool_result = D3D_OK;

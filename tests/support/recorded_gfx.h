@@ -15,11 +15,10 @@ namespace sparkrig {
 
 /// The system around a KRN_Gfx under test. The members are the process's: one test uses them at a time.
 struct FakeEnvironment {
-    static RECT client;
-    static int pumped;            // messages dispatched
-    static double now;            // seconds
-    static const char* missing;   // the library that cannot be loaded, or null
-    static HRESULT pool_result;   // of making the effect pool
+    static inline RECT client = {};
+    static inline double now = 0;                  // seconds
+    static inline const char* missing = nullptr;   // the library that cannot be loaded, or null
+    static inline HRESULT pool_result = D3D_OK;    // of making the effect pool
     static const GfxEnvironment kTable;
 
     /// As at the start of a test.

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "platform/d3dx/d3dx_mesh.h"
-#include "tests/support/recording_device.h"
+#include "tests/support/recording.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
