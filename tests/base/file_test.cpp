@@ -8,7 +8,6 @@
 #include <random>
 
 #include "base/file_validator.h"
-#include "tests/base/file_size_limit.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/temporary_folder.h"
 

@@ -1,4 +1,5 @@
 // Picture files of every kind beside their pixels: generated, and in their many shapes byte by byte.
+#include "platform/d3dx/dds_file.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/test.h"
 
@@ -288,6 +289,15 @@ TEST(ImageFile, ColoursThatAPngsPaletteLacksAreBlack) {
     const std::vector<D3DCOLOR> pixels = Decoded(file);
     ASSERT_EQ(pixels.size(), 54u);
     for (const D3DCOLOR p : pixels) EXPECT_TRUE(p == 0xFF102030 || (p & 0xFFFFFF) == 0) << std::hex << p;
+}
+
+TEST(DdsFile, FindsLevelsOneAfterTheOther) {
+    const D3DXIMAGE_INFO info = {10, 4, 1, 4, D3DFMT_DXT1, D3DRTYPE_TEXTURE, D3DXIFF_DDS};
+    constexpr std::size_t kRows[][5] = {{10, 4, 128, 24, 1}, {5, 2, 152, 16, 1}, {2, 1, 168, 8, 1}, {1, 1, 176, 8, 1}};
+    for (UINT level = 0; level < 4; ++level) {
+        const DdsLevel found = FindDdsLevel(info, level);
+        EXPECT_THAT(kRows[level], ElementsAre(found.width, found.height, found.offset, found.row_bytes, found.rows));
+    }
 }
 
 }   // namespace

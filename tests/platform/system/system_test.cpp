@@ -9,7 +9,6 @@
 #include <cstdlib>
 
 #include "platform/system/result_codes.h"
-#include "tests/base/file_size_limit.h"
 #include "tests/support/temporary_folder.h"
 
 namespace sparkrig {

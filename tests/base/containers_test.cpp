@@ -1,7 +1,10 @@
-#include "base/dyna_mem.h"
-
+// Lists with ids, trees of names, and the resources that several users hold.
 #include <map>
 #include <random>
+
+#include "base/dyna_mem.h"
+#include "base/resource_manager.h"
+#include "base/search_tree.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
@@ -210,6 +213,119 @@ TEST(DynaMem, ElementThatFailsToBeMadeLeavesTheListAsItWas) {
     EXPECT_EQ(ErrorOf([&] { list.AddNew(); }), "ErrorClassSimple: no");
     EXPECT_EQ(list.GetCount(), 0);
     EXPECT_FALSE(list.IsValid(0));
+}
+
+std::vector<std::string> Names(SearchTree<int>& tree) {
+    std::vector<std::string> names;
+    char name[16];
+    tree.ResetIteration();
+    while (tree.GetNext(name, sizeof name)) names.emplace_back(name);
+    return names;
+}
+
+TEST(SearchTree, FindsNamesIgnoringCase) {
+    SearchTree<int> tree;
+    EXPECT_EQ(tree.Find("Fire"), nullptr);
+    *tree.Insert(String("Fire")) = 17;
+    *tree.Insert("x") = 23;
+    EXPECT_EQ(*tree.Find("FIRE"), 17);
+    EXPECT_EQ(*tree.Find(String("fire")), 17);
+    EXPECT_EQ(*tree.Find("X"), 23);
+    EXPECT_EQ(tree.Find("Fir"), nullptr);
+    EXPECT_EQ(tree.Insert("FIRE"), nullptr);
+    EXPECT_EQ(*tree.Find("fire"), 17);
+    tree.Clear();
+    EXPECT_EQ(tree.Find("fire"), nullptr);
+    EXPECT_EQ(*tree.Insert("FIRE"), 0);
+}
+
+TEST(SearchTree, IteratesByFirstCharacterThenByInsertion) {
+    SearchTree<int> tree;
+    for (const char* name : {"_x", "fire", "Zoo", "9a", "Fire2", "a", " b", "FIRE1", "{"}) tree.Insert(name);
+    EXPECT_THAT(Names(tree), ElementsAre(" b", "9a", "a", "fire", "Fire2", "FIRE1", "Zoo", "_x", "{"));
+    EXPECT_EQ(tree.GetNext(), nullptr);
+    tree.ResetIteration();
+    char cut[4];
+    tree.GetNext();
+    tree.GetNext();
+    tree.GetNext();
+    tree.GetNext(cut, sizeof cut);
+    EXPECT_STREQ(cut, "fir");
+}
+
+TEST(SearchTree, ReportsNamesItCannotHold) {
+    SearchTree<int> tree;
+    EXPECT_EQ(ErrorOf([&] { tree.Insert(""); }), "SearchTree: Empty name string");
+    EXPECT_EQ(ErrorOf([&] { tree.Find(String()); }), "SearchTree: Empty name string");
+    EXPECT_EQ(ErrorOf([&] { tree.Insert("\tx"); }), "SearchTree: Character in name string out of range: 9");
+    EXPECT_EQ(ErrorOf([&] { tree.Find("\xFCx"); }), "SearchTree: Character in name string out of range: -4");
+    EXPECT_NE(tree.Insert("x\xFC\t"), nullptr);
+    EXPECT_NE(tree.Find("X\xFC\t"), nullptr);
+    EXPECT_EQ(tree.Find("X\xDC\t"), nullptr);
+    EXPECT_NE(tree.Insert("\x7F"), nullptr);
+}
+
+TEST(SearchTree, ValuesStayWhereTheyAre) {
+    SearchTree<int> tree;
+    std::vector<int*> values;
+    for (int i = 0; i < 5000; ++i) values.push_back(tree.Insert(("spark" + std::to_string(i)).c_str()));
+    for (int i = 0; i < 5000; ++i) *values[static_cast<std::size_t>(i)] = i;
+    for (int i = 0; i < 5000; ++i) ASSERT_EQ(*tree.Find(("SPARK" + std::to_string(i)).c_str()), i);
+    EXPECT_EQ(tree.Find("spark5000"), nullptr);
+}
+
+struct Resource : KRN_ResourceBase {};
+
+TEST(ResourceManager, CountsUsersUntilTheLastLeaves) {
+    KRN_ResourceManager manager;
+    Resource texture, other;
+    const int first = manager.Register(&other, "b.tga");
+    const int id = manager.Register(&texture, "a.tga");
+    EXPECT_EQ(manager.Acquire("A.TGA"), id);
+    EXPECT_EQ(manager.GetAt(1).references, 2);
+    EXPECT_EQ(manager.GetObject(id), &texture);
+    EXPECT_EQ(manager.Acquire(id), id);
+    EXPECT_FALSE(manager.Unacquire(id));
+    EXPECT_FALSE(manager.Unacquire(id));
+    EXPECT_TRUE(manager.Unacquire(id));
+    EXPECT_EQ(manager.Acquire("a.tga"), -1);
+    EXPECT_FALSE(manager.IsValidId(id));
+    EXPECT_EQ(manager.GetObject(id), nullptr);
+    EXPECT_TRUE(manager.Unacquire(first));
+    EXPECT_EQ(manager.Register(&texture, "c.tga"), first);
+    EXPECT_EQ(manager.Acquire(-1), -1);
+    EXPECT_TRUE(manager.Unacquire(-1));
+    EXPECT_EQ(manager.GetCount(), 1);
+}
+
+TEST(ResourceManager, FirstOfEqualNamesWinsAndLongNamesAreCut) {
+    KRN_ResourceManager manager;
+    Resource a, b;
+    const std::string name(300, 'n');
+    EXPECT_EQ(manager.Register(&a, name.c_str()), 0);
+    manager.Register(&b, name.c_str());
+    EXPECT_EQ(manager.Acquire(name.c_str()), 0);
+    EXPECT_EQ(std::string(manager.GetAt(0).name), name.substr(0, 255));
+}
+
+TEST(ResourceManager, ReportsMisuse) {
+    KRN_ResourceManager manager;
+    EXPECT_EQ(ErrorOf([&] { manager.Acquire(12); }), "ResourceManager: Invalid ID number in Acquire:12");
+    EXPECT_EQ(ErrorOf([&] { manager.Acquire(""); }), "ResourceManager: Invalid file name in Acquire!");
+    EXPECT_EQ(ErrorOf([&] { manager.Unacquire(3); }), "ResourceManager: Invalid ID number in Unacquire");
+}
+
+TEST(ResourceBase, IsValidWhileItsEntryLives) {
+    KRN_ResourceManager manager;
+    Resource texture;
+    EXPECT_FALSE(texture.IsValid());
+    texture.Attach(&manager, manager.Register(&texture, "a.tga"));
+    EXPECT_TRUE(texture.IsValid());
+    manager.Unacquire(texture.ResourceId());
+    EXPECT_FALSE(texture.IsValid());
+    texture.Attach(&manager, manager.Register(nullptr, "b.tga"));
+    EXPECT_FALSE(texture.IsValid());
+    EXPECT_EQ(texture.Manager(), &manager);
 }
 
 }   // namespace
