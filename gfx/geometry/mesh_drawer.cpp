@@ -152,6 +152,7 @@ void MeshDrawer::DrawBuffers(const KRN_MeshBase& mesh, DeviceMesh& buffers, int 
     const std::uint32_t faces = range ? range->faces : mesh.Geometry()->FaceCount();
     KRN_ShaderEffect* const effect = EffectFor(mesh, material);
     if (effect && material && effect == EffectOf(*material)) SetParameters(material->shader, *effect);
+    if (effect && effect->ReadsTangents()) AddTangents(states_.Graphics(), mesh, buffers);
     DrawWithEffect(effect, ObjectOf(mesh), [&] {
         statistics_.Count(faces);
         if (statistics_.suppress_draws) return;
@@ -169,7 +170,7 @@ void MeshDrawer::ComputeReflection(const KRN_MeshBase& mesh, DeviceMesh& buffers
     const D3DXVECTOR3 camera = states_.transforms.CameraPosition();
     DevicePtr<IDirect3DVertexBuffer9> vertices;
     states_.Graphics().Require(buffers.buffers->GetVertexBuffer(vertices.Receive()), "GetVertexBuffer failed: ");
-    const UINT stride = geometry.Stride();
+    const UINT stride = static_cast<UINT>(buffers.layout.stride);
     void* data = nullptr;
     states_.Graphics().Require(vertices->Lock(range.VertexStart * stride, range.VertexCount * stride, &data, 0),
                                "LockVertexBuffer failed: ");
@@ -224,21 +225,22 @@ void MeshDrawer::DrawRange(KRN_MeshBase& mesh, UINT first_face, UINT faces) {
     if (faces == 0 || !HasFaces(mesh)) return;
     PlaceAlone(mesh);
     const GraphicsDevice& graphics = states_.Graphics();
-    const DeviceMesh& device_mesh = MakeDeviceMesh(graphics, mesh);
+    DeviceMesh& device_mesh = MakeDeviceMesh(graphics, mesh);
+    KRN_ShaderEffect* const effect = EffectFor(mesh, nullptr);
+    if (effect && effect->ReadsTangents()) AddTangents(graphics, mesh, device_mesh);
     states_.bindings.SetSoftwareProcessing(device_mesh.software_processing);
     DevicePtr<IDirect3DVertexBuffer9> vertices;
     DevicePtr<IDirect3DIndexBuffer9> indices;
     graphics.Require(device_mesh.buffers->GetVertexBuffer(vertices.Receive()), "GetVertexBuffer failed: ");
     graphics.Require(device_mesh.buffers->GetIndexBuffer(indices.Receive()), "GetIndexBuffer failed: ");
-    const MeshGeometry& geometry = *mesh.Geometry();
     states_.bindings.SetIndices(indices.Get());
-    states_.bindings.SetVertexFormat(geometry.layout.format);
-    states_.bindings.SetStreamSource(vertices.Get(), geometry.Stride());
-    DrawWithEffect(EffectFor(mesh, nullptr), ObjectOf(mesh), [&] {
+    states_.bindings.SetVertexFormat(device_mesh.layout.format);
+    states_.bindings.SetStreamSource(vertices.Get(), static_cast<UINT>(device_mesh.layout.stride));
+    DrawWithEffect(effect, ObjectOf(mesh), [&] {
         statistics_.Count(faces);
         if (statistics_.suppress_draws) return;
-        const HRESULT result = graphics.Device()->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, 0, 0, geometry.VertexCount(),
-                                                                       3 * first_face, faces);
+        const HRESULT result = graphics.Device()->DrawIndexedPrimitive(
+            D3DPT_TRIANGLELIST, 0, 0, mesh.Geometry()->VertexCount(), 3 * first_face, faces);
         graphics.Require(result, "DrawIndexedPrimitive failed: ");
     });
 }

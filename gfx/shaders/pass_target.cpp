@@ -38,8 +38,6 @@ PassTarget ReadPass(const KRN_Base& reporter, ID3DXEffect& effect, D3DXHANDLE pa
         ReadRenderTarget(reporter, text, target);
     INT number = 0;
     target.init_pass = SUCCEEDED(effect.GetInt(effect.GetAnnotationByName(pass, "InitPass"), &number)) && number != 0;
-    D3DXPASS_DESC desc = {};
-    target.no_pixel_shader = FAILED(effect.GetPassDesc(pass, &desc)) || !desc.pPixelShaderFunction;
     return target;
 }
 
@@ -54,8 +52,14 @@ std::vector<TechniqueTargets> ReadPassTargets(const KRN_Base& reporter, ID3DXEff
         D3DXTECHNIQUE_DESC passes = {};
         effect.GetTechniqueDesc(technique, &passes);
         for (UINT pass = 0; pass < passes.Passes; ++pass) {
-            techniques[i].passes.push_back(ReadPass(reporter, effect, effect.GetPass(technique, pass)));
-            techniques[i].has_pixel_shader |= !techniques[i].passes.back().no_pixel_shader;
+            const D3DXHANDLE handle = effect.GetPass(technique, pass);
+            D3DXPASS_DESC shaders = {};
+            effect.GetPassDesc(handle, &shaders);
+            PassTarget& target = techniques[i].passes.emplace_back(ReadPass(reporter, effect, handle));
+            target.no_pixel_shader = !shaders.pPixelShaderFunction;
+            techniques[i].has_pixel_shader |= !target.no_pixel_shader;
+            const DWORD inputs = shaders.pVertexShaderFunction ? *shaders.pVertexShaderFunction : 0;
+            techniques[i].reads_tangents |= (inputs >> kInputTangent & 1) != 0;
         }
     }
     return techniques;

@@ -30,6 +30,7 @@ static_assert(sizeof(PassTarget) == 12);
 
 struct TechniqueTargets {
     bool has_pixel_shader = false;   // in one of its passes
+    bool reads_tangents = false;     // one of its vertex shaders
     std::vector<PassTarget> passes;
 };
 

@@ -149,6 +149,7 @@ const TechniqueTargets* KRN_ShaderEffect::Targets() const {
 }
 
 bool KRN_ShaderEffect::TechniqueHasPixelShader() const { return Targets() && Targets()->has_pixel_shader; }
+bool KRN_ShaderEffect::ReadsTangents() const { return Targets() && Targets()->reads_tangents; }
 bool KRN_ShaderEffect::PassHasPixelShader(int pass) const { return !TargetOf(pass).no_pixel_shader; }
 
 PassTarget KRN_ShaderEffect::TargetOf(int pass) const {

@@ -74,6 +74,8 @@ class KRN_ShaderEffect : public KRN_ResourceBase {
     /// Of the chosen technique: whether one of its passes, or that pass, has a pixel shader.
     bool TechniqueHasPixelShader() const;
     bool PassHasPixelShader(int pass) const;
+    /// Of the chosen technique: whether a vertex shader of it asks for TANGENT or BINORMAL.
+    bool ReadsTangents() const;
 
     /// SelectTechnique gives stages 0 to 5 the texture coordinates of their own number.
     void SetOwnTextureCoordinates(bool on) { own_texture_coordinates_ = on; }

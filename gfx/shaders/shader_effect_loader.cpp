@@ -32,7 +32,7 @@ std::string ShaderKey(const std::string& file) {
     return file.ends_with(".fxo") ? key : key + "_" + std::to_string(ShaderSourceTime(file));
 }
 
-/// `remarks` gets what the compiler says about an effect that it made: the functions that can not run.
+/// `remarks` gets what the compiler says about an effect that it made.
 DevicePtr<ID3DXEffect> Compile(const GraphicsDevice& graphics, const char* file, DWORD flags, bool use_pool,
                                std::string& remarks) {
     DevicePtr<ID3DXEffect> effect;
@@ -120,7 +120,7 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
     effect.registry_ = registry_;
     effect.Data()->not_valid = !effect.SelectTechnique();
     effect.Data()->technique = effect.Technique();
-    if (!effect.IsValid() && !remarks.empty()) context_.Reporter().Warning("%s", remarks.c_str());   // why not
+    if (!remarks.empty()) context_.Reporter().Warning("%s", remarks.c_str());
     if (!effect.IsValid()) context_.Reporter().Warning("Shader could not be validated for this GPU: '%s'", file);
     return true;
 }

@@ -27,8 +27,9 @@ enum VertexInput : int {
     kInputColor0 = 5,
     kInputColor1 = 6,
     kInputTexCoord0 = 7,   // .. 14 for set 7
+    kInputTangent = 15,    // set 7 once more, where it has four floats: a tangent, and the side of its binormal
 };
-inline constexpr int kVertexInputs = 15;
+inline constexpr int kVertexInputs = 16;
 
 enum Varying : int {
     kVaryingColor0 = 0,
@@ -45,6 +46,7 @@ inline constexpr int kPixelGlobalsBinding = 1;
 struct ShaderCode {
     std::string glsl;
     DWORD globals_bytes = 0;          // size of the uniform block, 0 for none
+    DWORD inputs = 0;                 // vertex: bit n is set when input n is read
     DWORD varyings = 0;               // vertex: bit n is set when varying n is written; pixel: when it is read
     bool writes_point_size = false;   // vertex: gl_PointSize is written
     bool operator==(const ShaderCode&) const = default;

@@ -27,6 +27,11 @@ class FormatWriter {
   public:
     explicit FormatWriter(VertexFormat& format) : format_(format) {}
 
+    /// A second input for what was added last.
+    void Also(int input) {
+        format_.elements[format_.element_count] = format_.elements[format_.element_count - 1];
+        format_.elements[format_.element_count++].input = input;
+    }
     void Floats(int input, DWORD components) {
         Add(input, components, ElementKind::Floats);
         format_.stride += components * kFloatBytes;
@@ -83,6 +88,7 @@ bool ParseVertexFormat(DWORD fvf, VertexFormat& format) {
         format.set_sizes[set] = kSetSizes[fvf >> (16 + 2 * set) & 3];
         writer.Floats(kInputTexCoord0 + static_cast<int>(set), format.set_sizes[set]);
     }
+    if (format.set_sizes.back() == 4) writer.Also(kInputTangent);
     return true;
 }
 

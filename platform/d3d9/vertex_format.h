@@ -24,7 +24,7 @@ struct VertexFormat {
     DWORD fvf = 0;
     DWORD stride = 0;
     int element_count = 0;
-    std::array<VertexElement, kVertexInputs> elements = {};   // in memory order
+    std::array<VertexElement, kVertexInputs> elements = {};   // in memory order, the tangent last
     std::array<BYTE, 8> set_sizes = {};                       // floats in each texture coordinate set, 0: missing
 
     bool Transformed() const { return (fvf & D3DFVF_POSITION_MASK) == D3DFVF_XYZRHW; }

@@ -19,7 +19,8 @@ struct D3DXTECHNIQUE_DESC {
     UINT Passes, Annotations;
 };
 
-/// The function pointers tell only whether the pass has such a function.
+/// Null for a function that the pass does not have. A vertex function's first number has bit n set when it reads vertex
+/// input n (VertexInput).
 struct D3DXPASS_DESC {
     const char* Name;
     UINT Annotations;
@@ -75,7 +76,8 @@ class ID3DXEffect : public IUnknown {
     virtual HRESULT OnResetDevice() = 0;
 };
 
-/// On failure `errors` may receive a buffer of zero-terminated text, "file(line): error X0000: message" per line.
+/// `errors` may receive a buffer of zero-terminated text, a line "file(line): error X0000: message" each; of an effect
+/// that is made, its warnings, and of one without a valid technique the reasons.
 HRESULT D3DXCreateEffectFromFileA(IDirect3DDevice9* device, const char* file, DWORD flags, ID3DXEffectPool* pool,
                                   ID3DXEffect** effect, ID3DXBuffer** errors);
 HRESULT D3DXCreateEffectPool(ID3DXEffectPool** pool);

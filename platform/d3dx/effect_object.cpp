@@ -147,12 +147,12 @@ HRESULT Effect::GetTechniqueDesc(D3DXHANDLE handle, D3DXTECHNIQUE_DESC* desc) {
 }
 
 HRESULT Effect::GetPassDesc(D3DXHANDLE handle, D3DXPASS_DESC* desc) {
-    static constexpr DWORD kPresent = 0;
     const D3DXHandleTag* found = Find(handle, Kind::Pass);
     if (!found || !desc) return D3DERR_INVALIDCALL;
     *desc = {found->pass->name.c_str(), static_cast<UINT>(found->pass->annotations.size()), nullptr, nullptr};
     for (const StateAssignment& state : found->pass->states) {
-        const DWORD* function = program_.FunctionOf(state) ? &kPresent : nullptr;
+        const EffectFunction* found_function = program_.FunctionOf(state);
+        const DWORD* function = found_function ? &found_function->code.inputs : nullptr;
         if (state.group == StateGroup::VertexShader) desc->pVertexShaderFunction = function;
         if (state.group == StateGroup::PixelShader) desc->pPixelShaderFunction = function;
     }

@@ -164,6 +164,34 @@ TEST(DrawMesh, ReflectionsAreComputedIntoTheSecondCoordinates) {
     mesh.Clear();
 }
 
+/// The second triangle lies mirrored on the map, the third one has no area there.
+TEST(DrawMesh, AnEffectThatReadsTangentsGetsThem) {
+    RecordedGfx gfx;
+    KRN_Mesh mesh;
+    KRN_ShaderEffect effect;
+    BuildMesh(mesh, 3);
+    const float uv[9][2] = {{0, 0}, {2, 0}, {0, 3}, {0, 0}, {0, 2}, {3, 0}, {}, {}, {}};
+    for (std::uint32_t i = 0; i < 9; ++i) std::memcpy(mesh.Geometry()->Vertex(i) + 24, uv[i], sizeof uv[i]);
+    mesh.SortByGroup();
+    gfx->BeginScene();
+    gfx->DrawMesh(&mesh, nullptr);
+    gfx->LoadShaderEffect(effect, "shader/Bump.fx", true, 0, false);
+    gfx->SetShaderEffect(&effect);
+    gfx->DrawMesh(&mesh, nullptr);
+    EXPECT_EQ(gfx.recording.Draws().at(2).fvf, 0x112u) << "until an effect reads them";
+    EXPECT_EQ(gfx.recording.Draws().at(3).stride, 32u + 6 * 4 + 16);
+    void* data = nullptr;
+    ID3DXMesh& buffers = *static_cast<DeviceMesh&>(*mesh.Geometry()->device).buffers;
+    buffers.LockVertexBuffer(D3DLOCK_READONLY, &data);
+    D3DXVECTOR4 tangents[9];
+    for (int i = 0; i < 9; ++i) std::memcpy(&tangents[i], static_cast<std::uint8_t*>(data) + i * 72 + 56, 16);
+    buffers.UnlockVertexBuffer();
+    EXPECT_EQ(tangents[1], (D3DXVECTOR4{1, 0, 0, -1}));
+    EXPECT_EQ(tangents[4], (D3DXVECTOR4{0, 1, 0, 1}));
+    EXPECT_EQ(tangents[8].z, 0) << "beside the normal";
+    mesh.Clear();
+}
+
 TEST(DrawMesh, BonesBecomeWorldMatrices) {
     for (const DWORD highest : {255u, 1u}) {
         RecordedGfx gfx([highest](Recording& recording) { recording.caps.MaxVertexBlendMatrixIndex = highest; });

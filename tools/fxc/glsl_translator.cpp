@@ -178,6 +178,7 @@ class Translator {
         glsl +=
             fmt::format("\nvoid main()\n{{\n{}    effect_function();\n{}}}\n", interface_.Before(), interface_.After());
         out_.code.glsl = std::move(glsl);
+        out_.code.inputs = interface_.Inputs();
         out_.code.varyings = interface_.Varyings();
         out_.code.writes_point_size = interface_.WritesPointSize();
     }

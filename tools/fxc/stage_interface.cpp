@@ -38,7 +38,7 @@ struct Slots {
 constexpr Slots kVertexInputSlots[] = {
     {"POSITION", kInputPosition, 1},  {"BLENDWEIGHT", kInputBlendWeight, 1}, {"BLENDINDICES", kInputBlendIndices, 1},
     {"NORMAL", kInputNormal, 1},      {"PSIZE", kInputPointSize, 1},         {"COLOR", kInputColor0, 2},
-    {"TEXCOORD", kInputTexCoord0, 8},
+    {"TEXCOORD", kInputTexCoord0, 8}, {"TANGENT", kInputTangent, 1},
 };
 // The usages that an element of a vertex can have. Those above are what formats carry.
 constexpr std::string_view kElementUsages[] = {
@@ -52,9 +52,9 @@ constexpr Slots kVaryingSlots[] = {
 };
 
 template <std::size_t N>
-std::optional<int> FindSlot(const Slots (&slots)[N], const Semantic& semantic, int row) {
+std::optional<int> FindSlot(const Slots (&slots)[N], const std::string& word, int index) {
     for (const Slots& slot : slots)
-        if (semantic.word == slot.word && semantic.index + row < slot.count) return slot.first + semantic.index + row;
+        if (word == slot.word && index < slot.count) return slot.first + index;
     return std::nullopt;
 }
 
@@ -82,6 +82,13 @@ void StageInterface::Declare(const std::string& line) {
     if (declarations_.find(line) == std::string::npos) declarations_ += line;
 }
 
+std::string StageInterface::VertexInputOf(int slot) {
+    const std::string name = fmt::format("vertex_input_{}", slot);
+    Declare(fmt::format("layout(location = {}) in vec4 {};\n", slot, name));
+    inputs_ |= 1u << slot;
+    return name;
+}
+
 void StageInterface::Read(const StageVariable& variable, int row, const std::string& source) {
     before_ += fmt::format("    {} = {};\n", RowName(variable, row), Narrowed(variable, source));
 }
@@ -92,9 +99,23 @@ std::optional<int> ExtraVaryings::PlaceOf(const std::string& semantic) {
 }
 
 std::optional<int> StageInterface::VaryingOf(const std::string& word, int index) {
-    if (const std::optional<int> slot = FindSlot(kVaryingSlots, {word, index}, 0)) return slot;
+    if (const std::optional<int> slot = FindSlot(kVaryingSlots, word, index)) return slot;
     if (word.empty()) return std::nullopt;
     return extra_.PlaceOf(word + std::to_string(index));
+}
+
+bool StageInterface::AddVertexInput(const StageVariable& variable, const std::string& word, int index, int row) {
+    if (word == "BINORMAL" && index == 0) {   // at right angles to both, on the side that the tangent names
+        const std::string normal = VertexInputOf(kInputNormal), tangent = VertexInputOf(kInputTangent);
+        Read(variable, row, fmt::format("vec4(cross({}.xyz, {}.xyz) * {}.w, 1.0)", normal, tangent, tangent));
+    } else if (const std::optional<int> slot = FindSlot(kVertexInputSlots, word, index)) {
+        Read(variable, row, VertexInputOf(*slot));
+    } else {
+        if (std::ranges::find(kElementUsages, word) == std::end(kElementUsages)) return false;
+        Read(variable, row, "vec4(0.0, 0.0, 0.0, 1.0)");
+        missing_inputs_.push_back(word + std::to_string(index));
+    }
+    return true;
 }
 
 bool StageInterface::AddInput(const StageVariable& variable, std::string& unsupported) {
@@ -107,20 +128,18 @@ bool StageInterface::AddInput(const StageVariable& variable, std::string& unsupp
         return true;
     }
     for (int row = 0; row < variable.rows; ++row) {
-        const std::optional<int> slot =
-            vertex ? FindSlot(kVertexInputSlots, semantic, row) : VaryingOf(semantic.word, semantic.index + row);
-        if (!slot) {
-            if (!vertex && !variable.semantic.empty()) unsupported = "it reads more than the stages can hand over";
-            if (!vertex) return !variable.semantic.empty();
-            if (std::ranges::find(kElementUsages, semantic.word) == std::end(kElementUsages)) return false;
-            Read(variable, row, "vec4(0.0, 0.0, 0.0, 1.0)");
-            missing_inputs_.push_back(semantic.word + std::to_string(semantic.index + row));
+        const int index = semantic.index + row;
+        if (vertex) {
+            if (!AddVertexInput(variable, semantic.word, index, row)) return false;
             continue;
         }
-        const std::string name = fmt::format("{}_{}", vertex ? "vertex_input" : "varying", *slot);
+        const std::optional<int> slot = VaryingOf(semantic.word, index);
+        if (!slot && !variable.semantic.empty()) unsupported = "it reads more than the stages can hand over";
+        if (!slot) return !variable.semantic.empty();
+        const std::string name = fmt::format("varying_{}", *slot);
         Declare(fmt::format("layout(location = {}) in vec4 {};\n", *slot, name));
         Read(variable, row, name);
-        if (!vertex) varyings_ |= 1u << *slot;
+        varyings_ |= 1u << *slot;
     }
     return true;
 }

@@ -46,13 +46,18 @@ class StageInterface {
     const std::string& Declarations() const { return declarations_; }
     const std::string& Before() const { return before_; }
     const std::string& After() const { return after_; }
+    DWORD Inputs() const { return inputs_; }
     DWORD Varyings() const { return varyings_; }
     bool WritesPointSize() const { return writes_point_size_; }
-    /// The inputs that no vertex format carries, such as TANGENT0; they read (0, 0, 0, 1).
+    /// The inputs that no vertex format carries, such as POSITION1; they read (0, 0, 0, 1).
     const std::vector<std::string>& MissingInputs() const { return missing_inputs_; }
 
   private:
     void Declare(const std::string& line);
+    /// The vertex input of a number, declared.
+    std::string VertexInputOf(int slot);
+    /// False for what no element of a vertex is.
+    bool AddVertexInput(const StageVariable& variable, const std::string& word, int index, int row);
     std::optional<int> VaryingOf(const std::string& word, int index);
     void Read(const StageVariable& variable, int row, const std::string& source);
 
@@ -60,7 +65,7 @@ class StageInterface {
     DWORD version_;
     ExtraVaryings& extra_;
     std::string declarations_, before_, after_;
-    DWORD varyings_ = 0;
+    DWORD inputs_ = 0, varyings_ = 0;
     bool writes_point_size_ = false;
     std::vector<std::string> missing_inputs_;
 };
