@@ -33,11 +33,18 @@ bool LoadEffectFile(const std::string& path, EffectFile& effect, std::string& er
     return false;
 }
 
-/// The functions that the layer can not run, whether the effect was compiled now or long ago.
-std::string Warnings(const EffectFile& effect) {
-    std::string text;
-    for (const EffectFunction& function : effect.functions)
-        if (!function.unsupported.empty()) text += function.unsupported + "\n";
+bool HasValidTechnique(ID3DXEffect& effect) {
+    for (UINT i = 0; const D3DXHANDLE technique = effect.GetTechnique(i); ++i)
+        if (SUCCEEDED(effect.ValidateTechnique(technique))) return true;
+    return false;
+}
+
+/// What the compiler said, now or long ago. Functions that the layer can not run matter where nothing stands in for
+/// them.
+std::string Warnings(const EffectFile& file, bool valid) {
+    std::string text = file.warnings;
+    for (const EffectFunction& function : file.functions)
+        if (!valid && !function.unsupported.empty()) text += function.unsupported + "\n";
     return text;
 }
 
@@ -51,11 +58,13 @@ HRESULT D3DXCreateEffectFromFileA(IDirect3DDevice9* device, const char* file, DW
     EffectFile loaded;
     std::string text;
     const bool good = LoadEffectFile(ResolvePath(file), loaded, text);
-    if (good) text = Warnings(loaded);
+    if (good) {
+        auto* created = new Effect(device, std::move(loaded), static_cast<EffectPool*>(pool));
+        text = Warnings(created->File(), HasValidTechnique(*created));
+        *effect = created;
+    }
     if (errors && !text.empty()) *errors = new TextBuffer(std::move(text));
-    if (!good) return D3DXERR_INVALIDDATA;
-    *effect = new Effect(device, std::move(loaded), static_cast<EffectPool*>(pool));
-    return D3D_OK;
+    return good ? D3D_OK : D3DXERR_INVALIDDATA;
 }
 
 HRESULT D3DXCreateEffectPool(ID3DXEffectPool** pool) {

@@ -10,7 +10,7 @@ namespace {
 // Each walk names the fields of a record in the order of the file. The constants are the fewest bytes that an element
 // of a list takes: those of its numbers, and the counts of its texts and lists.
 constexpr std::size_t kWordBytes = 4, kVariableBytes = 26, kStepBytes = 25, kStateBytes = 39, kParameterBytes = 47,
-                      kBindingBytes = 8, kFunctionBytes = 34, kPassBytes = 12, kTechniqueBytes = 12;
+                      kBindingBytes = 8, kFunctionBytes = 38, kPassBytes = 12, kTechniqueBytes = 12;
 
 constexpr auto kWalkWord = [](auto& archive, DWORD& word) { archive.Number(word); };
 
@@ -46,7 +46,8 @@ constexpr auto kWalkSampler = [](auto& archive, SamplerBinding& binding) {
 
 constexpr auto kWalkFunction = [](auto& archive, EffectFunction& function) {
     AllFields(archive, function.stage, function.version, function.call, function.unsupported, function.code.glsl,
-              function.code.globals_bytes, function.code.varyings, function.code.writes_point_size);
+              function.code.globals_bytes, function.code.inputs, function.code.varyings,
+              function.code.writes_point_size);
     archive.List(function.globals, kBindingBytes, kWalkGlobal);
     archive.List(function.samplers, kBindingBytes, kWalkSampler);
 };
@@ -68,6 +69,7 @@ void WalkEffect(Archive& archive, EffectFile& effect) {
     archive.List(effect.parameters, kParameterBytes, kWalkParameter);
     archive.List(effect.functions, kFunctionBytes, kWalkFunction);
     archive.List(effect.techniques, kTechniqueBytes, kWalkTechnique);
+    archive.Text(effect.warnings);
 }
 
 }   // namespace

@@ -14,7 +14,7 @@
 namespace sparkrig {
 
 inline constexpr DWORD kEffectMagic = 0x4F584653;   // "SFXO"
-inline constexpr DWORD kEffectVersion = 2;
+inline constexpr DWORD kEffectVersion = 3;
 
 // The limits that compiler and reader hold to.
 inline constexpr DWORD kMaxGlobalsBytes = 65536;   // of one function's block of globals
@@ -173,6 +173,7 @@ struct EffectFile {
     std::vector<EffectParameter> parameters;   // members follow their structure
     std::vector<EffectFunction> functions;
     std::vector<EffectTechnique> techniques;
+    std::string warnings;   // of the compiler, a line each, but those about functions that the layer cannot run
 };
 
 /// Bytes that a parameter takes in a block of globals.

@@ -27,6 +27,8 @@ class Effect final : public RefCounted<ID3DXEffect> {
     /// `effect` was checked. Pool may be null.
     Effect(IDirect3DDevice9* device, EffectFile effect, EffectPool* pool);
 
+    const EffectFile& File() const { return program_.File(); }
+
     HRESULT GetDesc(D3DXEFFECT_DESC* desc) override;
     HRESULT GetTechniqueDesc(D3DXHANDLE technique, D3DXTECHNIQUE_DESC* desc) override;
     HRESULT GetPassDesc(D3DXHANDLE pass, D3DXPASS_DESC* desc) override;

@@ -62,9 +62,10 @@ TEST(FxcErrors, WhatTheLayerCanNotRunIsAWarning) {
         EXPECT_EQ(result.effect.functions[0].code, ShaderCode()) << row.source;
     }
     const FxcResult inputs =
-        CompileText("float4 V(float4 p : POSITION, float3 t : TANGENT) : POSITION { return p + t.x; }\n" +
+        CompileText("float4 V(float4 p : POSITION, float3 t : NORMAL1) : POSITION { return p + t.x; }\n" +
                     WithPass("VertexShader = compile vs_1_1 V();"));
-    EXPECT_EQ(inputs.errors, "t.fx(6): warning X4000: V: no vertex has TANGENT0: it reads (0, 0, 0, 1) (column 31)\n");
+    EXPECT_EQ(inputs.errors, "t.fx(6): warning X4000: V: no vertex has NORMAL1: it reads (0, 0, 0, 1) (column 31)\n");
+    EXPECT_THAT(inputs.effect.warnings, HasSubstr(inputs.errors));
     const FxcResult states = CompileText("technique { pass { Wrap9 = 1; } pass { Wrap9 = 2; CullMode = CW; } }");
     EXPECT_EQ(states.errors, "t.fx(1): warning X4000: the state 'Wrap9' has no effect here (column 20)\n");
 }

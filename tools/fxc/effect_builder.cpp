@@ -143,6 +143,17 @@ class EffectBuilder {
     std::string last_error_;
 };
 
+/// What is warned of, but the functions that can not run: those keep their reason.
+std::string OtherWarnings(const EffectFile& file, const std::string& text) {
+    std::string others;
+    for (std::size_t start = 0, end = 0; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+        const std::string line = text.substr(start, end - start);
+        if (std::ranges::find(file.functions, line, &EffectFunction::unsupported) == file.functions.end())
+            others += line + "\n";
+    }
+    return others;
+}
+
 }   // namespace
 
 std::optional<EffectFile> BuildEffect(const std::string& path, Diagnostics& diagnostics) {
@@ -160,6 +171,7 @@ std::optional<EffectFile> BuildEffect(const std::string& path, Diagnostics& diag
         diagnostics.Error(tokens.back().place, ErrorCode::Unsupported, fault);
         return std::nullopt;
     }
+    effect.file.warnings = OtherWarnings(effect.file, diagnostics.Text());
     return std::move(effect.file);
 }
 

@@ -71,6 +71,8 @@ int Describe(const std::string& input) {
         std::fputs(diagnostics.Text().c_str(), stderr);
         if (!built) return kErrors;
         effect = std::move(*built);
+    } else {
+        std::fputs(effect.warnings.c_str(), stderr);
     }
     fmt::print("{}", sparkrig::fxc::DescribeEffect(effect));
     return sparkrig::EndAfterOutput("fxc", kDone);
