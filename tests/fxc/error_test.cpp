@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/fxc/fxc_run.h"
+#include "tests/support/cases.h"
 
 namespace sparkrig {
 namespace {
@@ -13,7 +14,7 @@ std::string WithPass(const std::string& states) {
 }
 
 TEST(FxcErrors, NameFileLineAndCause) {
-    std::vector<TitledText> rows = ReadTitledTexts("tests/fxc/errors.fx");
+    std::vector<Case> rows = ReadCases("tests/fxc/errors.fx", "//// ");
     ASSERT_FALSE(rows.empty());
     rows.push_back({"t.fx(2): error X2000: unexpected '?' (column 1)", {'\n', '\0'}});
     for (const auto& [first_line, source] : rows) {

@@ -6,6 +6,7 @@
 #include "platform/d3dx/d3dx_effect.h"
 #include "tests/fxc/fxc_run.h"
 #include "tests/support/canvas.h"
+#include "tests/support/cases.h"
 
 namespace sparkrig {
 namespace {
@@ -81,7 +82,7 @@ std::string SourceOf(const std::string& text) {
 TEST(FxcFeatures, GiveTheirPixel) {
     const FxcFolder folder;
     FeatureCanvas canvas;
-    const std::vector<TitledText> features = ReadTitledTexts("tests/fxc/features.fx");
+    const std::vector<Case> features = ReadCases("tests/fxc/features.fx", "//// ");
     ASSERT_FALSE(features.empty());
     for (const auto& [title, text] : features) {
         folder.Write("t.fx", SourceOf(text));

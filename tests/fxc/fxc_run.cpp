@@ -3,7 +3,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <sstream>
 
 namespace sparkrig {
 
@@ -41,19 +40,6 @@ FxcResult CompileText(const std::string& text) {
     const FxcFolder folder;
     folder.Write("t.fx", text);
     return folder.Compile("t.fx");
-}
-
-std::vector<TitledText> ReadTitledTexts(const std::string& file) {
-    std::istringstream lines(ReadFile(file));
-    std::vector<TitledText> texts;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("//// "))
-            texts.push_back({line.substr(5), ""});
-        else if (!texts.empty())
-            texts.back().text += line + "\n";
-    }
-    for (TitledText& titled : texts) titled.text.erase(titled.text.find_last_not_of('\n') + 1);
-    return texts;
 }
 
 }   // namespace sparkrig

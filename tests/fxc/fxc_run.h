@@ -1,7 +1,6 @@
 // Runs the effect compiler on sources in a folder of the test's own.
 #pragma once
 #include <string>
-#include <vector>
 
 #include "platform/d3dx/effect_file.h"
 #include "tests/support/temporary_folder.h"
@@ -30,11 +29,5 @@ class FxcFolder {
 
 /// Compiles one source, called t.fx.
 FxcResult CompileText(const std::string& text);
-
-/// A piece of a file of many: a line "//// TITLE", then a text up to the next one, without empty lines at its end.
-struct TitledText {
-    std::string title, text;
-};
-std::vector<TitledText> ReadTitledTexts(const std::string& file);
 
 }   // namespace sparkrig
