@@ -1,11 +1,15 @@
-// Vectors and orientations that are the same but for rounding.
+// A node of a test; vectors and orientations that are the same but for rounding.
 #pragma once
 #include <cmath>
 
-#include "platform/d3dx/d3dx_math.h"
+#include "scene/object_3d.h"
 #include "tests/support/test.h"
 
 namespace sparkrig {
+
+struct Node : KRN_3dObject {
+    ~Node() = default;
+};
 
 inline void ExpectNear(const D3DXVECTOR3& a, const D3DXVECTOR3& b, float tolerance = 1e-5f) {
     EXPECT_NEAR(a.x, b.x, tolerance);

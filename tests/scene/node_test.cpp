@@ -16,10 +16,6 @@ D3DXQUATERNION QuarterTurnAboutZ() {
     return {q.x * 3, q.y * 3, q.z * 3, q.w * 3};   // placing normalises
 }
 
-struct Node : KRN_3dObject {
-    ~Node() = default;
-};
-
 D3DXVECTOR3 Carried(const KRN_3dObject& node, D3DXVECTOR3 point) {
     return *D3DXVec3TransformCoord(&point, &point, &node.WorldMatrix());
 }

@@ -1,16 +1,12 @@
 // Whole scenes: the samples against their answers, small texts against what the format says, old and broken files.
-#include <unistd.h>
-
 #include <cmath>
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "base/log.h"
 #include "scene/binary_scene.h"
 #include "scene/load_scene.h"
 #include "tests/support/cases.h"
-#include "tests/support/test.h"
+#include "tests/support/temporary_folder.h"
 #include "tools/scene/dump.h"
 
 namespace sparkrig {
@@ -20,19 +16,6 @@ using nlohmann::json;
 
 constexpr const char* kSamples[] = {"rock",  "ring",   "flag", "stage", "bounded", "two_materials", "terrain",
                                     "chunk", "letter", "maw",  "path",  "rune",    "shock",         "tentacle"};
-
-std::string FileBytes(const std::string& name) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(name, std::ios::binary).rdbuf();
-    return bytes.str();
-}
-
-/// A file of the test, gone after it.
-struct TestFile {
-    explicit TestFile(const std::string& bytes = "") { std::ofstream(name, std::ios::binary) << bytes; }
-    ~TestFile() { std::remove(name.c_str()); }
-    std::string name = "/tmp/sparkrig_scene_" + std::to_string(getpid());
-};
 
 json Dump(const std::string& file, float time, bool geometry) {
     KRN_3dScene scene;
@@ -63,21 +46,22 @@ std::string Difference(const json& a, const json& b, double tolerance, const std
 }
 
 TEST(SceneFiles, SamplesAreTheirAnswersInBothFormats) {
+    const ScratchFolder folder;
+    const std::string converted = folder.Path("scene");
     for (const std::string sample : kSamples) {
-        json answer = json::parse(FileBytes("tests/scene/answers/" + sample + ".json"));
+        json answer = json::parse(ReadFile("tests/scene/answers/" + sample + ".json"));
         for (const char* key : {"file", "format", "version"}) answer.erase(key);
         const bool geometry = !answer["meshes"].empty() && answer["meshes"][0].contains("geometry");
         const std::string text = "models/" + sample + ".kva";
         EXPECT_EQ(Difference(answer, Dump(text, 0.4f, geometry), 1e-5), "") << sample;
         KRN_3dScene scene;
         LoadScene(scene, text.c_str());
-        const TestFile first;
-        SaveBinaryScene(scene, first.name.c_str());
-        const std::string bytes = FileBytes(first.name);
-        EXPECT_EQ(Difference(answer, Dump(first.name, 0.4f, geometry), geometry ? 1e-4 : 1e-5), "") << sample;
-        LoadScene(scene, first.name.c_str());
-        SaveBinaryScene(scene, first.name.c_str());
-        EXPECT_TRUE(bytes == FileBytes(first.name)) << sample << " converted again";
+        SaveBinaryScene(scene, converted.c_str());
+        const std::string bytes = ReadFile(converted);
+        EXPECT_EQ(Difference(answer, Dump(converted, 0.4f, geometry), geometry ? 1e-4 : 1e-5), "") << sample;
+        LoadScene(scene, converted.c_str());
+        SaveBinaryScene(scene, converted.c_str());
+        EXPECT_TRUE(bytes == ReadFile(converted)) << sample << " converted again";
     }
 }
 
@@ -85,14 +69,15 @@ TEST(SceneFiles, TextsBecomeWhatTheirWordsSayOrAreReported) {
     const std::vector<Case> cases = ReadCases("tests/scene/texts.txt");
     ASSERT_GT(cases.size(), 30u);
     for (const auto& [head, text] : cases) {
-        const TestFile file("*3DSMAX_KVAEXPORT 211 " + text);
+        const ScratchFolder folder;
+        const std::string file = folder.Write("scene", "*3DSMAX_KVAEXPORT 211 " + text);
         const std::string place = head.substr(0, head.find(' ')), expected = head.substr(place.size() + 1);
         if (place == "!") {
             const Reports reports;
-            ErrorOf([&] { Dump(file.name, 0, false); });
+            ErrorOf([&] { Dump(file, 0, false); });
             EXPECT_THAT(reports.All(), testing::Contains(HasSubstr(expected))) << text;
         } else {
-            const json found = Dump(file.name, 0, true).at(json::json_pointer(place));
+            const json found = Dump(file, 0, true).at(json::json_pointer(place));
             EXPECT_EQ(Difference(json::parse(expected), found, 1e-5), "") << text;
         }
     }
@@ -115,11 +100,12 @@ TEST(SceneFiles, EveryVersionIsRead) {
             EXPECT_EQ(dump["bounds"]["radius"], version < 103 ? 2.5 : 5.0);
         }
     }
-    std::string bytes = FileBytes("tests/scene/old/106.3sc");
+    const ScratchFolder folder;
+    std::string bytes = ReadFile("tests/scene/old/106.3sc");
     for (const char version : {99, 107}) {
         bytes[3] = version;
-        const TestFile file(bytes);
-        EXPECT_THAT(ErrorOf([&] { Dump(file.name, 0, false); }), HasSubstr("3sc file version: "));
+        const std::string file = folder.Write("scene", bytes);
+        EXPECT_THAT(ErrorOf([&] { Dump(file, 0, false); }), HasSubstr("3sc file version: "));
     }
     EXPECT_THAT(ErrorOf([&] { Dump("tests/scene/old/bad_index.3sc", 0, false); }), HasSubstr("Invalid face 0"));
 }
@@ -127,15 +113,14 @@ TEST(SceneFiles, EveryVersionIsRead) {
 TEST(SceneFiles, CutAnywhereTheyLoadOrReport) {
     KRN_3dScene scene;
     LoadScene(scene, "models/two_materials.kva");
-    const TestFile converted;
-    SaveBinaryScene(scene, converted.name.c_str());
-    for (const std::string& whole : {FileBytes(converted.name), FileBytes("models/ring.kva").substr(0, 3000)}) {
+    const ScratchFolder folder;
+    SaveBinaryScene(scene, folder.Path("scene").c_str());
+    for (const std::string& whole : {ReadFile(folder.Path("scene")), ReadFile("models/ring.kva").substr(0, 3000)}) {
         for (std::size_t length = 0; length < whole.size(); ++length) {
-            const TestFile file(whole.substr(0, length));
-            const std::string error = ErrorOf([&] { LoadScene(scene, file.name.c_str()); });
-            if (whole.front() == '3') {
-                EXPECT_NE(error, "no error") << length;
-            }
+            const ScratchFolder cut;
+            const std::string file = cut.Write("scene", whole.substr(0, length));
+            const std::string error = ErrorOf([&] { LoadScene(scene, file.c_str()); });
+            EXPECT_TRUE(whole.front() != '3' || error != "no error") << length;
         }
     }
 }
