@@ -79,14 +79,10 @@ TEST_F(PlayerTest, MovingTexturesAreTheSameAfterAResetAndAReload) {
 
 TEST_F(PlayerTest, AScreenEffectIsReadAgainAndStaysWhereThatFails) {
     const ScratchFolder folder;
+    const std::string head = "float4 V(float4 p : POSITION) : POSITION { return p; }\nfloat4 P() : COLOR { return ",
+                      pass = "VertexShader = compile vs_2_0 V(); PixelShader = compile ps_2_0 P();";
     const auto write = [&](const std::string& colour, int age) {
-        const std::string file = folder.Write("Fill.fx",
-                                              "float4 V(float4 p : POSITION) : POSITION { return p; }\n"
-                                              "float4 P() : COLOR { return " +
-                                                  colour +
-                                                  "; }\n"
-                                                  "technique { pass { VertexShader = compile vs_2_0 V();"
-                                                  "PixelShader = compile ps_2_0 P(); } }");
+        const std::string file = folder.Write("Fill.fx", head + colour + "; }\ntechnique { pass { " + pass + " } }");
         std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(age));
     };
     const std::tuple<const char*, Rgb, const char*> rows[] = {

@@ -15,24 +15,6 @@ namespace {
 
 constexpr double kFrame = 0.03125;
 
-/// A folder of its own with an effects file of so many effects.
-class EffectsFolder {
-  public:
-    EffectsFolder() {
-        folder_.Enter();
-        std::filesystem::create_directory("cfg");
-    }
-    void Write(int effects) const {
-        std::string text;
-        for (int i = 0; i < effects; ++i)
-            text += "#\ndesc = \"effect" + std::to_string(i) + "\"\nPARTICLE {\nLife = 4\n}\n";
-        folder_.Write("cfg/effects.cfg", text);
-    }
-
-  private:
-    ScratchFolder folder_;
-};
-
 class TesterCommandsTest : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -43,13 +25,13 @@ class TesterCommandsTest : public ::testing::Test {
         loop_.effect_count = 5;
     }
     /// One frame with exactly these keys down.
-    void Frame(std::initializer_list<int> keys) {
+    void Frame(const std::vector<int>& keys) {
         fake_keys = {};
         for (const int key : keys) fake_keys.state[key] = 0x80;
         keyboard_.UpdateKeyboard();
         RunKeyboardCommands(keyboard_, state_, loop_, effects_, kFrame);
     }
-    void Press(std::initializer_list<int> keys) {
+    void Press(const std::vector<int>& keys) {
         Frame(keys);
         Frame({});
     }
@@ -89,12 +71,6 @@ TEST_F(TesterCommandsTest, TheKeypadChangesTheSpeedWhileHeld) {
     EXPECT_NEAR(loop_.speed, 1, 1e-5);
 }
 
-struct CameraRow {
-    const char* name;
-    std::initializer_list<int> keys;
-    D3DXVECTOR3 eye, view;
-};
-
 // The camera starts at (0, 200, 100), looks at the origin, and has +x at its left.
 TEST_F(TesterCommandsTest, MovesTheCameraByTheModifier) {
     const float far = std::sqrt(200.0f * 200 + 100 * 100);
@@ -103,7 +79,7 @@ TEST_F(TesterCommandsTest, MovesTheCameraByTheModifier) {
     const float angle = 2 * static_cast<float>(kFrame), cosine = std::cos(angle), sine = std::sin(angle);
     const float up_cosine = std::cos(std::atan2(100.0f, 200.0f) + angle),
                 up_sine = std::sin(std::atan2(100.0f, 200.0f) + angle);
-    const CameraRow kRows[] = {
+    const std::tuple<const char*, std::vector<int>, D3DXVECTOR3, D3DXVECTOR3> kRows[] = {
         {"shift left", {DIK_LSHIFT, DIK_LEFT}, {side, 200, 100}, view},
         {"shift right", {DIK_LSHIFT, DIK_RIGHT}, {-side, 200, 100}, view},
         {"shift page down", {DIK_RSHIFT, DIK_NEXT}, {0, 200, 100 - side}, view},
@@ -124,21 +100,29 @@ TEST_F(TesterCommandsTest, MovesTheCameraByTheModifier) {
         {"up", {DIK_UP}, {0, 200 + view.y * step, 100 + view.z * step}, view},
         {"down", {DIK_DOWN}, {0, 200 - view.y * step, 100 - view.z * step}, view},
         {"both at once", {DIK_LEFT, DIK_RIGHT, DIK_C}, {0, 200, 100}, view}};
-    for (const CameraRow& row : kRows) {
+    for (const auto& [name, keys, expected_eye, expected_view] : kRows) {
         PlaceCameraAtHome(loop_.camera);
-        Frame(row.keys);
+        Frame(keys);
         const D3DXVECTOR3 &eye = loop_.camera.Eye(), &direction = loop_.camera.ViewDirection();
         for (float D3DXVECTOR3::*axis : {&D3DXVECTOR3::x, &D3DXVECTOR3::y, &D3DXVECTOR3::z}) {
-            EXPECT_NEAR(eye.*axis, row.eye.*axis, 2e-3) << row.name;
-            EXPECT_NEAR(direction.*axis, row.view.*axis, 2e-5) << row.name;
+            EXPECT_NEAR(eye.*axis, expected_eye.*axis, 2e-3) << name;
+            EXPECT_NEAR(direction.*axis, expected_view.*axis, 2e-5) << name;
         }
         Frame({});
     }
 }
 
 TEST_F(TesterCommandsTest, ReturnStartsTheCurrentEffectAndReloadsKeepOrEndIt) {
-    EffectsFolder folder;
-    folder.Write(3);
+    const ScratchFolder folder;
+    folder.Enter();
+    std::filesystem::create_directory("cfg");
+    const auto write = [&](int effects) {
+        std::string text;
+        for (int i = 0; i < effects; ++i)
+            text += "#\ndesc = \"effect" + std::to_string(i) + "\"\nPARTICLE {\nLife = 4\n}\n";
+        folder.Write("cfg/effects.cfg", text);
+    };
+    write(3);
     ReloadEffects(effects_, state_, loop_, false);
     EXPECT_EQ(loop_.effect_count, 3);
     state_.current_effect = 2;
@@ -147,18 +131,18 @@ TEST_F(TesterCommandsTest, ReturnStartsTheCurrentEffectAndReloadsKeepOrEndIt) {
     EXPECT_EQ(effects_.LiveInstanceCount(), 2);
     EXPECT_EQ(effects_.GetInstanceStates().back().effect, "effect2");
 
-    folder.Write(4);
+    write(4);
     loop_.most_drawn_particles = 9;
     Press({DIK_F5});
     EXPECT_EQ(loop_.effect_count, 4);
     EXPECT_EQ(loop_.most_drawn_particles, 0);
     EXPECT_EQ(effects_.LiveInstanceCount(), 2);
 
-    folder.Write(1);
+    write(1);
     Press({DIK_R});
     EXPECT_EQ(effects_.LiveInstanceCount(), 0);
     EXPECT_EQ(state_.current_effect, 0) << "beyond the end of the shorter file";
-    folder.Write(0);
+    write(0);
     EXPECT_EQ(ErrorOf([&] { ReloadEffects(effects_, state_, loop_, false); }),
               "VisualEffectSystem: No effects in effect file");
 }

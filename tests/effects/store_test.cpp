@@ -251,20 +251,13 @@ class SlowSimulation {
     int detail_level_ = 100, starts_left_ = 0, depth_ = 0;
 };
 
-template <class Value>
-void Append(std::string& bytes, const Value& value) {
-    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+template <class... Values>
+void Append(std::string& bytes, const Values&... values) {
+    (bytes.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
 }
 
-void Append(std::string& bytes, const VisualEffectObject& object) {
-    Append(bytes, object.id);
-    Append(bytes, object.time);
-    Append(bytes, object.random);
-    Append(bytes, object.local_offset);
-    Append(bytes, object.position);
-    Append(bytes, object.scale);
-    Append(bytes, object.rotation);
-    Append(bytes, object.alpha);
+void AppendObject(std::string& bytes, const VisualEffectObject& o) {
+    Append(bytes, o.id, o.time, o.random, o.local_offset, o.position, o.scale, o.rotation, o.alpha);
 }
 
 /// The record as the definition gives it; the colour of what is not a particle is not drawn.
@@ -298,7 +291,7 @@ void AppendShown(std::string& bytes, DrawRecord record) {
 std::string Describe(const SlowSimulation& simulation) {
     std::string bytes;
     for (const auto& [id, object] : simulation.Live()) {
-        Append(bytes, object);
+        AppendObject(bytes, object);
         if (object.sub_effect->detail_level <= simulation.DetailLevel()) AppendShown(bytes, RecordOf(object));
     }
     return bytes;
@@ -310,7 +303,7 @@ std::string Describe(const EffectSimulation& simulation) {
     for (int id = 0; id < instances.IdEnd(); ++id) {
         if (!instances.IsLive(id)) continue;
         const VisualEffectObject object = GetInstance(instances, id);
-        Append(bytes, object);
+        AppendObject(bytes, object);
         if (object.sub_effect->detail_level <= simulation.DetailLevel())
             AppendShown(bytes, instances.Record(instances.LaneOf(id)));
     }

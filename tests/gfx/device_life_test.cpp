@@ -84,7 +84,7 @@ TEST(Creation, ReportsAnEffectPoolThatCannotBeMade) {
 
 TEST(Reset, AppliesWhatIsKeptAndNothingElse) {   // the single states: states_test.cpp
     RecordedGfx gfx;
-    D3DXMATRIX view, device_view, projection;
+    D3DXMATRIX view, projection;
     D3DXMatrixTranslation(&view, 3, 5, 7);
     gfx->SetTransform(D3DTS_VIEW, view);
     gfx->SetProjection(2, 600, 1.1f, 1.7f);
@@ -94,8 +94,7 @@ TEST(Reset, AppliesWhatIsKeptAndNothingElse) {   // the single states: states_te
     gfx->SetMipmapMode(0, -0.5f, 2);
     gfx.recording.ForgetCalls();
     EXPECT_EQ(gfx->ResetDevice(nullptr, -1), 1);
-    gfx->Device()->GetTransform(D3DTS_VIEW, &device_view);
-    EXPECT_EQ(device_view, view);
+    EXPECT_EQ(gfx.Matrix(D3DTS_VIEW), view);
     D3DXMatrixPerspectiveFovLH(&projection, 0.7854f, 640.0f / 480, 2, 600);
     EXPECT_EQ(gfx->ProjectionMatrix(), projection) << "near and far are kept";
     EXPECT_THAT(gfx.recording.Sent(D3DRS_TEXTUREFACTOR), ElementsAre(0x40000000));

@@ -51,6 +51,11 @@ class ScreenBufferTest : public TemporaryFolder {
         target->GetDesc(&desc);
         return desc.Width;
     }
+    D3DVIEWPORT9 DeviceView() {
+        D3DVIEWPORT9 view = {};
+        gfx_->Device()->GetViewport(&view);
+        return view;
+    }
     bool TargetIs(IDirect3DSurface9* surface) {
         DevicePtr<IDirect3DSurface9> target;
         gfx_->Device()->GetRenderTarget(0, target.Receive());
@@ -88,15 +93,12 @@ TEST_F(ScreenBufferTest, TheSceneHasATargetOfItsOwn) {
     EXPECT_THAT(ArgumentsOf("CreateTexture"),
                 ElementsAre(ElementsAre(640, 480, 1, D3DUSAGE_RENDERTARGET, D3DFMT_A8R8G8B8, D3DPOOL_DEFAULT)));
     EXPECT_TRUE(TargetIsBackBuffer());
-    D3DVIEWPORT9 of_device = {};
     gfx_->BeginScene();
     EXPECT_TRUE(TargetIsScene());
-    gfx_->Device()->GetViewport(&of_device);
-    EXPECT_EQ(of_device, view);
+    EXPECT_EQ(DeviceView(), view);
     gfx_->EndScene();
     EXPECT_TRUE(TargetIsBackBuffer());
-    gfx_->Device()->GetViewport(&of_device);
-    EXPECT_EQ(of_device, view);
+    EXPECT_EQ(DeviceView(), view);
 
     gfx_->BeginScene();
     gfx_->ReleasePostRenderEffects();   // in the middle: the rest goes to the screen
@@ -260,34 +262,6 @@ TEST_F(ScreenBufferTest, EffectsTellWherePixelShadersAre) {
     EXPECT_FALSE(fixed.PassHasPixelShader(0));
 }
 
-TEST_F(ScreenBufferTest, PassesDrawWhereTheySay) {
-    KRN_ShaderEffect effect, shared;
-    LoadPasses(effect, {"string RenderTarget = \"ScreenQuarterBuffer2\";", "string RenderTarget = \"ScreenBuffer1\";",
-                        "string RenderTarget = \"Initial\";", ""});
-    gfx_->LoadShaderEffect(shared, "t1.fx", true, 0, true);
-    gfx_->SetViewPort(10, 20, 310, 220, 0, 1);
-    for (KRN_ShaderEffect* each : {&effect, &shared}) {
-        std::vector<UINT> targets, views;
-        const BegunEffect begun(*each);
-        for (int pass = 0; pass < begun.Passes(); ++pass) {
-            each->BeginPass(pass);
-            D3DVIEWPORT9 view = {};
-            gfx_->Device()->GetViewport(&view);
-            targets.push_back(TargetWidth());
-            views.push_back(view.Width);
-            gfx_->SetViewPort(10, 20, 110, 120, 0, 1);
-            gfx_->SetViewPort(10, 20, 310, 220, 0, 1);   // fits into no quarter buffer: a warning
-            each->EndPass();
-            EXPECT_TRUE(TargetIsBackBuffer());
-            gfx_->Device()->GetViewport(&view);
-            EXPECT_EQ(view.Width, 300u);
-        }
-        EXPECT_THAT(targets, ElementsAre(160u, 640u, 640u, 640u));
-        EXPECT_THAT(views, ElementsAre(160u, 640u, 300u, 300u));
-        each->End();
-    }
-}
-
 TEST_F(ScreenBufferTest, InitPassesAreDrawnWhileTheBuffersAreNew) {
     KRN_ShaderEffect effect;
     LoadPasses(effect, {"int InitPass = 1; string RenderTarget = \"ScreenBuffer1\";", ""});
@@ -306,28 +280,31 @@ TEST_F(ScreenBufferTest, InitPassesAreDrawnWhileTheBuffersAreNew) {
 }
 
 TEST_F(ScreenBufferTest, NestedPassesPutBackWhatTheyFound) {
-    KRN_ShaderEffect outer, inner;
+    KRN_ShaderEffect outer, first, inner;
     LoadPasses(outer, {"string RenderTarget = \"ScreenBuffer1\";"});
-    LoadPasses(inner, {"string RenderTarget = \"ScreenQuarterBuffer1\";", "string RenderTarget = \"Initial\";", ""});
+    LoadPasses(first, {"string RenderTarget = \"ScreenQuarterBuffer1\";", "string RenderTarget = \"Initial\";", ""});
+    gfx_->LoadShaderEffect(inner, "t2.fx", true, 0, true);   // shared
     const D3DVIEWPORT9 view = {10, 20, 300, 200, 0, 1};
     gfx_->SetViewPort(10, 20, 310, 220, 0, 1);
     const BegunEffect around(outer);
     outer.BeginPass(0);
+    EXPECT_EQ(DeviceView().Width, 640u);
     DevicePtr<IDirect3DSurface9> buffer;
     gfx_->Device()->GetRenderTarget(0, buffer.Receive());
     EXPECT_EQ(gfx_->EffectForDraw(), &outer);
     const BegunEffect begun(inner);
     inner.BeginPass(0);
     EXPECT_EQ(TargetWidth(), 160u);
+    EXPECT_EQ(DeviceView().Width, 160u);
+    gfx_->SetViewPort(10, 20, 110, 120, 0, 1);
+    gfx_->SetViewPort(10, 20, 310, 220, 0, 1);   // fits into no quarter buffer: a warning
     EXPECT_EQ(gfx_->EffectForDraw(), &inner);
     inner.EndPass();
     EXPECT_TRUE(TargetIs(buffer.Get()));
     inner.BeginPass(1);
     EXPECT_TRUE(TargetIsBackBuffer());
     EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
-    D3DVIEWPORT9 of_device = {};
-    gfx_->Device()->GetViewport(&of_device);
-    EXPECT_EQ(of_device, view);
+    EXPECT_EQ(DeviceView(), view);
     inner.EndPass();
     inner.BeginPass(2);
     EXPECT_TRUE(TargetIs(buffer.Get()));
@@ -344,6 +321,7 @@ TEST_F(ScreenBufferTest, NestedPassesPutBackWhatTheyFound) {
     outer.End();
     EXPECT_TRUE(TargetIsBackBuffer());
     EXPECT_EQ(gfx_->EffectForDraw(), nullptr);
+    EXPECT_EQ(DeviceView(), view);
     EXPECT_EQ(gfx_->Viewport(), view);
 }
 

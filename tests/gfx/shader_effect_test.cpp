@@ -75,13 +75,6 @@ class ShaderEffectTest : public TemporaryFolder {
         }
     }
 
-    /// What the device holds for a sampler.
-    IDirect3DTexture9* Bound(DWORD sampler) {
-        DevicePtr<IDirect3DTexture9> bound;
-        gfx_->Device()->GetTexture(sampler, bound.Receive());
-        return bound.Get();
-    }
-
     RecordedGfx gfx_;
     KRN_ShaderEffect effect_;
 };
@@ -338,10 +331,8 @@ TEST_F(ShaderEffectTest, MapsAreThoseBoundToTheStages) {
         const D3DXMATRIX matrices[] = {texture_matrix, kIdentityMatrix, reflection_matrix};
         InPass([&] {
             for (DWORD i = 0; i < 3; ++i) {
-                D3DXMATRIX matrix;
-                gfx_->Device()->GetTransform(D3DTS_TEXTUREn(4 + i), &matrix);
-                EXPECT_EQ(Bound(4 + i), bound[i]) << i;
-                EXPECT_EQ(matrix, matrices[i]) << i;
+                EXPECT_EQ(gfx_.Bound(4 + i), bound[i]) << i;
+                EXPECT_EQ(gfx_.Matrix(D3DTS_TEXTUREn(4 + i)), matrices[i]) << i;
             }
         });
     }
@@ -461,7 +452,7 @@ TEST_F(ShaderEffectTest, ResourceTexturesComeFromTheCatalogue) {
     effect_.ApplyFrameSemantics();
     KRN_Texture* texture = gfx_->Catalogue().GetTexture("SOME\\PIC_.TGA_FX_");
     ASSERT_NE(texture, nullptr);   // a grey picture: there is no such file
-    InPass([&] { EXPECT_EQ(Bound(3), texture->DeviceTexture()); });
+    InPass([&] { EXPECT_EQ(gfx_.Bound(3), texture->DeviceTexture()); });
 }
 
 TEST_F(ShaderEffectTest, WhatTheEffectDoesNotTakeIsAnError) {

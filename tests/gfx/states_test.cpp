@@ -287,11 +287,6 @@ TEST(Gamma, NeedsTheDevice) {
     EXPECT_EQ(without.recording.Count("SetGammaRamp"), 0);
 }
 
-D3DXMATRIX DeviceMatrix(RecordedGfx& gfx, D3DTRANSFORMSTATETYPE kind) {
-    D3DXMATRIX matrix;
-    gfx->Device()->GetTransform(kind, &matrix);
-    return matrix;
-}
 D3DXVECTOR3 Carried(D3DXVECTOR3 point, const D3DXMATRIX& matrix) {
     return *D3DXVec3TransformCoord(&point, &point, &matrix);
 }
@@ -309,7 +304,7 @@ TEST(Transforms, TheWorldIsSeenUnmirrored) {
     SetView(gfx, {3, 50, 2}, {0, -1, 0});
     const D3DXMATRIX& view = gfx->ViewMatrix();
     EXPECT_EQ(Carried({3 - 5, 50 - 11, 2 + 7}, view), D3DXVECTOR3(5, 7, 11));
-    EXPECT_EQ(DeviceMatrix(gfx, D3DTS_VIEW), view);
+    EXPECT_EQ(gfx.Matrix(D3DTS_VIEW), view);
     const D3DXVECTOR3 corner = Carried({0, 0, 0}, view);
     EXPECT_GT(D3DXVec3Cross(Carried({0, 0, 1}, view) - corner, Carried({4, 0, 0}, view) - corner).z, 0)
         << "normal (0, 4, 0), towards the camera: counter-clockwise, y upwards";
@@ -323,7 +318,7 @@ TEST(Transforms, TheProjectionTakesTheViewportsAspect) {
     EXPECT_EQ(gfx->ProjectionMatrix(), expected);
     gfx->SetProjection(2, 500, 0.9f, 3.5f);
     D3DXMatrixPerspectiveFovLH(&expected, 0.9f, 3.5f, 2, 500);
-    EXPECT_EQ(DeviceMatrix(gfx, D3DTS_PROJECTION), expected);
+    EXPECT_EQ(gfx.Matrix(D3DTS_PROJECTION), expected);
     gfx->SetMirroredProjection();
     EXPECT_EQ(gfx->ProjectionMatrix().m[0][0], -expected.m[0][0]);
     EXPECT_EQ(gfx->CullingMode(), 1) << "turned over with it";
@@ -334,7 +329,7 @@ TEST(Transforms, AProjectionIsScaledToUnitDepth) {
     gfx->SetTransform(D3DTS_PROJECTION, {{{2, 0, 0, 0}, {0, 6, 0, 0}, {0, 0, 3, 4}, {0, 0, -8, 0}}});
     const D3DXMATRIX expected = {{{0.5f, 0, 0, 0}, {0, 1.5f, 0, 0}, {0, 0, 0.75f, 1}, {0, 0, -2, 0}}};
     EXPECT_EQ(gfx->ProjectionMatrix(), expected);
-    EXPECT_EQ(DeviceMatrix(gfx, D3DTS_PROJECTION), expected);
+    EXPECT_EQ(gfx.Matrix(D3DTS_PROJECTION), expected);
 }
 
 TEST(Transforms, WorldAndOthersGoToTheDevice) {
@@ -343,18 +338,18 @@ TEST(Transforms, WorldAndOthersGoToTheDevice) {
     D3DXMatrixTranslation(&world, 3, 5, 7);
     for (const D3DTRANSFORMSTATETYPE kind : {D3DTS_WORLD, D3DTS_WORLDMATRIX(4), D3DTS_TEXTUREn(2)}) {
         gfx->SetTransform(kind, world);
-        EXPECT_EQ(DeviceMatrix(gfx, kind), world);
+        EXPECT_EQ(gfx.Matrix(kind), world);
     }
     EXPECT_EQ(gfx->WorldMatrix(), world);
     for (int i = 0; i < 2; ++i) {
         gfx->ResetWorldTransform();
-        EXPECT_EQ(DeviceMatrix(gfx, D3DTS_WORLD), kIdentityMatrix);
+        EXPECT_EQ(gfx.Matrix(D3DTS_WORLD), kIdentityMatrix);
         EXPECT_EQ(gfx.recording.Count("SetTransform"), 4) << "the device holds it the second time";
     }
     gfx.recording.Fail("SetTransform", E_FAIL);
     for (const char* error : {"KRN_Gfx: SetTransform failed: E_FAIL", "no error"})
         EXPECT_EQ(ErrorOf([&] { gfx->SetTransform(D3DTS_WORLD, world); }), error);
-    EXPECT_EQ(DeviceMatrix(gfx, D3DTS_WORLD), world);
+    EXPECT_EQ(gfx.Matrix(D3DTS_WORLD), world);
 }
 
 TEST(Transforms, APixelRayMeetsThePointThatIsDrawnThere) {

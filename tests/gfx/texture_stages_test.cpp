@@ -31,16 +31,6 @@ class TextureStagesTest : public testing::Test {
     std::vector<DWORD> Colour(DWORD stage) {
         return {State(stage, D3DTSS_COLOROP), State(stage, D3DTSS_COLORARG1), State(stage, D3DTSS_COLORARG2)};
     }
-    IDirect3DTexture9* Bound(DWORD stage) {
-        DevicePtr<IDirect3DTexture9> texture;
-        gfx_->Device()->GetTexture(stage, texture.Receive());
-        return texture.Get();   // the device holds it
-    }
-    D3DXMATRIX SentMatrix() {
-        D3DXMATRIX matrix;
-        gfx_->Device()->GetTransform(D3DTS_TEXTURE0, &matrix);
-        return matrix;
-    }
 
     RecordedGfx gfx_;
     KRN_Texture texture_;
@@ -51,13 +41,13 @@ TEST_F(TextureStagesTest, IsBoundOnlyWhenItChangesOrWasRefused) {
     EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, -1); }), "KRN_Gfx: SetTexture failed: D3DERR_INVALIDCALL");
     EXPECT_EQ(ErrorOf([&] { gfx_->SetTexture(&texture_, 8); }), "KRN_Gfx: Invalid stage: 8");
     gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(Bound(0), texture_.DeviceTexture());
+    EXPECT_EQ(gfx_.Bound(0), texture_.DeviceTexture());
     gfx_.recording.ForgetCalls();
     gfx_->SetTexture(&texture_, -1);
     EXPECT_EQ(gfx_.recording.Count("SetTexture"), 0);
     gfx_->ResetDevice(nullptr, -1);
     gfx_->SetTexture(&texture_, -1);
-    EXPECT_EQ(Bound(0), texture_.DeviceTexture());
+    EXPECT_EQ(gfx_.Bound(0), texture_.DeviceTexture());
 }
 
 TEST_F(TextureStagesTest, LayersMixByTheirKind) {
@@ -99,13 +89,13 @@ TEST_F(TextureStagesTest, LayersMixByTheirKind) {
 TEST_F(TextureStagesTest, NoTextureUnbindsAndShowsTheDiffuseColour) {
     Create(1, MapKind::Diffuse);
     gfx_->SetTexture(&texture_, -1);
-    ASSERT_TRUE(Bound(1));
+    ASSERT_TRUE(gfx_.Bound(1));
     gfx_->SetTexture(nullptr, 1);
-    EXPECT_FALSE(Bound(1));
-    EXPECT_TRUE(Bound(0));
+    EXPECT_FALSE(gfx_.Bound(1));
+    EXPECT_TRUE(gfx_.Bound(0));
     KRN_Texture empty;
     gfx_->SetTexture(&empty, -1);
-    EXPECT_FALSE(Bound(0));
+    EXPECT_FALSE(gfx_.Bound(0));
     EXPECT_EQ(State(0, D3DTSS_COLOROP), D3DTOP_SELECTARG2);
     EXPECT_EQ(State(0, D3DTSS_COLORARG2), D3DTA_DIFFUSE);
     EXPECT_EQ(State(0, D3DTSS_ALPHAOP), D3DTOP_SELECTARG1);
@@ -143,21 +133,21 @@ TEST_F(TextureStagesTest, OnlyTheStagesInUseAreSet) {
     Create(1, MapKind::Light);
     Create(2, MapKind::Decal);
     gfx_->SetTexture(&texture_, -1);
-    EXPECT_FALSE(Bound(2));
+    EXPECT_FALSE(gfx_.Bound(2));
     gfx_->SetStagesInUse(3);
     gfx_->SetTexture(&texture_, -1);
-    EXPECT_TRUE(Bound(2));
+    EXPECT_TRUE(gfx_.Bound(2));
     EXPECT_EQ(State(2, D3DTSS_COLOROP), D3DTOP_BLENDTEXTUREALPHA);
 }
 
 TEST_F(TextureStagesTest, AStageByItsNumberGetsItsLayerOrTheTextureInUse) {
     gfx_->SetTexture(&texture_, 0);
     gfx_->SetTexture(&texture_, 1);
-    EXPECT_EQ(Bound(1), texture_.DeviceTexture());
+    EXPECT_EQ(gfx_.Bound(1), texture_.DeviceTexture());
     Create(1, MapKind::Light);
     texture_.SelectLayer(1, true);
-    EXPECT_EQ(Bound(1), texture_.LayerTexture(1));
-    EXPECT_NE(Bound(1), Bound(0));
+    EXPECT_EQ(gfx_.Bound(1), texture_.LayerTexture(1));
+    EXPECT_NE(gfx_.Bound(1), gfx_.Bound(0));
 }
 
 TEST_F(TextureStagesTest, ALayersMatrixFollowsItsTracks) {
@@ -180,7 +170,7 @@ TEST_F(TextureStagesTest, ALayersMatrixFollowsItsTracks) {
         texture_.Update(t);
         gfx_->SetTexture(&texture_, -1);
         EXPECT_EQ(State(0, D3DTSS_TEXTURETRANSFORMFLAGS), D3DTTFF_COUNT2);
-        EXPECT_EQ(SentMatrix(), BuildTextureMatrix({0.25f, offset_v, 2, 3, angle_w})) << t;
+        EXPECT_EQ(gfx_.Matrix(D3DTS_TEXTURE0), BuildTextureMatrix({0.25f, offset_v, 2, 3, angle_w})) << t;
     }
     EXPECT_EQ(texture_.LayerMatrix(1), at_start);
     texture_.SetLayerMatrix(0, {0.25f, 0.5f, 2, 3, 0.75f});

@@ -15,8 +15,8 @@ class TextureSurface : public testing::Test {
     }
     /// Does it while the texture is locked.
     template <class Action>
-    void Locked(Action action, const RECT* rectangle = nullptr) {
-        texture_.Lock(rectangle, 0);
+    void Locked(Action action) {
+        texture_.Lock(nullptr, 0);
         action();
         texture_.Unlock();
     }
@@ -26,29 +26,20 @@ class TextureSurface : public testing::Test {
 };
 
 TEST_F(TextureSurface, ReadsAndWritesPixelsOfTheLockedRectangle) {
-    const std::pair<D3DFORMAT, D3DCOLOR> rows[] = {{D3DFMT_A8R8G8B8, 0xA1B2C3D4},
-                                                   {D3DFMT_R5G6B5, 0xFFB0C0D0},
-                                                   {D3DFMT_A4R4G4B4, 0xA0B0C0D0},
-                                                   {D3DFMT_A8, 0xA1000000},
-                                                   {D3DFMT_A8L8, 0xA1C3C3C3}};
     const std::pair<int, int> inside[] = {{2, 1}, {5, 4}}, outside[] = {{6, 4}, {1, 3}, {3, 5}, {4, 0}};
-    for (const auto& row : rows) {
-        const D3DFORMAT format = row.first;
-        const D3DCOLOR read = row.second;
+    for (const auto& [format, read] : {std::pair(D3DFMT_A8R8G8B8, 0xA1B2C3D4), {D3DFMT_A4R4G4B4, 0xA0B0C0D0}}) {
         Create(8, 6, format);
         const RECT rectangle = {2, 1, 6, 5};
-        Locked(
-            [&] {
-                for (const auto& [x, y] : inside) texture_.SetPixel(x, y, 0xA1B2C3D4);
-                for (const auto& [x, y] : outside) texture_.SetPixel(x, y, 0xA1B2C3D4);
-                for (const auto& [x, y] : outside) EXPECT_EQ(texture_.GetPixel(x, y), 0u) << format;
-            },
-            &rectangle);
+        texture_.Lock(&rectangle, 0);
+        for (const auto& [x, y] : inside) texture_.SetPixel(x, y, 0xA1B2C3D4);
+        for (const auto& [x, y] : outside) texture_.SetPixel(x, y, 0xA1B2C3D4);
+        for (const auto& [x, y] : outside) EXPECT_EQ(texture_.GetPixel(x, y), 0u) << format;
+        texture_.Unlock();
         EXPECT_EQ(texture_.GetPixel(2, 1), 0u) << "without a lock";
-        Locked([&] {
-            for (const auto& [x, y] : inside) EXPECT_EQ(texture_.GetPixel(x, y), read) << format;
-            for (const auto& [x, y] : outside) EXPECT_NE(texture_.GetPixel(x, y), read) << format;
-        });
+        texture_.Lock(nullptr, 0);
+        for (const auto& [x, y] : inside) EXPECT_EQ(texture_.GetPixel(x, y), read) << format;
+        for (const auto& [x, y] : outside) EXPECT_NE(texture_.GetPixel(x, y), read) << format;
+        texture_.Unlock();
     }
 }
 

@@ -45,6 +45,18 @@ class RecordedGfx {
     /// Destroys the KRN_Gfx.
     void Destroy() { gfx_.reset(); }
 
+    /// What the device holds.
+    IDirect3DTexture9* Bound(DWORD stage) {
+        DevicePtr<IDirect3DTexture9> texture;
+        gfx_->Device()->GetTexture(stage, texture.Receive());
+        return texture.Get();
+    }
+    D3DXMATRIX Matrix(D3DTRANSFORMSTATETYPE kind) {
+        D3DXMATRIX matrix;
+        gfx_->Device()->GetTransform(kind, &matrix);
+        return matrix;
+    }
+
     Recording recording;
 
   private:
