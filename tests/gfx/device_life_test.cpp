@@ -208,13 +208,7 @@ struct Reporter : KRN_Base {
 };
 
 D3DPRESENT_PARAMETERS Build(bool windowed, int bits, int vsync) {
-    PresentationSettings settings;
-    settings.window = FakeWindow();
-    settings.windowed = windowed;
-    settings.mode = {1024, 768, 75, D3DFMT_X8R8G8B8};
-    settings.z_buffer_bits = bits;
-    settings.vsync = vsync;
-    return BuildPresentParameters(Reporter(), settings);
+    return BuildPresentParameters(Reporter(), {FakeWindow(), windowed, {1024, 768, 75, D3DFMT_X8R8G8B8}, bits, vsync});
 }
 
 TEST(Presentation, AWindowTakesItsSizeFromTheClientAreaAndFullScreenTheMode) {

@@ -115,11 +115,25 @@ TEST(Flipbooks, LoopOrEndWithNothing) {
     }
 }
 
-TEST(Flipbooks, AreTheSameEveryTimeAndStandInListAndCatalogue) {
+// ---- What is drawn, what is listed
+
+TEST(Pictures, AreTheSameEveryTimeAndStandInFolderListAndCatalogue) {
     const std::string catalogue = ReadFile("cfg/texCatalogue.cfg");
+    const std::vector<Sprite> again = AllSprites();
+    std::set<std::string> names;
+    const auto expect = [&](const std::string& name, const std::string& file, const Picture& one,
+                            const Picture& other) {
+        EXPECT_THAT(catalogue, HasSubstr("\"" + name + "\" = \"textures\\" + file + "\"")) << name;
+        EXPECT_TRUE(std::filesystem::exists("textures/" + file)) << file;
+        EXPECT_EQ(EncodePng(one), EncodePng(other)) << name << " again";
+    };
+    for (const Sprite& sprite : AllSprites()) {
+        const std::string name = sprite.name;
+        expect(name, name + ".png", RenderSmall(sprite), RenderSmall(again.at(names.size())));
+        EXPECT_TRUE(names.insert(name).second) << name << " twice";
+    }
     for (Flipbook flipbook : AllFlipbooks()) {
-        const std::string name = flipbook.name, list = "textures\\" + name + ".ifl";
-        EXPECT_THAT(catalogue, HasSubstr("\"" + name + "\" = \"" + list + "\"")) << name;
+        const std::string name = flipbook.name;
         EXPECT_EQ(ReadFile("textures/" + name + ".ifl"), FrameList(flipbook)) << name;
         const int middle = flipbook.frames / 2;
         for (const int i : {0, middle, flipbook.frames - 1}) {
@@ -128,21 +142,9 @@ TEST(Flipbooks, AreTheSameEveryTimeAndStandInListAndCatalogue) {
             EXPECT_TRUE(std::filesystem::exists("textures/" + file)) << file;
         }
         flipbook.size = kSmallSize;
-        EXPECT_EQ(EncodePng(RenderFrame(flipbook, middle)), EncodePng(RenderFrame(flipbook, middle))) << name;
+        expect(name, name + ".ifl", RenderFrame(flipbook, middle), RenderFrame(flipbook, middle));
     }
 }
 
-TEST(Textures, ExistForEverySpriteAndStandInTheCatalogue) {
-    const std::string catalogue = ReadFile("cfg/texCatalogue.cfg");
-    const std::vector<Sprite> again = AllSprites();
-    std::set<std::string> names;
-    for (const Sprite& sprite : AllSprites()) {
-        const std::string name = sprite.name;
-        EXPECT_TRUE(std::filesystem::exists("textures/" + name + ".png")) << name;
-        EXPECT_THAT(catalogue, HasSubstr("\"" + name + "\" = \"textures\\" + name + ".png\"")) << name;
-        EXPECT_EQ(EncodePng(RenderSmall(sprite)), EncodePng(RenderSmall(again.at(names.size())))) << name << " again";
-        EXPECT_TRUE(names.insert(name).second) << name << " twice";
-    }
-}
 }   // namespace
 }   // namespace sparkrig
