@@ -41,7 +41,7 @@ int InstanceStore::TakeLowestId() {
 std::uint32_t InstanceStore::TakeBlock(int group) {
     if (free_blocks_.empty()) {
         free_blocks_.push_back(static_cast<std::uint32_t>(blocks_.size()));
-        blocks_.push_back(std::make_unique<InstanceBlock>());
+        blocks_.emplace_back();
         records_.resize(records_.size() + kLanes);
         group_of_block_.push_back(0);
     }

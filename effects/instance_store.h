@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/large_pages.h"
 #include "effects/effect_definition.h"
 #include "effects/motion_lanes.h"
 
@@ -114,10 +115,10 @@ class InstanceStore {
         return group.blocks[Index(n) / kLanes] * kLanes + static_cast<Lane>(n) % kLanes;
     }
 
-    InstanceBlock& Block(std::uint32_t number) { return *blocks_[number]; }
-    const InstanceBlock& Block(std::uint32_t number) const { return *blocks_[number]; }
-    InstanceBlock& BlockOfLane(Lane lane) { return *blocks_[lane / kLanes]; }
-    const InstanceBlock& BlockOfLane(Lane lane) const { return *blocks_[lane / kLanes]; }
+    InstanceBlock& Block(std::uint32_t number) { return blocks_[number]; }
+    const InstanceBlock& Block(std::uint32_t number) const { return blocks_[number]; }
+    InstanceBlock& BlockOfLane(Lane lane) { return blocks_[lane / kLanes]; }
+    const InstanceBlock& BlockOfLane(Lane lane) const { return blocks_[lane / kLanes]; }
     DrawRecord* Records(std::uint32_t block) { return &records_[std::size_t{block} * kLanes]; }
     const DrawRecord* Records(std::uint32_t block) const { return &records_[std::size_t{block} * kLanes]; }
     DrawRecord& Record(Lane lane) { return records_[lane]; }
@@ -141,8 +142,8 @@ class InstanceStore {
     std::vector<std::unique_ptr<InstanceGroup>> groups_;
     std::vector<int> free_groups_;   // without instances and sub-effect
     std::unordered_map<const SubEffect*, int> group_of_;
-    std::vector<std::unique_ptr<InstanceBlock>> blocks_;
-    std::vector<DrawRecord> records_;
+    LargeVector<InstanceBlock> blocks_;
+    LargeVector<DrawRecord> records_;
     std::vector<std::int32_t> group_of_block_;
     std::vector<std::uint32_t> free_blocks_;
 };
