@@ -20,6 +20,14 @@ class StateCache {
 
     bool Holds(D3DRENDERSTATETYPE state, DWORD value) const { return render_[state] == value; }
     bool Holds(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) const { return stages_[stage][type] == value; }
+    /// Values of neighbouring types, the first of which is given: one question for all.
+    template <std::size_t N>
+    bool Holds(DWORD stage, D3DTEXTURESTAGESTATETYPE first, const DWORD (&values)[N]) const {
+        Value differences = 0;
+#pragma GCC unroll 8
+        for (std::size_t i = 0; i < N; ++i) differences |= stages_[stage][first + i] ^ values[i];
+        return differences == 0;
+    }
     bool Holds(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) const { return samplers_[sampler][type] == value; }
     bool Holds(DWORD stage, const IDirect3DTexture9* texture) const {
         return textures[stage] && textures[stage]->Get() == texture;
@@ -62,21 +70,32 @@ class StateSender {
     void SendRenderState(D3DRENDERSTATETYPE state, DWORD value);
     void SendRenderState(D3DRENDERSTATETYPE state, float value) { SendRenderState(state, std::bit_cast<DWORD>(value)); }
     void SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
-        if (!(Knows() && cache_.Holds(state, value))) SendRenderState(state, value);
+        if (!(Knows() && cache_.Holds(state, value))) [[unlikely]]
+            SendRenderState(state, value);
     }
     void SetRenderState(D3DRENDERSTATETYPE state, float value) { SetRenderState(state, std::bit_cast<DWORD>(value)); }
 
     /// Stages are 0 to 7.
     void SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value);
     void SetStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) {
-        if (!(Knows() && cache_.Holds(stage, type, value))) SendStageState(stage, type, value);
+        if (!(Knows() && cache_.Holds(stage, type, value))) [[unlikely]]
+            SendStageState(stage, type, value);
+    }
+    /// Of neighbouring types, the first of which is given.
+    template <std::size_t N>
+    void SetStageStates(DWORD stage, D3DTEXTURESTAGESTATETYPE first, const DWORD (&values)[N]) {
+        if (Knows() && cache_.Holds(stage, first, values)) [[likely]]
+            return;
+        for (std::size_t i = 0; i < N; ++i)
+            SetStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(first + i), values[i]);
     }
     void SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     HRESULT TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     void SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix);
     void SetMaterial(const D3DMATERIAL9& material);
     void SetTexture(DWORD stage, IDirect3DTexture9* texture) {
-        if (!(Knows() && cache_.Holds(stage, texture))) SendTexture(stage, texture);
+        if (!(Knows() && cache_.Holds(stage, texture))) [[unlikely]]
+            SendTexture(stage, texture);
     }
     void SendTexture(DWORD stage, IDirect3DTexture9* texture);
     /// Lights are 0 to 7.
