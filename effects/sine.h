@@ -53,19 +53,19 @@ inline double Cosine(double angle) {
     return -NegateIfOdd(Polynomial(Reduce(angle, (rounded - kRounder) + 0.5)), rounded);
 }
 
-/// In single precision, four times as fast: within 1e-6 plus the rounding of the angle, for angles up to some hundreds.
-inline float ShortSine(float angle) {
+/// sin(pi x) in single precision: within 6e-7 for up to a million half turns.
+inline float SineOfHalfTurns(float x) {
     constexpr float kRounder = 0x1.8p+23f;   // adding and subtracting it rounds to the nearest integer
-    // pi as the sum of three numbers; products of the first two with a few hundred half turns are exact.
-    constexpr float kHigh = 3.140625f, kMiddle = 9.67502593994140625e-4f, kLow = 1.509957990978376432e-7f;
-    const float rounded = angle * static_cast<float>(1 / sine_detail::kPi) + kRounder, turns = rounded - kRounder;
-    const float r = ((angle - turns * kHigh) - turns * kMiddle) - turns * kLow;   // in [-pi/2, pi/2]
-    const float s = r * r;
-    const float sine =
-        r * (1 + s * (-1.666666596e-1f + s * (8.333242135e-3f + s * (-1.982273949e-4f + s * 2.634756392e-6f))));
+    const float rounded = x + kRounder, r = x - (rounded - kRounder), s = r * r;   // r exact, in [-1/2, 1/2]
+    const float sine = r * (3.1415820f + s * (-5.1671428f + s * (2.5418990f + s * -0.55463620f)));   // minimax (Remez)
     return std::bit_cast<float>(std::bit_cast<std::uint32_t>(sine) ^ (std::bit_cast<std::uint32_t>(rounded) << 31));
 }
-inline float ShortCosine(float angle) { return ShortSine(angle + static_cast<float>(sine_detail::kPi / 2)); }
+
+/// In single precision, six times as fast: within 1e-6 plus 2e-7 of the angle.
+inline float ShortSine(float angle) { return SineOfHalfTurns(angle * static_cast<float>(1 / sine_detail::kPi)); }
+inline float ShortCosine(float angle) {
+    return SineOfHalfTurns(angle * static_cast<float>(1 / sine_detail::kPi) + 0.5f);
+}
 
 /// Both in single precision, within 1e-6, twice as fast.
 inline void SineAndCosine(float angle, float& sine, float& cosine) {

@@ -2,7 +2,9 @@
 #include "effects/special_shapes.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 #include "base/numeric.h"
@@ -18,16 +20,20 @@ namespace {
 constexpr double kTurn = 6.2832;   // not the exact value, like the next: authored shapes are tuned to these
 constexpr float kTurnF = 6.2832f, kThirdTurn = 2.0944f;
 
+/// Loops run over eight points at once, so that none is left over: behind the last there is room.
+constexpr int kTogether = 8, kRoom = kSpecialPoints + kTogether;
+constexpr int Whole(int count) { return (count + kTogether - 1) & -kTogether; }
+
 /// The points, one array for each number. Positions are along the shape's axes, from its own position.
 struct Points {
-    alignas(64) float forward[kSpecialPoints], up[kSpecialPoints], side[kSpecialPoints];
-    alignas(64) std::uint32_t colour[kSpecialPoints];
+    alignas(64) float forward[kRoom], up[kRoom], side[kRoom];
+    alignas(64) std::uint32_t colour[kRoom];
 };
 
 /// For each point how far it has come, 0 to 1, and where its random numbers begin.
 struct Progress {
-    alignas(64) float f[kSpecialPoints];
-    alignas(64) std::int32_t k[kSpecialPoints];
+    alignas(64) float f[kRoom];
+    alignas(64) std::uint32_t k[kRoom];
 };
 
 struct Axes {
@@ -37,29 +43,37 @@ struct Axes {
 // ---- Progress
 
 /// Points that start afresh again and again: period = spread x T[i] + least, and T[i + 1] periods have gone at age 0.
+/// k counts modulo kSpecialPoints.
 void FindCycles(const RandomTable& table, int first, int count, double spread, double least, double age,
                 Progress& progress) {
-    for (int i = 0; i < count; ++i) {
+    constexpr double kLowBits = 0x1.8p+52;   // the low bits of a whole number plus this are the number's
+    for (int i = 0; i < Whole(count); ++i) {
         const double periods = table.values[i + 1] + age / (spread * table.values[i] + least);
-        const double cycle = std::trunc(periods), f = periods - cycle;
-        progress.f[first + i] = static_cast<float>(f > 0 ? f : 0);
-        progress.k[first + i] = static_cast<std::int32_t>(cycle - 256 * std::trunc(cycle / 256));
+        const double cycle = std::trunc(periods);
+        const auto f = static_cast<float>(periods - cycle);
+        progress.f[first + i] = f > 0 ? f : 0;
+        progress.k[first + i] = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(cycle + kLowBits));
     }
 }
 
-/// From 0 to 1 along a line of `count` points; a single one is at 0.
-void FindLine(int first, int count, Progress& progress) {
-    const float last = count > 1 ? static_cast<float>(count - 1) : 1.0f;
-    for (int i = 0; i < count; ++i) progress.f[first + i] = static_cast<float>(i) / last;
+/// From 0 to 1 along each of some lines of points; a single one is at 0.
+void FindLines(int lines, int each, Progress& progress) {
+    const float step = each > 1 ? 1 / static_cast<float>(each - 1) : 0.0f;
+    for (float* f = progress.f; lines > 0; --lines, f += each)
+        for (int i = 0; i < Whole(each); ++i) f[i] = static_cast<float>(i) * step;
 }
 
 /// The angle that a turn a second has come to, within (-2 pi, 2 pi).
-float Phase(double age) { return static_cast<float>(std::fmod(kTurn * age, 2 * std::numbers::pi)); }
+float Phase(double age) {
+    constexpr double kCircle = 2 * std::numbers::pi, kLargest = 1e15;   // of an angle that has a phase
+    const double angle = kTurn * age;
+    return std::abs(angle) < kLargest ? static_cast<float>(angle - kCircle * std::trunc(angle * (1 / kCircle))) : 0;
+}
 
 /// Once a second.
 float Burst(double age) {
-    const double f = WrapFloat(age, 1.0);
-    return static_cast<float>(f >= 0 && f <= 1 ? f : 0);
+    const double f = age - std::trunc(age);
+    return static_cast<float>(f >= 0 ? f : 0);
 }
 
 // ---- Random numbers
@@ -68,38 +82,26 @@ float Burst(double age) {
 /// over points read what lies side by side.
 template <int kFirst, int kNumbers>
 struct RandomRows {
-    static_assert(kNumbers % 4 == 0 && kFirst + kNumbers <= RandomTable::kRepeated);
-    alignas(64) float rows[kNumbers][kSpecialPoints];
+    static_assert(kNumbers % 4 == 0 && kFirst + kNumbers <= RandomTable::kMost);
+    alignas(64) float rows[kNumbers][kRoom];
 
     const float* operator[](int number) const { return rows[number - kFirst]; }
 
     /// The numbers of point i begin at index k[i] + i + offset.
-    void Fetch(const RandomTable& table, const std::int32_t* k, int offset, int count) {
-        alignas(64) std::int32_t place[kSpecialPoints + 3];
-        for (int i = 0; i < count; ++i) place[i] = (k[i] + i + offset) & (kSpecialPoints - 1);
-        std::fill_n(place + count, 3, 0);
-        for (int i = 0; i < count; i += 4) {
+    void Fetch(const RandomTable& table, const std::uint32_t* k, int offset, int count) {
+        alignas(64) std::uint32_t place[kRoom];
+        for (int i = 0; i < Whole(count); ++i)
+            place[i] = (k[i] + static_cast<std::uint32_t>(i + offset)) & (kSpecialPoints - 1);
+        for (int i = 0; i < count; i += kTogether) {
+            const float* numbers[kTogether];
+            for (int point = 0; point < kTogether; ++point) numbers[point] = table.values + place[i + point] + kFirst;
             for (int n = 0; n < kNumbers; n += 4) {
-                Four four[4];
-                for (int point = 0; point < 4; ++point)
-                    four[point] = FourAt(table.values + place[i + point] + kFirst + n);
-                Transpose(four);
-                for (int row = 0; row < 4; ++row) Store(four[row], rows[n + row] + i);
+                Eight eight[4];
+                for (int point = 0; point < 4; ++point) Load(numbers[point] + n, numbers[point + 4] + n, eight[point]);
+                Transpose(eight);
+                for (int row = 0; row < 4; ++row) Store(eight[row], rows[n + row] + i, rows[n + row] + i + 4);
             }
         }
-    }
-};
-
-/// The table from an index on, as far as `count` points of a few numbers each reach.
-struct TurnedTable {
-    static constexpr int kBehind = 4;
-    alignas(64) float values[kSpecialPoints + kBehind];
-
-    TurnedTable(const RandomTable& table, std::int64_t first, int count) {
-        const int begin = static_cast<int>(first & (kSpecialPoints - 1)), needed = count + kBehind;
-        const int before_end = std::min(needed, kSpecialPoints - begin);
-        std::copy_n(table.values + begin, before_end, values);
-        std::copy_n(table.values, needed - before_end, values + before_end);
     }
 };
 
@@ -108,14 +110,15 @@ struct TurnedTable {
 std::uint32_t Channel(std::uint32_t colour, int shift) { return colour >> shift & 255u; }
 constexpr int kRed = 16, kGreen = 8, kBlue = 0, kAlpha = 24;
 
-std::uint32_t Byte(float value) { return static_cast<std::uint32_t>(static_cast<std::int32_t>(value)) & 255u; }
+/// Of a value in [0, 256).
+std::uint32_t Byte(float value) { return static_cast<std::uint32_t>(static_cast<std::int32_t>(value)); }
 
 /// From the second colour towards the first, and to black: w of the second, all times `fade`.
 std::uint32_t Mixed(const SpecialShape& shape, float w, float fade) {
     const auto channel = [&](int shift) {
         const auto first = static_cast<float>(Channel(shape.first, shift));
         const auto second = static_cast<float>(Channel(shape.second, shift));
-        return Byte((first * (1 - w) + second * w) * fade) << shift;
+        return Byte((first + (second - first) * w) * fade) << shift;
     };
     return (shape.first & 0xFF000000u) | channel(kRed) | channel(kGreen) | channel(kBlue);
 }
@@ -128,7 +131,7 @@ float Eighth(float f) {
 /// fade(f) from 1 at the start to 0 at the end.
 template <class Fade>
 void ColourRamp(const SpecialShape& shape, const Progress& progress, int count, Fade fade, Points& points) {
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Whole(count); ++i) {
         const float f = progress.f[i];
         points.colour[i] = Mixed(shape, Eighth(f), fade(f));
     }
@@ -146,7 +149,7 @@ inline int Rising(const SpecialShape& shape, const RandomTable& table, int count
     FindCycles(table, 0, count, 0.2, 0.5, 0.6 * shape.age, progress);
     RandomRows<2, 12> T;
     T.Fetch(table, progress.k, shape.seed, count);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Whole(count); ++i) {
         const float f = progress.f[i];
         const float sway_1 = ShortSine(kTurnF * f * (3 * T[2][i] + 1) + kTurnF * T[4][i]);
         const float sway_2 = ShortSine(kTurnF * f * (3 * T[3][i] + 1) + kTurnF * T[5][i]);
@@ -158,15 +161,15 @@ inline int Rising(const SpecialShape& shape, const RandomTable& table, int count
         points.up[i] = (0.4f * T[6][i] + 0.5f) * height * f;
     }
     const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Whole(count); ++i) {
         const float f = progress.f[i];
-        const auto a = static_cast<std::uint32_t>(65536 * f), b = static_cast<std::uint32_t>(65536 * (1 - f));
+        const auto a = static_cast<std::uint32_t>(static_cast<std::int32_t>(65536 * f));
+        const auto b = static_cast<std::uint32_t>(static_cast<std::int32_t>(65536 * (1 - f)));   // a + b <= 65536
         const auto channel = [&](int shift) {
-            const std::uint32_t sum =
-                (Channel(shape.first, shift) * b >> 16) + (Channel(shape.second, shift) * a >> 16);
-            return (sum < 255 ? sum : 255) << shift;
+            return ((Channel(shape.first, shift) * b >> 16) + (Channel(shape.second, shift) * a >> 16)) << shift;
         };
-        const float shown = kFlame ? (1 - Exponential(-20 * f)) * (1 - f) : (1 - Exponential(-5 * f)) * (1 - f) / 0.6f;
+        const float shown =
+            kFlame ? (1 - Exponential(-20 * f)) * (1 - f) : (1 - Exponential(-5 * f)) * (1 - f) * (1 / 0.6f);
         points.colour[i] = Byte(alpha * shown) << kAlpha | channel(kRed) | channel(kGreen) | channel(kBlue);
     }
     return count;
@@ -186,7 +189,7 @@ SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& tab
     Progress progress;
     FindCycles(table, 0, count, 0.2, 0.5, shape.age, progress);
     const float phase = Phase(shape.age);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Whole(count); ++i) {
         const float f = progress.f[i], r = (1 - Exponential(-f)) * radius, angle = f * kTurnF + phase;
         points.forward[i] = ShortSine(angle) * r;
         points.side[i] = ShortCosine(angle) * r;
@@ -200,7 +203,7 @@ SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& tab
 void Swinging(const SpecialShape& shape, const Progress& progress, int first, int count, float length, float amplitude,
               float* swing, Points& points) {
     const float phase = Phase(shape.age);
-    for (int i = first; i < first + count; ++i) {
+    for (int i = first; i < first + Whole(count); ++i) {
         swing[i] = amplitude * ShortSine(kTurnF * progress.f[i] + phase);
         points.forward[i] = -progress.f[i] * length;
     }
@@ -208,9 +211,9 @@ void Swinging(const SpecialShape& shape, const Progress& progress, int first, in
 
 SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
     Progress progress;
-    FindLine(0, count, progress);
+    FindLines(1, count, progress);
     Swinging(shape, progress, 0, count, shape.scale.z, shape.scale.x, points.side, points);
-    std::fill_n(points.up, count, 0.0f);
+    std::fill_n(points.up, Whole(count), 0.0f);
     ColourRamp(shape, progress, count, kSquareFade, points);
     return count;
 }
@@ -219,12 +222,10 @@ SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, in
 
 /// `rows` lines of `each` points side by side.
 void Sheet(const SpecialShape& shape, int rows, int each, Progress& progress, Points& points) {
-    const int middle = rows / 2;
-    for (int row = 0; row < rows; ++row) {
-        const float offset = static_cast<float>(row - middle) / static_cast<float>(rows) * shape.scale.z;
-        FindLine(row * each, each, progress);
-        std::fill_n(points.side + row * each, each, offset);
-    }
+    const float gap = shape.scale.z / static_cast<float>(rows);
+    for (int row = 0; row < rows; ++row)
+        std::fill_n(points.side + row * each, Whole(each), static_cast<float>(row - rows / 2) * gap);
+    FindLines(rows, each, progress);
     Swinging(shape, progress, 0, rows * each, shape.scale.x, shape.scale.y, points.up, points);
 }
 
@@ -248,14 +249,14 @@ SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& tab
     FindCycles(table, sheet, drops, 0.1, 0.3, shape.age, progress);
     RandomRows<2, 4> T;
     T.Fetch(table, progress.k + sheet, 0, drops);
-    for (int drop = 0; drop < drops; ++drop) {
+    for (int drop = 0; drop < Whole(drops); ++drop) {
         const int i = sheet + drop;
         const float f = progress.f[i], spread = 1 - T[3][drop];
         const float angle = kTurnF * T[2][drop];
         const float radius = width * f * (1 - spread * spread);
         points.up[i] = radius * ShortSine(angle);
         points.side[i] = radius * ShortCosine(angle);
-        points.forward[i] = -length * f * f / 3.0f;
+        points.forward[i] = -length / 3.0f * f * f;
     }
     ColourRamp(shape, progress, count, kSquareFade, points);
     return count;
@@ -266,10 +267,10 @@ SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& tab
 SPARKRIG_VECTOR_CODE int Firework(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float radius = shape.scale.x, height = shape.scale.z;
     const float f = Burst(shape.age), expansion = 1 - Exponential(-f), rest = (1 - f) * (1 - f);
-    std::fill_n(points.colour, count, Mixed(shape, 1 - rest * rest, 1 - f * f));
-    const TurnedTable turned(table, static_cast<int>(*table.At(shape.seed) * kSpecialPoints), count);
-    for (int i = 0; i < count; ++i) {
-        const float* T = turned.values + i;
+    std::fill_n(points.colour, Whole(count), Mixed(shape, 1 - rest * rest, 1 - f * f));
+    const float* const first = table.At(static_cast<int>(*table.At(shape.seed) * kSpecialPoints));
+    for (int i = 0; i < Whole(count); ++i) {
+        const float* T = first + i;
         const float angle = kTurnF * T[1], r = T[2] * expansion;
         points.side[i] = radius * r * ShortCosine(angle);
         points.up[i] = radius * r * ShortSine(angle);
@@ -283,13 +284,13 @@ SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& ta
     const int each = count / kSprays;
     const float size = shape.scale.x, f = Burst(shape.age), fall = 0.25f * f * f;
     const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
-    std::fill_n(points.colour, kSprays * each, (shape.first & 0xFFFFFFu) | Byte(alpha * (1 - f * f)) << kAlpha);
+    std::fill_n(points.colour, Whole(kSprays * each), (shape.first & 0xFFFFFFu) | Byte(alpha * (1 - f * f)) << kAlpha);
     for (int spray = 0; spray < kSprays; ++spray) {
         const float* S = table.At(4 * shape.seed + 1 + spray);   // of the whole spray
         const float azimuth = kTurnF * S[0], elevation = kThirdTurn * S[1], scale = S[2];
-        const TurnedTable turned(table, 4 * each * shape.seed + 4 + spray * each, each);
-        for (int j = 0; j < each; ++j) {
-            const float* T = turned.values + j;
+        const float* const first = table.At(4 * each * shape.seed + 4 + spray * each);
+        for (int j = 0; j < Whole(each); ++j) {
+            const float* T = first + j;
             const float radius = (0.5f * T[2] + 0.75f) * scale;
             const float across = azimuth + 0.5f * (2 * T[0] - 1), upward = elevation + 0.5f * (2 * T[1] - 1);
             const int i = spray * each + j;
@@ -334,8 +335,11 @@ const ShapeRow* RowOf(SpecialType type) {
 
 Axes AxesOf(const SpecialShape& shape, const ShapeRow& row) {
     Axes axes = {shape.forward, shape.up, {}};
-    const float length = D3DXVec3Length(axes.forward);
-    if (row.unit_forward && length > 0) axes.forward = axes.forward * (1 / length);
+    if (row.unit_forward) {
+        const auto& [x, y, z] = shape.forward;
+        const float length = std::sqrt(x * x + y * y + z * z);
+        if (length > 0) axes.forward = axes.forward * (1 / length);
+    }
     switch (row.side) {
         case Side::UpTimesForward: axes.side = D3DXVec3Cross(axes.up, axes.forward); break;
         case Side::ForwardTimesUp: axes.side = D3DXVec3Cross(axes.forward, axes.up); break;
@@ -348,16 +352,20 @@ Axes AxesOf(const SpecialShape& shape, const ShapeRow& row) {
     return axes;
 }
 
-/// Four by four: what is written behind the last point means nothing.
+/// Eight by eight: what is written behind the last point means nothing.
 void WritePoints(const D3DXVECTOR3& p, const Axes& axes, const Points& points, int count, KRN_PointVertex* out) {
-    static_assert(sizeof(KRN_PointVertex) == sizeof(Four) && kSpecialPoints % 4 == 0);
+    static_assert(sizeof(KRN_PointVertex) == sizeof(Four) && kSpecialPoints % kTogether == 0);
     const auto& [d, u, n] = axes;
-    for (int i = 0; i < count; i += 4) {
-        const Four along = FourAt(points.forward + i), rise = FourAt(points.up + i), aside = FourAt(points.side + i);
-        Four four[4] = {p.x + along * d.x + aside * n.x + rise * u.x, p.y + along * d.y + aside * n.y + rise * u.y,
-                        p.z + along * d.z + aside * n.z + rise * u.z, FourAt(points.colour + i)};
-        Transpose(four);
-        for (int point = 0; point < 4; ++point) Store(four[point], out + i + point);
+    for (int i = 0; i < count; i += kTogether) {
+        Eight along, rise, aside, colour;
+        Load(points.forward + i, points.forward + i + 4, along);
+        Load(points.up + i, points.up + i + 4, rise);
+        Load(points.side + i, points.side + i + 4, aside);
+        Load(points.colour + i, points.colour + i + 4, colour);
+        Eight eight[4] = {p.x + along * d.x + aside * n.x + rise * u.x, p.y + along * d.y + aside * n.y + rise * u.y,
+                          p.z + along * d.z + aside * n.z + rise * u.z, colour};
+        Transpose(eight);
+        for (int point = 0; point < 4; ++point) Store(eight[point], out + i + point, out + i + point + 4);
     }
 }
 
@@ -365,7 +373,7 @@ void WritePoints(const D3DXVECTOR3& p, const Axes& axes, const Points& points, i
 
 void RandomTable::Draw() {
     for (int i = 0; i < kSpecialPoints; ++i) values[i] = static_cast<float>(Random01());
-    std::copy_n(values, kRepeated, values + kSpecialPoints);
+    for (int i = kSpecialPoints; i < std::ssize(values); ++i) values[i] = values[i - kSpecialPoints];
 }
 
 SPARKRIG_VECTOR_CODE int WriteShape(const SpecialShape& shape, const RandomTable& table, KRN_PointVertex* out) {

@@ -12,8 +12,8 @@ inline constexpr int kSpecialPoints = 256;   // of one shape at most
 
 /// Random numbers in [0, 1], drawn once. An index counts modulo kSpecialPoints.
 struct RandomTable {
-    static constexpr int kRepeated = 16;   // of the first entries at the end, so that At(k) + a few needs no modulus
-    float values[kSpecialPoints + kRepeated];
+    static constexpr int kMost = 16;            // numbers of one point
+    float values[2 * kSpecialPoints + kMost];   // over and over, so that At(k) + i for each point needs no modulus
 
     /// `count` draws of Random01.
     void Draw();
