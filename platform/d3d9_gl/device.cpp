@@ -35,11 +35,7 @@ HRESULT Device::Create(const PresentWindow& window, DWORD behaviour, const D3DPR
 }
 
 Device::Device(std::shared_ptr<GlContext> context, const PresentWindow& window, DWORD behaviour)
-    : context_(std::move(context)),
-      presenter_(context_, window),
-      pipeline_(context_),
-      behaviour_(behaviour),
-      state_(/*auto_depth=*/false) {
+    : StateDevice(behaviour), context_(std::move(context)), presenter_(context_, window), pipeline_(context_) {
     presenter_.OfferPicture([this] { return DrawPresented(); });
 }
 
@@ -164,12 +160,5 @@ HRESULT Device::GetDeviceCaps(D3DCAPS9* caps) {
 void Device::SetGammaRamp(UINT swap_chain, DWORD /*flags*/, const D3DGAMMARAMP* ramp) {
     if (swap_chain == 0 && ramp != nullptr && context_->Activate()) presenter_.SetGammaRamp(*ramp);
 }
-
-HRESULT Device::SetSoftwareVertexProcessing(BOOL software) {
-    return CheckSoftwareProcessing(behaviour_, software);   // both run the same programs
-}
-
-HRESULT Device::BeginScene() { return ResultOf(state_.SetInScene(true)); }
-HRESULT Device::EndScene() { return ResultOf(state_.SetInScene(false)); }
 
 }   // namespace sparkrig

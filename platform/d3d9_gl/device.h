@@ -1,8 +1,7 @@
 // The device on OpenGL: checks each call by the rules of the contract, keeps the state, and leaves drawing to the
 // pipeline, showing to the presenter.
 #pragma once
-#include "platform/com/ref_counted.h"
-#include "platform/d3d9/d3d9.h"
+#include "platform/d3d9/state_device.h"
 #include "platform/d3d9_gl/buffers.h"
 #include "platform/d3d9_gl/draw_pipeline.h"
 #include "platform/d3d9_gl/presenter.h"
@@ -15,7 +14,7 @@ class ShaderObject;
 using VertexShaderObject = ShaderObject<IDirect3DVertexShader9>;
 using PixelShaderObject = ShaderObject<IDirect3DPixelShader9>;
 
-class Device final : public RefCounted<IDirect3DDevice9> {
+class Device final : public StateDevice {
   public:
     /// Makes a device that shows its pictures in a window. On failure the device is null.
     static HRESULT Create(const PresentWindow& window, DWORD behaviour, const D3DPRESENT_PARAMETERS& parameters,
@@ -35,7 +34,6 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     HRESULT Present(const RECT* source, const RECT* destination, HWND window, const void* region) override;
     HRESULT GetDeviceCaps(D3DCAPS9* caps) override;
     void SetGammaRamp(UINT swap_chain, DWORD flags, const D3DGAMMARAMP* ramp) override;
-    HRESULT SetSoftwareVertexProcessing(BOOL software) override;
 
     HRESULT CreateTexture(UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                           IDirect3DTexture9** texture) override;
@@ -60,26 +58,16 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     HRESULT UpdateTexture(IDirect3DTexture9* source, IDirect3DTexture9* destination) override;
     HRESULT GetRenderTargetData(IDirect3DSurface9* target, IDirect3DSurface9* system_surface) override;
 
-    HRESULT BeginScene() override;
-    HRESULT EndScene() override;
     HRESULT Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR colour, float z, DWORD stencil) override;
 
     HRESULT SetViewport(const D3DVIEWPORT9* viewport) override;
-    HRESULT GetViewport(D3DVIEWPORT9* viewport) override;
     HRESULT SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix) override;
-    HRESULT GetTransform(D3DTRANSFORMSTATETYPE type, D3DMATRIX* matrix) override;
     HRESULT SetMaterial(const D3DMATERIAL9* material) override;
-    HRESULT GetMaterial(D3DMATERIAL9* material) override;
     HRESULT SetLight(DWORD index, const D3DLIGHT9* light) override;
-    HRESULT GetLight(DWORD index, D3DLIGHT9* light) override;
     HRESULT LightEnable(DWORD index, BOOL enable) override;
-    HRESULT GetLightEnable(DWORD index, BOOL* enable) override;
     HRESULT SetRenderState(D3DRENDERSTATETYPE state, DWORD value) override;
-    HRESULT GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) override;
     HRESULT SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD value) override;
-    HRESULT GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD* value) override;
     HRESULT SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD value) override;
-    HRESULT GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD* value) override;
     HRESULT SetTexture(DWORD sampler, IDirect3DTexture9* texture) override;
     HRESULT GetTexture(DWORD sampler, IDirect3DTexture9** texture) override;
     HRESULT SetVertexShader(IDirect3DVertexShader9* shader) override;
@@ -90,7 +78,6 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     HRESULT SetPixelShaderGlobals(const void* data, UINT bytes) override;
 
     HRESULT SetFVF(DWORD fvf) override;
-    HRESULT GetFVF(DWORD* fvf) override;
     HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset, UINT stride) override;
     HRESULT SetIndices(IDirect3DIndexBuffer9* buffer) override;
     HRESULT DrawPrimitive(D3DPRIMITIVETYPE type, UINT first_vertex, UINT count) override;
@@ -148,14 +135,12 @@ class Device final : public RefCounted<IDirect3DDevice9> {
     std::shared_ptr<GlContext> context_;
     Presenter presenter_;
     DrawPipeline pipeline_;
-    DWORD behaviour_;
     D3DPRESENT_PARAMETERS parameters_ = {};
     DeviceLife life_ = DeviceLife::Operational;
     bool blind_ = false;   // draws, clears and presents nothing
     bool lost_by_minimising_ = false;
     bool presented_ = false;   // the back buffer holds a frame that was shown
 
-    DeviceState state_;
     Bound bound_;
     Bindings bindings_;   // the same as the pipeline sees it
     DevicePtr<OwnSurface> back_buffer_, depth_;

@@ -29,51 +29,37 @@ HRESULT Device::SetViewport(const D3DVIEWPORT9* viewport) {
     if (life_ != DeviceLife::Operational) return D3D_OK;
     return Mark(state_.SetViewport(viewport, bindings_.target->Desc()), kDirtyTarget);
 }
-HRESULT Device::GetViewport(D3DVIEWPORT9* viewport) { return state_.GetViewport(viewport); }
 
 HRESULT Device::SetTransform(D3DTRANSFORMSTATETYPE type, const D3DMATRIX* matrix) {
     return Mark(state_.SetTransform(type, matrix), TransformGroups(type));
 }
-HRESULT Device::GetTransform(D3DTRANSFORMSTATETYPE type, D3DMATRIX* matrix) {
-    return state_.GetTransform(type, matrix);
-}
 
 HRESULT Device::SetMaterial(const D3DMATERIAL9* material) { return Mark(state_.SetMaterial(material), kDirtyLighting); }
-HRESULT Device::GetMaterial(D3DMATERIAL9* material) { return state_.GetMaterial(material); }
 
 HRESULT Device::SetLight(DWORD index, const D3DLIGHT9* light) {
     return Mark(state_.SetLight(index, light), kDirtyLighting);
 }
-HRESULT Device::GetLight(DWORD index, D3DLIGHT9* light) { return state_.GetLight(index, light); }
 
 HRESULT Device::LightEnable(DWORD index, BOOL enable) {
     return Mark(state_.LightEnable(index, enable), kDirtyLighting);
 }
-HRESULT Device::GetLightEnable(DWORD index, BOOL* enable) { return state_.GetLightEnable(index, enable); }
 
 HRESULT Device::SetRenderState(D3DRENDERSTATETYPE state, DWORD value) {
     const Kept kept = state_.SetRenderState(state, value);
     if (kept == Kept::Changed) pipeline_.Mark(RenderStateGroups(state));
     return ResultOf(kept);
 }
-HRESULT Device::GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) { return state_.GetRenderState(state, value); }
 
 HRESULT Device::SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD value) {
     const Kept kept = state_.SetTextureStageState(stage, state, value);
     if (kept == Kept::Changed) pipeline_.Mark(StageStateGroups(state));
     return ResultOf(kept);
 }
-HRESULT Device::GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD* value) {
-    return state_.GetTextureStageState(stage, state, value);
-}
 
 HRESULT Device::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD value) {
     const Kept kept = state_.SetSamplerState(sampler, state, value);
     if (kept == Kept::Changed) pipeline_.MarkSampler(sampler);
     return ResultOf(kept);
-}
-HRESULT Device::GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD* value) {
-    return state_.GetSamplerState(sampler, state, value);
 }
 
 HRESULT Device::SetTexture(DWORD sampler, IDirect3DTexture9* interface) {
@@ -130,7 +116,6 @@ HRESULT Device::SetPixelShaderGlobals(const void* data, UINT bytes) {
 }
 
 HRESULT Device::SetFVF(DWORD fvf) { return Mark(state_.SetFVF(fvf), kDirtyProgram); }
-HRESULT Device::GetFVF(DWORD* fvf) { return state_.GetFVF(fvf); }
 
 HRESULT Device::SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset, UINT stride) {
     if (stream != 0) return D3DERR_INVALIDCALL;

@@ -32,22 +32,16 @@ std::string UnpackError(const Bytes& stream) {
     return ErrorOf([&] { Unpacked(stream); });
 }
 
-Bytes Join(std::initializer_list<Bytes> parts) {
+Bytes Join(const std::vector<Bytes>& parts) {
     Bytes all;
     for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
     return all;
 }
-
+Bytes Repeated(const Bytes& piece, std::size_t times) { return Join(std::vector<Bytes>(times, piece)); }
 Bytes Int32(std::uint32_t value) {
     Bytes bytes(4);
     StoreLittleEndian(value, bytes.data());
     return bytes;
-}
-
-Bytes Repeated(const Bytes& piece, int times) {
-    Bytes all;
-    for (int i = 0; i < times; ++i) all.insert(all.end(), piece.begin(), piece.end());
-    return all;
 }
 
 /// Long runs, short runs, noise and markers in turn.
@@ -57,7 +51,7 @@ Bytes Mixed(std::size_t size, std::uint32_t seed) {
     while (data.size() < size) {
         const std::uint32_t draw = RandomUInt32();
         const Bytes record = draw % 5 == 0 ? Bytes{10, 11, 12, 13} : Int32(draw % 7 == 0 ? draw : draw & 0x01010101);
-        const Bytes run = Repeated(record, draw % 16 == 0 ? static_cast<int>(draw >> 8) % 700 : 1);
+        const Bytes run = Repeated(record, draw % 16 == 0 ? (draw >> 8) % 700 : 1);
         data.insert(data.end(), run.begin(), run.end());
     }
     data.resize(size);
@@ -77,9 +71,8 @@ TEST(Compress, EveryAlgorithmGivesItsDataBackAndReportsWhatIsCut) {
         }
         const Bytes data = Mixed(3000, 29), stream = Packed(algorithm, data);
         const bool lzma = algorithm >= 2 && algorithm <= 7;
-        if (algorithm != 1 && (algorithm < 5 || algorithm == 8)) {   // those tell where they end
-            EXPECT_EQ(Unpacked(Join({stream, kMarker, kA})), data) << algorithm;
-        }
+        const bool tells_its_end = algorithm != 1 && (algorithm < 5 || algorithm == 8);
+        EXPECT_TRUE(!tells_its_end || Unpacked(Join({stream, kMarker, kA})) == data) << algorithm;
         // An LZMA stream holds all its data some bytes before its end marker ends.
         for (std::size_t length = 0; length < stream.size() - (lzma ? 12 : 0); ++length)
             ASSERT_NE(UnpackError(Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(length))),
@@ -198,15 +191,10 @@ TEST(Scrambling, ReadsBothVersionsOfTheKey) {
         const std::uint32_t word = LoadLittleEndian<std::uint32_t>(&plain[4 * 9]) ^ (key.words[1] + 81);
         EXPECT_EQ(LoadLittleEndian<std::uint32_t>(&data[4 * 9]), word);
         EXPECT_EQ(data[102], plain[102] ^ ((key.words[4] >> 16) & 255));   // 4 times 25 words, modulo 8
-        const Bytes stream = Join({{8},
-                                   Int32(103),
-                                   {static_cast<std::uint8_t>(version)},
-                                   Int32(ScrambleCheck(plain.data(), plain.size())),
-                                   data});
+        const Bytes head = Join({{8}, Int32(103), {static_cast<std::uint8_t>(version)}});
+        const Bytes stream = Join({head, Int32(ScrambleCheck(plain.data(), plain.size())), data});
         EXPECT_EQ(Unpacked(stream), plain);
-        if (version == 2) {
-            EXPECT_EQ(Packed(8, plain), stream);
-        }
+        EXPECT_TRUE(version == 1 || Packed(8, plain) == stream);
     }
     EXPECT_EQ(ScrambleCheck(Join({kA, kB, {0x55, 0x0F}}).data(), 10), 0x04030201u ^ 0x08070605u ^ 0x5Au);
 }

@@ -10,20 +10,13 @@
 namespace sparkrig {
 namespace {
 
+/// "id=value" by position.
 template <class List>
-std::vector<int> Ids(const List& list) {
-    std::vector<int> ids;
-    ids.reserve(static_cast<std::size_t>(list.GetCount()));
-    for (int i = 0; i < list.GetCount(); ++i) ids.push_back(list.GetIdAt(i));
-    return ids;
-}
-
-template <class List>
-std::vector<int> Values(const List& list) {
-    std::vector<int> values;
-    values.reserve(static_cast<std::size_t>(list.GetCount()));
-    for (int i = 0; i < list.GetCount(); ++i) values.push_back(*list.GetAt(i));
-    return values;
+std::string Shown(const List& list) {
+    std::string shown;
+    for (int i = 0; i < list.GetCount(); ++i)
+        shown += (i > 0 ? " " : "") + std::to_string(list.GetIdAt(i)) + "=" + std::to_string(*list.GetAt(i));
+    return shown;
 }
 
 template <class List>
@@ -73,9 +66,8 @@ TEST(DynaMem, HoldsUnderTheLowestFreeIdsWhatAMapHolds) {
             held.erase(some);
         } else {   // packs
             list.SetSize(-1);
-            const std::vector<int> values = Values(list);
-            held.clear();
-            for (std::size_t i = 0; i < values.size(); ++i) held[static_cast<int>(i)] = values[i];
+            const std::map<int, int> before = std::exchange(held, {});
+            for (const auto& [id, value] : before) held.emplace(held.size(), value);
             EXPECT_EQ(list.GetCapacity(), list.GetCount());
         }
         ASSERT_EQ(Iterated(list), held);
@@ -114,10 +106,6 @@ TEST(DynaMem, GrowsKeepingAddresses) {
     EXPECT_EQ(large.GetCapacity(), 1288);
 }
 
-struct WithFreeHint : DynaMem<int, 4> {
-    void SetFreeHint(int hint) { free_hint_ = hint; }
-};
-
 TEST(DynaMem, ReportsMisuse) {
     DynaMem<int, 4> list;
     AddAll(list, {20, 30, 40, 50});
@@ -131,9 +119,11 @@ TEST(DynaMem, ReportsMisuse) {
     EXPECT_EQ(list.Add(60), 2);
     EXPECT_EQ(ErrorOf([&] { list.Add(70); }), "ErrorClassSimple: Can not expand fixed list");
     EXPECT_EQ(ErrorOf([&] { list.SetSize(9); }), "ErrorClassSimple: Can not SetSize() of fixed list");
-    WithFreeHint broken;
+    struct : DynaMem<int, 4> {
+        using DynaMem::free_hint_;
+    } broken;
     broken.Add(20);
-    broken.SetFreeHint(4);
+    broken.free_hint_ = 4;
     EXPECT_EQ(ErrorOf([&] { broken.Add(30); }), "ErrorClassSimple: Maximum number of data elements reached: 4");
 }
 
@@ -142,13 +132,12 @@ TEST(DynaMem, FixedListsKeepTheirPositions) {
     AddAll(list, {50, 40, 30});
     list.SetFixed(true);
     list.Sort();
-    EXPECT_THAT(Values(list), ElementsAre(30, 40, 50));
+    EXPECT_EQ(Shown(list), "2=30 1=40 0=50");
     list.Delete(1);
     list.Add(60);
-    EXPECT_THAT(Values(list), ElementsAre(30, 50, 60));
-    EXPECT_THAT(Ids(list), ElementsAre(2, 0, 1));
+    EXPECT_EQ(Shown(list), "2=30 0=50 1=60");
     list.SetFixed(false);
-    EXPECT_THAT(Ids(list), ElementsAre(0, 1, 2));
+    EXPECT_EQ(Shown(list), "0=50 1=60 2=30");
 }
 
 TEST(DynaMem, IteratesUpwardsWhileTheCurrentIsDeleted) {
@@ -166,7 +155,7 @@ TEST(DynaMem, IteratesUpwardsWhileTheCurrentIsDeleted) {
     }
     EXPECT_THAT(seen, ElementsAre(20, 40, 50, 60));
     EXPECT_EQ(list.GetNext(), nullptr);
-    EXPECT_THAT(Values(list), ElementsAre(99));
+    EXPECT_EQ(Shown(list), "0=99");
 }
 
 TEST(DynaMemSort, SortsPositionsUntilTheNextChange) {
@@ -174,16 +163,14 @@ TEST(DynaMemSort, SortsPositionsUntilTheNextChange) {
     list.Sort();
     AddAll(list, {30, 50, 20, 40});
     list.Sort();
-    EXPECT_THAT(Ids(list), ElementsAre(2, 0, 3, 1));
+    EXPECT_EQ(Shown(list), "2=20 0=30 3=40 1=50");
     list.Sort(std::greater<>());
-    const DynaMemSort<int, 4> copy = list;
-    EXPECT_THAT(Ids(copy), ElementsAre(1, 3, 0, 2));
+    EXPECT_EQ(Shown(DynaMemSort<int, 4>(list)), "1=50 3=40 0=30 2=20");
     list.Add(10);
-    EXPECT_THAT(Ids(list), ElementsAre(0, 1, 2, 3, 4));
+    EXPECT_EQ(Shown(list), "0=50 1=40 2=30 3=20 4=10");   // it has grown, and so was packed
     list.Sort();
     list.SetSize(-1);   // packed in sorted order
-    EXPECT_THAT(Ids(list), ElementsAre(0, 1, 2, 3, 4));
-    EXPECT_THAT(Values(list), ElementsAre(10, 20, 30, 40, 50));
+    EXPECT_EQ(Shown(list), "0=10 1=20 2=30 3=40 4=50");
 }
 
 TEST(DynaPtrList, HoldsWhatItDoesNotOwn) {
@@ -215,14 +202,6 @@ TEST(DynaMem, ElementThatFailsToBeMadeLeavesTheListAsItWas) {
     EXPECT_FALSE(list.IsValid(0));
 }
 
-std::vector<std::string> Names(SearchTree<int>& tree) {
-    std::vector<std::string> names;
-    char name[16];
-    tree.ResetIteration();
-    while (tree.GetNext(name, sizeof name)) names.emplace_back(name);
-    return names;
-}
-
 TEST(SearchTree, FindsNamesIgnoringCase) {
     SearchTree<int> tree;
     EXPECT_EQ(tree.Find("Fire"), nullptr);
@@ -242,15 +221,11 @@ TEST(SearchTree, FindsNamesIgnoringCase) {
 TEST(SearchTree, IteratesByFirstCharacterThenByInsertion) {
     SearchTree<int> tree;
     for (const char* name : {"_x", "fire", "Zoo", "9a", "Fire2", "a", " b", "FIRE1", "{"}) tree.Insert(name);
-    EXPECT_THAT(Names(tree), ElementsAre(" b", "9a", "a", "fire", "Fire2", "FIRE1", "Zoo", "_x", "{"));
-    EXPECT_EQ(tree.GetNext(), nullptr);
+    std::string names;
     tree.ResetIteration();
-    char cut[4];
-    tree.GetNext();
-    tree.GetNext();
-    tree.GetNext();
-    tree.GetNext(cut, sizeof cut);
-    EXPECT_STREQ(cut, "fir");
+    for (char name[5]; tree.GetNext(name, sizeof name);) names += std::string(name) + ",";   // cut
+    EXPECT_EQ(names, " b,9a,a,fire,Fire,FIRE,Zoo,_x,{,");
+    EXPECT_EQ(tree.GetNext(), nullptr);
 }
 
 TEST(SearchTree, ReportsNamesItCannotHold) {

@@ -12,15 +12,6 @@ namespace {
 /// Nothing is found in a string without one.
 bool HasBuffer(const String& text) { return text.IndexOf("") == 0; }
 
-TEST(String, TellsNoBufferFromAnEmptyOne) {
-    EXPECT_FALSE(HasBuffer(String()) || HasBuffer(String(nullptr)));
-    EXPECT_TRUE(HasBuffer(String("")));
-    for (const String& empty : {String(), String(nullptr), String("")}) {
-        EXPECT_EQ(empty.GetLength(), 0);
-        EXPECT_STREQ(empty.c_str(), "");
-    }
-}
-
 std::string Folded(std::string text, char first, int step) {   // in ASCII only
     for (char& c : text) c = static_cast<char>(c >= first && c < first + 26 ? c + step : c);
     return text;
@@ -84,7 +75,9 @@ TEST(String, AnEmptyOneThatIsAssignedReleasesItsBuffer) {
     const char* buffer = text.c_str();
     const String taken = std::move(text);
     EXPECT_EQ(taken.c_str(), buffer);
+    EXPECT_TRUE(HasBuffer(String("")));
     for (const String& none : {String(), String(nullptr)}) {
+        EXPECT_TRUE(!HasBuffer(none) && none.GetLength() == 0 && none == "");
         EXPECT_TRUE(none.StartsWith(nullptr) && none.StartsWith("") && !none.StartsWith("a"));
         EXPECT_EQ(none.IndexOf("a"), -1);
     }
@@ -149,9 +142,6 @@ TEST(Paths, AreSplitAtTheLastSeparatorOfEitherKind) {
     char small[4];
     GetFileName("cfg/effects.cfg", small, sizeof small);
     EXPECT_STREQ(small, "eff");
-}
-
-TEST(Paths, GetAnotherDirectory) {
     char path[256] = "cfg/sub\\a.cfg";
     ReplaceDirectory(path, "new");
     EXPECT_STREQ(path, "new\\a.cfg");

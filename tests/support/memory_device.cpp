@@ -5,6 +5,7 @@
 
 #include "platform/d3d9/capabilities.h"
 #include "platform/d3d9/present_parameters.h"
+#include "platform/d3d9/state_device.h"
 #include "tests/support/memory_objects.h"
 
 namespace sparkrig {
@@ -48,11 +49,11 @@ struct Bindings {
     DevicePtr<IDirect3DSurface9> target;
 };
 
-class MemoryDevice : public RefCounted<IDirect3DDevice9> {
+class MemoryDevice : public StateDevice {
   public:
     /// The parameters are complete.
     MemoryDevice(MemoryAdapter& adapter, DWORD behaviour, const D3DPRESENT_PARAMETERS& parameters)
-        : adapter_(adapter), behaviour_(behaviour), state_(false) {
+        : StateDevice(behaviour), adapter_(adapter) {
         MakeSwapChain(parameters);
     }
 
@@ -78,9 +79,6 @@ class MemoryDevice : public RefCounted<IDirect3DDevice9> {
     }
     HRESULT GetDeviceCaps(D3DCAPS9* caps) override { return *caps = adapter_.caps, D3D_OK; }
     void SetGammaRamp(UINT, DWORD, const D3DGAMMARAMP*) override {}
-    HRESULT SetSoftwareVertexProcessing(BOOL software) override {
-        return CheckSoftwareProcessing(behaviour_, software);
-    }
 
     // ---- Resources
 
@@ -177,41 +175,23 @@ class MemoryDevice : public RefCounted<IDirect3DDevice9> {
 
     // ---- States and bindings
 
-    HRESULT BeginScene() override { return Note(state_.SetInScene(true)); }
-    HRESULT EndScene() override { return Note(state_.SetInScene(false)); }
     HRESULT SetViewport(const D3DVIEWPORT9* viewport) override {
         return Note(state_.SetViewport(viewport, ImageOf(bound_.target.Get()).desc));
     }
-    HRESULT GetViewport(D3DVIEWPORT9* viewport) override { return state_.GetViewport(viewport); }
     HRESULT SetTransform(D3DTRANSFORMSTATETYPE state, const D3DMATRIX* matrix) override {
         return Note(state_.SetTransform(state, matrix));
     }
-    HRESULT GetTransform(D3DTRANSFORMSTATETYPE state, D3DMATRIX* matrix) override {
-        return state_.GetTransform(state, matrix);
-    }
     HRESULT SetMaterial(const D3DMATERIAL9* material) override { return Note(state_.SetMaterial(material)); }
-    HRESULT GetMaterial(D3DMATERIAL9* material) override { return state_.GetMaterial(material); }
     HRESULT SetLight(DWORD index, const D3DLIGHT9* light) override { return Note(state_.SetLight(index, light)); }
-    HRESULT GetLight(DWORD index, D3DLIGHT9* light) override { return state_.GetLight(index, light); }
     HRESULT LightEnable(DWORD index, BOOL enable) override { return Note(state_.LightEnable(index, enable)); }
-    HRESULT GetLightEnable(DWORD index, BOOL* enable) override { return state_.GetLightEnable(index, enable); }
     HRESULT SetRenderState(D3DRENDERSTATETYPE state, DWORD value) override {
         return Note(state_.SetRenderState(state, value));
-    }
-    HRESULT GetRenderState(D3DRENDERSTATETYPE state, DWORD* value) override {
-        return state_.GetRenderState(state, value);
     }
     HRESULT SetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD value) override {
         return Note(state_.SetTextureStageState(stage, state, value));
     }
-    HRESULT GetTextureStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE state, DWORD* value) override {
-        return state_.GetTextureStageState(stage, state, value);
-    }
     HRESULT SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD value) override {
         return Note(state_.SetSamplerState(sampler, state, value));
-    }
-    HRESULT GetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE state, DWORD* value) override {
-        return state_.GetSamplerState(sampler, state, value);
     }
     HRESULT SetTexture(DWORD sampler, IDirect3DTexture9* texture) override {
         return sampler < kSamplers ? Bind(bound_.textures[sampler], texture) : D3DERR_INVALIDCALL;
@@ -230,7 +210,6 @@ class MemoryDevice : public RefCounted<IDirect3DDevice9> {
 
     /// Never called repeated: DrawSubset of a mesh sets its format each time.
     HRESULT SetFVF(DWORD fvf) override { return ResultOf(state_.SetFVF(fvf)); }
-    HRESULT GetFVF(DWORD* fvf) override { return state_.GetFVF(fvf); }
     HRESULT SetStreamSource(UINT stream, IDirect3DVertexBuffer9* buffer, UINT offset, UINT stride) override {
         if (stream != 0) return D3DERR_INVALIDCALL;
         bound_.stream = DevicePtr<IDirect3DVertexBuffer9>::Share(buffer);
@@ -322,9 +301,7 @@ class MemoryDevice : public RefCounted<IDirect3DDevice9> {
     }
 
     MemoryAdapter& adapter_;
-    DWORD behaviour_;
     UINT back_buffers_ = 0;
-    DeviceState state_;
     Bindings bound_;
     DevicePtr<IDirect3DSurface9> back_buffer_, depth_;
 };
