@@ -21,21 +21,20 @@ namespace sparkrig {
 
 namespace {
 
-/// The codes that a call of the contract may answer.
+/// The codes that a call of the contract may answer: those of the first row that its name begins with.
 std::vector<HRESULT> CodesOf(const std::string& method) {
-    static const std::map<std::string, std::vector<HRESULT>> kOfTheirOwn = {
+    static const std::pair<const char*, std::vector<HRESULT>> kRows[] = {
         {"CreateDevice", {D3DERR_INVALIDCALL, D3DERR_NOTAVAILABLE, D3DERR_DEVICELOST, D3DERR_OUTOFVIDEOMEMORY}},
+        {"Create", {D3DERR_INVALIDCALL, D3DERR_NOTAVAILABLE, D3DERR_OUTOFVIDEOMEMORY, E_OUTOFMEMORY}},
+        {"Lock", {D3DERR_INVALIDCALL, D3DERR_WASSTILLDRAWING, E_OUTOFMEMORY}},
         {"TestCooperativeLevel", {D3DERR_DEVICELOST, D3DERR_DEVICENOTRESET, D3DERR_DRIVERINTERNALERROR}},
         {"Reset",
          {D3DERR_INVALIDCALL, D3DERR_DEVICELOST, D3DERR_NOTAVAILABLE, D3DERR_OUTOFVIDEOMEMORY, E_OUTOFMEMORY,
           D3DERR_DRIVERINTERNALERROR}},
         {"Present", {D3DERR_INVALIDCALL, D3DERR_DEVICELOST, D3DERR_DRIVERINTERNALERROR}},
-        {"GetRenderTargetData", {D3DERR_INVALIDCALL, D3DERR_DEVICELOST, D3DERR_DRIVERINTERNALERROR}}};
-    if (const auto found = kOfTheirOwn.find(method); found != kOfTheirOwn.end()) return found->second;
-    if (method.starts_with("Create"))
-        return {D3DERR_INVALIDCALL, D3DERR_NOTAVAILABLE, D3DERR_OUTOFVIDEOMEMORY, E_OUTOFMEMORY};
-    if (method.starts_with("Lock")) return {D3DERR_INVALIDCALL, D3DERR_WASSTILLDRAWING, E_OUTOFMEMORY};
-    return {D3DERR_INVALIDCALL, D3DERR_NOTFOUND, D3DERR_DRIVERINTERNALERROR};
+        {"GetRenderTargetData", {D3DERR_INVALIDCALL, D3DERR_DEVICELOST, D3DERR_DRIVERINTERNALERROR}},
+        {"", {D3DERR_INVALIDCALL, D3DERR_NOTFOUND, D3DERR_DRIVERINTERNALERROR}}};
+    return std::ranges::find_if(kRows, [&](const auto& row) { return method.starts_with(row.first); })->second;
 }
 
 /// Calls whose refusal is not reported by the code's name, by design.

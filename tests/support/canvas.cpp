@@ -180,13 +180,10 @@ HRESULT Canvas::DrawBytes(DWORD fvf, D3DPRIMITIVETYPE type, UINT primitives, con
 }
 
 void Canvas::Fill(const RECT& pixels, D3DCOLOR diffuse, D3DCOLOR specular, float z) {
-    const float left = static_cast<float>(pixels.left) - 0.25f, right = static_cast<float>(pixels.right) - 0.25f;
-    const float top = static_cast<float>(pixels.top) - 0.25f, bottom = static_cast<float>(pixels.bottom) - 0.25f;
-    Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-                       {{left, top, z, 1, diffuse, specular, 0, 0},
-                        {right, top, z, 1, diffuse, specular, 1, 0},
-                        {left, bottom, z, 1, diffuse, specular, 0, 1},
-                        {right, bottom, z, 1, diffuse, specular, 1, 1}});
+    const auto place = [](LONG edge) { return static_cast<float>(edge) - 0.25f; };
+    Draw(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+         Corners(place(pixels.left), place(pixels.top), place(pixels.right), place(pixels.bottom), diffuse, specular,
+                 z));
 }
 
 void Canvas::FillAll(D3DCOLOR diffuse, D3DCOLOR specular, float z) {

@@ -66,6 +66,15 @@ struct ScreenVertex {
     float u, v;
 };
 
+/// Corners for a strip of two triangles between these places; texture coordinates run from 0.
+inline std::vector<ScreenVertex> Corners(float left, float top, float right, float bottom, D3DCOLOR diffuse,
+                                         D3DCOLOR specular = 0xFF000000, float z = 0.5f, float u = 1, float v = 1) {
+    return {{left, top, z, 1, diffuse, specular, 0, 0},
+            {right, top, z, 1, diffuse, specular, u, 0},
+            {left, bottom, z, 1, diffuse, specular, 0, v},
+            {right, bottom, z, 1, diffuse, specular, u, v}};
+}
+
 class Canvas {
   public:
     /// A back buffer of this size with a depth buffer. Lighting and culling are off, all is cleared, the

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 #include "tests/support/canvas.h"
@@ -22,11 +23,7 @@ std::vector<PlainVertex> Quad(float left, float bottom, float right, float top, 
     return {{left, bottom, z, kFront}, {left, top, z, kFront}, {right, bottom, z, kFront}, {right, top, z, kFront}};
 }
 
-int Covered(Canvas& canvas) {
-    int covered = 0;
-    for (const D3DCOLOR pixel : canvas.Pixels()) covered += pixel == kFront;
-    return covered;
-}
+std::ptrdiff_t Covered(Canvas& canvas) { return std::ranges::count(canvas.Pixels(), kFront); }
 
 // Pixel centres are whole numbers. An edge that runs through them gives its pixels to the rectangle only if it is the
 // left or the top one: rectangles that share an edge neither leave a gap nor draw a pixel twice.
@@ -42,11 +39,9 @@ TEST(Raster, GivesPixelsOnAnEdgeToTheLeftAndTheTop) {
     for (const RECT& edges : {RECT{0, 0, 8, 8}, RECT{2, 3, 5, 7}, RECT{1, 2, 2, 6}}) {
         const auto left = static_cast<float>(edges.left), top = static_cast<float>(edges.top),
                    right = static_cast<float>(edges.right), bottom = static_cast<float>(edges.bottom);
-        const auto corner = [](float x, float y) { return ScreenVertex{x, y, 0.5f, 1, kFront, 0xFF000000, 0, 0}; };
         const auto wanted = Box(8, 8, edges, kFront, kBack);
         canvas.Clear(kBack);
-        canvas.Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-                                  {corner(left, top), corner(right, top), corner(left, bottom), corner(right, bottom)});
+        canvas.Draw(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2, Corners(left, top, right, bottom, kFront));
         EXPECT_EQ(canvas.Pixels(), wanted) << "final positions";
         const auto quad = Quad(left / 4 - 1, 1 - bottom / 4, right / 4 - 1, 1 - top / 4, 0.5f);
         for (const bool own_function : {true, false}) {
@@ -165,9 +160,7 @@ TEST(Raster, DrawsIndexedFansListsAndLines) {
     Canvas canvas(16, 16);
     const std::vector<PlainVertex> corners = Quad(-0.8f, -0.8f, 0.8f, 0.8f, 0.5f);   // 13 x 13 pixels
     DevicePtr<IDirect3DVertexBuffer9> vertices;
-    ASSERT_EQ(
-        canvas->CreateVertexBuffer(6 * sizeof(PlainVertex), 0, PlainVertex::kFvf, D3DPOOL_MANAGED, vertices.Receive()),
-        D3D_OK);
+    canvas->CreateVertexBuffer(6 * sizeof(PlainVertex), 0, PlainVertex::kFvf, D3DPOOL_MANAGED, vertices.Receive());
     FillBuffer(*vertices, 2 * sizeof(PlainVertex), corners.data(), 4 * sizeof(PlainVertex));   // used from there on
     const auto indices = MakeIndices(canvas.Device(), {9, 1, 2, 4, 3, 3, 1});
     canvas->SetFVF(PlainVertex::kFvf);
@@ -214,9 +207,8 @@ class Points : public testing::Test {
                         UINT count = 1) {
         canvas_.Clear(0);
         EXPECT_EQ(canvas_.Draw(FinalPoint::kFvf, type, count, vertices), D3D_OK);
-        return Drawn();
+        return Covered(canvas_);
     }
-    std::ptrdiff_t Drawn() { return std::ranges::count(canvas_.Pixels(), kFront); }
 
     Canvas canvas_;
 };
@@ -233,8 +225,7 @@ TEST_F(Points, ReachIntoTheViewportAndAreDroppedBehindItsDepth) {
 }
 
 TEST_F(Points, AreTexturedWholeAsSprites) {
-    const auto texture = MakeTexture(
-        canvas_.Device(), 2, 2, {Argb(255, 10, 0, 0), Argb(255, 20, 0, 0), Argb(255, 30, 0, 0), Argb(255, 40, 0, 0)});
+    const auto texture = MakeTexture(canvas_.Device(), 2, 2, {0xFF0A0000, 0xFF140000, 0xFF1E0000, 0xFF280000});
     canvas_->SetTexture(0, texture.Get());
     canvas_->SetSamplerState(0, D3DSAMP_ADDRESSU, D3DTADDRESS_CLAMP);
     canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG1);
@@ -244,26 +235,22 @@ TEST_F(Points, AreTexturedWholeAsSprites) {
     constexpr DWORD kFvf = D3DFVF_XYZRHW | D3DFVF_PSIZE | D3DFVF_TEX1;
     const std::vector<Vertex> point = {{30.3f, 20.3f, 0.5f, 1, 10, 0.75f, 0.25f}};
     canvas_->SetRenderState(D3DRS_POINTSPRITEENABLE, TRUE);
-    const auto expect_whole = [this](const char* what) {
-        EXPECT_EQ(canvas_.Pixel(27, 17).r, 10) << what;
-        EXPECT_EQ(canvas_.Pixel(33, 17).r, 20) << what;
-        EXPECT_EQ(canvas_.Pixel(27, 23).r, 30) << what;
-        EXPECT_EQ(canvas_.Pixel(33, 23).r, 40) << what;
+    const auto reds = [this] {
+        return std::array{canvas_.Pixel(27, 17).r, canvas_.Pixel(33, 17).r, canvas_.Pixel(27, 23).r,
+                          canvas_.Pixel(33, 23).r};
     };
     canvas_.Draw<Vertex>(kFvf, D3DPT_POINTLIST, 1, point);
-    expect_whole("final position");
+    EXPECT_EQ(reds(), (std::array{10, 20, 30, 40})) << "final position";
     struct Plain {
         float x, y, z, size, u, v;
     };   // at the same place; a projection of coordinates has no part in the corners
     canvas_->SetTextureStageState(0, D3DTSS_TEXTURETRANSFORMFLAGS, D3DTTFF_COUNT2 | D3DTTFF_PROJECTED);
     canvas_.Draw<Plain>(D3DFVF_XYZ | D3DFVF_PSIZE | D3DFVF_TEX1, D3DPT_POINTLIST, 1,
                         {{30.3f / 32 - 1, 1 - 20.3f / 32, 0.5f, 10, 0.75f, 0.25f}});
-    expect_whole("projected");
+    EXPECT_EQ(reds(), (std::array{10, 20, 30, 40})) << "projected";
     canvas_->SetRenderState(D3DRS_POINTSPRITEENABLE, FALSE);
     canvas_.Draw<Vertex>(kFvf, D3DPT_POINTLIST, 1, point);
-    for (const UINT x : {27u, 33u}) {
-        for (const UINT y : {17u, 23u}) EXPECT_EQ(canvas_.Pixel(x, y).r, 20) << x << ", " << y;
-    }
+    EXPECT_EQ(reds(), (std::array{20, 20, 20, 20})) << "no sprite";
 }
 
 TEST_F(Points, StandForTheVerticesOfTrianglesInFillModePoint) {
@@ -288,7 +275,7 @@ TEST_F(Points, LeaveOutIndicesOutsideTheGivenRange) {
     canvas_->SetStreamSource(0, vertices.Get(), 0, sizeof(FinalPoint));
     canvas_->SetIndices(indices.Get());
     EXPECT_EQ(canvas_->DrawIndexedPrimitive(D3DPT_TRIANGLELIST, -4, 4, 2, 0, 2), D3D_OK);
-    EXPECT_EQ(Drawn(), 18);
+    EXPECT_EQ(Covered(canvas_), 18);
 }
 
 TEST_F(Points, AreDrawnInAnyNumber) {

