@@ -103,23 +103,5 @@ TEST(EffectFile, RefusesWhatIsOutOfRange) {
     }
 }
 
-TEST(EffectExpression, EvaluatesInPostfixOrder) {
-    std::vector<ExpressionStep> steps(6);   // (P - (1, 2, 3, 4)).wzyx / 2
-    steps[0].code = ExpressionCode::Parameter;
-    steps[0].parameter = 9;
-    steps[1].constant = {1, 2, 3, 4};
-    steps[2].code = ExpressionCode::Subtract;
-    steps[3].code = ExpressionCode::Swizzle;
-    steps[3].swizzle = {3, 2, 1, 0};
-    steps[4].constant = {2, 2, 0, 2};
-    steps[5].code = ExpressionCode::Divide;
-    const auto load = [](DWORD parameter) {
-        const float value = static_cast<float>(parameter);
-        return ExpressionValue{value, value * 2, value * 3, value * 4};
-    };
-    const auto no_element = [](DWORD, float) { return ExpressionValue{}; };
-    EXPECT_EQ(EvaluateExpression(steps, load, no_element), (ExpressionValue{16, 12, 0, 4}));   // division by 0 gives 0
-}
-
 }   // namespace
 }   // namespace sparkrig

@@ -72,18 +72,18 @@ technique One < int priority = 3; > { pass A < string target = "back"; > { } pas
     EXPECT_EQ(effect->GetParameter(group, 1), effect->GetParameterByName(group, "n"));
     EXPECT_EQ(effect->GetParameterByName(nullptr, "n"), nullptr);
 
-    const D3DXHANDLE third = effect->GetParameter(nullptr, 3);
+    const auto annotation = [&, third = effect->GetParameter(nullptr, 3)](const char* name) {
+        return effect->GetAnnotationByName(third, name);
+    };
     const char* text = nullptr;
     float weight = 0;
     INT count = 0;
-    EXPECT_EQ(effect->GetString(effect->GetAnnotationByName(third, "note"), &text), D3D_OK);
-    EXPECT_STREQ(text, "hello");
-    EXPECT_EQ(effect->GetFloat(effect->GetAnnotationByName(third, "weight"), &weight), D3D_OK);
-    EXPECT_EQ(weight, 2.5f);
-    EXPECT_EQ(effect->GetInt(effect->GetAnnotationByName(third, "count"), &count), D3D_OK);
-    EXPECT_EQ(count, 7);
-    EXPECT_EQ(effect->GetAnnotationByName(third, "Note"), nullptr);
-    EXPECT_EQ(effect->SetFloat(effect->GetAnnotationByName(third, "weight"), 1), D3DERR_INVALIDCALL);
+    EXPECT_EQ(effect->GetString(annotation("note"), &text), D3D_OK);
+    EXPECT_EQ(effect->GetFloat(annotation("weight"), &weight), D3D_OK);
+    EXPECT_EQ(effect->GetInt(annotation("count"), &count), D3D_OK);
+    EXPECT_EQ(std::make_tuple(std::string(text), weight, count), std::make_tuple("hello", 2.5f, 7));
+    EXPECT_EQ(annotation("Note"), nullptr);
+    EXPECT_EQ(effect->SetFloat(annotation("weight"), 1), D3DERR_INVALIDCALL);
 
     const D3DXHANDLE one = effect->GetTechnique(0);
     D3DXTECHNIQUE_DESC technique;
@@ -217,6 +217,7 @@ float4 P(float2 uv : TEXCOORD0) : COLOR { return tex2D(Reader, uv) * C; }
 technique Draw {
     pass {
         CullMode = NONE; FogColor = C; AlphaRef = (S * 100 + 5); TextureFactor = R; FogStart = (-S); Ambient = 0x00112233;
+        FogEnd = ((C - 0.5).wzyx / 2).y; FogDensity = (S / 0);
         ColorOp[1] = ADD; MagFilter[2] = POINT; Texture[1] = <T>; Sampler[5] = <Reader>;
         WorldTransform[1] = <M>; ViewTransform = <M>; LightEnable[2] = TRUE; LightType[2] = POINT; LightDiffuse[2] = C;
         MaterialDiffuse = C; MaterialPower = 3;
@@ -259,7 +260,8 @@ TEST_F(EffectTest, BeginPassAppliesStatesAndEndPutsTheDeviceBackExactly) {
     ASSERT_EQ(effect->BeginPass(0), D3D_OK);
     const std::pair<D3DRENDERSTATETYPE, DWORD> kRenderStates[] = {
         {D3DRS_CULLMODE, D3DCULL_NONE},    {D3DRS_FOGCOLOR, 0xFFFF8000},   {D3DRS_ALPHAREF, 30},
-        {D3DRS_TEXTUREFACTOR, 0x12345678}, {D3DRS_FOGSTART, Bits(-0.25f)}, {D3DRS_AMBIENT, 0x00112233}};
+        {D3DRS_TEXTUREFACTOR, 0x12345678}, {D3DRS_FOGSTART, Bits(-0.25f)}, {D3DRS_AMBIENT, 0x00112233},
+        {D3DRS_FOGEND, Bits(-0.25f)},      {D3DRS_FOGDENSITY, Bits(0)}};
     for (const auto& [state, value] : kRenderStates) EXPECT_THAT(recording_.Sent(state), ElementsAre(value)) << state;
     EXPECT_THAT(recording_.Sent(1, D3DTSS_COLOROP), ElementsAre(D3DTOP_ADD));
     for (const DWORD sampler : {3, 5})   // 3: the register of the pixel function's sampler

@@ -82,23 +82,15 @@ TEST_F(TextureFromFile, ChoosesSizeAndLevels) {
     }
 }
 
-TEST_F(TextureFromFile, AveragesEachLevelFromTheOneAbove) {
-    TestPicture picture = {4, 1, {0xFF000000, 0xFF0A1401, 0x80FF0000, 0x40000080}};
-    ASSERT_EQ(Load(PngFile(picture, 4), {.levels = 0}), D3D_OK);
+TEST_F(TextureFromFile, AveragesItsLevelsTakesAColourKeyAndIsSurroundedWithoutAFilter) {
+    ASSERT_EQ(Load(PngFile({4, 1, {0xFF000000, 0xFF0A1401, 0x80FF0000, 0x40000080}}, 4), {.levels = 0}), D3D_OK);
     EXPECT_THAT(Pixels(1), ElementsAre(0xFF050A01, 0x60800040));
     EXPECT_THAT(Pixels(2), ElementsAre(0xB0430521));
-}
-
-TEST_F(TextureFromFile, MakesThePixelsOfTheColourKeyTransparent) {
-    TestPicture picture = {3, 1, {0xFFFF00FF, 0x80FF00FF, 0xFF123456}};
-    ASSERT_EQ(Load(PngFile(picture, 4), {.colour_key = 0xFFFF00FF}), D3D_OK);
+    ASSERT_EQ(Load(PngFile({3, 1, {0xFFFF00FF, 0x80FF00FF, 0xFF123456}}, 4), {.colour_key = 0xFFFF00FF}), D3D_OK);
     EXPECT_THAT(Pixels(), ElementsAre(0u, 0x80FF00FF, 0xFF123456));
-}
-
-TEST_F(TextureFromFile, WithoutAFilterSurroundsOrCutsThePicture) {
-    TestPicture picture = {2, 2, {0xFF112233, 0xFF445566, 0xFF778899, 0xFFAABBCC}};
-    ASSERT_EQ(Load(PngFile(picture, 4), {.width = 3, .height = 1, .filter = D3DX_FILTER_NONE}), D3D_OK);
-    EXPECT_THAT(Pixels(), ElementsAre(0xFF112233, 0xFF445566, 0u));
+    const TestPicture square = {2, 2, {0xFF112233, 0xFF445566, 0xFF778899, 0xFFAABBCC}};
+    ASSERT_EQ(Load(PngFile(square, 4), {.width = 3, .height = 1, .filter = D3DX_FILTER_NONE}), D3D_OK);
+    EXPECT_THAT(Pixels(), ElementsAre(0xFF112233, 0xFF445566, 0u)) << "and cut";
 }
 
 TEST_F(TextureFromFile, FillsWhatCannotBeLockedThroughSystemMemory) {
@@ -135,25 +127,17 @@ TEST_F(TextureFromFile, TakesTheStoredLevelsOfADdsFileAndMakesTheOthers) {
     EXPECT_EQ(Pixels(0)[15], 0x40302010u);
     EXPECT_EQ(Pixels(1)[3], 0x140C0804u);
     EXPECT_THAT(Pixels(2), ElementsAre(0x140C0804u));
-}
 
-TEST_F(TextureFromFile, TakesStoredLevelsAlsoInAnotherFormat) {
-    std::string file = DdsHead({2, 1, 2, 0x40, 0, 24, 0xFF0000, 0xFF00, 0xFF, 0});
-    file +=
-        "\x10\x20\x30\x40\x50\x60"
-        "\x70\x80\x90";
-    ASSERT_EQ(Load(file, {.levels = 2}), D3D_OK);
+    const std::string other = DdsHead({2, 1, 2, 0x40, 0, 24, 0xFF0000, 0xFF00, 0xFF, 0});
+    ASSERT_EQ(Load(other + "\x10\x20\x30\x40\x50\x60" + "\x70\x80\x90", {.levels = 2}), D3D_OK);
     EXPECT_EQ(Level(0).desc.Format, D3DFMT_X8R8G8B8);
     EXPECT_THAT(Pixels(0), ElementsAre(0xFF302010u, 0xFF605040u));
     EXPECT_THAT(Pixels(1), ElementsAre(0xFF908070u));
-}
 
-TEST_F(TextureFromFile, CopiesCompressedBlocksAsTheyAre) {
-    std::string file = DdsHead({4, 4, 1, 4, D3DFMT_DXT5, 0, 0, 0, 0, 0});
     const std::string block = "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10";
-    ASSERT_EQ(Load(file + block), D3D_OK);
+    ASSERT_EQ(Load(DdsHead({4, 4, 1, 4, D3DFMT_DXT5, 0, 0, 0, 0, 0}) + block), D3D_OK);
     EXPECT_EQ(Level(0).desc.Format, D3DFMT_DXT5);
-    EXPECT_EQ(std::string(Level(0).bytes.begin(), Level(0).bytes.begin() + 16), block);
+    EXPECT_EQ(std::string(Level(0).bytes.begin(), Level(0).bytes.begin() + 16), block) << "as it is";
 }
 
 TEST_F(TextureFromFile, CorrectsTheShapeOfAnEmptyTexture) {
