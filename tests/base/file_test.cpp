@@ -14,13 +14,25 @@
 namespace sparkrig {
 namespace {
 
-class FileTest : public TemporaryFolder, public testing::WithParamInterface<bool> {};
+class FileOnDisk : public TemporaryFolder {
+  protected:
+    bool Open(const std::string& content, bool read_only, bool in_memory) {
+        WriteFile("a.bin", content);
+        return file_.Open("a.bin", read_only, in_memory, true);
+    }
+    std::string Content() const { return ReadFile("a.bin"); }
+
+    const int handles_before_ = File::m_OpenHandlesCount;
+    File file_;
+};
+
+class FileTest : public FileOnDisk, public testing::WithParamInterface<bool> {};
 INSTANTIATE_TEST_SUITE_P(OnDiskAndInMemory, FileTest, testing::Bool(),
                          [](const auto& row) { return row.param ? "InMemory" : "OnDisk"; });
 
 TEST_P(FileTest, ReadsLittleEndianNumbersAndStrings) {
     WriteFile("a.bin", std::string("\x78\x56\x34\x92\xFE\xFF\x81\3\0\0\0abc\0\0\0\0\xFF\xFF\xFF\xFFz", 23));
-    File file;
+    File& file = file_;
     ASSERT_TRUE(file.Open("A.BIN", true, GetParam(), true));
     EXPECT_EQ(file.GetSize(), 23);
     EXPECT_EQ(file.ReadInt32(), static_cast<std::int32_t>(0x92345678));
@@ -40,36 +52,30 @@ TEST_P(FileTest, ReadsLittleEndianNumbersAndStrings) {
 }
 
 TEST_P(FileTest, RefusesToReadOutsideTheContent) {
-    WriteFile("a.bin", "0123456");
-    File file;
-    ASSERT_TRUE(file.Open("a.bin", true, GetParam(), true));
+    ASSERT_TRUE(Open("0123456", true, GetParam()));
     char bytes[16];
-    EXPECT_EQ(ErrorOf([&] { file.Read(bytes, 8); }), "File: a.bin: Error reading from file (Success)");
-    file.Seek(9);
-    EXPECT_EQ(ErrorOf([&] { file.Read(bytes, 1); }), "File: a.bin: Error reading from file (Success)");
-    file.Seek(3);
-    EXPECT_THROW(file.Read(bytes, -2), ErrorMsg);
-    WriteFile("long.bin", std::string("\xFF\xFF\xFF\x7F", 4) + "x");   // claims two thousand million characters
-    ASSERT_TRUE(file.Open("long.bin", true, GetParam(), true));
+    EXPECT_EQ(ErrorOf([&] { file_.Read(bytes, 8); }), "File: a.bin: Error reading from file (Success)");
+    file_.Seek(9);
+    EXPECT_EQ(ErrorOf([&] { file_.Read(bytes, 1); }), "File: a.bin: Error reading from file (Success)");
+    file_.Seek(3);
+    EXPECT_THROW(file_.Read(bytes, -2), ErrorMsg);
+    ASSERT_TRUE(Open("\xFF\xFF\xFF\x7Fx", true, GetParam()));   // claims two thousand million characters
     String text;
-    EXPECT_EQ(ErrorOf([&] { file.ReadString(text); }), "File: long.bin: Error reading from file (Success)");
+    EXPECT_EQ(ErrorOf([&] { file_.ReadString(text); }), "File: a.bin: Error reading from file (Success)");
 }
 
 TEST_P(FileTest, ReportsWhatIsNotAllowed) {
-    WriteFile("a.bin", "0123456789");
-    File file;
+    File& file = file_;
     EXPECT_EQ(ErrorOf([&] { file.ReadByte(); }), "File: File is not readable");
-    ASSERT_TRUE(file.Open("a.bin", true, GetParam(), true));
+    ASSERT_TRUE(Open("0123456789", true, GetParam()));
     EXPECT_EQ(ErrorOf([&] { file.WriteByte('x'); }), "File: a.bin: File is not writeable");
     EXPECT_EQ(ErrorOf([&] { file.SetSize(3); }), "File: a.bin: Can not delete data without write permission");
-    ASSERT_TRUE(file.Open("a.bin", false, GetParam(), true));
+    ASSERT_TRUE(Open("0123456789", false, GetParam()));
     EXPECT_EQ(ErrorOf([&] { file.SetSize(-1); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
     EXPECT_EQ(ErrorOf([&] { file.Write("x", -1); }), "File: a.bin: Error writing to file (File too large)");
     file.Close();
     EXPECT_EQ(ErrorOf([&] { file.WriteByte('x'); }), "File: a.bin: File is not writeable");
 }
-
-using FileOnDisk = TemporaryFolder;
 
 /// The descriptor under which this process has the file open, or -1.
 int DescriptorOf(const std::filesystem::path& file) {
@@ -108,38 +114,31 @@ TEST_F(FileOnDisk, OpenWarnsOnlyWhenAsked) {
 }
 
 TEST_F(FileOnDisk, CountsOpenFiles) {
-    WriteFile("a.bin", "0123");
-    const int before = File::m_OpenHandlesCount;
+    Open("0123", true, true);
     {
-        File first, second;
-        first.Open("a.bin", true, true, true);
+        File second;
         second.Open("a.bin", true, false, true);
         second.Open("a.bin", true, false, true);
-        EXPECT_EQ(File::m_OpenHandlesCount, before + 2);
-        struct stat status {};
-        stat("a.bin", &status);
-        EXPECT_EQ(first.GetFileTime(), status.st_mtime);
-        EXPECT_EQ(first.GetSize(), 4);
-        EXPECT_EQ(first.PackMode(), 0);
+        EXPECT_EQ(File::m_OpenHandlesCount, handles_before_ + 2);
     }
-    EXPECT_EQ(File::m_OpenHandlesCount, before);
+    EXPECT_EQ(File::m_OpenHandlesCount, handles_before_ + 1);
+    struct stat status {};
+    stat("a.bin", &status);
+    EXPECT_EQ(file_.GetFileTime(), status.st_mtime);
+    EXPECT_EQ(file_.PackMode(), 0);
     Reports reports;
-    File file;
-    file.Open("a.bin", true, false, true);
     File::m_OpenHandlesCount = 0;
-    file.Close();
+    file_.Close();
     EXPECT_EQ(reports.Last(), "warning File: Invalid m_OpenHandlesCount !");
-    File::m_OpenHandlesCount = before;
+    File::m_OpenHandlesCount = handles_before_;
 }
 
 TEST_F(FileOnDisk, HandsItsBufferOut) {
-    WriteFile("a.bin", "0123");
-    File file;
-    file.Open("a.bin", false, true, true);
-    EXPECT_EQ(file.GetBuffer()[2], '2');
-    file.Close(true);
-    EXPECT_THAT(file.TakeBuffer(), ElementsAre('0', '1', '2', '3'));
-    EXPECT_EQ(file.GetBuffer(), nullptr);
+    Open("0123", false, true);
+    EXPECT_EQ(file_.GetBuffer()[2], '2');
+    file_.Close(true);
+    EXPECT_THAT(file_.TakeBuffer(), ElementsAre('0', '1', '2', '3'));
+    EXPECT_EQ(file_.GetBuffer(), nullptr);
 }
 
 TEST_F(FileOnDisk, MemoryReachesTheFileThatWasOpened) {
@@ -165,47 +164,40 @@ TEST_F(FileOnDisk, OfTwoGibibytesIsRefusedAndClosed) {
     std::filesystem::resize_file("a.bin", std::uintmax_t{1} << 31, refused);   // without a byte on the disk
     std::signal(SIGXFSZ, handler);
     if (refused) GTEST_SKIP() << "this process may not have so large a file";
-    const int before = File::m_OpenHandlesCount;
-    File file;
-    EXPECT_EQ(ErrorOf([&] { file.Open("a.bin", true, false, true); }),
+    EXPECT_EQ(ErrorOf([&] { file_.Open("a.bin", true, false, true); }),
               "File: a.bin: Error reading from file (File too large)");
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_EQ(File::m_OpenHandlesCount, before);
+    EXPECT_FALSE(file_.IsOpen());
+    EXPECT_EQ(File::m_OpenHandlesCount, handles_before_);
 }
 
 TEST_F(FileOnDisk, ReportsAStreamThatBreaks) {
     const std::string content(20000, 'n');
-    WriteFile("a.bin", content);
-    File file;
-    file.Open("a.bin", false, false, true);
+    File& file = file_;
+    Open(content, false, false);
     Replace("a.bin", Pipe());
     EXPECT_EQ(ErrorOf([&] { file.Seek(15000); }), "File: a.bin: fseek failed: -1");
     EXPECT_EQ(ErrorOf([&] { file.SetSize(5); }), "File: a.bin: DeleteData() failed: Invalid argument, file:'a.bin'");
-    file.Open("a.bin", false, false, true);
+    Open(content, false, false);
     Replace("a.bin", open("/dev/full", O_RDWR));
     EXPECT_EQ(ErrorOf([&] { file.Write(content.data(), static_cast<int>(content.size())); }),
               "File: a.bin: Error writing to file (No space left on device)");
     Reports reports;
     file.Close();
-    EXPECT_EQ(ReadFile("a.bin"), content);
-
-    file.Open("a.bin", false, true, true);
+    EXPECT_EQ(Content(), content);
+    Open(content, false, true);
     file.Write("x", 1);
     Replace("a.bin", Pipe());
     EXPECT_EQ(ErrorOf([&] { file.Close(); }), "File: a.bin: fseek failed (WriteVirtualFile): -1");
-    EXPECT_EQ(ReadFile("a.bin"), content);
+    EXPECT_EQ(Content(), content);
 }
 
 TEST_F(FileOnDisk, WarnsWhenTheStreamDoesNotClose) {
-    WriteFile("a.bin", "0123");
+    Open("0123", true, false);
     Reports reports;
-    const int before = File::m_OpenHandlesCount;
-    File file;
-    file.Open("a.bin", true, false, true);
     close(DescriptorOf("a.bin"));
-    file.Close();
+    file_.Close();
     EXPECT_EQ(reports.Last(), "warning File: Could not close file: 'a.bin' - Bad file descriptor");
-    File::m_OpenHandlesCount = before;
+    File::m_OpenHandlesCount = handles_before_;
 }
 
 // ---- Packed files
@@ -217,11 +209,11 @@ std::string PackedFile(int mode, const std::string& stream) { return kHeader + s
 
 const std::string kStoredHello("\0\5\0\0\0hello", 10);
 
-class PackedFileTest : public TemporaryFolder {
+class PackedFileTest : public FileOnDisk {
   protected:
-    std::string Content(const char* name, bool in_memory) {
+    std::string Unpacked(bool in_memory) {
         File file;
-        file.Open(name, true, in_memory, true);
+        file.Open("a.bin", true, in_memory, true);
         std::string content(static_cast<std::size_t>(file.GetSize()), '\0');
         file.Read(content.data(), file.GetSize());
         return content;
@@ -231,22 +223,21 @@ class PackedFileTest : public TemporaryFolder {
 TEST_F(PackedFileTest, IsToldFromAPlainOne) {
     for (const int mode : {1, 77}) {
         WriteFile("a.bin", PackedFile(mode, kStoredHello));
-        for (const bool in_memory : {false, true}) EXPECT_EQ(Content("a.bin", in_memory), "hello");
+        for (const bool in_memory : {false, true}) EXPECT_EQ(Unpacked(in_memory), "hello");
     }
     for (const std::string& plain :   // too short, too short, of mode 0, with another magic
          {std::string("\xA7VT\xA7"), kHeader, PackedFile(0, kStoredHello), std::string("\xA7VT\xA8\1\1")}) {
         WriteFile("a.bin", plain);
-        for (const bool in_memory : {false, true}) EXPECT_EQ(Content("a.bin", in_memory), plain);
+        for (const bool in_memory : {false, true}) EXPECT_EQ(Unpacked(in_memory), plain);
     }
 }
 
 TEST_F(PackedFileTest, OfAnotherVersionIsPlainWithAWarning) {
     WriteFile("a.bin", "\xA7VT\xA7\2\1abc");
     Reports reports;
-    EXPECT_EQ(Content("a.bin", true), "\xA7VT\xA7\2\1abc");
+    EXPECT_EQ(Unpacked(true), "\xA7VT\xA7\2\1abc");
     EXPECT_THAT(reports.All(), ElementsAre("warning File: Unknown header version of file:'a.bin'"));
-    File file;
-    file.Open("a.bin", true, false, false);
+    file_.Open("a.bin", true, false, false);
     EXPECT_EQ(reports.All().size(), 1u);
 }
 
@@ -256,9 +247,8 @@ TEST_F(PackedFileTest, HoldsWhatAStringHolds) {
     for (int round = 0; round < 45; ++round) {
         const int mode = round % 9;   // 0: a plain file
         std::string held = "hello";
-        WriteFile("a.bin", mode > 0 ? PackedFile(mode, kStoredHello) : held);
-        File file;
-        ASSERT_TRUE(file.Open("a.bin", false, round % 2 == 0, true));
+        File& file = file_;
+        ASSERT_TRUE(Open(mode > 0 ? PackedFile(mode, kStoredHello) : held, false, round % 2 == 0));
         EXPECT_EQ(file.PackMode(), mode);
         std::size_t place = 0;
         const auto write = [&](const std::string& bytes) {
@@ -293,65 +283,56 @@ TEST_F(PackedFileTest, HoldsWhatAStringHolds) {
             ASSERT_EQ(file.GetSize(), static_cast<int>(held.size())) << round << " " << step;
             ASSERT_EQ(file.Tell(), static_cast<int>(place)) << round << " " << step;
         }
-        EXPECT_TRUE(mode == 0 || ReadFile("a.bin") == PackedFile(mode, kStoredHello)) << "until it is closed";
+        EXPECT_TRUE(mode == 0 || Content() == PackedFile(mode, kStoredHello)) << "until it is closed";
         file.Close();
-        EXPECT_EQ(mode == 0 ? ReadFile("a.bin") : Content("a.bin", false), held) << round;
-        EXPECT_TRUE(mode == 0 || held.empty() || ReadFile("a.bin").substr(0, 6) == kHeader + static_cast<char>(mode));
+        EXPECT_EQ(mode == 0 ? Content() : Unpacked(false), held) << round;
+        EXPECT_TRUE(mode == 0 || held.empty() || Content().substr(0, 6) == kHeader + static_cast<char>(mode));
     }
 }
 
-TEST_F(PackedFileTest, ThatIsOnlyReadStaysAsItIs) {
-    WriteFile("a.bin", PackedFile(2, kStoredHello));
-    File file;
-    file.Open("a.bin", true, false, true);
-    EXPECT_EQ(ErrorOf([&] { file.SetPackMode(1); }), "File: a.bin: File is not writeable");
-    file.Open("a.bin", false, true, true);
-    file.ReadByte();
-    file.Close();
-    EXPECT_EQ(ReadFile("a.bin"), PackedFile(2, kStoredHello));
-    file.Open("a.bin", false, true, true);
-    file.SetSize(0);
-    file.Close();
-    EXPECT_EQ(ReadFile("a.bin"), "");
+TEST_F(PackedFileTest, ThatIsOnlyReadStaysAsItIsAndOneThatIsEmptiedIsEmpty) {
+    const std::string packed = PackedFile(2, kStoredHello);
+    Open(packed, true, false);
+    EXPECT_EQ(ErrorOf([&] { file_.SetPackMode(1); }), "File: a.bin: File is not writeable");
+    Open(packed, false, true);
+    file_.ReadByte();
+    file_.Close();
+    EXPECT_EQ(Content(), packed);
+    Open(packed, false, true);
+    file_.SetSize(0);
+    file_.Close();
+    EXPECT_EQ(Content(), "");
 }
 
 TEST_F(PackedFileTest, WithAnUnknownModeIsNotPackedBack) {
     for (const int mode : {9, -1}) {
-        WriteFile("a.bin", PackedFile(mode, kStoredHello));
-        File file;
-        file.Open("a.bin", false, true, true);
-        file.WriteByte('j');
-        EXPECT_EQ(ErrorOf([&] { file.Close(); }), "File: a.bin: Can not pack with mode: " + std::to_string(mode));
-        EXPECT_EQ(ReadFile("a.bin"), PackedFile(mode, kStoredHello));
+        Open(PackedFile(mode, kStoredHello), false, true);
+        file_.WriteByte('j');
+        EXPECT_EQ(ErrorOf([&] { file_.Close(); }), "File: a.bin: Can not pack with mode: " + std::to_string(mode));
+        EXPECT_EQ(Content(), PackedFile(mode, kStoredHello));
     }
 }
 
 TEST_F(PackedFileTest, ThatIsBrokenNamesItselfAndIsClosed) {
-    const int before = File::m_OpenHandlesCount;
-    WriteFile("a.bin", PackedFile(1, "\x09z"));
     Reports reports;
-    File file;
-    EXPECT_EQ(ErrorOf([&] { file.Open("a.bin", true, false, true); }), "CCompress: Unknown compression algorithm: 9");
+    EXPECT_EQ(ErrorOf([&] { Open(PackedFile(1, "\x09z"), true, false); }),
+              "CCompress: Unknown compression algorithm: 9");
     EXPECT_EQ(reports.Last(), "error CCompress: Unknown compression algorithm: 9 @a.bin:0");
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_EQ(File::m_OpenHandlesCount, before);
-    WriteFile("a.bin", PackedFile(1, ""));
-    EXPECT_EQ(ErrorOf([&] { file.Open("a.bin", true, false, true); }), "CCompress: Invalid input buffer");
+    EXPECT_FALSE(file_.IsOpen());
+    EXPECT_EQ(File::m_OpenHandlesCount, handles_before_);
+    EXPECT_EQ(ErrorOf([&] { Open(PackedFile(1, ""), true, false); }), "CCompress: Invalid input buffer");
 }
 
 TEST_F(PackedFileTest, KeepsItsContentWhenTheDiskIsFull) {
-    WriteFile("a.bin", PackedFile(8, kStoredHello));
-    File file;
-    file.Open("a.bin", false, true, true);
-    const std::string content(20000, 'n');
-    file.Write(content.data(), 20000);
+    Open(PackedFile(8, kStoredHello), false, true);
+    file_.Write(std::string(20000, 'n').c_str(), 20000);
     const std::string error = [&] {
         const FileSizeLimit limit;
-        return ErrorOf([&] { file.Close(); });
+        return ErrorOf([&] { file_.Close(); });
     }();
-    EXPECT_FALSE(file.IsOpen() || file.IsModified());
+    EXPECT_FALSE(file_.IsOpen() || file_.IsModified());
     EXPECT_EQ(error, "File: a.bin: Error writing to file (File too large)");
-    EXPECT_EQ(ReadFile("a.bin"), PackedFile(8, kStoredHello));
+    EXPECT_EQ(Content(), PackedFile(8, kStoredHello));
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
         const std::string name = entry.path().filename();
         EXPECT_TRUE(name == "a.bin" || name == "logfile.txt") << name << " was left behind";
