@@ -1,6 +1,8 @@
 // The program's own vertex and pixel functions: what compiled effects (tests/fxc) do not show.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "platform/d3d9_gl/device_hooks.h"
 #include "tests/support/canvas.h"
 
@@ -23,7 +25,6 @@ ShaderCode VertexCode(DWORD varyings, const std::string& declarations, const std
 ShaderCode PixelCode(DWORD varyings, const std::string& declarations, const std::string& body) {
     return Code(varyings, "layout(location = 0) out vec4 pixel;\n" + declarations, body);
 }
-
 constexpr DWORD kColour = 1u << kVaryingColor0, kCoordinate = 1u << kVaryingTexCoord0;
 
 class Shaders : public testing::Test {
@@ -61,9 +62,7 @@ TEST_F(Shaders, DrawPointsOfTheirOwnSizeAndAsSprites) {
     Use(vertex, PixelCode(kCoordinate, "layout(location = 2) in vec4 uv;\n", "pixel = vec4(uv.xy, 1.0, 1.0);"));
     canvas_->SetRenderState(D3DRS_POINTSPRITEENABLE, TRUE);
     canvas_.Draw<D3DVECTOR>(D3DFVF_XYZ, D3DPT_POINTLIST, 1, {{-0.19f, 0.06f, 0.5f}});   // at 3.24, 3.76
-    int drawn = 0;
-    for (const D3DCOLOR pixel_colour : canvas_.Pixels()) drawn += ToRgb(pixel_colour).b == 255;
-    EXPECT_EQ(drawn, 16);
+    EXPECT_EQ(std::ranges::count_if(canvas_.Pixels(), [](D3DCOLOR seen) { return ToRgb(seen).b == 255; }), 16);
     EXPECT_TRUE(Near(canvas_.Pixel(2, 2), Rgb{48, 15, 255}, 2)) << canvas_.Pixel(2, 2);   // 0.19, 0.06
     EXPECT_TRUE(Near(canvas_.Pixel(5, 5), Rgb{239, 206, 255}, 2)) << canvas_.Pixel(5, 5);
 }

@@ -14,13 +14,6 @@
 namespace sparkrig {
 namespace {
 
-TEST(ResultCodes, HaveNames) {
-    EXPECT_STREQ(DXGetErrorString9(D3D_OK), "S_OK");
-    EXPECT_STREQ(DXGetErrorString9(D3DERR_DEVICELOST), "D3DERR_DEVICELOST");
-    EXPECT_STREQ(DXGetErrorString9(D3DXERR_LOADEDMESHASNODATA), "D3DXERR_LOADEDMESHASNODATA");
-    EXPECT_STREQ(DXGetErrorString9(12345), "Unknown");
-}
-
 class Paths : public TemporaryFolder {
   protected:
     Paths() {
@@ -124,25 +117,26 @@ TEST_F(ReplaceFile, KeepsTheOwner) {
 
 TEST_F(ReplaceFile, LeavesTheOldContentWhenTheDiskIsFull) {
     const std::string content(50000, 'n');
-    bool replaced = true;
-    int reason = 0;
-    {
-        const FileSizeLimit limit;
-        replaced = ReplaceFileContent("Cfg/a.cfg", content.data(), content.size());
-        reason = errno;
-    }
-    EXPECT_FALSE(replaced);
-    EXPECT_EQ(reason, EFBIG);
+    EXPECT_EQ(
+        [&] {
+            const FileSizeLimit limit;
+            return ReplaceFileContent("Cfg/a.cfg", content.data(), content.size()) ? 0 : errno;
+        }(),
+        EFBIG);
     EXPECT_EQ(ReadFile("Cfg/a.cfg"), "lower");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("Cfg"), {}), 3);   // nothing left beside it
 }
 
-TEST(Clock, RunsForward) {
+TEST(System, HasAClockMemoryLibrariesAndNamesOfCodes) {
     const std::int64_t before = QueryPerformanceCounter();
     Sleep(2);
     EXPECT_GE(QueryPerformanceCounter() - before, QueryPerformanceFrequency() / 500);
     EXPECT_GT(AvailablePhysicalMemory(), 1u << 20);
     EXPECT_TRUE(LoadLibraryA("d3d9.dll"));
+    EXPECT_STREQ(DXGetErrorString9(D3D_OK), "S_OK");
+    EXPECT_STREQ(DXGetErrorString9(D3DERR_DEVICELOST), "D3DERR_DEVICELOST");
+    EXPECT_STREQ(DXGetErrorString9(D3DXERR_LOADEDMESHASNODATA), "D3DXERR_LOADEDMESHASNODATA");
+    EXPECT_STREQ(DXGetErrorString9(12345), "Unknown");
 }
 
 class Registry : public TemporaryFolder {

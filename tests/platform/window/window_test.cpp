@@ -4,7 +4,7 @@
 #include <SDL2/SDL_video.h>
 
 #include <array>
-#include <vector>
+#include <set>
 
 #include "platform/window/message_queue.h"
 #include "tests/support/canvas.h"
@@ -73,12 +73,9 @@ class WindowTest : public ::testing::Test {
     HWND window_ = nullptr;
 };
 
-TEST_F(WindowTest, NeedsARegisteredClass) {
+TEST_F(WindowTest, NeedsARegisteredClassAndHasTheSizeAskedForOrTheDefault) {
     EXPECT_EQ(CreateWindowExA("UNKNOWN", "A title", 0, 0, 64, 48), nullptr);
     EXPECT_FALSE(RegisterClassExA({nullptr, "NO PROCEDURE"}));
-}
-
-TEST_F(WindowTest, HasTheSizeAskedForOrTheDefault) {
     RECT client;
     GetClientRect(window_, client);
     EXPECT_EQ(client, (RECT{0, 0, 800, 600}));
@@ -118,34 +115,28 @@ TEST_F(WindowTest, TypedTextFollowsItsKey) {
     EXPECT_THAT(received, ElementsAre(Is(WM_KEYDOWN, 'D'), Is(WM_CHAR, 'd'), Is(WM_KEYUP, 'D')));
 }
 
-TEST_F(WindowTest, ATapIsSeenWithTheKeysHeldMeanwhile) {
-    std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
+TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnceWithTheKeysHeldMeanwhile) {
+    using Keys = std::set<int>;   // scan codes
+    const auto look = [](const Keys& held) {
+        std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
+        for (const int key : held) keys.at(static_cast<std::size_t>(key)) = 1;
+        CollectEvents();
+        AdjustKeys(keys);
+        Keys seen;
+        for (int key = 0; key < SDL_NUM_SCANCODES; ++key)
+            if (keys.at(static_cast<std::size_t>(key)) != 0) seen.insert(key);
+        return seen;
+    };
+    look({});   // what other tests have tapped
     PushKey(SDL_KEYDOWN, SDLK_LSHIFT);
+    PushKey(SDL_KEYDOWN, SDLK_F5, true);   // held since long ago
     Tap(SDLK_b);
-    CollectEvents();
-    AdjustKeys(keys);
-    keys.fill(0);
+    EXPECT_EQ(look({SDL_SCANCODE_UP}), (Keys{SDL_SCANCODE_UP, SDL_SCANCODE_LSHIFT, SDL_SCANCODE_B}));
     Tap(SDLK_RIGHT);
     PushKey(SDL_KEYUP, SDLK_LSHIFT);
     Tap(SDLK_c);
-    CollectEvents();
-    AdjustKeys(keys);
-    EXPECT_TRUE(keys[SDL_SCANCODE_RIGHT] && keys[SDL_SCANCODE_LSHIFT] && keys[SDL_SCANCODE_C]);
-    EXPECT_FALSE(keys[SDL_SCANCODE_B]);
-}
-
-TEST_F(WindowTest, ATapBetweenTwoLooksIsSeenOnce) {
-    Tap(SDLK_r);
-    PushKey(SDL_KEYDOWN, SDLK_F5, true);   // held since long ago
-    CollectEvents();
-    std::array<std::uint8_t, SDL_NUM_SCANCODES> keys = {};
-    keys[SDL_SCANCODE_UP] = 1;
-    AdjustKeys(keys);
-    EXPECT_TRUE(keys[SDL_SCANCODE_R] && keys[SDL_SCANCODE_UP]);
-    EXPECT_FALSE(keys[SDL_SCANCODE_F5]);
-    keys.fill(0);
-    AdjustKeys(keys);
-    EXPECT_FALSE(keys[SDL_SCANCODE_R]);
+    EXPECT_EQ(look({}), (Keys{SDL_SCANCODE_RIGHT, SDL_SCANCODE_LSHIFT, SDL_SCANCODE_C}));
+    EXPECT_EQ(look({}), Keys());
 }
 
 TEST_F(WindowTest, RepeatsOfAWaitingKeyAreMerged) {
