@@ -1,5 +1,6 @@
 #include "base/numeric.h"
 
+#include <array>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -11,36 +12,29 @@ namespace sparkrig {
 namespace {
 
 TEST(Numeric, RoundsHalvesAwayFromZeroAndClamps) {
-    const struct {
-        float x;
-        int rounded;
-    } kRows[] = {{2.5f, 3},        {-2.5f, -3},          {0.49999997f, 0}, {-7.4f, -7},
-                 {1e30f, INT_MAX}, {-INFINITY, INT_MIN}, {NAN, 0},         {8388609.0f, 8388609}};
-    for (const auto& row : kRows) EXPECT_EQ(Round(row.x), row.rounded) << row.x;
+    const std::pair<float, int> kRows[] = {{2.5f, 3},   {-2.5f, -3},          {0.49999997f, 0},
+                                           {-7.4f, -7}, {1e30f, INT_MAX},     {-INFINITY, INT_MIN},
+                                           {NAN, 0},    {8388609.0f, 8388609}};
+    for (const auto& [x, rounded] : kRows) EXPECT_EQ(Round(x), rounded) << x;
     EXPECT_EQ(TruncateToInt(-3.9), -3);
     EXPECT_EQ(TruncateToInt(-1e300), INT_MIN);
     EXPECT_EQ(TruncateToInt(2147483647.5), INT_MAX);
 }
 
 TEST(Numeric, WrapsIntoThePeriod) {
-    const struct {
-        double a, m, wrapped;
-    } kRows[] = {{-0.25, 1, 0.75}, {-1, 1, 1}, {7.5, 2, 1.5}, {-7.5, 2, 0.5}, {0, 3, 0}, {5, 0, 0}, {1e300, 1e-300, 0}};
-    for (const auto& row : kRows) {
-        EXPECT_DOUBLE_EQ(WrapFloat(row.a, row.m), row.wrapped) << row.a;
-        if (std::abs(row.a) > 1e30) continue;
-        EXPECT_FLOAT_EQ(WrapFloat(static_cast<float>(row.a), static_cast<float>(row.m)),
-                        static_cast<float>(row.wrapped));
+    const std::array<double, 3> kRows[] = {{-0.25, 1, 0.75}, {-1, 1, 1}, {7.5, 2, 1.5},     {-7.5, 2, 0.5},
+                                           {0, 3, 0},        {5, 0, 0},  {1e300, 1e-300, 0}};
+    for (const auto& [a, m, wrapped] : kRows) {
+        EXPECT_DOUBLE_EQ(WrapFloat(a, m), wrapped) << a;
+        if (std::abs(a) > 1e30) continue;
+        EXPECT_FLOAT_EQ(WrapFloat(static_cast<float>(a), static_cast<float>(m)), static_cast<float>(wrapped));
     }
 }
 
 TEST(Numeric, DividesRoundingDown) {
-    const struct {
-        float a, m;
-        int quotient;
-    } kRows[] = {{-1, 4, -1},     {7, 2, 3},       {-8, 4, -2},        {-9, 4, -3},
-                 {-1e-9f, 4, -1}, {2.5f, 0.5f, 5}, {1e30f, 2, INT_MAX}};
-    for (const auto& row : kRows) EXPECT_EQ(FloorDiv(row.a, row.m), row.quotient) << row.a;
+    const std::tuple<float, float, int> kRows[] = {{-1, 4, -1},     {7, 2, 3},       {-8, 4, -2},        {-9, 4, -3},
+                                                   {-1e-9f, 4, -1}, {2.5f, 0.5f, 5}, {1e30f, 2, INT_MAX}};
+    for (const auto& [a, m, quotient] : kRows) EXPECT_EQ(FloorDiv(a, m), quotient) << a;
 }
 
 TEST(Numeric, RemainderIsNeverNegative) {

@@ -288,15 +288,9 @@ class MemoryDevice : public StateDevice {
     }
     RecordedDraw& NoteDraw(D3DPRIMITIVETYPE type, UINT first, UINT count) {
         const auto* texture = static_cast<MemoryTexture*>(bound_.textures[0].Get());
-        adapter_.draws.push_back({type,
-                                  first,
-                                  count,
-                                  state_.format.fvf,
-                                  bound_.stride,
-                                  {},
-                                  texture ? texture->Number() : 0,
-                                  state_.render,
-                                  state_.world[0]});
+        const UINT number = texture ? texture->Number() : 0;
+        const DWORD fvf = state_.format.fvf;
+        adapter_.draws.push_back({type, first, count, fvf, bound_.stride, {}, number, state_.render, state_.world[0]});
         return adapter_.draws.back();
     }
 

@@ -51,32 +51,24 @@ std::vector<FileRow> GeneratedFiles() {
 
 /// An 8 x 4 picture in each pixel format.
 std::vector<FileRow> DdsFiles() {
-    const struct {
-        D3DFORMAT format;
-        UINT flags, four_cc, bits, r, g, b, a;
-    } kRows[] = {
-        {D3DFMT_A8R8G8B8, 0x41, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000},
-        {D3DFMT_X8R8G8B8, 0x40, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0},
-        {D3DFMT_A8B8G8R8, 0x41, 0, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000},
-        {D3DFMT_R8G8B8, 0x40, 0, 24, 0xFF0000, 0xFF00, 0xFF, 0},
-        {D3DFMT_R5G6B5, 0x40, 0, 16, 0xF800, 0x7E0, 0x1F, 0},
-        {D3DFMT_X1R5G5B5, 0x40, 0, 16, 0x7C00, 0x3E0, 0x1F, 0},
-        {D3DFMT_A1R5G5B5, 0x41, 0, 16, 0x7C00, 0x3E0, 0x1F, 0x8000},
-        {D3DFMT_A4R4G4B4, 0x41, 0, 16, 0xF00, 0xF0, 0xF, 0xF000},
-        {D3DFMT_A8, 2, 0, 8, 0, 0, 0, 0xFF},
-        {D3DFMT_L8, 0x20000, 0, 8, 0xFF, 0, 0, 0},
-        {D3DFMT_A8L8, 0x20001, 0, 16, 0xFF, 0, 0, 0xFF00},
-        {D3DFMT_DXT1, 4, D3DFMT_DXT1, 0, 0, 0, 0, 0},
-        {D3DFMT_DXT5, 5, D3DFMT_DXT5, 32, 1, 2, 3, 4},
+    const std::pair<D3DFORMAT, DdsFields> kRows[] = {
+        {D3DFMT_A8R8G8B8, {8, 4, 0, 0x41, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000}},
+        {D3DFMT_X8R8G8B8, {8, 4, 0, 0x40, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0}},
+        {D3DFMT_A8B8G8R8, {8, 4, 0, 0x41, 0, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000}},
+        {D3DFMT_R8G8B8, {8, 4, 0, 0x40, 0, 24, 0xFF0000, 0xFF00, 0xFF, 0}},
+        {D3DFMT_R5G6B5, {8, 4, 0, 0x40, 0, 16, 0xF800, 0x7E0, 0x1F, 0}},
+        {D3DFMT_X1R5G5B5, {8, 4, 0, 0x40, 0, 16, 0x7C00, 0x3E0, 0x1F, 0}},
+        {D3DFMT_A1R5G5B5, {8, 4, 0, 0x41, 0, 16, 0x7C00, 0x3E0, 0x1F, 0x8000}},
+        {D3DFMT_A4R4G4B4, {8, 4, 0, 0x41, 0, 16, 0xF00, 0xF0, 0xF, 0xF000}},
+        {D3DFMT_A8, {8, 4, 0, 2, 0, 8, 0, 0, 0, 0xFF}},
+        {D3DFMT_L8, {8, 4, 0, 0x20000, 0, 8, 0xFF, 0, 0, 0}},
+        {D3DFMT_A8L8, {8, 4, 0, 0x20001, 0, 16, 0xFF, 0, 0, 0xFF00}},
+        {D3DFMT_DXT1, {8, 4, 0, 4, D3DFMT_DXT1, 0, 0, 0, 0, 0}},
+        {D3DFMT_DXT5, {8, 4, 0, 5, D3DFMT_DXT5, 32, 1, 2, 3, 4}},
     };
     std::vector<FileRow> files;
-    for (const auto& row : kRows)
-        files.push_back({"",
-                         DdsHead({8, 4, 0, row.flags, row.four_cc, row.bits, row.r, row.g, row.b, row.a}) +
-                             std::string(8 * 4 * 4, '\x55'),
-                         {},
-                         row.format,
-                         D3DXIFF_DDS});
+    for (const auto& [format, fields] : kRows)
+        files.push_back({"", DdsHead(fields) + std::string(8 * 4 * 4, '\x55'), {}, format, D3DXIFF_DDS});
     return files;
 }
 
