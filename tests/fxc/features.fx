@@ -734,3 +734,25 @@ texture T; sampler2D unused; sampler2D second : register(s1); sampler plain; sam
 struct S { float a; float2 b; }; struct T { S s; float c[2]; float2x2 m; }; static const S g = {0.2, 0.4, 0};
 => S s = {0.1, {0.4, 0}}, u = {0.1, 0, 0}; T v = {g, {3, 1}, {1, 0, 0, 1}}, w = {0, 0, 0, 0.6, 0, 1, 2, 3, 4};
 return float4(s.a + u.a, v.s.b.x, w.m[0][0] * w.c[0], 1);
+
+//// matrices of one row or column: 51 102 153
+float1x2 a = {0.2, 0.4}; float2x1 b = {1, 2}; float4x4 w = {0.5, 0.5, 0.2, 0.3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+=> float3x1 c = float3x1(0.1, 0.2, 0.3); float1x3 d = float1x3(1, 2, 3), e = transpose(c); float1x1 f = mul(a, b);
+float3x3 o = mul(c, d); float1x4 g = mul(float1x4(1, 0, 0, 0), w); d._m01 = g._m02; return float4(d[0][1], a[0][1] * f[0][0] *
+b[1][0] * 0.5, o._m12 + e[0][0] - c._11, 1);
+
+//// a vector as a structure, one that continues another, a flat list of an array of them: 51 102 153
+struct A { float2 a; }; struct B : A { float b; };
+=> float4 v = float4(0.2, 0.4, 0.6, 1); B s = (B)v; A f[2] = {0.2, 0.4, 0.6, 0.8}; return float4(s.a.x, f[0].a.y, s.b,
+f[1].a.y);
+
+//// a sampler in braces, a choice by number: 51 102 0
+texture T; sampler S = { sampler_state { Texture = <T>; } }; int n = 2;
+=> float f; switch (n) { case 1: f = 1; break; case 2: f = 0; break; default: f = 2; } return float4(tex2D(S, uv).rg,
+f, 1);
+
+//// a structure that a function changes, matrices behind a comma, constants behind their type: 102 51 153
+#if (1 ? 2 : 0) == 2
+struct W { float a; float2 d; }; W w[2] = {{0.1, {0.2, 0}}, {0.1, {0.2, 0}}}; float const k < int x = 1, y = 2; > = 0.6;
+#endif
+=> float2x2 m = 1, n = 1; w[0].a = 0.4; w[1].d.y = w[1].d.x; return float4(w[0].a, all(m == n) ? w[1].d.y : 0, k, 1);

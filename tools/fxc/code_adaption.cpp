@@ -12,6 +12,7 @@ void AdaptCode(ParsedEffect& effect, Diagnostics& diagnostics) {
     CheckOperands(effect.code, diagnostics);
     CopyAssignedGlobals(effect);
     SpellOut(effect);
+    FlattenThinMatrices(effect.code);
     ShapeSamplers(effect, diagnostics);
     WidenLoopVariables(effect.code);
     ShapeLists(effect);

@@ -17,6 +17,8 @@ void CheckOperands(const Tokens& code, Diagnostics& diagnostics);
 void CopyAssignedGlobals(ParsedEffect& effect);
 /// Plain samplers get the shape that their use shows, elements of arrays of samplers become samplers of their own.
 void ShapeSamplers(ParsedEffect& effect, Diagnostics& diagnostics);
+/// Matrices of one row or one column become vectors.
+void FlattenThinMatrices(Tokens& code);
 /// A loop's variable that is read after the loop is declared before it.
 void WidenLoopVariables(Tokens& code);
 /// Lists in braces get the shape of what they are for: flat or nested, they become constructors of its elements.

@@ -73,6 +73,8 @@ class ElementOperations {
 
     /// Reads an expression wherever one can begin; all else, and what is none, stays as it is.
     void Run() {
+        for (std::size_t i = 0; i + 2 < code_.size(); ++i)
+            if (Is(i, "(") && Is(i + 2, ")")) converted_.insert(code_[i + 1].text);
         Tokens result;
         while (at_ < code_.size()) {
             if (PassStructure(result) || PassDeclared(result)) continue;
@@ -111,9 +113,14 @@ class ElementOperations {
 
     bool PassStructure(Tokens& result) {
         if (!code_[at_].IsName("struct") || !Is(at_ + 2, "{")) return false;
+        const Token name = code_[at_ + 1];
         const std::size_t end = std::min(ClosingBracket(code_, at_ + 2) + 1, code_.size());
         AppendTo(result, Part(code_, at_, end));
         at_ = end;
+        if (Is(at_, ";") && effect_.symbols.structures.contains(name.text) && converted_.contains(name.text)) {
+            Take(result);
+            AddConversion(name, result);
+        }
         return true;
     }
 
@@ -281,13 +288,51 @@ class ElementOperations {
         const std::optional<Type> cast = Is(at_ + 2, ")") ? TypeAt(at_ + 1) : std::nullopt;
         if (cast) {
             Take(result.tokens, 3);
-            AppendTo(result.tokens, ParseUnary().tokens);
+            Operand operand = ParseUnary();
+            if (cast->kind == VariableClass::Structure && operand.shape.rows == 1 && !operand.shape.dimensions)
+                ConvertTo(cast->structure, operand, result);
+            AppendTo(result.tokens, operand.tokens);
             result.shape = ShapeOf(*cast);
             return result;
         }
         Take(result.tokens);
         ParseList(result);
         return result;
+    }
+
+    /// (STRUCTURE) vector: the call of a function, where there is one.
+    void ConvertTo(const std::string& structure, Operand& vector, Operand& call) {
+        const DWORD numbers = SmallStructure(structure);
+        if (numbers == 0) return;
+        const Token place = call.tokens[0];
+        call.tokens.clear();
+        AppendText(call.tokens, place, fmt::format("fxc_to_{} ( ( float{} ) (", structure, numbers));
+        AppendText(vector.tokens, place, ") )");
+    }
+
+    /// How many numbers a structure holds that a vector can fill; 0 for any other.
+    DWORD SmallStructure(const std::string& structure) const {
+        DWORD numbers = 0;
+        for (const StructureMember& member : effect_.symbols.structures.at(structure)) {
+            if (member.type.rows > 1 || !IsNumeric(member.type.kind) || member.elements > 0) return 0;
+            numbers += member.type.columns;
+        }
+        return numbers <= 4 ? numbers : 0;
+    }
+
+    /// STRUCTURE fxc_to_STRUCTURE(floatN v) { STRUCTURE s; s.a = v.xy; ... return s; }
+    void AddConversion(const Token& name, Tokens& result) {
+        const DWORD numbers = SmallStructure(name.text);
+        if (numbers == 0 || known_.contains(name.text)) return;
+        std::string text = fmt::format("{0} fxc_to_{0} ( float{1} v ) {{ {0} s ;", name.text, numbers);
+        std::size_t next = 0;
+        for (const StructureMember& member : effect_.symbols.structures.at(name.text)) {
+            text += fmt::format(" s . {} =", CodeName(member.name));
+            text += numbers == 1 ? " v ;" : " v . " + std::string("xyzw").substr(next, member.type.columns) + " ;";
+            next += member.type.columns;
+        }
+        AppendText(result, name, text + " return s ; }");
+        known_.insert(name.text);
     }
 
     /// Values up to the bracket that closes them; the shape is the last one's.
@@ -479,7 +524,8 @@ class ElementOperations {
     bool failed_ = false;                     // what is read is no expression
     std::map<std::string, Shape> declared_;   // scopes do not matter: a name is declared before it is used
     std::set<std::string> known_;
-    Tokens functions_;   // for the rows, in front of the code
+    std::set<std::string> converted_;   // words in parentheses: what casts may name
+    Tokens functions_;                  // for the rows, in front of the code
 };
 
 }   // namespace

@@ -67,6 +67,17 @@ std::set<std::string> AssignedParameters(const ParsedEffect& effect) {
     return assigned;
 }
 
+/// The places of a parameter, or of what is in it, under the name that takes its value; false for no parameter.
+bool MovePlaces(const std::string& name, std::map<std::string, DWORD>& places) {
+    std::map<std::string, DWORD> moved;
+    for (const auto& [path, parameter] : places)
+        if (path.starts_with(name) &&
+            (path.size() == name.size() || path[name.size()] == '.' || path[name.size()] == '['))
+            moved["fxc_in_" + path] = parameter;
+    places.insert(moved.begin(), moved.end());
+    return !moved.empty();
+}
+
 }   // namespace
 
 void CopyAssignedGlobals(ParsedEffect& effect) {
@@ -90,14 +101,13 @@ void CopyAssignedGlobals(ParsedEffect& effect) {
         if (!ends) continue;
         const std::size_t first = std::exchange(declaration, i + 1);
         const auto name = left.find(i > first + 1 ? effect.code[first + 1].text : std::string());
-        if (name == left.end() || !effect.places.contains(*name)) continue;
+        if (name == left.end() || !MovePlaces(*name, effect.places)) continue;
         // TYPE NAME [n]; becomes TYPE fxc_in_NAME [n]; static TYPE NAME [n];
         Tokens line = Part(effect.code, first, i + 1);
         result[result.size() - line.size() + 1].text = "fxc_in_" + *name;
         AppendText(result, token, "static");
         AppendTo(result, line);
         AppendText(starts, token, *name + " = fxc_in_" + *name + " ;");
-        effect.places["fxc_in_" + *name] = effect.places[*name];
         left.erase(name);
     }
     effect.code = std::move(result);

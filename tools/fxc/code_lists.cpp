@@ -115,13 +115,18 @@ class ListShaper {
         return result;
     }
 
-    /// One number for each of the structure's; any other list is left to the compiler.
+    /// One number for each of the structure's, or of those of an array; any other list is left to the compiler.
     Tokens ShapedStructure(const ListedVariable& variable, const std::vector<Tokens>& leaves) const {
         Tokens result;
         std::size_t next = 0;
         const std::string& structure = variable.type.structure;
-        if (variable.sizes.empty() && CountNumbers(structure, leaves.size()) == leaves.size())
+        const std::size_t count = variable.sizes.empty() ? 1 : variable.sizes[0];
+        if (variable.sizes.size() > 1 || count * CountNumbers(structure, leaves.size()) != leaves.size()) return {};
+        for (std::size_t i = 0; i < count; ++i) {
+            if (!variable.sizes.empty()) AppendText(result, code_[variable.open], i == 0 ? "{" : ",");
             WriteMembers(variable, structure, leaves, next, result);
+        }
+        if (!variable.sizes.empty()) AppendText(result, code_[variable.open], "}");
         return result;
     }
 

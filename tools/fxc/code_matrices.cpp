@@ -3,20 +3,12 @@
 
 #include "tools/fxc/code_adaption.h"
 
+#include "tools/fxc/matrix_swizzle.h"
 #include "tools/fxc/token_tools.h"
 #include "tools/fxc/type_parser.h"
 
 namespace sparkrig::fxc {
 
-namespace {
-
-constexpr std::size_t kMostTokens = 2'000'000;
-
-struct Element {
-    int row, column;   // from 0
-};
-
-/// The elements that _m30_m31 or _41_42 name; none for any other word.
 std::vector<Element> ParseMatrixSwizzle(std::string_view word) {
     std::vector<Element> elements;
     while (!word.empty()) {
@@ -31,6 +23,10 @@ std::vector<Element> ParseMatrixSwizzle(std::string_view word) {
     }
     return elements.size() <= 4 ? elements : std::vector<Element>{};
 }
+
+namespace {
+
+constexpr std::size_t kMostTokens = 2'000'000;
 
 /// The first token of the operand that ends before `end`: a name with indices, members and calls, or parentheses.
 std::size_t OperandStart(const Tokens& code, std::size_t end) {
@@ -292,8 +288,16 @@ class MatrixCutter {
             return;
         }
         if (!type) return;
-        declared_[code_[i + 1].text] = code_[i + 2].Is("[") ? Type{} : *type;
-        if (matrix && IsAssignment(code_, i + 2)) Cast(*type, i + 3, true);
+        for (std::size_t name = i + 1; name + 1 < code_.size();) {   // and those behind commas
+            declared_[code_[name].text] = code_[name + 1].Is("[") ? Type{} : *type;
+            if (matrix && IsAssignment(code_, name + 1)) Cast(*type, name + 2, true);
+            const std::size_t end = EndOfExpression(code_, name, true);
+            const bool more = end + 2 < code_.size() && code_[end].Is(",") &&
+                              code_[end + 1].kind == TokenKind::Identifier &&
+                              code_[end + 2].kind != TokenKind::Identifier;   // not the next parameter of a function
+            if (!more) return;
+            name = end + 1;
+        }
     }
 
     void Assignment(std::size_t i) {
@@ -342,12 +346,26 @@ class MatrixCutter {
     std::map<std::size_t, Tokens> before_;   // what is put in front of a token
 };
 
+/// (float2x2) 1 becomes (float2x2) 1.0: the compiler gets the first one wrong.
+void PointWholeNumbers(Tokens& code) {
+    for (std::size_t i = 0; i + 3 < code.size(); ++i) {
+        const std::optional<Type> type = code[i].Is("(") && code[i + 2].Is(")") ? NumbersAt(code, i + 1) : std::nullopt;
+        if (!type || type->kind != VariableClass::Matrix) continue;
+        std::size_t at = i + 3;
+        while (at + 1 < code.size() && (code[at].Is("(") || code[at].Is("-"))) ++at;
+        const bool whole =
+            code[at].kind == TokenKind::Number && code[at].text.find_first_not_of("0123456789") == std::string::npos;
+        if (whole) code[at].text += ".0";
+    }
+}
+
 }   // namespace
 
 void AdaptMatrices(ParsedEffect& effect, Diagnostics& diagnostics) {
     AssignmentRewriter(effect.code).Run();
     OperateOnElements(effect);
     MatrixCutter(effect).Run();
+    PointWholeNumbers(effect.code);
     ReplaceSwizzles(effect.code, diagnostics);
 }
 

@@ -6,12 +6,20 @@
 
 #include "tools/fxc/stage_interface.h"
 #include "tools/fxc/state_table.h"
+#include "tools/fxc/token_tools.h"
 #include "tools/fxc/type_parser.h"
 
 namespace sparkrig::fxc {
 
 const char* const kIntrinsicFunctions =
     "#pragma pack_matrix(row_major)\n"
+    "#define float1x1 float\n"
+    "#define float1x2 float2\n"
+    "#define float1x3 float3\n"
+    "#define float1x4 float4\n"
+    "#define float2x1 float2\n"
+    "#define float3x1 float3\n"
+    "#define float4x1 float4\n"
     // The old hardware took logarithms, and with them powers, of |x|; those of 0 are very small and not infinite.
     "#define fxc_log(x) log(max(abs((x) * 1.0), 1.175494e-38))\n"
     "#define fxc_log2(x) log2(max(abs((x) * 1.0), 1.175494e-38))\n"
@@ -237,12 +245,20 @@ class Speller {
             return true;
         }
         if (!member && IsOneOf(kUsages, token.text) && NameFollows(i)) return !IsOneOf(kMeaningless, token.text);
-        if (!member && SpellType(i, token)) return true;
+        if (!member && (IsSwitch(i) || SpellType(i, token))) return true;
         if (!member && Next(i, "(") && IsOneOf(kOwnIntrinsics, token.text) && !Own(token.text))
             token.text = "fxc_" + token.text;
         else
             token.text = CodeName(token.text);
         return true;
+    }
+
+    /// switch (value) { case 1: default: }, and no name of the effect's own.
+    bool IsSwitch(std::size_t i) const {
+        if (code_[i].IsName("switch")) return Next(i, "(") && Next(ClosingBracket(code_, i + 1), "{");
+        if (code_[i].IsName("default")) return Next(i, ":");
+        const bool value = i + 1 < code_.size() && (code_[i + 1].kind == TokenKind::Number || Next(i, "-"));
+        return code_[i].IsName("case") && (value || NameFollows(i));
     }
 
     bool SpellType(std::size_t i, Token& token) const {

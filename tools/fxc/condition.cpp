@@ -22,7 +22,7 @@ class ConditionParser {
     explicit ConditionParser(std::span<const Token> tokens) : left_(tokens) {}
 
     bool Run(std::int64_t& value) {
-        value = ParseOperations(1);
+        value = ParseChoice();
         return !failed_ && left_.empty();
     }
 
@@ -44,6 +44,19 @@ class ConditionParser {
             if (left_.size() > 1 && left_[1].joined && left_[1].text == candidate.text + 1) return &candidate;
         }
         return nullptr;
+    }
+
+    std::int64_t ParseChoice() {
+        const std::int64_t condition = ParseOperations(1);
+        if (!At("?")) return condition;
+        if (++depth_ > kDeepest) return Fail();
+        Advance();
+        const std::int64_t yes = ParseChoice();
+        if (!At(":")) return Fail();
+        Advance();
+        const std::int64_t no = ParseChoice();
+        --depth_;
+        return condition ? yes : no;
     }
 
     std::int64_t ParseOperations(int lowest) {
@@ -79,7 +92,7 @@ class ConditionParser {
     }
 
     std::int64_t ParseParenthesis() {
-        const std::int64_t value = ParseOperations(1);
+        const std::int64_t value = ParseChoice();
         if (!At(")")) return Fail();
         Advance();
         return value;

@@ -64,7 +64,8 @@ class EffectParser {
     // ---- Structures and typedefs
 
     bool StructureFollows() const {
-        return cursor_.Peek().IsName("struct") && (cursor_.Peek(1).Is("{") || cursor_.Peek(2).Is("{"));
+        return cursor_.Peek().IsName("struct") &&
+               (cursor_.Peek(1).Is("{") || cursor_.Peek(2).Is("{") || cursor_.Peek(2).Is(":"));
     }
 
     /// "struct NAME { members }"; the code gets it as a declaration of its own.
@@ -76,16 +77,23 @@ class EffectParser {
             name = fmt::format("fxc_structure_{}", effect_.symbols.structures.size());
         else
             name = cursor_.ExpectName("the name of the structure");
-        const std::size_t open = cursor_.Position();
+        std::string base;
+        if (cursor_.Accept(":")) base = cursor_.ExpectName("the structure that it continues");
         cursor_.Expect("{", "after the name of the structure");
+        const std::size_t open = cursor_.Position();
         std::vector<StructureMember> members;
+        if (const auto found = effect_.symbols.structures.find(base); found != effect_.symbols.structures.end())
+            members = found->second;
         while (!cursor_.AtEnd() && !cursor_.Peek().Is("}"))
             if (!cursor_.Accept(";")) ParseMember(members);
+        Tokens& body = member_code_[name];
+        body = member_code_[base];
+        AppendTo(body, cursor_.Since(open));
         cursor_.Expect("}", "after the members");
         Tokens code = {word, MadeAt(word, TokenKind::Identifier, name, false)};
-        const Tokens body = cursor_.Since(open);
-        code.insert(code.end(), body.begin(), body.end());
-        code.push_back(MadeAt(word, TokenKind::Symbol, ";"));
+        AppendText(code, word, "{");
+        AppendTo(code, body);
+        AppendText(code, word, "} ;");
         if (start < open) Append(code);
         effect_.symbols.structures[name] = std::move(members);
         Type type;
@@ -163,7 +171,7 @@ class EffectParser {
     void ParseDeclaration() {
         const std::size_t start = cursor_.Position();
         while (cursor_.Accept("[")) cursor_.SkipPast("[", "]");   // attributes of a function
-        const Usages usages = ParseUsages();
+        Usages usages = ParseUsages();
         const std::size_t type_start = cursor_.Position();
         const bool structure = StructureFollows();
         std::optional<Type> type = structure ? ParseStructure() : AcceptType(cursor_, effect_.symbols);
@@ -175,6 +183,8 @@ class EffectParser {
                                            : fmt::format("unexpected '{}'", token.text));
         }
         const Tokens type_tokens = structure ? type->spelling : cursor_.Since(type_start);
+        if (cursor_.Peek(1).kind == TokenKind::Identifier)
+            usages.constant |= cursor_.AcceptWord("const");   // float const
         const Token name = cursor_.Peek();
         if (name.kind == TokenKind::Identifier && cursor_.Peek(1).Is("(")) {
             cursor_.Take();
@@ -462,16 +472,20 @@ class EffectParser {
             const std::optional<Type> type = AcceptType(cursor_, effect_.symbols);
             if (!type || (!IsNumeric(type->kind) && type->kind != VariableClass::String))
                 return cursor_.Fail(start, "an annotation is a number or a string");
-            const Token name = cursor_.Peek();
-            EffectVariable variable = MakeVariable(*type, cursor_.ExpectName("the name of an annotation"));
-            const Dimensions dimensions = ParseDimensions();
-            variable.elements = dimensions.elements;
-            cursor_.Expect("=", "before the value of the annotation");
-            ParseAnnotationValue(name, variable);
+            do annotations.push_back(ParseAnnotation(*type));
+            while (cursor_.Accept(","));
             if (!cursor_.Peek().Is(">")) cursor_.Expect(";", "after the annotation");
-            annotations.push_back(std::move(variable));
         }
         cursor_.Expect(">", "after the annotations");
+    }
+
+    EffectVariable ParseAnnotation(const Type& type) {
+        const Token name = cursor_.Peek();
+        EffectVariable variable = MakeVariable(type, cursor_.ExpectName("the name of an annotation"));
+        variable.elements = ParseDimensions().elements;
+        cursor_.Expect("=", "before the value of the annotation");
+        ParseAnnotationValue(name, variable);
+        return variable;
     }
 
     void ParseAnnotationValue(const Token& name, EffectVariable& variable) {
@@ -625,7 +639,8 @@ class EffectParser {
     Cursor cursor_;
     ParsedEffect effect_;
     std::set<std::string, std::less<>> declared_functions_;
-    std::set<std::string, std::less<>> late_;   // static variables that get their value when a function begins
+    std::map<std::string, Tokens> member_code_;   // between the braces, by structure
+    std::set<std::string, std::less<>> late_;     // static variables that get their value when a function begins
     Tokens initialisation_;
     int buffers_ = 0;   // that are open
 };

@@ -16,7 +16,7 @@ class ObjectParser {
 
     void ParseOne(DWORD index, const std::string& code_name) {
         if (type_.kind == VariableClass::Sampler) AddSampler(index, code_name);
-        if (type_.kind == VariableClass::Sampler && cursor_.Peek().Is("{"))   // the older form, without a sign
+        if (type_.kind == VariableClass::Sampler && cursor_.Peek().Is("{"))   // an older form, without a sign
             return ParseSamplerStates(index);
         if (cursor_.Accept("=")) ParseValue(index);
     }
@@ -45,11 +45,16 @@ class ObjectParser {
         effect_.file.parameters[index].states = std::move(states);
     }
 
+    void ParseSamplerValue(DWORD index) {
+        const bool braces = cursor_.Accept("{");
+        if (!cursor_.AcceptWord("sampler_state")) return cursor_.Fail(cursor_.Peek(), "expected sampler_state");
+        ParseSamplerStates(index);
+        if (braces) cursor_.Expect("}", "after the sampler");
+    }
+
     void ParseValue(DWORD index) {
         switch (type_.kind) {
-            case VariableClass::Sampler:
-                if (!cursor_.AcceptWord("sampler_state")) return cursor_.Fail(cursor_.Peek(), "expected sampler_state");
-                return ParseSamplerStates(index);
+            case VariableClass::Sampler: return ParseSamplerValue(index);
             case VariableClass::Texture:
                 if (!AcceptNull(cursor_)) cursor_.Fail(cursor_.Peek(), "a texture starts as NULL");
                 return;

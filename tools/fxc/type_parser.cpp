@@ -74,9 +74,13 @@ std::optional<Type> NumericType(std::string word, LetterCase letters) {
             return type;
         }
         if (rest.size() != 3 || rest[1] != 'x' || Dimension(rest[2]) == 0) continue;
-        // The layer's functions have matrices of floats only.
+        // The layer's functions have matrices of floats only, and those of one row or column as vectors.
         type.number = NumberType::Float;
         type.spelling = Spelled("float" + rest);
+        if (const DWORD second = Dimension(rest[2]); first == 1 || second == 1) {
+            MakeVector(type, std::max(first, second));
+            return type;
+        }
         type.kind = VariableClass::Matrix;
         type.rows = first;
         type.columns = Dimension(rest[2]);
