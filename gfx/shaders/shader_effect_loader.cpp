@@ -23,7 +23,10 @@ void ReportFailure(const KRN_Base& reporter, const char* file, HRESULT result, I
 std::string Newest(const std::string& file) {
     if (!file.ends_with(".fxo")) return file;
     const std::string source = file.substr(0, file.size() - 1);
-    return ShaderSourceTime(source) > FileModificationTime(file.c_str()) ? source : file;
+    // In seconds, as far as copies of both go.
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    const std::int64_t time = ShaderSourceTime(source);
+    return time >= 0 && time / kSecond > FileModificationTime(file.c_str()) ? source : file;
 }
 
 /// Of a source it changes with the files that it includes.

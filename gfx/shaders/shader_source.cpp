@@ -28,11 +28,11 @@ std::string_view IncludedName(std::string_view line) {
     return end == std::string_view::npos ? std::string_view() : line.substr(1, end - 1);
 }
 
-void Visit(const std::string& file, std::set<std::string>& seen, std::int32_t& newest) {
+void Visit(const std::string& file, std::set<std::string>& seen, std::int64_t& newest) {
     constexpr std::size_t kMostFiles = 256;
     std::vector<BYTE> bytes;
     if (seen.size() == kMostFiles || !seen.insert(file).second || !ReadEffectBytes(file, bytes)) return;
-    newest = std::max(newest, FileModificationTime(file.c_str()));
+    newest = std::max(newest, FileModificationNanoseconds(file.c_str()));
     const std::string folder = file.substr(0, file.find_last_of("/\\") + 1);
     std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     while (!text.empty()) {
@@ -45,9 +45,9 @@ void Visit(const std::string& file, std::set<std::string>& seen, std::int32_t& n
 
 }   // namespace
 
-std::int32_t ShaderSourceTime(const std::string& file) {
+std::int64_t ShaderSourceTime(const std::string& file) {
     std::set<std::string> seen;
-    std::int32_t newest = -1;
+    std::int64_t newest = -1;
     Visit(file, seen, newest);
     return newest;
 }

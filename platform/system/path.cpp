@@ -96,6 +96,13 @@ std::vector<std::string> ListFiles(const char* folder) {
     return names;
 }
 
+std::int64_t FileModificationNanoseconds(const char* name) {
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    struct stat status {};
+    if (stat(ResolvePath(name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return -1;
+    return status.st_mtim.tv_sec * kSecond + status.st_mtim.tv_nsec;
+}
+
 std::int32_t FileModificationTime(const char* name) {
     struct stat status {};
     if (stat(ResolvePath(name).c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return -1;

@@ -29,6 +29,8 @@ std::vector<std::string> ListFiles(const char* folder);
 /// Modification time in seconds since 1970, or -1 when there is no such file.
 std::int32_t FileModificationTime(const char* name);
 std::int32_t FileModificationTime(std::FILE* stream);
+/// The same in nanoseconds.
+std::int64_t FileModificationNanoseconds(const char* name);
 
 /// Cuts the open file at `size` bytes; what the stream still holds is written first. False with errno set.
 bool TruncateStream(std::FILE* stream, std::int32_t size);

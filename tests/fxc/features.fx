@@ -756,3 +756,7 @@ f, 1);
 struct W { float a; float2 d; }; W w[2] = {{0.1, {0.2, 0}}, {0.1, {0.2, 0}}}; float const k < int x = 1, y = 2; > = 0.6;
 #endif
 => float2x2 m = 1, n = 1; w[0].a = 0.4; w[1].d.y = w[1].d.x; return float4(w[0].a, all(m == n) ? w[1].d.y : 0, k, 1);
+
+//// loops over a parameter's name, and two that are read after: 102 153 0
+float f(float i) { for (int k = 0; k < 2; k++) { for (int i = 0; i < 2; i++) { } } return i; }
+=> float a; for (int i = 0; i < 2; i++) { } a = i * 0.2; for (int i = 0; i < 3; i++) { } return float4(f(a), i * 0.2, 0, 1);

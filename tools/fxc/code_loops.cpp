@@ -1,3 +1,5 @@
+#include <set>
+
 #include "tools/fxc/code_adaption.h"
 #include "tools/fxc/token_tools.h"
 
@@ -48,20 +50,43 @@ bool IsReadAfter(const Tokens& code, std::size_t start, const std::string& name)
     return false;
 }
 
+/// Whether one of the `depth` blocks around `at`, or the parameters of the function, have declared the name: a loop's
+/// own one hides it.
+bool IsHidden(const Tokens& code, std::size_t at, int depth, const std::string& name) {
+    int closed = 0;   // blocks that ended before `at`
+    for (std::size_t i = at; i > 1; --i) {
+        const Token &token = code[i - 1], &before = code[i - 2];
+        if (depth == 0 && (token.Is(";") || token.Is("}"))) return false;
+        if (token.Is("}")) ++closed;
+        if (token.Is("{")) --(closed > 0 ? closed : depth);
+        const bool declared = closed == 0 && token.IsName(name.c_str()) && before.kind == TokenKind::Identifier &&
+                              !before.IsName("return") && !before.IsName("else");
+        if (declared && !(i >= 4 && DeclaresVariable(code, i - 4))) return true;
+    }
+    return false;
+}
+
 }   // namespace
 
 void WidenLoopVariables(Tokens& code) {
     Tokens result;
+    std::set<std::string> widened;   // in the function that is being read
+    int depth = 0;
     for (std::size_t i = 0; i < code.size(); ++i) {
+        depth += code[i].Is("{") ? 1 : code[i].Is("}") ? -1 : 0;
+        if (depth == 0) widened.clear();
         if (DeclaresVariable(code, i)) {
             const std::size_t last = EndOfStatement(code, i);
             const std::size_t first = EndOfExpression(code, i + 2, false);
-            if (last < code.size() && first < last && IsReadAfter(code, last + 1, code[i + 3].text)) {
+            const std::string& name = code[i + 3].text;
+            if (last < code.size() && first < last && IsReadAfter(code, last + 1, name) &&
+                !IsHidden(code, i, depth, name)) {
                 // Before the loop's attributes, if it has some.
                 std::size_t place = result.size();
                 while (place > 0 && result[place - 1].Is("]"))
                     while (place > 0 && !result[--place].Is("[")) continue;
-                const Tokens declaration = Part(code, i + 2, first + 1);
+                const std::size_t start = widened.insert(name).second ? i + 2 : i + 3;   // declared once
+                const Tokens declaration = Part(code, start, first + 1);
                 result.insert(result.begin() + static_cast<std::ptrdiff_t>(place), declaration.begin(),
                               declaration.end());
                 AppendTo(result, {code[i], code[i + 1], code[first]});
