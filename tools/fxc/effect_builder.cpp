@@ -25,11 +25,13 @@ struct Target {
 };
 
 constexpr Target kTargets[] = {
-    {"vs_1_1", 0x0101}, {"vs_2_0", 0x0200},  {"vs_2_a", 0x0200}, {"vs_2_sw", 0x0200},
-    {"vs_3_0", 0x0300}, {"vs_3_sw", 0x0300}, {"ps_1_1", 0x0101}, {"ps_1_2", 0x0102},
-    {"ps_1_3", 0x0103}, {"ps_1_4", 0x0104},  {"ps_2_0", 0x0200}, {"ps_2_a", 0x0200},
-    {"ps_2_b", 0x0200}, {"ps_2_sw", 0x0200}, {"ps_3_0", 0x0300}, {"ps_3_sw", 0x0300},
+    {"vs_1_1", 0x0101},  {"vs_2_0", 0x0200}, {"vs_2_a", 0x0200}, {"vs_2_sw", 0x0200}, {"vs_3_0", 0x0300},
+    {"vs_3_sw", 0x0300}, {"ps_1_1", 0x0101}, {"ps_1_2", 0x0102}, {"ps_1_3", 0x0103},  {"ps_1_4", 0x0104},
+    {"ps_2_0", 0x0200},  {"ps_2_a", 0x0200}, {"ps_2_b", 0x0200}, {"ps_2_sw", 0x0200}, {"ps_3_0", 0x0300},
+    {"ps_3_sw", 0x0300}, {"vs_2_x", 0x0200}, {"ps_2_x", 0x0200},
 };
+// What later compilers make for the hardware of version 2.
+constexpr std::string_view kLaterVersion2 = "_4_0_level_9_";
 
 class EffectBuilder {
   public:
@@ -50,9 +52,10 @@ class EffectBuilder {
         EffectFunction& function = effect_.file.functions[index];
         NameCrash(diagnostics_, request.place, request.entry);
         const auto* target = std::ranges::find_if(kTargets, [&](const Target& t) { return request.target == t.name; });
-        const bool known = target != std::end(kTargets);
+        const bool later = request.target.find(kLaterVersion2) == 2;
+        const bool known = later || target != std::end(kTargets);
         // A function for an unknown version is still compiled: what is wrong in it is wrong.
-        function.version = known ? target->version : 0x0300;
+        function.version = later ? 0x0200 : known ? target->version : 0x0300;
         function.call = CallOf(request);
         if (!function.unsupported.empty()) return LeaveOut(request, function);
         std::vector<std::uint32_t> spirv;

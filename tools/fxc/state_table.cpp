@@ -211,6 +211,8 @@ constexpr StateRow kRows[] = {
     {"MaxMipLevel",   kSampler, StateType::Int,    D3DSAMP_MAXMIPLEVEL},
     {"MaxAnisotropy", kSampler, StateType::Int,    D3DSAMP_MAXANISOTROPY},
     {"SRGBTexture",   kSampler, StateType::Bool,   D3DSAMP_SRGBTEXTURE},
+    Unused("Filter", kSampler), Unused("ComparisonFunc", kSampler), Unused("MinLOD", kSampler),
+    Unused("MaxLOD", kSampler),
     Unused("FVF"), Unused("ElementIndex", kSampler), Unused("DMapOffset", kSampler),
 
     {"Texture",             StateGroup::Texture,   StateType::Texture, 0},
