@@ -10,6 +10,7 @@
 #include "gfx/textures/texture.h"
 #include "gfx/textures/texture_catalogue.h"
 #include "scene/light.h"
+#include "tests/support/matrices.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/temporary_folder.h"
 
@@ -101,44 +102,41 @@ TEST_F(ShaderEffectTest, ASecondLoadSharesWithoutCompiling) {
 }
 
 TEST_F(ShaderEffectTest, MissingFilesAreReportedAsAsked) {
-    KRN_ShaderEffect effect;
     const Reports reports;
-    EXPECT_FALSE(gfx_->LoadShaderEffect(effect, "none.fx", false, 0, true));
+    EXPECT_FALSE(gfx_->LoadShaderEffect(effect_, "none.fx", false, 0, true));
     EXPECT_EQ(reports.Last(), "warning KRN_Gfx: Shader effect file 'none.fx' not found");
-    EXPECT_EQ(ErrorOf([&] { gfx_->LoadShaderEffect(effect, "none.fx", true, 0, true); }),
+    EXPECT_EQ(ErrorOf([&] { gfx_->LoadShaderEffect(effect_, "none.fx", true, 0, true); }),
               "KRN_Gfx: Shader effect file 'none.fx' not found");
-    gfx_->LoadShaderEffect(effect, "/none.fx", false, 0, true);
+    gfx_->LoadShaderEffect(effect_, "/none.fx", false, 0, true);
     EXPECT_THAT(reports.All(), testing::Contains("warning ErrorClassSimple: Absolute file path: '/none.fx'"));
-    EXPECT_FALSE(effect.IsValid());
+    EXPECT_FALSE(effect_.IsValid());
 }
 
 TEST_F(ShaderEffectTest, WithoutAFileNothingIsFilledOrDrawn) {
-    KRN_ShaderEffect effect;
-    gfx_->LoadShaderEffect(effect, "none.fx", false, 0, true);
+    gfx_->LoadShaderEffect(effect_, "none.fx", false, 0, true);
     gfx_.recording.ForgetCalls();
-    effect.ApplyFrameSemantics();
-    effect.ApplyObjectSemantics(1, {});
-    effect.ApplyLightSemantics();
-    effect.ApplyMaterialSemantics();
-    EXPECT_EQ(effect.Begin(), 0);
-    EXPECT_FALSE(effect.BeginPass(0));
-    EXPECT_FALSE(effect.InPass());
-    effect.RepeatPass();
-    effect.EndPass();
-    effect.End();
-    effect.Abandon();
+    effect_.ApplyFrameSemantics();
+    effect_.ApplyObjectSemantics(1, {});
+    effect_.ApplyLightSemantics();
+    effect_.ApplyMaterialSemantics();
+    EXPECT_EQ(effect_.Begin(), 0);
+    EXPECT_FALSE(effect_.BeginPass(0));
+    EXPECT_FALSE(effect_.InPass());
+    effect_.RepeatPass();
+    effect_.EndPass();
+    effect_.End();
+    effect_.Abandon();
     EXPECT_THAT(gfx_.recording.Calls(), IsEmpty());
 }
 
 TEST_F(ShaderEffectTest, CompileFailuresCarryTheCompilersText) {
-    KRN_ShaderEffect effect;
     WriteFile("bad.fx", "\nfloat4 a = ;");
     EXPECT_THAT(
-        ErrorOf([&] { gfx_->LoadShaderEffect(effect, "bad.fx", true, 0, true); }),
+        ErrorOf([&] { gfx_->LoadShaderEffect(effect_, "bad.fx", true, 0, true); }),
         StartsWith(
             "KRN_Gfx: Could not compile effect from file 'bad.fx': 'D3DXERR_INVALIDDATA'\n\nbad.fx(2): error X"));
     RecordedGfx without_device(RecordedGfx::State::Constructed);
-    EXPECT_EQ(ErrorOf([&] { without_device->LoadShaderEffect(effect, "bad.fx", true, 0, true); }),
+    EXPECT_EQ(ErrorOf([&] { without_device->LoadShaderEffect(effect_, "bad.fx", true, 0, true); }),
               "KRN_Gfx: Could not compile effect from file 'bad.fx': 'D3DERR_INVALIDCALL'");
 }
 
@@ -177,22 +175,17 @@ constexpr D3DXMATRIX kView = {{{0, 1, 0, 0}, {-1, 0, 0, 0}, {0, 0, 1, 0}, {3, -2
 constexpr D3DXMATRIX kProjection = {{{1.5f, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 1.25f, 1}, {0, 0, -3, 0}}};
 
 TEST_F(ShaderEffectTest, MatricesAreFilledBySemantic) {
-    const auto product = [](const D3DXMATRIX& a, const D3DXMATRIX& b) {
-        D3DXMATRIX out;
-        return *D3DXMatrixMultiply(&out, &a, &b);
-    };
     // Rows 0 to 2 inverted and transposed by hand: scale 2, and the axes y and z exchanged by 4 and -1.
     constexpr D3DXMATRIX kInverseTranspose = {{{0.5f, 0, 0, 0}, {0, 0, 0.25f, 0}, {0, -1, 0, 0}, {0, 0, 0, 1}}};
     constexpr D3DXMATRIX kViewInverse = {{{0, -1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {2, 3, -8, 1}}};
-    const std::tuple<const char*, D3DXMATRIX> rows[] = {
-        {"WorldViewProjection", product(product(kWorld, kView), kProjection)},
-        {"WORLDVIEW", product(kWorld, kView)},
-        {"world", kWorld},
-        {"WorldInverseTranspose", kInverseTranspose},
-        {"View", kView},
-        {"ViewInverse", kViewInverse},
-        {"Projection", kProjection},
-        {"ViewProjection", product(kView, kProjection)}};
+    const std::tuple<const char*, D3DMATRIX> rows[] = {{"WorldViewProjection", kWorld * kView * kProjection},
+                                                       {"WORLDVIEW", kWorld * kView},
+                                                       {"world", kWorld},
+                                                       {"WorldInverseTranspose", kInverseTranspose},
+                                                       {"View", kView},
+                                                       {"ViewInverse", kViewInverse},
+                                                       {"Projection", kProjection},
+                                                       {"ViewProjection", kView * kProjection}};
     gfx_->SetTransform(D3DTS_WORLD, kWorld);
     gfx_->SetTransform(D3DTS_VIEW, kView);
     gfx_->SetTransform(D3DTS_PROJECTION, kProjection);
