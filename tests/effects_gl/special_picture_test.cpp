@@ -134,24 +134,21 @@ TEST_F(FormulaPicture, ATrailSpansItsEdgesAndCarriesItsTexture) {
                "EmitEffectRand = 0\nTraceEffectLifeTime = 9\nTraceEffectTexScale = 0.5\nTraceEffectFlag = " + flag +
                "\npos = -20, 0, " + z + "\nPOSITION {\ntype = \"linear\"\nscale = 40, 0, 0\n}\n}\n";
     };
-    const struct {
-        std::string blocks;
-        std::vector<float> red, green;   // places along x
-    } kRows[] = {
+    const std::tuple<std::string, std::vector<float>, std::vector<float>> kRows[] = {
         {edge("-8", "1") + edge("8", "1"), {-10}, {10}},
         {edge("-8", "0") + edge("8", "0"), {-4, 8.8f}, {2.4f, 15.2f}},
         {edge("-8", "1") + edge("-2", "1") + edge("3", "1") + edge("8", "1"), {-10}, {10}},
     };
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.blocks);
-        Start(row.blocks);
+    for (const auto& [blocks, red, green] : kRows) {
+        SCOPED_TRACE(blocks);
+        Start(blocks);
         for (int i = 0; i < 60; ++i) system_.Update(1 / 60.0f);
         Redraw();
         EXPECT_EQ(system_.DrawCallCount(), 1);
         for (const float z : {-6.0f, 0.0f, 6.0f}) {
             const auto at = [&](float x) { return At(OnScreen({x, 0, z}).x, OnScreen({x, 0, z}).y); };
-            for (const float x : row.red) EXPECT_GT(at(x).r, at(x).g + 100) << x;
-            for (const float x : row.green) EXPECT_GT(at(x).g, at(x).r + 100) << x;
+            for (const float x : red) EXPECT_GT(at(x).r, at(x).g + 100) << x;
+            for (const float x : green) EXPECT_GT(at(x).g, at(x).r + 100) << x;
             for (const float x : {-24.0f, 24.0f}) EXPECT_FALSE(IsChanged(OnScreen({x, 0, z}))) << x;
         }
         for (const float z : {-10.0f, 10.0f}) EXPECT_FALSE(IsChanged(OnScreen({0, 0, z}))) << z;
