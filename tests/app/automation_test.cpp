@@ -48,7 +48,7 @@ class AutomationTest : public ::testing::Test {
         Write(place + "/cfg/texCatalogue.cfg", "");
     }
     /// Runs the program in the folder and keeps what it says.
-    int Run(std::vector<std::string> words) {
+    int Run(const std::vector<std::string>& words) {
         folder_.Enter();
         Tester() = {};
         ::testing::internal::CaptureStdout();

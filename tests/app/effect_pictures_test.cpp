@@ -45,10 +45,7 @@ double Difference(const Pixels& a, const Pixels& b) {
     return sum;
 }
 
-struct Row {
-    const char* effect;
-    const char* seconds;
-};
+using Row = std::pair<const char*, const char*>;   // an effect and its seconds
 
 class EffectPictures : public testing::TestWithParam<Row> {};
 
@@ -80,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Samples, EffectPictures, testing::Values(
     Row{"rune wheel", "2.5"},     Row{"golden letter", "0.5"},  Row{"upright letter", "0.6"},  Row{"letter pop", "0.45"},
     Row{"letter banner", "0.5"},  Row{"wisp flight", "2.2"},    Row{"shadow maw", "2"},        Row{"lightning strike", "0.4"}),
     [](const auto& row) {
-        std::string name = row.param.effect;
+        std::string name = row.param.first;
         std::ranges::replace(name, ' ', '_');
         return name;
     });
