@@ -9,6 +9,7 @@
 #include "effects/particle_vertices.h"
 #include "effects/visual_effect_system.h"
 #include "scene/camera.h"
+#include "tests/effects/reference.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recorded_gfx.h"
 #include "tests/support/temporary_folder.h"
@@ -265,14 +266,13 @@ std::vector<std::uint32_t> OrderOf(const std::vector<float>& distances, const st
 TEST(DrawOrder, IsThatOfAStableComparison) {
     std::mt19937 generator(7);
     const float infinity = std::numeric_limits<float>::infinity();
-    const std::pair<float, unsigned> kRanges[] = {
-        {1, 1}, {0.5f, 3}, {0.125f, 2000}, {1e-6f, 1u << 20}, {1e30f, 1u << 31}};
+    const std::pair<float, int> kRanges[] = {{1, 1}, {0.5f, 3}, {0.125f, 2000}, {1e-6f, 1 << 20}, {1e30f, 1 << 30}};
     for (const std::size_t count : {0u, 1u, 2u, 100u, 255u, 256u, 5000u}) {
         for (const auto& [unit, range] : kRanges) {   // some of few distances, some of more than two digits of keys
             std::vector<float> distances(count);
             std::vector<std::uint32_t> ids(count), expected(count);
-            for (float& distance : distances)
-                distance = unit * (static_cast<float>(generator() % range) - static_cast<float>(range / 3));
+            std::uniform_int_distribution<int> number(-range / 3, range - 1 - range / 3);
+            for (float& distance : distances) distance = unit * static_cast<float>(number(generator));
             if (count > 3 && range > 3) distances[1] = -infinity, distances[2] = infinity;
             std::iota(ids.begin(), ids.end(), 0u);
             std::shuffle(ids.begin(), ids.end(), generator);
@@ -296,9 +296,8 @@ TEST(DrawOrder, KeepsWhatHasNoDistance) {
 }
 
 /// The slow, obvious way: the walk over the order, each run sorted by comparison.
-std::vector<std::uint32_t> RegroupSlowly(std::vector<std::uint32_t> order, const std::vector<RegroupTraits>& of,
-                                         std::uint32_t groups) {
-    const auto at = [&](std::uint32_t lane) -> const RegroupTraits& { return of[lane % groups]; };
+std::vector<std::uint32_t> RegroupSlowly(std::vector<std::uint32_t> order, const std::vector<RegroupTraits>& of) {
+    const auto at = [&](std::uint32_t lane) -> const RegroupTraits& { return of[lane % of.size()]; };
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (!at(order[i]).starts_run) continue;
         std::size_t end = i;
@@ -312,27 +311,26 @@ std::vector<std::uint32_t> RegroupSlowly(std::vector<std::uint32_t> order, const
 }
 
 TEST(DrawOrder, RegroupsAsTheSlowWayDoes) {
-    std::mt19937 generator(11);
+    Dice dice(11);
     for (const std::uint32_t count : {1u, 7u, 60u, 3000u}) {
         for (const std::uint32_t groups : {1u, 3u, 40u}) {
             std::vector<RegroupTraits> traits;
             for (std::uint32_t i = 0; i < groups; ++i) {
                 RegroupTraits one;
-                one.particle = generator() % 6 != 0;
-                one.starts_run = one.particle && generator() % 2 == 0;
-                one.states = generator() % 2;
-                one.texture = generator() % 9;
+                one.particle = !dice.OneIn(6);
+                one.starts_run = one.particle && dice.OneIn(2);
+                one.states = dice.Word() % 2;
+                one.texture = dice.Word() % 9;
                 traits.push_back(one);
             }
             DrawOrder order;
             for (std::uint32_t first : {0u, count}) {   // two classes: runs go on from one to the other
                 std::vector<KeyedPlace> elements;
-                for (std::uint32_t i = 0; i < count; ++i)
-                    elements.push_back(MakeKeyed(static_cast<std::uint32_t>(generator()), first + i));
+                for (std::uint32_t i = 0; i < count; ++i) elements.push_back(MakeKeyed(dice.Word(), first + i));
                 order.AddClass(elements, [](std::uint32_t lane) { return lane; });
             }
-            const std::vector<std::uint32_t> expected = RegroupSlowly(order.Order(), traits, groups);
-            order.Regroup(traits, [&](std::uint32_t lane) { return lane % groups; });
+            const std::vector<std::uint32_t> expected = RegroupSlowly(order.Order(), traits);
+            order.Regroup(traits, [&](std::uint32_t lane) { return static_cast<std::uint32_t>(lane % traits.size()); });
             EXPECT_EQ(order.Order(), expected) << count << " " << groups;
         }
     }

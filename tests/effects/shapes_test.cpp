@@ -105,10 +105,10 @@ class Reference {
         const int rows = static_cast<int>(std::sqrt(n_ * Sz_ / Sx_));
         if (rows == 0) return;
         const Vec N = Cross(U_, Unit(D_));
-        const int m = n_ / rows;
+        const int m = n_ / rows, middle = rows / 2;
         for (int j = 0; j < rows; ++j)
             for (int k = 0; k < m; ++k)
-                Swing(Sx_, Sy_, U_, (static_cast<double>(j - rows / 2) / rows * Sz_) * N, m > 1 ? k / (m - 1.0) : 0);
+                Swing(Sx_, Sy_, U_, (static_cast<double>(j - middle) / rows * Sz_) * N, m > 1 ? k / (m - 1.0) : 0);
     }
 
     void Jelly() {
