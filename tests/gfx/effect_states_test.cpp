@@ -47,8 +47,9 @@ class EffectStates : public TemporaryFolder {
                                             {"< string RenderTarget = \"ScreenBuffer1\"; >", "NONE", "INVSRCALPHA"}};
         for (int i = 0; const auto& [target, culling, blend] : kOwn) {
             const std::string name = std::to_string(i) + ".fx";
-            WriteFile(name, kMatrix + "technique { pass " + target + " { CullMode = " + culling +
-                                "; DestBlend = " + blend + ";" + kStates + " } pass { } }");
+            std::string text = kMatrix + "technique { pass " + target + " { CullMode = ";
+            text += std::string(culling) + "; DestBlend = " + blend + ";" + kStates + " } pass { } }";
+            WriteFile(name, text);
             with_.gfx->LoadShaderEffect(effects_[i++], name.c_str(), true, 0, false);
         }
     }
