@@ -1,5 +1,7 @@
 #include "gfx/shaders/shader_effect_loader.h"
 
+#include <sstream>
+
 #include "base/file_validator.h"
 #include "gfx/shaders/shader_effect_context.h"
 #include "gfx/shaders/shader_effect_registry.h"
@@ -35,7 +37,7 @@ std::string ShaderKey(const std::string& file) {
     return file.ends_with(".fxo") ? key : key + "_" + std::to_string(ShaderSourceTime(file));
 }
 
-/// `remarks` gets what the compiler says about an effect that it made.
+/// `remarks` gets what the compiler says about an effect that it made, a line each.
 DevicePtr<ID3DXEffect> Compile(const GraphicsDevice& graphics, const char* file, DWORD flags, bool use_pool,
                                std::string& remarks) {
     DevicePtr<ID3DXEffect> effect;
@@ -44,7 +46,6 @@ DevicePtr<ID3DXEffect> Compile(const GraphicsDevice& graphics, const char* file,
         graphics.Device(), file, flags, use_pool ? graphics.EffectPool() : nullptr, effect.Receive(), errors.Receive());
     if (FAILED(result)) ReportFailure(graphics.Reporter(), file, result, errors.Get());
     if (errors) remarks = static_cast<const char*>(errors->GetBufferPointer());
-    while (remarks.ends_with('\n')) remarks.pop_back();
     return effect;
 }
 
@@ -123,7 +124,8 @@ bool ShaderEffectLoader::Load(KRN_ShaderEffect& effect, const char* name, bool r
     effect.registry_ = registry_;
     effect.Data()->not_valid = !effect.SelectTechnique();
     effect.Data()->technique = effect.Technique();
-    if (!remarks.empty()) context_.Reporter().Warning("%s", remarks.c_str());
+    std::istringstream lines(remarks);
+    for (std::string line; std::getline(lines, line);) context_.Reporter().Warning("%s", line.c_str());
     if (!effect.IsValid()) context_.Reporter().Warning("Shader could not be validated for this GPU: '%s'", file);
     return true;
 }

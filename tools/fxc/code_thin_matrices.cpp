@@ -1,5 +1,7 @@
 #include <map>
 
+#include <fmt/format.h>
+
 #include "tools/fxc/code_adaption.h"
 #include "tools/fxc/matrix_swizzle.h"
 #include "tools/fxc/token_tools.h"
@@ -96,9 +98,8 @@ class ThinMatrices {
         const Thin *left = Find(at_ + 2), *right = Find(at_ + 4);
         if (!left || !right || left->rows < 2 || right->columns < 2) return false;
         const std::string a = code_[at_ + 2].text, b = code_[at_ + 4].text;
-        std::string text = "float" + std::to_string(left->rows) + "x" + std::to_string(right->columns);
-        for (int i = 0; i < left->rows; ++i)
-            text += std::string(i == 0 ? " ( " : " , ") + a + " [ " + std::to_string(i) + " ] * " + b;
+        std::string text = fmt::format("float{}x{}", left->rows, right->columns);
+        for (int i = 0; i < left->rows; ++i) text += fmt::format("{}{} [ {} ] * {}", i == 0 ? " ( " : " , ", a, i, b);
         AppendText(result, code_[at_], text + " )");
         at_ += 6;
         return true;

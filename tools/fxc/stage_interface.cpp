@@ -83,7 +83,7 @@ void StageInterface::Declare(const std::string& line) {
 }
 
 std::string StageInterface::VertexInputOf(int slot) {
-    const std::string name = fmt::format("vertex_input_{}", slot);
+    std::string name = fmt::format("vertex_input_{}", slot);
     Declare(fmt::format("layout(location = {}) in vec4 {};\n", slot, name));
     inputs_ |= 1u << slot;
     return name;
