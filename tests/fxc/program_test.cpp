@@ -22,7 +22,7 @@ technique Draw { pass Only { CullMode = NONE; VertexShader = compile vs_1_1 Vert
 
 TEST(FxcProgram, SaysHowItEnded) {
     const FxcFolder folder;
-    folder.Write("good.fx", std::string("\xEF\xBB\xBF#pragma once\r\n") + kSample);
+    folder.Write("good.fx", std::string("\xEF\xBB\xBF#pragma once\r\n") + kSample + '\x1A');
     folder.Write("bad.fx", "technique {");
     const std::string good = "'" + folder.Path() + "good.fx'", bad = "'" + folder.Path() + "bad.fx'";
     const std::string out = "'" + folder.Path() + "x.fxo'";

@@ -15,6 +15,7 @@ class Lexer {
     Lexer(std::string_view text, int file, Diagnostics& diagnostics) : text_(text), diagnostics_(diagnostics) {
         here_.file = file;
         if (text_.starts_with("\xEF\xBB\xBF")) text_.remove_prefix(3);   // a byte-order mark
+        if (text_.ends_with('\x1A')) text_.remove_suffix(1);             // an old end of a file
     }
 
     Tokens Run() {
