@@ -8,7 +8,7 @@
 namespace sparkrig {
 
 struct Node : KRN_3dObject {
-    ~Node() = default;
+    ~Node() override = default;
 };
 
 inline void ExpectNear(const D3DXVECTOR3& a, const D3DXVECTOR3& b, float tolerance = 1e-5f) {
