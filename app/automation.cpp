@@ -55,7 +55,7 @@ int Record(Player& player, const Options& options) {
     for (int frame = 0; frame < options.frames; ++frame) {
         player.Advance();
         player.Pass();
-        if (!file.Write(DescribeFrame(player.Effects(), frame) + "\n")) break;
+        if (!RecordFrame(player.Effects(), frame, file)) break;
     }
     return file.Finish() ? kDone : kCannot;
 }

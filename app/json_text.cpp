@@ -39,6 +39,11 @@ void JsonLine::AddList(const char* name, std::span<const float> values) {
     AddJson(name, "[" + list + "]");
 }
 
+std::string JsonLine::Begin(const char* list) {
+    Name(list);
+    return text_ + "[";
+}
+
 void JsonLine::AddJson(const char* name, const std::string& json) {
     Name(name);
     text_ += json;

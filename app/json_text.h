@@ -18,6 +18,9 @@ class JsonLine {
     /// Text that already is JSON.
     void AddJson(const char* name, const std::string& json);
 
+    /// The object so far, and a list as its last member: elements with commas between them are to follow, then kEnd.
+    std::string Begin(const char* list);
+    static constexpr const char* kEnd = "]}";
     /// The finished object, without a line end.
     std::string Finish() const { return text_ + "}"; }
 

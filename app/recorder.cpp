@@ -35,21 +35,20 @@ std::string DescribeInstance(const EffectInstanceState& instance) {
 
 }   // namespace
 
-std::string DescribeFrame(const VisualEffectSystem& effects, int frame) {
-    std::string instances;
-    int live = 0;
-    for (const EffectInstanceState& instance : effects.GetInstanceStates()) {
-        instances += (instances.empty() ? "" : ",") + DescribeInstance(instance);
-        ++live;
-    }
+bool RecordFrame(const VisualEffectSystem& effects, int frame, OutputFile& file) {
     JsonLine line;
     line.Add("frame", frame);
     line.Add("time", static_cast<float>(effects.SystemTime()));
-    line.Add("live", live);
+    line.Add("live", effects.LiveInstanceCount());
     line.Add("drawn", effects.DrawnParticleCount());
     line.Add("draws", effects.DrawCallCount());
-    line.AddJson("instances", "[" + instances + "]");
-    return line.Finish();
+    file.Write(line.Begin("instances"));
+    const char* between = "";
+    for (const EffectInstanceState& instance : effects.GetInstanceStates()) {
+        if (!file.Write(between + DescribeInstance(instance))) break;
+        between = ",";
+    }
+    return file.Write(std::string(JsonLine::kEnd) + "\n");
 }
 
 }   // namespace sparkrig
