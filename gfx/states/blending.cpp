@@ -84,9 +84,25 @@ bool FadesByFactor(int mode) {
     return row && row->kept == Kept::Given;
 }
 
+inline void BlendingState::SendStage(const BlendRow& row, DWORD stage) {
+    struct Slots {
+        D3DTEXTURESTAGESTATETYPE operation, argument1, argument2;
+    };
+    const auto send = [&](const Operation& values, const Slots& slots) {
+        if (values.operation == 0) return;
+        sender_.SetStageState(stage, slots.operation, values.operation);
+        sender_.SetStageState(stage, slots.argument1, values.argument1);
+        if (values.argument2 != Operation::kNone) sender_.SetStageState(stage, slots.argument2, values.argument2);
+    };
+    send(row.alpha, {D3DTSS_ALPHAOP, D3DTSS_ALPHAARG1, D3DTSS_ALPHAARG2});
+    if (row.mode == kColourAlphaMode && !sender_.Graphics().HardwareProcessing()) return;
+    send(row.colour, {D3DTSS_COLOROP, D3DTSS_COLORARG1, D3DTSS_COLORARG2});
+    if (row.mode == kColourAlphaMode) sender_.SetStageState(stage + 1, D3DTSS_COLOROP, D3DTOP_DISABLE);
+}
+
 int BlendingState::Set(int mode, int alpha, int stage) {
     if (mode == -1) mode = 1;
-    if (mode == 1) {
+    if (mode == 1) [[unlikely]] {   // else the compiler makes the rest a call of its own
         now_ = {mode, alpha, alpha};
         sender_.SetRenderState(D3DRS_ALPHABLENDENABLE, DWORD{FALSE});
         return 1;
@@ -113,22 +129,6 @@ void BlendingState::GoBackTo(const Setting& before) {
     if (now_ == before) return;
     Set(before.mode, before.given_alpha, 0);
     now_ = before;
-}
-
-void BlendingState::SendStage(const BlendRow& row, DWORD stage) {
-    struct Slots {
-        D3DTEXTURESTAGESTATETYPE operation, argument1, argument2;
-    };
-    const auto send = [&](const Operation& values, const Slots& slots) {
-        if (values.operation == 0) return;
-        sender_.SetStageState(stage, slots.operation, values.operation);
-        sender_.SetStageState(stage, slots.argument1, values.argument1);
-        if (values.argument2 != Operation::kNone) sender_.SetStageState(stage, slots.argument2, values.argument2);
-    };
-    send(row.alpha, {D3DTSS_ALPHAOP, D3DTSS_ALPHAARG1, D3DTSS_ALPHAARG2});
-    if (row.mode == kColourAlphaMode && !sender_.Graphics().HardwareProcessing()) return;
-    send(row.colour, {D3DTSS_COLOROP, D3DTSS_COLORARG1, D3DTSS_COLORARG2});
-    if (row.mode == kColourAlphaMode) sender_.SetStageState(stage + 1, D3DTSS_COLOROP, D3DTOP_DISABLE);
 }
 
 }   // namespace sparkrig

@@ -36,7 +36,7 @@ void StateSender::SendStageState(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWO
     Note({Sent::Kind::Stage, stage, type});
 }
 
-void StateSender::SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
+void StateSender::SetOtherSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
     const HRESULT result = TrySamplerState(sampler, type, value);
     if (FAILED(result)) {
         Reporter().Error(" SetSamplerState failed: %s (stage %i, type %i, value %i)", DXGetErrorString9(result),

@@ -2,6 +2,7 @@
 #pragma once
 #include <array>
 #include <bit>
+#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -19,13 +20,12 @@ class StateCache {
     void Forget();
 
     bool Holds(D3DRENDERSTATETYPE state, DWORD value) const { return render_[state] == value; }
-    bool Holds(DWORD stage, D3DTEXTURESTAGESTATETYPE type, DWORD value) const { return stages_[stage][type] == value; }
     /// Values of neighbouring types, the first of which is given: one question for all.
-    template <std::size_t N>
-    bool Holds(DWORD stage, D3DTEXTURESTAGESTATETYPE first, const DWORD (&values)[N]) const {
+    template <std::same_as<DWORD>... Values>
+    bool Holds(DWORD stage, D3DTEXTURESTAGESTATETYPE first, Values... values) const {
+        const Value* held = &stages_[stage][first];
         Value differences = 0;
-#pragma GCC unroll 8
-        for (std::size_t i = 0; i < N; ++i) differences |= stages_[stage][first + i] ^ values[i];
+        ((differences |= *held++ ^ values), ...);
         return differences == 0;
     }
     bool Holds(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) const { return samplers_[sampler][type] == value; }
@@ -82,14 +82,17 @@ class StateSender {
             SendStageState(stage, type, value);
     }
     /// Of neighbouring types, the first of which is given.
-    template <std::size_t N>
-    void SetStageStates(DWORD stage, D3DTEXTURESTAGESTATETYPE first, const DWORD (&values)[N]) {
-        if (Knows() && cache_.Holds(stage, first, values)) [[likely]]
+    template <std::same_as<DWORD>... Values>
+    void SetStageStates(DWORD stage, D3DTEXTURESTAGESTATETYPE first, Values... values) {
+        if (Knows() && cache_.Holds(stage, first, values...)) [[likely]]
             return;
-        for (std::size_t i = 0; i < N; ++i)
-            SetStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(first + i), values[i]);
+        int type = first;
+        (SetStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(type++), values), ...);
     }
-    void SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
+    void SetSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value) {
+        if (!(Knows() && cache_.Holds(sampler, type, value))) [[unlikely]]
+            SetOtherSamplerState(sampler, type, value);
+    }
     HRESULT TrySamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     void SetTransform(D3DTRANSFORMSTATETYPE kind, const D3DMATRIX& matrix);
     void SetMaterial(const D3DMATERIAL9& material);
@@ -123,6 +126,7 @@ class StateSender {
     /// Whether the cache is to be believed: no effect is begun.
     bool Knows() const { return marks_.empty(); }
     void Note(const Sent& sent);
+    void SetOtherSamplerState(DWORD sampler, D3DSAMPLERSTATETYPE type, DWORD value);
     /// With the value that the cache holds.
     HRESULT SendAgain(const Sent& sent);
 

@@ -53,8 +53,8 @@ void TextureStages::Unbind(int stage) {
     if (stage >= 0) return BindNothing(stage);
     for (int i = 0; i < stages_in_use_; ++i) BindNothing(i);
     const DWORD diffuse = DiffuseArgument();   // alone
-    states_.sender.SetStageStates(0, D3DTSS_COLOROP,
-                                  {D3DTOP_SELECTARG2, D3DTA_TEXTURE, diffuse, D3DTOP_SELECTARG1, diffuse});
+    states_.sender.SetStageStates(0, D3DTSS_COLOROP, DWORD{D3DTOP_SELECTARG2}, DWORD{D3DTA_TEXTURE}, diffuse,
+                                  DWORD{D3DTOP_SELECTARG1}, diffuse);
     for (int i = 1; i < std::max(2, stages_in_use_); ++i) SendRecipe(i, kNoLayerRecipe);
 }
 
