@@ -44,10 +44,10 @@ struct Axes {
 
 /// Points that start afresh again and again: period = spread x T[i] + least, and T[i + 1] periods have gone at age 0.
 /// k counts modulo kSpecialPoints.
-void FindCycles(const RandomTable& table, int first, int count, double spread, double least, double age,
+void FindCycles(const RandomTable& table, int first, int whole, double spread, double least, double age,
                 Progress& progress) {
     constexpr double kLowBits = 0x1.8p+52;   // the low bits of a whole number plus this are the number's
-    for (int i = 0; i < Whole(count); ++i) {
+    for (int i = 0; i < whole; ++i) {
         const double periods = table.values[i + 1] + age / (spread * table.values[i] + least);
         const double cycle = std::trunc(periods);
         const auto f = static_cast<float>(periods - cycle);
@@ -87,14 +87,15 @@ struct RandomRows {
 
     const float* operator[](int number) const { return rows[number - kFirst]; }
 
-    /// The numbers of point i begin at index k[i] + i + offset.
-    void Fetch(const RandomTable& table, const std::uint32_t* k, int offset, int count) {
+    /// The numbers of point i begin at index k[i] + i + offset. `whole` is a multiple of kTogether.
+    void Fetch(const RandomTable& table, const std::uint32_t* k, int offset, int whole) {
         alignas(64) std::uint32_t place[kRoom];
-        for (int i = 0; i < Whole(count); ++i)
+        for (int i = 0; i < whole; ++i)
             place[i] = (k[i] + static_cast<std::uint32_t>(i + offset)) & (kSpecialPoints - 1);
-        for (int i = 0; i < count; i += kTogether) {
+        for (int i = 0; i < whole; i += kTogether) {
             const float* numbers[kTogether];
-            for (int point = 0; point < kTogether; ++point) numbers[point] = table.values + place[i + point] + kFirst;
+            for (int point = 0; point < kTogether; ++point)
+                numbers[point] = table.values + place[i + point] + kFirst;   // NOLINT(clang-analyzer-core.*)
             for (int n = 0; n < kNumbers; n += 4) {
                 Eight eight[4];
                 for (int point = 0; point < 4; ++point) Load(numbers[point] + n, numbers[point + 4] + n, eight[point]);
@@ -145,11 +146,12 @@ constexpr auto kSquareFade = [](float f) { return 1 - f * f; };
 template <bool kFlame>
 inline int Rising(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float height = shape.scale.z, spread = shape.scale.x;
+    const int whole = Whole(count);
     Progress progress;
-    FindCycles(table, 0, count, 0.2, 0.5, 0.6 * shape.age, progress);
+    FindCycles(table, 0, whole, 0.2, 0.5, 0.6 * shape.age, progress);
     RandomRows<2, 12> T;
-    T.Fetch(table, progress.k, shape.seed, count);
-    for (int i = 0; i < Whole(count); ++i) {
+    T.Fetch(table, progress.k, shape.seed, whole);
+    for (int i = 0; i < whole; ++i) {
         const float f = progress.f[i];
         const float sway_1 = ShortSine(kTurnF * f * (3 * T[2][i] + 1) + kTurnF * T[4][i]);
         const float sway_2 = ShortSine(kTurnF * f * (3 * T[3][i] + 1) + kTurnF * T[5][i]);
@@ -161,7 +163,7 @@ inline int Rising(const SpecialShape& shape, const RandomTable& table, int count
         points.up[i] = (0.4f * T[6][i] + 0.5f) * height * f;
     }
     const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
-    for (int i = 0; i < Whole(count); ++i) {
+    for (int i = 0; i < whole; ++i) {
         const float f = progress.f[i];
         const auto a = static_cast<std::uint32_t>(static_cast<std::int32_t>(65536 * f));
         const auto b = static_cast<std::uint32_t>(static_cast<std::int32_t>(65536 * (1 - f)));   // a + b <= 65536
@@ -187,7 +189,7 @@ SPARKRIG_VECTOR_CODE int Smoke(const SpecialShape& shape, const RandomTable& tab
 SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float length = shape.scale.z, radius = shape.scale.x;
     Progress progress;
-    FindCycles(table, 0, count, 0.2, 0.5, shape.age, progress);
+    FindCycles(table, 0, Whole(count), 0.2, 0.5, shape.age, progress);
     const float phase = Phase(shape.age);
     for (int i = 0; i < Whole(count); ++i) {
         const float f = progress.f[i], r = (1 - Exponential(-f)) * radius, angle = f * kTurnF + phase;
@@ -222,9 +224,10 @@ SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, in
 
 /// `rows` lines of `each` points side by side.
 void Sheet(const SpecialShape& shape, int rows, int each, Progress& progress, Points& points) {
+    const int middle = rows / 2;
     const float gap = shape.scale.z / static_cast<float>(rows);
     for (int row = 0; row < rows; ++row)
-        std::fill_n(points.side + row * each, Whole(each), static_cast<float>(row - rows / 2) * gap);
+        std::fill_n(points.side + row * each, Whole(each), static_cast<float>(row - middle) * gap);
     FindLines(rows, each, progress);
     Swinging(shape, progress, 0, rows * each, shape.scale.x, shape.scale.y, points.up, points);
 }
@@ -243,13 +246,13 @@ SPARKRIG_VECTOR_CODE int Wave(const SpecialShape& shape, const RandomTable&, int
 
 SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
     const float length = shape.scale.x, width = shape.scale.z;
-    const int sheet = count / 5, drops = count - sheet;
+    const int sheet = count / 5, drops = Whole(count - sheet);
     Progress progress;
     Sheet(shape, 1, sheet, progress, points);
     FindCycles(table, sheet, drops, 0.1, 0.3, shape.age, progress);
     RandomRows<2, 4> T;
     T.Fetch(table, progress.k + sheet, 0, drops);
-    for (int drop = 0; drop < Whole(drops); ++drop) {
+    for (int drop = 0; drop < drops; ++drop) {
         const int i = sheet + drop;
         const float f = progress.f[i], spread = 1 - T[3][drop];
         const float angle = kTurnF * T[2][drop];
