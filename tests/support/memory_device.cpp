@@ -6,7 +6,6 @@
 #include "platform/d3d9/capabilities.h"
 #include "platform/d3d9/present_parameters.h"
 #include "platform/d3d9/state_device.h"
-#include "tests/support/memory_objects.h"
 
 namespace sparkrig {
 

@@ -99,27 +99,19 @@ TEST(Targets, StretchRectGivesAnAlphaThatTheSourceLacks) {
     EXPECT_EQ(ReadTarget(canvas.Device(), *target), Box(4, 4, to, kFront, kBack & 0x00FFFFFF));
 }
 
-TEST(Targets, StretchRectCopiesWithinASurfaceWhatLiesApart) {
+TEST(Targets, StretchRectCopiesWithinASurfaceWhatLiesApartAndColorFillReachesItsRectangleOnly) {
     Canvas canvas(8, 8);
-    const auto target = MakeTarget(canvas, 4, 4);
+    const auto texture = MakeTargetTexture(canvas);
+    const auto target = Level0(*texture);
+    const D3DVIEWPORT9 viewport = {3, 3, 1, 1, 0, 1};
+    canvas->SetViewport(&viewport);   // has no effect on it
     const RECT left = {0, 0, 2, 4}, right = {2, 0, 4, 4}, middle = {1, 0, 3, 4};
+    canvas->ColorFill(target.Get(), nullptr, kBack);
     canvas->ColorFill(target.Get(), &left, kFront);
-    canvas->ColorFill(target.Get(), &right, kBack);
+    EXPECT_EQ(ReadTarget(canvas.Device(), *target), Box(4, 4, left, kFront, kBack));
     EXPECT_EQ(canvas->StretchRect(target.Get(), &left, target.Get(), &middle, D3DTEXF_NONE), D3DERR_INVALIDCALL);
     ASSERT_EQ(canvas->StretchRect(target.Get(), &left, target.Get(), &right, D3DTEXF_NONE), D3D_OK);
     EXPECT_EQ(ReadTarget(canvas.Device(), *target), std::vector<D3DCOLOR>(16, kFront));
-}
-
-TEST(Targets, ColorFillReachesItsRectangleOnly) {
-    Canvas canvas(8, 8);
-    const auto texture = MakeTargetTexture(canvas);
-    const auto surface = Level0(*texture);
-    const D3DVIEWPORT9 viewport = {3, 3, 1, 1, 0, 1};
-    canvas->SetViewport(&viewport);   // has no effect on it
-    const RECT rect = {1, 2, 3, 4};
-    EXPECT_EQ(canvas->ColorFill(surface.Get(), nullptr, kBack), D3D_OK);
-    EXPECT_EQ(canvas->ColorFill(surface.Get(), &rect, kFront), D3D_OK);
-    EXPECT_EQ(ReadTarget(canvas.Device(), *surface), Box(4, 4, rect, kFront, kBack));
 }
 
 TEST(Targets, UpdateTextureCopiesEveryLevel) {

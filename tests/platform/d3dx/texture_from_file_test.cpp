@@ -1,5 +1,4 @@
 #include "platform/d3dx/d3dx_texture.h"
-#include "tests/support/memory_objects.h"
 #include "tests/support/picture_files.h"
 #include "tests/support/recording.h"
 #include "tests/support/temporary_folder.h"
