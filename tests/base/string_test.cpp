@@ -1,5 +1,6 @@
 #include "base/string.h"
 
+#include <array>
 #include <climits>
 #include <random>
 #include <string>
@@ -110,19 +111,14 @@ TEST(String, BufferControlKeepsTheContent) {
 }
 
 TEST(ToFloats, ReadsUpToTheFirstEmptyPiece) {
-    const struct {
-        const char* list;
-        int count;
-        bool complete;
-        float values[3];
-    } kRows[] = {{"0.5,2,0.25", 3, true, {0.5f, 2, 0.25f}}, {"3,2", 3, false, {3, 2, -7}},
-                 {" 4x, 5", 2, true, {4, 5, -7}},           {"6,,8", 3, false, {6, -7, -7}},
-                 {"9,8,7,6", 2, true, {9, 8, -7}},          {nullptr, 1, false, {-7, -7, -7}},
-                 {nullptr, 0, true, {-7, -7, -7}},          {"2,", 2, false, {2, -7, -7}}};
-    for (const auto& row : kRows) {
-        float values[3] = {-7, -7, -7};
-        EXPECT_EQ(ToFloats(row.list, values, row.count), row.complete) << row.list;
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(values[i], row.values[i]) << row.list;
+    const std::tuple<const char*, int, bool, std::array<float, 3>> kRows[] = {
+        {"0.5,2,0.25", 3, true, {0.5f, 2, 0.25f}}, {"3,2", 3, false, {3, 2, -7}},    {" 4x, 5", 2, true, {4, 5, -7}},
+        {"6,,8", 3, false, {6, -7, -7}},           {"9,8,7,6", 2, true, {9, 8, -7}}, {nullptr, 1, false, {-7, -7, -7}},
+        {nullptr, 0, true, {-7, -7, -7}},          {"2,", 2, false, {2, -7, -7}}};
+    for (const auto& [list, count, complete, wanted] : kRows) {
+        std::array<float, 3> values = {-7, -7, -7};
+        EXPECT_EQ(ToFloats(list, values.data(), count), complete);
+        EXPECT_EQ(values, wanted) << count;
     }
 }
 

@@ -152,21 +152,18 @@ TEST_P(TextDataFileReaderTest, SkipsSpaceAndFindsCharacters) {
 
 TEST_P(TextDataFileReaderTest, ReadsWordsAndNumberTokens) {
     constexpr auto word = &TextDataFileReader::ReadWord, number = &TextDataFileReader::ReadNumberToken;
-    const struct {
-        int (TextDataFileReader::*operation)(Buffer);
-        const char* text;
-        int result;
-        const char *token, *rest;
-    } kRows[] = {{word, "{abc", 0, "{", "abc"},       {word, "abc{", 0, "abc", "{"},
-                 {word, "a\"b", 0, "a", "\"b"},       {word, ",x", 0, ",", "x"},
-                 {word, " x", 0, " ", "x"},           {word, "", 1, "", ""},
-                 {word, "end", 0, "end", ""},         {word, "\xE4\xF6 x", 0, "\xE4\xF6", " x"},
-                 {number, "-1.5e3", 0, "-1.5", "e3"}, {number, "x", 1, "", "x"},
-                 {number, "+7", 1, "+7", ""},         {number, "", 1, "", ""}};
-    for (const auto& row : kRows) {
-        Open(row.text);
-        EXPECT_THAT(Token(row.operation), Pair(row.result, row.token)) << row.text;
-        EXPECT_EQ(Rest(), row.rest) << row.text;
+    using Operation = int (TextDataFileReader::*)(Buffer);
+    const std::tuple<Operation, const char*, int, const char*, const char*> kRows[] = {
+        {word, "{abc", 0, "{", "abc"},       {word, "abc{", 0, "abc", "{"},
+        {word, "a\"b", 0, "a", "\"b"},       {word, ",x", 0, ",", "x"},
+        {word, " x", 0, " ", "x"},           {word, "", 1, "", ""},
+        {word, "end", 0, "end", ""},         {word, "\xE4\xF6 x", 0, "\xE4\xF6", " x"},
+        {number, "-1.5e3", 0, "-1.5", "e3"}, {number, "x", 1, "", "x"},
+        {number, "+7", 1, "+7", ""},         {number, "", 1, "", ""}};
+    for (const auto& [operation, text, result, token, rest] : kRows) {
+        Open(text);
+        EXPECT_THAT(Token(operation), Pair(result, token)) << text;
+        EXPECT_EQ(Rest(), rest) << text;
     }
     Open("  \n word");
     EXPECT_THAT(Token(&TextDataFileReader::ReadToken), Pair(0, "word"));

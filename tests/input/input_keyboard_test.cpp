@@ -34,16 +34,13 @@ class KeyboardTest : public ::testing::Test {
 
 TEST_F(KeyboardTest, GivesEachEdgeInOneFrameOnly) {
     Hold(DIK_TAB);
-    constexpr struct {
-        bool held;
-        int edge;
-    } kFrames[] = {{true, 1}, {true, 0}, {true, 0}, {false, 255}, {false, 0}};
-    for (const auto& frame : kFrames) {
-        if (!frame.held) fake_keys.state[DIK_TAB] = 0;
+    constexpr std::pair<bool, int> kFrames[] = {{true, 1}, {true, 0}, {true, 0}, {false, 255}, {false, 0}};
+    for (const auto& [held, edge] : kFrames) {
+        if (!held) fake_keys.state[DIK_TAB] = 0;
         EXPECT_EQ(UpdateAt(now + 0.25), 1);
-        EXPECT_EQ(keyboard_.KeyEdge(DIK_TAB), frame.edge);
-        EXPECT_EQ(keyboard_.IsKeyDown(DIK_TAB), frame.held);
-        EXPECT_EQ(keyboard_.KeyPressCount(DIK_TAB), frame.edge == 1 ? 1 : 0);
+        EXPECT_EQ(keyboard_.KeyEdge(DIK_TAB), edge);
+        EXPECT_EQ(keyboard_.IsKeyDown(DIK_TAB), held);
+        EXPECT_EQ(keyboard_.KeyPressCount(DIK_TAB), edge == 1 ? 1 : 0);
         EXPECT_EQ(keyboard_.KeyEdge(DIK_B), 0);
     }
 }

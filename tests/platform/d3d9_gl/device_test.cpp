@@ -129,22 +129,20 @@ TEST(Device, IsNotResetWhileDefaultPoolResourcesAreHeld) {
 TEST(Device, RefusesWrongParameters) {
     Canvas canvas(4, 4);
     using P = D3DPRESENT_PARAMETERS;
-    constexpr struct {
-        void (*change)(P&);
-        HRESULT result;
-    } kRows[] = {{[](P& p) { p.SwapEffect = 0; }, D3DERR_INVALIDCALL},
-                 {[](P& p) { p.FullScreen_RefreshRateInHz = 60; }, D3DERR_INVALIDCALL},                  // in a window
-                 {[](P& p) { p.PresentationInterval = D3DPRESENT_INTERVAL_TWO; }, D3DERR_INVALIDCALL},   // in a window
-                 {[](P& p) { p.SwapEffect = D3DSWAPEFFECT_COPY, p.BackBufferCount = 2; }, D3DERR_INVALIDCALL},
-                 {[](P& p) { p.MultiSampleType = 4; }, D3DERR_INVALIDCALL},   // flipped
-                 {[](P& p) { p.BackBufferFormat = D3DFMT_L8; }, D3DERR_NOTAVAILABLE},
-                 {[](P& p) { p.AutoDepthStencilFormat = D3DFMT_R5G6B5; }, D3DERR_NOTAVAILABLE},
-                 {[](P& p) { p.BackBufferWidth = 100000; }, D3DERR_INVALIDCALL},
-                 {[](P& p) { p.Windowed = FALSE; }, D3DERR_INVALIDCALL}};   // the size is no mode
-    for (const auto& row : kRows) {
+    constexpr std::pair<void (*)(P&), HRESULT> kRows[] = {
+        {[](P& p) { p.SwapEffect = 0; }, D3DERR_INVALIDCALL},
+        {[](P& p) { p.FullScreen_RefreshRateInHz = 60; }, D3DERR_INVALIDCALL},                  // in a window
+        {[](P& p) { p.PresentationInterval = D3DPRESENT_INTERVAL_TWO; }, D3DERR_INVALIDCALL},   // in a window
+        {[](P& p) { p.SwapEffect = D3DSWAPEFFECT_COPY, p.BackBufferCount = 2; }, D3DERR_INVALIDCALL},
+        {[](P& p) { p.MultiSampleType = 4; }, D3DERR_INVALIDCALL},   // flipped
+        {[](P& p) { p.BackBufferFormat = D3DFMT_L8; }, D3DERR_NOTAVAILABLE},
+        {[](P& p) { p.AutoDepthStencilFormat = D3DFMT_R5G6B5; }, D3DERR_NOTAVAILABLE},
+        {[](P& p) { p.BackBufferWidth = 100000; }, D3DERR_INVALIDCALL},
+        {[](P& p) { p.Windowed = FALSE; }, D3DERR_INVALIDCALL}};   // the size is no mode
+    for (const auto& [change, result] : kRows) {
         D3DPRESENT_PARAMETERS parameters = CanvasParameters(4, 4);
-        row.change(parameters);
-        EXPECT_EQ(canvas->Reset(&parameters), row.result) << "row " << &row - kRows;
+        change(parameters);
+        EXPECT_EQ(canvas->Reset(&parameters), result) << parameters.BackBufferFormat << parameters.MultiSampleType;
     }
     EXPECT_EQ(canvas->Reset(nullptr), D3DERR_INVALIDCALL);
 }

@@ -100,26 +100,24 @@ TEST(Raster, PlacesClipSpaceInTheViewportAndEndsFinalPositionsThere) {
 }
 
 TEST(Raster, TestsAndWritesDepth) {
-    constexpr struct {
-        DWORD enable, write, function;
-        float first;   // the depth cleared to; then come 0.75 and 0.625
-        bool second_seen, third_seen;
-    } kRows[] = {{1, 1, D3DCMP_LESSEQUAL, 0.5f, false, false}, {1, 1, D3DCMP_GREATER, 0.5f, true, false},
-                 {1, 0, D3DCMP_GREATER, 0.5f, true, true},     {1, 1, D3DCMP_ALWAYS, 0.5f, true, true},
-                 {0, 1, D3DCMP_NEVER, 0.5f, true, true},       {1, 1, D3DCMP_EQUAL, 0.75f, true, false}};
+    // ..., the depth cleared to; whether 0.75 is seen then, and 0.625 after it
+    constexpr std::tuple<DWORD, DWORD, DWORD, float, bool, bool> kRows[] = {
+        {1, 1, D3DCMP_LESSEQUAL, 0.5f, false, false}, {1, 1, D3DCMP_GREATER, 0.5f, true, false},
+        {1, 0, D3DCMP_GREATER, 0.5f, true, true},     {1, 1, D3DCMP_ALWAYS, 0.5f, true, true},
+        {0, 1, D3DCMP_NEVER, 0.5f, true, true},       {1, 1, D3DCMP_EQUAL, 0.75f, true, false}};
     constexpr D3DCOLOR kSecond = Argb(255, 1, 2, 3), kThird = Argb(255, 4, 5, 6);
     Canvas canvas(4, 4);
     canvas.FillAll(kFront, 0xFF000000, 1.0f);   // passes "less or equal" only if 1 stays 1
     EXPECT_EQ(canvas.PixelArgb(1, 2), kFront);
-    for (const auto& row : kRows) {
-        canvas.Clear(kBack, row.first);
-        canvas->SetRenderState(D3DRS_ZENABLE, row.enable);
-        canvas->SetRenderState(D3DRS_ZWRITEENABLE, row.write);
-        canvas->SetRenderState(D3DRS_ZFUNC, row.function);
+    for (const auto& [enable, write, function, first, second_seen, third_seen] : kRows) {
+        canvas.Clear(kBack, first);
+        canvas->SetRenderState(D3DRS_ZENABLE, enable);
+        canvas->SetRenderState(D3DRS_ZWRITEENABLE, write);
+        canvas->SetRenderState(D3DRS_ZFUNC, function);
         canvas.FillAll(kSecond, 0xFF000000, 0.75f);
-        EXPECT_EQ(canvas.PixelArgb(1, 1) == kSecond, row.second_seen) << row.enable << row.write << row.function;
+        EXPECT_EQ(canvas.PixelArgb(1, 1) == kSecond, second_seen) << enable << write << function;
         canvas.FillAll(kThird, 0xFF000000, 0.625f);
-        EXPECT_EQ(canvas.PixelArgb(1, 1) == kThird, row.third_seen) << row.enable << row.write << row.function;
+        EXPECT_EQ(canvas.PixelArgb(1, 1) == kThird, third_seen) << enable << write << function;
     }
 }
 
@@ -166,20 +164,16 @@ TEST(Raster, DrawsIndexedFansListsAndLines) {
     canvas->SetFVF(PlainVertex::kFvf);
     canvas->SetStreamSource(0, vertices.Get(), 0, sizeof(PlainVertex));
     canvas->SetIndices(indices.Get());
-    constexpr struct {
-        D3DPRIMITIVETYPE type;
-        UINT first, count;
-        int at_least, at_most;
-    } kRows[] = {{D3DPT_TRIANGLEFAN, 1, 2, 169, 169},
-                 {D3DPT_TRIANGLELIST, 1, 1, 78, 91},
-                 {D3DPT_LINELIST, 1, 1, 12, 14},
-                 {D3DPT_LINESTRIP, 1, 3, 36, 40}};
+    constexpr std::tuple<D3DPRIMITIVETYPE, UINT, UINT, int, int> kRows[] = {{D3DPT_TRIANGLEFAN, 1, 2, 169, 169},
+                                                                            {D3DPT_TRIANGLELIST, 1, 1, 78, 91},
+                                                                            {D3DPT_LINELIST, 1, 1, 12, 14},
+                                                                            {D3DPT_LINESTRIP, 1, 3, 36, 40}};
     for (int frame = 0; frame < 3; ++frame) {   // streamed first, then from a buffer of its own
-        for (const auto& row : kRows) {
+        for (const auto& [type, first, count, at_least, at_most] : kRows) {
             canvas.Clear(kBack);
-            EXPECT_EQ(canvas->DrawIndexedPrimitive(row.type, 1, 1, 4, row.first, row.count), D3D_OK);
-            EXPECT_GE(Covered(canvas), row.at_least) << row.type << " frame " << frame;
-            EXPECT_LE(Covered(canvas), row.at_most) << row.type << " frame " << frame;
+            EXPECT_EQ(canvas->DrawIndexedPrimitive(type, 1, 1, 4, first, count), D3D_OK);
+            EXPECT_GE(Covered(canvas), at_least) << type << " frame " << frame;
+            EXPECT_LE(Covered(canvas), at_most) << type << " frame " << frame;
         }
         canvas->EndScene();
         EXPECT_EQ(canvas->Present(nullptr, nullptr, nullptr, nullptr), D3D_OK);

@@ -156,25 +156,20 @@ TEST_F(Samplers, ChooseLevelsByFilterBiasAndLimit) {
         FillLevel(*texture, level, std::vector<D3DCOLOR>(64, Argb(255, 50 * (level + 1), 0, 0)).data());
     canvas_->SetTexture(0, texture.Get());
     canvas_->SetTextureStageState(0, D3DTSS_ALPHAOP, D3DTOP_SELECTARG2);
-    constexpr struct {
-        DWORD filter;
-        float bias;
-        DWORD largest;
-        int repeats, wanted, tolerance;
-    } kRows[] = {
+    constexpr std::tuple<DWORD, float, DWORD, int, int, int> kRows[] = {
         {D3DTEXF_NONE, 0, 0, 4, 50, 0},    {D3DTEXF_NONE, 0, 2, 1, 150, 0},  {D3DTEXF_POINT, 0, 0, 1, 50, 0},
         {D3DTEXF_POINT, 0, 0, 2, 100, 0},  {D3DTEXF_POINT, 0, 0, 4, 150, 0}, {D3DTEXF_POINT, 1, 0, 2, 150, 0},
         {D3DTEXF_POINT, -1, 0, 4, 100, 0}, {D3DTEXF_POINT, 0, 3, 1, 200, 0}, {D3DTEXF_LINEAR, 0.5f, 0, 2, 125, 3}};
-    for (const auto& row : kRows) {
-        canvas_->SetSamplerState(0, D3DSAMP_MIPFILTER, row.filter);
-        canvas_->SetSamplerState(0, D3DSAMP_MIPMAPLODBIAS, std::bit_cast<DWORD>(row.bias));
-        canvas_->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, row.largest);
+    for (const auto& [filter, bias, largest, repeats, wanted, tolerance] : kRows) {
+        canvas_->SetSamplerState(0, D3DSAMP_MIPFILTER, filter);
+        canvas_->SetSamplerState(0, D3DSAMP_MIPMAPLODBIAS, std::bit_cast<DWORD>(bias));
+        canvas_->SetSamplerState(0, D3DSAMP_MAXMIPLEVEL, largest);
         canvas_.Clear(0);
-        const float end = static_cast<float>(row.repeats);   // how often the texture lies over the canvas
+        const float end = static_cast<float>(repeats);   // how often the texture lies over the canvas
         canvas_.Draw(ScreenVertex::kFvf, D3DPT_TRIANGLESTRIP, 2,
                      Corners(-0.5f, -0.5f, 7.5f, 7.5f, 0, 0xFF000000, 0.5f, end, end));
-        EXPECT_NEAR(canvas_.Pixel(3, 4).r, row.wanted, row.tolerance)
-            << "filter " << row.filter << " bias " << row.bias << " from " << row.largest << " x " << row.repeats;
+        EXPECT_NEAR(canvas_.Pixel(3, 4).r, wanted, tolerance)
+            << "filter " << filter << " bias " << bias << " from " << largest << " x " << repeats;
     }
 }
 

@@ -114,14 +114,12 @@ TEST_F(EffectTest, ValuesAreConvertedToTheParameter) {
     EXPECT_EQ(effect->GetInt(handle("b"), &whole), D3D_OK);
     EXPECT_EQ(whole, 1);
     const D3DXVECTOR4 given{1.5f, -2.5f, 0, 4};
-    const struct {
-        const char* name;
-        D3DXVECTOR4 kept;
-    } rows[] = {{"v", {1.5f, -2.5f, 0, 0}}, {"w", {2, -3, 0, 0}}, {"m", {1, 1, 0, 1}}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(effect->SetVector(handle(row.name), &given), D3D_OK) << row.name;
-        EXPECT_EQ(effect->GetVector(handle(row.name), &vector), D3D_OK) << row.name;
-        EXPECT_EQ(vector, row.kept) << row.name;
+    const std::pair<const char*, D3DXVECTOR4> kRows[] = {
+        {"v", {1.5f, -2.5f, 0, 0}}, {"w", {2, -3, 0, 0}}, {"m", {1, 1, 0, 1}}};
+    for (const auto& [name, kept] : kRows) {
+        EXPECT_EQ(effect->SetVector(handle(name), &given), D3D_OK) << name;
+        EXPECT_EQ(effect->GetVector(handle(name), &vector), D3D_OK) << name;
+        EXPECT_EQ(vector, kept) << name;
     }
     EXPECT_EQ(effect->SetFloat(handle("t"), 1), D3DERR_INVALIDCALL);
     EXPECT_EQ(effect->SetFloat(nullptr, 1), D3DERR_INVALIDCALL);
@@ -132,20 +130,18 @@ TEST_F(EffectTest, ValuesAreConvertedToTheParameter) {
 }
 
 TEST_F(EffectTest, GlobalsReachTheFunctionRowByRow) {
-    const struct {
-        const char *declaration, *use;
-        std::vector<float> globals;   // that the function gets
-    } rows[] = {
+    const std::tuple<const char*, const char*, std::vector<float>> kRows[] = {
+        // declaration, use, what it gets
         {"float4x4 m;", "mul(p, m)", {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}},
         {"float4x3 m;", "float4(mul(p, m), 1)", {1, 2, 3, 0, 5, 6, 7, 0, 9, 10, 11, 0, 13, 14, 15, 0}},
         {"float2x2 m;", "mul(p.xy, m).xyxy", {1, 2, 0, 0, 5, 6, 0, 0}},
     };
-    for (const auto& row : rows) {
-        const auto effect = Load(Using(row.declaration, row.use));
+    for (const auto& [declaration, use, globals] : kRows) {
+        const auto effect = Load(Using(declaration, use));
         ASSERT_EQ(effect->SetMatrix(effect->GetParameter(nullptr, 0), &kCounting), D3D_OK);
         effect->Begin(nullptr, 0);
         ASSERT_EQ(effect->BeginPass(0), D3D_OK);
-        EXPECT_EQ(Globals(), row.globals) << row.declaration;
+        EXPECT_EQ(Globals(), globals) << declaration;
         effect->End();
     }
 }
@@ -351,25 +347,23 @@ TEST_F(EffectTest, CompilingLeavesNoFileBecauseItMakesNone) {
 }
 
 TEST_F(EffectTest, ErrorsComeAsText) {
-    const struct {
-        std::string file, text;
-    } rows[] = {
+    const std::pair<std::string, std::string> kRows[] = {
         {Write("bad.fx", "float a\n;;\ntechnique { pas }"), "bad.fx(3): error X2000: "},
         {Write("bad.fxo", "SFXO\x01"), "bad.fxo(1): error X1000: the compiled effect is cut short"},
         {Write("old.fxo", std::string("SFXO\x07\0\0\0", 8)), "old.fxo(1): error X1000: a compiled effect of version 7"},
         {folder_.Path("none.fx"), "none.fx(1): error X1000: can not open the file"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [file, part] : kRows) {
         DevicePtr<ID3DXEffect> effect;
         DevicePtr<ID3DXBuffer> errors;
         EXPECT_EQ(
-            D3DXCreateEffectFromFileA(device_.Get(), row.file.c_str(), 0, nullptr, effect.Receive(), errors.Receive()),
+            D3DXCreateEffectFromFileA(device_.Get(), file.c_str(), 0, nullptr, effect.Receive(), errors.Receive()),
             D3DXERR_INVALIDDATA);
         EXPECT_FALSE(effect);
         ASSERT_TRUE(errors);
         const std::string text = static_cast<const char*>(errors->GetBufferPointer());
         EXPECT_EQ(errors->GetBufferSize(), text.size() + 1);
-        EXPECT_THAT(text, HasSubstr(row.text));
+        EXPECT_THAT(text, HasSubstr(part));
     }
     EXPECT_EQ(D3DXCreateEffectFromFileA(nullptr, "a.fx", 0, nullptr, nullptr, nullptr), D3DERR_INVALIDCALL);
 }

@@ -51,11 +51,7 @@ TEST(D3dxMatrices, MovePoints) {
     const D3DXMATRIX scaling = Scaling(2, 3, 4);
     D3DXMatrixMultiply(&in_place, &in_place, &scaling);
     const float half_height = 10 * std::tan(0.45f);   // at distance 10
-    const struct {
-        const char* name;
-        D3DXMATRIX matrix;
-        D3DXVECTOR3 from, to;
-    } kRows[] = {
+    const std::tuple<const char*, D3DXMATRIX, D3DXVECTOR3, D3DXVECTOR3> kRows[] = {
         {"divided by w", kSheared, {2, 3, 4}, {16 / 3.0f, 5 / 3.0f, 13.25f / 3.0f}},   // (16, 5, 13.25, 3)
         {"scaled, then moved", scaling * Translation(5, 6, 7), {-1, 2, 0.5f}, {3, 12, 9}},
         {"moved, then scaled", in_place, {-1, 2, 0.5f}, {8, 24, 30}},
@@ -72,7 +68,7 @@ TEST(D3dxMatrices, MovePoints) {
         {"turned by a quaternion", Matrix(Quaternion(axis, 1.3f)), v, Moved(v, Rotation(axis, 1.3f))},
         {"by a product, the first one first", Matrix(a * b), v, Moved(Moved(v, Matrix(a)), Matrix(b))},
     };
-    for (const auto& row : kRows) ExpectNear(Moved(row.from, row.matrix), row.to, row.name);
+    for (const auto& [name, matrix, from, to] : kRows) ExpectNear(Moved(from, matrix), to, name);
     D3DXVECTOR3 direction(2, 3, 4);   // which nothing shifts or divides
     ExpectNear(*D3DXVec3TransformNormal(&direction, &direction, &kSheared), {11, 11, 6.25f}, "a direction");
 }

@@ -24,12 +24,8 @@ TEST(PixelFormats, StoreEveryValueAndGiveItBack) {
 }
 
 TEST(PixelFormats, RoundToTheNearestAndStretchToTheFullRange) {
-    const struct {
-        D3DFORMAT format;
-        D3DCOLOR colour;
-        UINT stored;
-        D3DCOLOR back;
-    } rows[] = {
+    constexpr std::tuple<D3DFORMAT, D3DCOLOR, UINT, D3DCOLOR> kRows[] = {
+        // a colour, as it is stored, and back
         {D3DFMT_R5G6B5, 0xFF84827C, 0x840F, 0xFF84827B},
         {D3DFMT_A1R5G5B5, 0x7FFF0000, 0x7C00, 0x00FF0000},
         {D3DFMT_A1R5G5B5, 0x800000FF, 0x801F, 0xFF0000FF},
@@ -40,13 +36,13 @@ TEST(PixelFormats, RoundToTheNearestAndStretchToTheFullRange) {
         {D3DFMT_X8R8G8B8, 0x12345678, 0xFF345678, 0xFF345678},
         {D3DFMT_A8B8G8R8, 0x12345678, 0x12785634, 0x12345678},
     };
-    for (const auto& row : rows) {
+    for (const auto& [format, colour, wanted, wanted_back] : kRows) {
         UINT stored = 0;
-        PackPixels(row.format, &row.colour, 1, reinterpret_cast<BYTE*>(&stored));
-        EXPECT_EQ(stored, row.stored) << row.format;
+        PackPixels(format, &colour, 1, reinterpret_cast<BYTE*>(&stored));
+        EXPECT_EQ(stored, wanted) << format;
         D3DCOLOR back;
-        UnpackPixels(row.format, reinterpret_cast<BYTE*>(&stored), 1, &back);
-        EXPECT_EQ(back, row.back) << row.format;
+        UnpackPixels(format, reinterpret_cast<BYTE*>(&stored), 1, &back);
+        EXPECT_EQ(back, wanted_back) << format;
     }
 }
 
