@@ -242,8 +242,8 @@ TEST(SearchTree, ReportsNamesItCannotHold) {
 
 TEST(SearchTree, ValuesStayWhereTheyAre) {
     SearchTree<int> tree;
-    std::vector<int*> values;
-    for (int i = 0; i < 5000; ++i) values.push_back(tree.Insert(("spark" + std::to_string(i)).c_str()));
+    std::vector<int*> values(5000);
+    for (int i = 0; int*& value : values) value = tree.Insert(("spark" + std::to_string(i++)).c_str());
     for (int i = 0; i < 5000; ++i) *values[static_cast<std::size_t>(i)] = i;
     for (int i = 0; i < 5000; ++i) ASSERT_EQ(*tree.Find(("SPARK" + std::to_string(i)).c_str()), i);
     EXPECT_EQ(tree.Find("spark5000"), nullptr);
