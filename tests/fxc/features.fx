@@ -309,6 +309,12 @@ struct L { float3 c; float2 d[2]; }; L l[2] = {{{0.2, 0, 0}, {0, 0, 0, 0}}, {{0,
 float a[2][3] = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}}; static const float b[2][2] = {0.1, 0.2, 0.3, 0.4};
 => float c[2][2]; c[1][0] = b[1][1]; return float4(a[0][1], c[1][0], a[1][2], 1);
 
+//// whole numbers and truths between the stages: 51 102 0
+void V(float4 p : POSITION, out float4 o : POSITION, out int2 n : TEXCOORD0, out bool b : TEXCOORD1) {
+    o = p; n = int2(1, 2); b = true; }
+float4 Q(int2 n : TEXCOORD0, bool b : TEXCOORD1) : COLOR { return float4(n * 0.2, 0, b); }
+technique { pass { VertexShader = compile vs_3_0 V(); PixelShader = compile ps_3_0 Q(); } }
+
 //// structures whose members lie close: 51 102 153
 struct L { float a; float3 b; float c; float2 d; float3x2 e; bool f; float3 g; };
 L l[2] = {{1, {1, 1, 1}, 0.4, {1, 1}, {1, 1, 1, 1, 1, 1}, true, {1, 1, 1}},

@@ -121,6 +121,17 @@ class Translator {
 
     // ---- Inputs and outputs
 
+    /// As StageVariable has it; empty for what cannot go between stages.
+    static std::string NumberOf(const spirv_cross::SPIRType& type) {
+        switch (type.basetype) {
+            case spirv_cross::SPIRType::Float: return "float";
+            case spirv_cross::SPIRType::Int:
+            case spirv_cross::SPIRType::UInt: return "int";
+            case spirv_cross::SPIRType::Boolean: return "bool";
+            default: return {};
+        }
+    }
+
     bool AddVariable(const spirv_cross::Resource& resource, bool input, std::string& error) {
         const spirv_cross::SPIRType& type = compiler_.get_type(resource.type_id);
         StageVariable variable;
@@ -129,11 +140,9 @@ class Translator {
         variable.components = static_cast<int>(type.vecsize);
         variable.indexed = type.columns > 1 || !type.array.empty();
         variable.rows = static_cast<int>(type.array.empty() ? type.columns : type.array[0]);
-        variable.whole = type.basetype != spirv_cross::SPIRType::Float;
+        variable.number = NumberOf(type);
         const bool simple =
-            (type.basetype == spirv_cross::SPIRType::Float || type.basetype == spirv_cross::SPIRType::Int ||
-             type.basetype == spirv_cross::SPIRType::UInt) &&
-            type.array.size() <= 1 && (type.array.empty() || type.columns == 1);
+            !variable.number.empty() && type.array.size() <= 1 && (type.array.empty() || type.columns == 1);
         const bool known = simple && (input ? interface_.AddInput(variable, out_.unsupported)
                                             : interface_.AddOutput(variable, out_.unsupported));
         if (!known) {

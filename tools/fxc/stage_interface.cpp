@@ -66,8 +66,9 @@ std::string RowName(const StageVariable& variable, int row) {
 std::string Narrowed(const StageVariable& variable, const std::string& source) {
     constexpr std::string_view kComponents = "xyzw";
     const auto swizzle = kComponents.substr(0, static_cast<std::size_t>(variable.components));
-    if (variable.components == 1) return fmt::format("{}({}.x)", variable.whole ? "int" : "float", source);
-    return fmt::format("{}vec{}({}.{})", variable.whole ? "i" : "", variable.components, source, swizzle);
+    if (variable.components == 1) return fmt::format("{}({}.x)", variable.number, source);
+    const std::string letter = variable.number == "float" ? "" : variable.number.substr(0, 1);
+    return fmt::format("{}vec{}({}.{})", letter, variable.components, source, swizzle);
 }
 
 /// A row as a vec4 whose missing components are 0, 0 and 1.

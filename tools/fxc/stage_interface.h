@@ -17,7 +17,7 @@ struct StageVariable {
     std::string semantic;   // such as TEXCOORD3
     int components = 4;
     int rows = 1;           // of a matrix or an array: each takes a place of its own
-    bool whole = false;     // integers
+    std::string number;     // of its components: float, int or bool
     bool indexed = false;   // rows are reached by [i]
 };
 
