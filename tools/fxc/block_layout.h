@@ -1,3 +1,4 @@
+// Where the parameters of a function lie in its uniform block.
 #pragma once
 #include <spirv_cross/spirv_glsl.hpp>
 

@@ -1,3 +1,4 @@
+// Matrix elements by name.
 #pragma once
 #include <string_view>
 #include <vector>
