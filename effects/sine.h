@@ -53,20 +53,6 @@ inline double Cosine(double angle) {
     return -NegateIfOdd(Polynomial(Reduce(angle, (rounded - kRounder) + 0.5)), rounded);
 }
 
-/// sin(pi x) in single precision: within 6e-7 for up to a million half turns.
-inline float SineOfHalfTurns(float x) {
-    constexpr float kRounder = 0x1.8p+23f;   // adding and subtracting it rounds to the nearest integer
-    const float rounded = x + kRounder, r = x - (rounded - kRounder), s = r * r;   // r exact, in [-1/2, 1/2]
-    const float sine = r * (3.1415820f + s * (-5.1671428f + s * (2.5418990f + s * -0.55463620f)));   // minimax (Remez)
-    return std::bit_cast<float>(std::bit_cast<std::uint32_t>(sine) ^ (std::bit_cast<std::uint32_t>(rounded) << 31));
-}
-
-/// In single precision, six times as fast: within 1e-6 plus 2e-7 of the angle.
-inline float ShortSine(float angle) { return SineOfHalfTurns(angle * static_cast<float>(1 / sine_detail::kPi)); }
-inline float ShortCosine(float angle) {
-    return SineOfHalfTurns(angle * static_cast<float>(1 / sine_detail::kPi) + 0.5f);
-}
-
 /// Both in single precision, within 1e-6, twice as fast.
 inline void SineAndCosine(float angle, float& sine, float& cosine) {
     using namespace sine_detail;

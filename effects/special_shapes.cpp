@@ -1,73 +1,92 @@
-// Built as motion_lanes.cpp is.
+// Loops run over eight points at once, so that none is left over. They are built as motion_lanes.cpp is, but
+// multiplications and additions are fused where the processor can: points may differ in their last bits from one
+// processor to the next.
 #include "effects/special_shapes.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <iterator>
-#include <numbers>
 
 #include "base/numeric.h"
-#include "base/random.h"
-#include "effects/exponential.h"
-#include "effects/four.h"
-#include "effects/sine.h"
+#include "effects/eight.h"
 #include "effects/vector_code.h"
 
 namespace sparkrig {
 namespace {
 
-constexpr double kTurn = 6.2832;   // not the exact value, like the next: authored shapes are tuned to these
-constexpr float kTurnF = 6.2832f, kThirdTurn = 2.0944f;
+/// The axes of a shape, as long as the shape is large along them.
+struct Frame {
+    D3DXVECTOR3 origin, forward, up, side;
 
-/// Loops run over eight points at once, so that none is left over: behind the last there is room.
-constexpr int kTogether = 8, kRoom = kSpecialPoints + kTogether;
-constexpr int Whole(int count) { return (count + kTogether - 1) & -kTogether; }
-
-/// The points, one array for each number. Positions are along the shape's axes, from its own position.
-struct Points {
-    alignas(64) float forward[kRoom], up[kRoom], side[kRoom];
-    alignas(64) std::uint32_t colour[kRoom];
+    Frame Stretched(float along, float rise, float aside) const {
+        return {origin, forward * along, up * rise, side * aside};
+    }
 };
 
-/// For each point how far it has come, 0 to 1, and where its random numbers begin.
+/// Places along the axes of a frame.
+struct EightPoints {
+    Eight forward, up, side;
+    EightWords colour;
+};
+
+/// Points `first` to `first` + 7, as far as there is room; `first` is below kSpecialPoints. What is written behind the
+/// last one of a shape means nothing.
+inline void Write(const EightPoints& eight, const Frame& frame, int first, KRN_PointVertex* points) {
+    static_assert(sizeof(KRN_PointVertex) == sizeof(Four));
+    const auto along = [&](float D3DXVECTOR3::*axis) {
+        return frame.origin.*axis + eight.up * frame.up.*axis + eight.forward * frame.forward.*axis +
+               eight.side * frame.side.*axis;
+    };
+    const FourEights pairs =
+        Transposed(along(&D3DXVECTOR3::x), along(&D3DXVECTOR3::y), along(&D3DXVECTOR3::z), FromBits(eight.colour));
+    const auto store = [&](KRN_PointVertex* to) {
+        Store(pairs.a, to);
+        Store(pairs.b, to + 2);
+        Store(pairs.c, to + 4);
+        Store(pairs.d, to + 6);
+    };
+    if (first <= kSpecialPoints - kTogether) return store(points + first);
+    KRN_PointVertex last[kTogether];
+    store(last);
+    std::copy_n(last, kSpecialPoints - first, points + first);
+}
+
+// ---- Numbers of eight points
+
+constexpr EightWords kPoints = {PointOfLane(0), PointOfLane(1), PointOfLane(2), PointOfLane(3),
+                                PointOfLane(4), PointOfLane(5), PointOfLane(6), PointOfLane(7)};
+
+/// That lie point by point.
+inline Eight OfPoints(const float* numbers) {
+    const Eight eight = EightAt(numbers);
+    return __builtin_shufflevector(eight, eight, PointOfLane(0), PointOfLane(1), PointOfLane(2), PointOfLane(3),
+                                   PointOfLane(4), PointOfLane(5), PointOfLane(6), PointOfLane(7));
+}
+
+/// For each lane how far its point has come in its cycle, in [0, 1), and where its random numbers begin.
 struct Progress {
-    alignas(64) float f[kRoom];
-    alignas(64) std::uint32_t k[kRoom];
+    alignas(64) float f[kSpecialPoints];
+    alignas(64) std::uint32_t place[kSpecialPoints];
 };
 
-struct Axes {
-    D3DXVECTOR3 forward, up, side;
-};
-
-// ---- Progress
-
-/// Points that start afresh again and again: period = spread x T[i] + least, and T[i + 1] periods have gone at age 0.
-/// k counts modulo kSpecialPoints.
-void FindCycles(const RandomTable& table, int first, int whole, double spread, double least, double age,
-                Progress& progress) {
-    constexpr double kLowBits = 0x1.8p+52;   // the low bits of a whole number plus this are the number's
-    for (int i = 0; i < whole; ++i) {
-        const double periods = table.values[i + 1] + age / (spread * table.values[i] + least);
-        const double cycle = std::trunc(periods);
-        const auto f = static_cast<float>(periods - cycle);
-        progress.f[first + i] = f > 0 ? f : 0;
-        progress.k[first + i] = static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(cycle + kLowBits));
+/// Each point's numbers begin as many places behind its own as the cycles that have gone, and `offset` behind that.
+inline void FindProgress(const Cycles& cycles, int count, double age, int offset, Progress& progress) {
+    for (int i = 0; i < count; i += kTogether) {
+        const EightWords fixed =
+            LowWords(FourDoublesAt(cycles.start + i) + age * FourDoublesAt(cycles.per_second + i),
+                     FourDoublesAt(cycles.start + i + 4) + age * FourDoublesAt(cycles.per_second + i + 4));
+        const EightWords place = (fixed >> 24) + kPoints + static_cast<std::uint32_t>(i + offset);
+        Store(Converted(fixed & 0xFFFFFFu) * 0x1p-24f, progress.f + i);
+        Store(FromBits(place & (kSpecialPoints - 1u)), progress.place + i);
     }
 }
 
-/// From 0 to 1 along each of some lines of points; a single one is at 0.
-void FindLines(int lines, int each, Progress& progress) {
-    const float step = each > 1 ? 1 / static_cast<float>(each - 1) : 0.0f;
-    for (float* f = progress.f; lines > 0; --lines, f += each)
-        for (int i = 0; i < Whole(each); ++i) f[i] = static_cast<float>(i) * step;
-}
-
-/// The angle that a turn a second has come to, within (-2 pi, 2 pi).
+/// The half turns that a turn a second has come to, within (-2, 2).
 float Phase(double age) {
-    constexpr double kCircle = 2 * std::numbers::pi, kLargest = 1e15;   // of an angle that has a phase
-    const double angle = kTurn * age;
-    return std::abs(angle) < kLargest ? static_cast<float>(angle - kCircle * std::trunc(angle * (1 / kCircle))) : 0;
+    constexpr double kSlowest = 1e15;   // of what has a phase
+    const double turns = age * (0.5 * kTurn / std::numbers::pi);
+    return std::abs(turns) < kSlowest ? static_cast<float>(2 * (turns - std::trunc(turns))) : 0;
 }
 
 /// Once a second.
@@ -76,230 +95,221 @@ float Burst(double age) {
     return static_cast<float>(f >= 0 ? f : 0);
 }
 
-// ---- Random numbers
-
-/// Of each point the numbers from kFirst on behind its own place in the table: a row for each number, so that the loops
-/// over points read what lies side by side.
-template <int kFirst, int kNumbers>
-struct RandomRows {
-    static_assert(kNumbers % 4 == 0 && kFirst + kNumbers <= RandomTable::kMost);
-    alignas(64) float rows[kNumbers][kRoom];
-
-    const float* operator[](int number) const { return rows[number - kFirst]; }
-
-    /// The numbers of point i begin at index k[i] + i + offset. `whole` is a multiple of kTogether.
-    void Fetch(const RandomTable& table, const std::uint32_t* k, int offset, int whole) {
-        alignas(64) std::uint32_t place[kRoom];
-        for (int i = 0; i < whole; ++i)
-            place[i] = (k[i] + static_cast<std::uint32_t>(i + offset)) & (kSpecialPoints - 1);
-        for (int i = 0; i < whole; i += kTogether) {
-            const float* numbers[kTogether];
-            for (int point = 0; point < kTogether; ++point)
-                numbers[point] = table.values + place[i + point] + kFirst;   // NOLINT(clang-analyzer-core.*)
-            for (int n = 0; n < kNumbers; n += 4) {
-                Eight eight[4];
-                for (int point = 0; point < 4; ++point) Load(numbers[point] + n, numbers[point + 4] + n, eight[point]);
-                Transpose(eight);
-                for (int row = 0; row < 4; ++row) Store(eight[row], rows[n + row] + i, rows[n + row] + i + 4);
-            }
-        }
-    }
-};
-
 // ---- Colours
 
-std::uint32_t Channel(std::uint32_t colour, int shift) { return colour >> shift & 255u; }
 constexpr int kRed = 16, kGreen = 8, kBlue = 0, kAlpha = 24;
+std::uint32_t Channel(std::uint32_t colour, int shift) { return colour >> shift & 255u; }
 
-/// Of a value in [0, 256).
-std::uint32_t Byte(float value) { return static_cast<std::uint32_t>(static_cast<std::int32_t>(value)); }
-
-/// From the second colour towards the first, and to black: w of the second, all times `fade`.
-std::uint32_t Mixed(const SpecialShape& shape, float w, float fade) {
-    const auto channel = [&](int shift) {
-        const auto first = static_cast<float>(Channel(shape.first, shift));
-        const auto second = static_cast<float>(Channel(shape.second, shift));
-        return Byte((first + (second - first) * w) * fade) << shift;
-    };
-    return (shape.first & 0xFF000000u) | channel(kRed) | channel(kGreen) | channel(kBlue);
-}
-
-float Eighth(float f) {
-    const float a = (1 - f) * (1 - f), b = a * a;
-    return b * b;
-}
-
-/// fade(f) from 1 at the start to 0 at the end.
-template <class Fade>
-void ColourRamp(const SpecialShape& shape, const Progress& progress, int count, Fade fade, Points& points) {
-    for (int i = 0; i < Whole(count); ++i) {
-        const float f = progress.f[i];
-        points.colour[i] = Mixed(shape, Eighth(f), fade(f));
+/// From the second colour towards the first, and to black. The alpha is that of the first.
+class ColourRamp {
+  public:
+    explicit ColourRamp(const SpecialShape& shape) : alpha_(shape.first & 0xFF000000u) {
+        for (int i = 0; i < 3; ++i) {
+            first_[i] = static_cast<float>(Channel(shape.first, kShifts[i]));
+            change_[i] = static_cast<float>(Channel(shape.second, kShifts[i])) - first_[i];
+        }
     }
-}
-constexpr auto kLinearFade = [](float f) { return 1 - f; };
-constexpr auto kSquareFade = [](float f) { return 1 - f * f; };
+
+    /// w of the second colour, all times `fade`.
+    EightWords Mixed(Eight w, Eight fade) const {
+        const auto channel = [&](int i) { return Truncated((first_[i] + change_[i] * w) * fade) << kShifts[i]; };
+        return channel(0) | channel(1) | channel(2) | alpha_;
+    }
+
+    EightWords At(Eight f, Eight fade) const {
+        const Eight a = 1.0f - f, b = a * a, c = b * b;
+        return Mixed(c * c, fade);
+    }
+
+  private:
+    static constexpr int kShifts[] = {kRed, kGreen, kBlue};
+    float first_[3], change_[3];
+    std::uint32_t alpha_;
+};
 
 // ---- Flame and smoke
 
+/// From the first colour to the second. The alpha comes at a rate of e to the power `rise`, and goes.
+class RisingColour {
+  public:
+    RisingColour(const SpecialShape& shape, float rise, float most)
+        : first_(EightWords{} + shape.first),
+          second_(EightWords{} + shape.second),
+          rise_(rise * std::numbers::log2e_v<float>),
+          alpha_(most * static_cast<float>(Channel(shape.first, kAlpha))) {}
+
+    EightWords At(Eight f) const {
+        constexpr float kOne = 65536;   // of the shares, in fixed point
+        const EightWords share = Truncated(kOne * f), rest = Truncated(kOne - kOne * f);
+        const auto channel = [&](int shift) {   // in the upper half of the word
+            return ((first_ >> shift & 255u) * rest & 0xFFFF0000u) + ((second_ >> shift & 255u) * share & 0xFFFF0000u);
+        };
+        const Eight gone = alpha_ - alpha_ * f, alpha = gone - gone * PowerOfTwo(-rise_ * f);
+        return Truncated(alpha) << kAlpha | channel(kRed) | channel(kGreen) >> 8 | channel(kBlue) >> 16;
+    }
+
+  private:
+    EightWords first_, second_;
+    float rise_, alpha_;
+};
+
+/// Of half the lanes: how far the points are aside, forward and to the side in turn, and pairs that begin with the
+/// height.
+template <bool kFlame>
+inline TwoEights RisenHalf(const float* const (&rises)[kTogether], int half, Eight f) {
+    const auto [speed, start] = PairsOfEach(rises, 0, half);
+    const auto [drift, sway] = PairsOfEach(rises, 4, half);
+    const auto [damping, height] = PairsOfEach(rises, 8, half);
+    const Eight aside = drift + sway * RoughSineOfHalfTurns(speed * f + start);
+    return {kFlame ? aside * RoughPowerOfTwo(damping * f) : aside, height};
+}
+
 /// Both rise alike; a flame's points draw together and spread as they rise.
 template <bool kFlame>
-inline int Rising(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
-    const float height = shape.scale.z, spread = shape.scale.x;
-    const int whole = Whole(count);
+inline int Rising(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                  KRN_PointVertex* points) {
+    const float spread = kFlame ? shape.scale.x : 0.2f * shape.scale.x;
+    const Frame frame = axes.Stretched(spread, shape.scale.z, spread);
+    const RisingColour colour = kFlame ? RisingColour(shape, 20, 1) : RisingColour(shape, 5, 1 / 0.6f);
     Progress progress;
-    FindCycles(table, 0, whole, 0.2, 0.5, 0.6 * shape.age, progress);
-    RandomRows<2, 12> T;
-    T.Fetch(table, progress.k, shape.seed, whole);
-    for (int i = 0; i < whole; ++i) {
-        const float f = progress.f[i];
-        const float sway_1 = ShortSine(kTurnF * f * (3 * T[2][i] + 1) + kTurnF * T[4][i]);
-        const float sway_2 = ShortSine(kTurnF * f * (3 * T[3][i] + 1) + kTurnF * T[5][i]);
-        const float wobble_1 = 1.5f * (2 * T[8][i] - 1) + 0.3f * T[12][i] * sway_1;
-        const float wobble_2 = 1.5f * (2 * T[9][i] - 1) + 0.3f * T[13][i] * sway_2;
-        const float radius = (kFlame ? std::sqrt(f) : 0.2f) * (0.2f * T[7][i] + 0.4f) * spread;
-        points.forward[i] = radius * wobble_1 * (kFlame ? Exponential(-(2 + 2.5f * T[10][i]) * f) : 1);
-        points.side[i] = radius * wobble_2 * (kFlame ? Exponential(-(2 + 2.5f * T[11][i]) * f) : 1);
-        points.up[i] = (0.4f * T[6][i] + 0.5f) * height * f;
-    }
-    const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
-    for (int i = 0; i < whole; ++i) {
-        const float f = progress.f[i];
-        const auto a = static_cast<std::uint32_t>(static_cast<std::int32_t>(65536 * f));
-        const auto b = static_cast<std::uint32_t>(static_cast<std::int32_t>(65536 * (1 - f)));   // a + b <= 65536
-        const auto channel = [&](int shift) {
-            return ((Channel(shape.first, shift) * b >> 16) + (Channel(shape.second, shift) * a >> 16)) << shift;
-        };
-        const float shown =
-            kFlame ? (1 - Exponential(-20 * f)) * (1 - f) : (1 - Exponential(-5 * f)) * (1 - f) * (1 / 0.6f);
-        points.colour[i] = Byte(alpha * shown) << kAlpha | channel(kRed) | channel(kGreen) | channel(kBlue);
+    FindProgress(table.slow, count, 0.6 * shape.age, shape.seed, progress);
+    for (int i = 0; i < count; i += kTogether) {
+        const float* rises[kTogether];
+        for (int lane = 0; lane < kTogether; ++lane) rises[lane] = table.rises[progress.place[i + lane]].numbers;
+        const Eight f = EightAt(progress.f + i);
+        const auto [f_0, f_1] = Doubled(f);
+        const auto [aside_0, height_0] = RisenHalf<kFlame>(rises, 0, f_0);
+        const auto [aside_1, height_1] = RisenHalf<kFlame>(rises, 1, f_1);
+        const auto [forward, side] = Parted(aside_0, aside_1);
+        const Eight radius = kFlame ? SquareRoot(f) : Eight{} + 1.0f;
+        Write({forward * radius, Parted(height_0, height_1).a * f, side * radius, colour.At(f)}, frame, i, points);
     }
     return count;
 }
 
-SPARKRIG_VECTOR_CODE int Flame(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
-    return Rising<true>(shape, table, count, points);
+SPARKRIG_VECTOR_CODE int Flame(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                               KRN_PointVertex* points) {
+    return Rising<true>(shape, table, count, axes, points);
 }
-SPARKRIG_VECTOR_CODE int Smoke(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
-    return Rising<false>(shape, table, count, points);
+SPARKRIG_VECTOR_CODE int Smoke(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                               KRN_PointVertex* points) {
+    return Rising<false>(shape, table, count, axes, points);
 }
 
-// ---- Helix, snake
+// ---- Helix
 
-SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
-    const float length = shape.scale.z, radius = shape.scale.x;
-    Progress progress;
-    FindCycles(table, 0, Whole(count), 0.2, 0.5, shape.age, progress);
+SPARKRIG_VECTOR_CODE int Helix(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                               KRN_PointVertex* points) {
+    const float radius = shape.scale.x;
+    const Frame frame = axes.Stretched(radius, shape.scale.z, radius);
+    const ColourRamp colour(shape);
     const float phase = Phase(shape.age);
-    for (int i = 0; i < Whole(count); ++i) {
-        const float f = progress.f[i], r = (1 - Exponential(-f)) * radius, angle = f * kTurnF + phase;
-        points.forward[i] = ShortSine(angle) * r;
-        points.side[i] = ShortCosine(angle) * r;
-        points.up[i] = f * length;
-    }
-    ColourRamp(shape, progress, count, kLinearFade, points);
-    return count;
-}
-
-/// A line backwards along the forward axis that swings once over its length.
-void Swinging(const SpecialShape& shape, const Progress& progress, int first, int count, float length, float amplitude,
-              float* swing, Points& points) {
-    const float phase = Phase(shape.age);
-    for (int i = first; i < first + Whole(count); ++i) {
-        swing[i] = amplitude * ShortSine(kTurnF * progress.f[i] + phase);
-        points.forward[i] = -progress.f[i] * length;
-    }
-}
-
-SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
     Progress progress;
-    FindLines(1, count, progress);
-    Swinging(shape, progress, 0, count, shape.scale.z, shape.scale.x, points.side, points);
-    std::fill_n(points.up, Whole(count), 0.0f);
-    ColourRamp(shape, progress, count, kSquareFade, points);
+    FindProgress(table.slow, count, shape.age, 0, progress);
+    for (int i = 0; i < count; i += kTogether) {
+        const Eight f = EightAt(progress.f + i), angle = f * kHalfTurns + phase;
+        const Eight r = 1.0f - PowerOfTwo(-std::numbers::log2e_v<float> * f);
+        Write({SineOfHalfTurns(angle) * r, f, CosineOfHalfTurns(angle) * r, colour.At(f, 1.0f - f)}, frame, i, points);
+    }
     return count;
 }
 
-// ---- Wave, jelly
+// ---- Snake, wave, jelly
 
-/// `rows` lines of `each` points side by side.
-void Sheet(const SpecialShape& shape, int rows, int each, Progress& progress, Points& points) {
+/// Rows of `each` points, one side axis apart; the middle one begins at the origin. All go along the forward axis and
+/// swing once over its length along the up axis. A single point of a row is at its beginning.
+inline void WriteRows(const SpecialShape& shape, const Frame& frame, int rows, int each, KRN_PointVertex* points) {
+    const ColourRamp colour(shape);
+    const float step = each > 1 ? 1 / static_cast<float>(each - 1) : 0.0f, phase = Phase(shape.age);
     const int middle = rows / 2;
-    const float gap = shape.scale.z / static_cast<float>(rows);
-    for (int row = 0; row < rows; ++row)
-        std::fill_n(points.side + row * each, Whole(each), static_cast<float>(row - middle) * gap);
-    FindLines(rows, each, progress);
-    Swinging(shape, progress, 0, rows * each, shape.scale.x, shape.scale.y, points.up, points);
+    for (int i = (each - 1) & -kTogether; i >= 0; i -= kTogether) {   // backwards: behind a row the next one begins
+        const Eight f = Converted(kPoints + static_cast<std::uint32_t>(i)) * step;
+        EightPoints swung = {f, SineOfHalfTurns(kHalfTurns * f + phase), {}, colour.At(f, 1.0f - f * f)};
+        for (int row = 0; row < rows; ++row) {
+            swung.side = Eight{} + static_cast<float>(row - middle);
+            Write(swung, frame, row * each + i, points);
+        }
+    }
 }
 
-SPARKRIG_VECTOR_CODE int Wave(const SpecialShape& shape, const RandomTable&, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Snake(const SpecialShape& shape, const RandomTable&, int count, const Frame& axes,
+                               KRN_PointVertex* points) {
+    const Frame level = {axes.origin, axes.forward, axes.side, axes.up};
+    WriteRows(shape, level.Stretched(-shape.scale.z, shape.scale.x, 0), 1, count, points);
+    return count;
+}
+
+SPARKRIG_VECTOR_CODE int Wave(const SpecialShape& shape, const RandomTable&, int count, const Frame& axes,
+                              KRN_PointVertex* points) {
     const float length = shape.scale.x, width = shape.scale.z;
     if (!(length > 0) || !(width > 0)) return 0;
     const int rows = TruncateToInt(std::sqrt(static_cast<double>(count) * width / length));
     if (rows < 1 || rows > count) return 0;
-    const int each = count / rows;
-    Progress progress;
-    Sheet(shape, rows, each, progress, points);
-    ColourRamp(shape, progress, rows * each, kSquareFade, points);
-    return rows * each;
+    const Frame frame = axes.Stretched(-length, shape.scale.y, width / static_cast<float>(rows));
+    WriteRows(shape, frame, rows, count / rows, points);
+    return count / rows * rows;
 }
 
-SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Jelly(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                               KRN_PointVertex* points) {
     const float length = shape.scale.x, width = shape.scale.z;
-    const int sheet = count / 5, drops = Whole(count - sheet);
+    const int sheet = count / 5, drops = count - sheet;
+    WriteRows(shape, axes.Stretched(-length, shape.scale.y, 0), 1, sheet, points);
+    const Frame frame = axes.Stretched(-length / 3, width, width);
+    const ColourRamp colour(shape);
     Progress progress;
-    Sheet(shape, 1, sheet, progress, points);
-    FindCycles(table, sheet, drops, 0.1, 0.3, shape.age, progress);
-    RandomRows<2, 4> T;
-    T.Fetch(table, progress.k + sheet, 0, drops);
-    for (int drop = 0; drop < drops; ++drop) {
-        const int i = sheet + drop;
-        const float f = progress.f[i], spread = 1 - T[3][drop];
-        const float angle = kTurnF * T[2][drop];
-        const float radius = width * f * (1 - spread * spread);
-        points.up[i] = radius * ShortSine(angle);
-        points.side[i] = radius * ShortCosine(angle);
-        points.forward[i] = -length / 3.0f * f * f;
+    FindProgress(table.fast, drops, shape.age, 0, progress);
+    for (int i = 0; i < drops; i += kTogether) {
+        const float* places[kTogether];
+        for (int lane = 0; lane < kTogether; ++lane)
+            places[lane] = table.values + progress.place[i + lane];   // NOLINT(clang-analyzer-core.*)
+        const auto [angle, distance, unused_1, unused_2] = FourOfEach(places, 2);
+        const Eight f = EightAt(progress.f + i), g = 1.0f - distance, r = f - f * (g * g);
+        const Eight turns = kHalfTurns * angle;
+        Write({f * f, r * SineOfHalfTurns(turns), r * CosineOfHalfTurns(turns), colour.At(f, 1.0f - f * f)}, frame,
+              sheet + i, points);
     }
-    ColourRamp(shape, progress, count, kSquareFade, points);
     return count;
 }
 
 // ---- Firework, splash
 
-SPARKRIG_VECTOR_CODE int Firework(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
-    const float radius = shape.scale.x, height = shape.scale.z;
-    const float f = Burst(shape.age), expansion = 1 - Exponential(-f), rest = (1 - f) * (1 - f);
-    std::fill_n(points.colour, Whole(count), Mixed(shape, 1 - rest * rest, 1 - f * f));
-    const float* const first = table.At(static_cast<int>(*table.At(shape.seed) * kSpecialPoints));
-    for (int i = 0; i < Whole(count); ++i) {
-        const float* T = first + i;
-        const float angle = kTurnF * T[1], r = T[2] * expansion;
-        points.side[i] = radius * r * ShortCosine(angle);
-        points.up[i] = radius * r * ShortSine(angle);
-        points.forward[i] = height * r * ShortCosine(kTurnF * 0.5f * T[3]);
+SPARKRIG_VECTOR_CODE int Firework(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                                  KRN_PointVertex* points) {
+    const float f = Burst(shape.age), expansion = 1 - std::exp(-f), rest = (1 - f) * (1 - f);
+    const float radius = shape.scale.x * expansion;
+    const Frame frame = axes.Stretched(shape.scale.z * expansion, radius, radius);
+    const EightWords colour = ColourRamp(shape).Mixed(Eight{} + (1 - rest * rest), Eight{} + (1 - f * f));
+    const float* const T = table.At(static_cast<int>(*table.At(shape.seed) * kSpecialPoints));
+    for (int i = 0; i < count; i += kTogether) {
+        const Eight angle = kHalfTurns * OfPoints(T + i + 1), r = OfPoints(T + i + 2);
+        const Eight along = CosineOfHalfTurns(0.5f * kHalfTurns * OfPoints(T + i + 3));
+        Write({r * along, r * SineOfHalfTurns(angle), r * CosineOfHalfTurns(angle), colour}, frame, i, points);
     }
     return count;
 }
 
-SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& table, int count, Points& points) {
+SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& table, int count, const Frame& axes,
+                                KRN_PointVertex* points) {
     constexpr int kSprays = 4;
+    constexpr float kThirdTurn = 2.0944f / std::numbers::pi_v<float>, kAngle = 1 / std::numbers::pi_v<float>;
     const int each = count / kSprays;
-    const float size = shape.scale.x, f = Burst(shape.age), fall = 0.25f * f * f;
-    const auto alpha = static_cast<float>(Channel(shape.first, kAlpha));
-    std::fill_n(points.colour, Whole(kSprays * each), (shape.first & 0xFFFFFFu) | Byte(alpha * (1 - f * f)) << kAlpha);
+    const float size = shape.scale.x, f = Burst(shape.age);
+    Frame frame = axes.Stretched(size * f, size * f, size * f);
+    frame.origin = frame.origin - axes.up * (size * 0.25f * f * f);
+    const auto alpha = static_cast<std::uint32_t>(static_cast<float>(Channel(shape.first, kAlpha)) * (1 - f * f));
+    const EightWords colour = EightWords{} + ((shape.first & 0xFFFFFFu) | alpha << kAlpha);
     for (int spray = 0; spray < kSprays; ++spray) {
         const float* S = table.At(4 * shape.seed + 1 + spray);   // of the whole spray
-        const float azimuth = kTurnF * S[0], elevation = kThirdTurn * S[1], scale = S[2];
-        const float* const first = table.At(4 * each * shape.seed + 4 + spray * each);
-        for (int j = 0; j < Whole(each); ++j) {
-            const float* T = first + j;
-            const float radius = (0.5f * T[2] + 0.75f) * scale;
-            const float across = azimuth + 0.5f * (2 * T[0] - 1), upward = elevation + 0.5f * (2 * T[1] - 1);
-            const int i = spray * each + j;
-            points.forward[i] = size * f * radius * ShortCosine(across);
-            points.side[i] = size * f * radius * ShortSine(across);
-            points.up[i] = size * (f * radius * ShortCosine(upward) - fall);
+        const float azimuth = kHalfTurns * S[0], elevation = kThirdTurn * S[1], scale = S[2];
+        const float* const T = table.At(4 * each * shape.seed + 4 + spray * each);
+        for (int i = 0; i < each; i += kTogether) {
+            const Eight across = azimuth + kAngle * (OfPoints(T + i) - 0.5f);
+            const Eight upward = elevation + kAngle * (OfPoints(T + i + 1) - 0.5f);
+            const Eight radius = (0.5f * OfPoints(T + i + 2) + 0.75f) * scale;
+            Write({radius * CosineOfHalfTurns(across), radius * CosineOfHalfTurns(upward),
+                   radius * SineOfHalfTurns(across), colour},
+                  frame, spray * each + i, points);
         }
     }
     return kSprays * each;
@@ -310,7 +320,7 @@ SPARKRIG_VECTOR_CODE int Splash(const SpecialShape& shape, const RandomTable& ta
 enum class Side { UpTimesForward, ForwardTimesUp, Helix };
 
 struct ShapeRow {
-    int (*write)(const SpecialShape&, const RandomTable&, int count, Points&);
+    int (*write)(const SpecialShape&, const RandomTable&, int count, const Frame&, KRN_PointVertex*);
     SpecialType type;
     Side side;
     float D3DXVECTOR3::*size;   // the scale that the size of a point goes with
@@ -336,57 +346,31 @@ const ShapeRow* RowOf(SpecialType type) {
     return row == std::end(kShapes) ? nullptr : row;
 }
 
-Axes AxesOf(const SpecialShape& shape, const ShapeRow& row) {
-    Axes axes = {shape.forward, shape.up, {}};
-    if (row.unit_forward) {
-        const auto& [x, y, z] = shape.forward;
-        const float length = std::sqrt(x * x + y * y + z * z);
-        if (length > 0) axes.forward = axes.forward * (1 / length);
-    }
-    switch (row.side) {
-        case Side::UpTimesForward: axes.side = D3DXVec3Cross(axes.up, axes.forward); break;
-        case Side::ForwardTimesUp: axes.side = D3DXVec3Cross(axes.forward, axes.up); break;
-        case Side::Helix: {   // two axes across the length, the first of them level
-            const float level = axes.up.x * axes.up.x + axes.up.y * axes.up.y, across = std::sqrt(level);
-            axes.forward = level > 0 ? D3DXVECTOR3(axes.up.y / across, -axes.up.x / across, 0) : D3DXVECTOR3(1, 0, 0);
-            axes.side = D3DXVec3Cross(axes.forward, axes.up);
-        }
-    }
-    return axes;
+D3DXVECTOR3 Unit(const D3DXVECTOR3& v) {
+    const float length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+    return length > 0 ? v * (1 / length) : v;
 }
 
-/// Eight by eight: what is written behind the last point means nothing.
-void WritePoints(const D3DXVECTOR3& p, const Axes& axes, const Points& points, int count, KRN_PointVertex* out) {
-    static_assert(sizeof(KRN_PointVertex) == sizeof(Four) && kSpecialPoints % kTogether == 0);
-    const auto& [d, u, n] = axes;
-    for (int i = 0; i < count; i += kTogether) {
-        Eight along, rise, aside, colour;
-        Load(points.forward + i, points.forward + i + 4, along);
-        Load(points.up + i, points.up + i + 4, rise);
-        Load(points.side + i, points.side + i + 4, aside);
-        Load(points.colour + i, points.colour + i + 4, colour);
-        Eight eight[4] = {p.x + along * d.x + aside * n.x + rise * u.x, p.y + along * d.y + aside * n.y + rise * u.y,
-                          p.z + along * d.z + aside * n.z + rise * u.z, colour};
-        Transpose(eight);
-        for (int point = 0; point < 4; ++point) Store(eight[point], out + i + point, out + i + point + 4);
+Frame FrameOf(const SpecialShape& shape, const ShapeRow& row) {
+    const D3DXVECTOR3& up = shape.up;
+    const D3DXVECTOR3 forward = row.unit_forward ? Unit(shape.forward) : shape.forward;
+    switch (row.side) {
+        case Side::UpTimesForward: return {shape.position, forward, up, D3DXVec3Cross(up, forward)};
+        case Side::ForwardTimesUp: return {shape.position, forward, up, D3DXVec3Cross(forward, up)};
+        case Side::Helix: break;   // two axes across the length, the first of them level
     }
+    const float across = std::sqrt(up.x * up.x + up.y * up.y);
+    const D3DXVECTOR3 level = across > 0 ? D3DXVECTOR3(up.y / across, -up.x / across, 0) : D3DXVECTOR3(1, 0, 0);
+    return {shape.position, level, up, D3DXVec3Cross(level, up)};
 }
 
 }   // namespace
 
-void RandomTable::Draw() {
-    for (int i = 0; i < kSpecialPoints; ++i) values[i] = static_cast<float>(Random01());
-    for (int i = kSpecialPoints; i < std::ssize(values); ++i) values[i] = values[i - kSpecialPoints];
-}
-
-SPARKRIG_VECTOR_CODE int WriteShape(const SpecialShape& shape, const RandomTable& table, KRN_PointVertex* out) {
+int WriteShape(const SpecialShape& shape, const RandomTable& table, KRN_PointVertex* points) {
     const ShapeRow* row = RowOf(shape.type);
     const int count = std::min(shape.count, kSpecialPoints);
     if (!row || count <= 0 || !std::isfinite(shape.age)) return 0;
-    Points points;
-    const int written = row->write(shape, table, count, points);
-    WritePoints(shape.position, AxesOf(shape, *row), points, written, out);
-    return written;
+    return row->write(shape, table, count, FrameOf(shape, *row), points);
 }
 
 float ShapePointSize(SpecialType type, const D3DXVECTOR3& scale, float point_size) {

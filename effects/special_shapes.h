@@ -4,21 +4,10 @@
 #include <cstdint>
 
 #include "effects/effect_definition.h"
+#include "effects/random_table.h"
 #include "gfx/geometry/vertex_list.h"
 
 namespace sparkrig {
-
-inline constexpr int kSpecialPoints = 256;   // of one shape at most
-
-/// Random numbers in [0, 1], drawn once. An index counts modulo kSpecialPoints.
-struct RandomTable {
-    static constexpr int kMost = 16;            // numbers of one point
-    float values[2 * kSpecialPoints + kMost];   // over and over, so that At(k) + i for each point needs no modulus
-
-    /// `count` draws of Random01.
-    void Draw();
-    const float* At(std::int64_t index) const { return values + (index & (kSpecialPoints - 1)); }
-};
 
 struct SpecialShape {
     SpecialType type = SpecialType::None;

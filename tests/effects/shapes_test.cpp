@@ -4,8 +4,10 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <numbers>
 
 #include "base/random.h"
+#include "effects/eight.h"
 #include "effects/special_shapes.h"
 #include "effects/trace_ribbon.h"
 #include "tests/effects/reference.h"
@@ -184,6 +186,19 @@ SpecialShape RandomShape(SpecialType type, Dice& dice) {
     return shape;
 }
 
+TEST(SpecialShapes, FunctionsOfEightAreAsCloseAsTheySay) {
+    for (int i = -4000; i <= 4000; ++i) {
+        const float x = static_cast<float>(i) * 0.0131f;
+        const Eight eight = Eight{} + x;
+        const double sine = std::sin(std::numbers::pi * x), cosine = std::cos(std::numbers::pi * x);
+        EXPECT_NEAR(SineOfHalfTurns(eight)[0], sine, 8e-7) << x;
+        EXPECT_NEAR(CosineOfHalfTurns(eight)[3], cosine, 8e-7 + 2e-7 * std::abs(x)) << x;
+        EXPECT_NEAR(RoughSineOfHalfTurns(eight)[7], sine, 7e-5) << x;
+        EXPECT_NEAR(PowerOfTwo(eight)[0] * std::exp2(-x), 1, 3e-6) << x;
+        EXPECT_NEAR(RoughPowerOfTwo(eight)[7] * std::exp2(-x), 1, 8e-5) << x;
+    }
+}
+
 TEST(SpecialShapes, AreThoseOfTheSlowReference) {
     Dice dice(7);
     SeedRandom(3);
@@ -191,6 +206,7 @@ TEST(SpecialShapes, AreThoseOfTheSlowReference) {
         RandomTable table;
         table.Draw();
         const SpecialShape shape = RandomShape(static_cast<SpecialType>(round % 9), dice);
+        const double bound = 3e-5 * std::max({shape.scale.x, shape.scale.y, shape.scale.z}) + 1e-5;
         KRN_PointVertex found[kSpecialPoints];
         const std::vector<Point> expected = Reference(shape, table).Points();
         ASSERT_EQ(static_cast<std::size_t>(WriteShape(shape, table, found)), expected.size()) << round;
@@ -198,8 +214,7 @@ TEST(SpecialShapes, AreThoseOfTheSlowReference) {
             const auto& [place, colour] = expected[i];
             const Colour c = Unpacked(found[i].diffuse);
             const double off = Length(Vec{found[i].x, found[i].y, found[i].z} + -1 * place);
-            ASSERT_LE(off, 2e-3) << "type " << round % 9 << " round " << round << " point "
-                                 << i;   // after some minutes
+            ASSERT_LE(off, bound) << "type " << round % 9 << " round " << round << " point " << i;
             for (const auto& [byte, value] :
                  {std::pair(c.a, colour.a), {c.r, colour.r}, {c.g, colour.g}, {c.b, colour.b}})
                 ASSERT_NEAR(byte, value - 0.5, 1.6) << round;   // truncated; 65536ths are truncated twice
