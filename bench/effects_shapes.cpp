@@ -55,11 +55,11 @@ void Trails(benchmark::State& state) {
     for (auto _ : state) {
         add();
         traces.UpdateTraces(1.0f / kLines);
-        for (int i = 0; i < traces.Count(); ++i) {
-            ShortenToFit(traces.At(i));
-            WriteRibbon(traces.At(i), vertices.data());
+        traces.ForEach([&](TraceEffectData& trail) {
+            ShortenToFit(trail);
+            WriteRibbon(trail, vertices.data());
             benchmark::ClobberMemory();
-        }
+        });
     }
     state.SetItemsProcessed(state.iterations() * kTrails * kRibbonVertices);
 }

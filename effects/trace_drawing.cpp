@@ -26,9 +26,7 @@ void TraceDrawing::DrawTraces(TraceEffectSet& traces) {
     gfx_->SetCullingMode(kNoCulling);
     gfx_->PushLightingOff();
     gfx_->SetZWrite(false);
-    const auto draw = [&] {
-        for (int i = 0; i < traces.Count(); ++i) DrawTrail(traces.At(i));
-    };
+    const auto draw = [&] { traces.ForEach([&](TraceEffectData& trail) { DrawTrail(trail); }); };
     WithRestore(draw, [&] {
         gfx_->SetZWrite(z_write);
         gfx_->SetCullingMode(culling);

@@ -58,26 +58,33 @@ int TraceEffectData::CompleteLines() const {
 TraceEffectSet::TraceEffectSet(int blocks) : trail_of_block_(static_cast<std::size_t>(blocks), -1) {
     SetName("TraceEffectSet");
     trails_.reserve(kFirstTrails);
-    spare_.reserve(kFirstTrails);
 }
 
 TraceEffectData& TraceEffectSet::TrailOf(int block, const char* texture, const RibbonSettings& settings) {
     std::int32_t& index = trail_of_block_[static_cast<std::size_t>(block)];
-    if (index >= 0) return At(index);
-    std::unique_ptr<TraceEffectData> trail;
-    if (spare_.empty()) {
-        trail = std::make_unique<TraceEffectData>();
-        trail->lines.reserve(kFirstLines);
-    } else {
-        trail = std::move(spare_.back());
-        spare_.pop_back();
+    if (index >= 0) return *trails_[static_cast<std::size_t>(index)];
+    const auto free = std::ranges::find_if(trails_, [](const auto& trail) { return trail->block < 0; });
+    index = static_cast<std::int32_t>(free - trails_.begin());
+    if (free == trails_.end()) {
+        trails_.push_back(std::make_unique<TraceEffectData>());
+        trails_.back()->lines.reserve(kFirstLines);
     }
-    trail->texture_name = texture;
-    trail->settings = settings;
-    trail->block = block;
-    index = Count();
-    trails_.push_back(std::move(trail));
-    return *trails_.back();
+    TraceEffectData& trail = *trails_[static_cast<std::size_t>(index)];
+    trail.texture_name = texture;
+    trail.settings = settings;
+    trail.block = block;
+    ++count_;
+    return trail;
+}
+
+void TraceEffectSet::Remove(TraceEffectData& trail) {
+    trail_of_block_[static_cast<std::size_t>(trail.block)] = -1;
+    trail.lines.clear();
+    trail.dropped = trail.first_live = 0;
+    std::fill_n(trail.next, kTraceChannels, 0);
+    trail.texture = nullptr;
+    trail.block = -1;
+    --count_;
 }
 
 int TraceEffectSet::AddTracePoint(const char* texture, int block, int channel, const D3DXVECTOR3& position, float life,
@@ -103,41 +110,27 @@ int TraceEffectSet::AddTracePoint(const char* texture, int block, int channel, c
 }
 
 void TraceEffectSet::UpdateTraces(float elapsed_seconds) {
-    for (std::size_t i = 0; i < trails_.size();) {
-        std::unique_ptr<TraceEffectData>& trail = trails_[i];
-        const bool over = Age(*trail, elapsed_seconds);
-        ForgetDeadLines(*trail);
-        if (!over) {
-            ++i;
-            continue;
-        }
-        trail_of_block_[static_cast<std::size_t>(trail->block)] = -1;
-        trail->lines.clear();
-        trail->dropped = trail->first_live = 0;
-        std::fill_n(trail->next, kTraceChannels, 0);
-        trail->texture = nullptr;
-        spare_.push_back(std::move(trail));
-        trail = std::move(trails_.back());
-        trails_.pop_back();
-        if (i < trails_.size()) trail_of_block_[static_cast<std::size_t>(trails_[i]->block)] = static_cast<int>(i);
-    }
+    ForEach([&](TraceEffectData& trail) {
+        const bool over = Age(trail, elapsed_seconds);
+        ForgetDeadLines(trail);
+        if (over) Remove(trail);
+    });
 }
 
 double TraceEffectSet::Strength() const {
     double sum = 0;
-    for (const auto& trail : trails_) {
-        const int lines = trail->Channels() > 1 ? trail->CompleteLines() : 0;
-        for (std::int64_t number = trail->first_live; number < trail->first_live + lines; ++number) {
-            const TraceEffectLineData& line = trail->Line(number);
+    ForEach([&](const TraceEffectData& trail) {
+        const int lines = trail.Channels() > 1 ? trail.CompleteLines() : 0;
+        for (std::int64_t number = trail.first_live; number < trail.first_live + lines; ++number) {
+            const TraceEffectLineData& line = trail.Line(number);
             if (line.reference_life > 0) sum += std::clamp(double{line.life} / line.reference_life, 0.0, 1.0);
         }
-    }
+    });
     return sum;
 }
 
 void TraceEffectSet::ClearTraces() {
-    trails_.clear();
-    std::fill(trail_of_block_.begin(), trail_of_block_.end(), -1);
+    ForEach([&](TraceEffectData& trail) { Remove(trail); });
 }
 
 }   // namespace sparkrig

@@ -40,7 +40,7 @@ struct TraceEffectData {
     std::string texture_name;                 // of the catalogue
     KRN_Texture* texture = nullptr;           // borrowed from the catalogue; fetched when the trail is first drawn
     RibbonSettings settings;
-    int block = -1;
+    int block = -1;   // of the table of blocks; -1 while it waits to be used again
 
     std::int64_t LineEnd() const { return dropped + static_cast<std::int64_t>(lines.size()); }
     const TraceEffectLineData& Line(std::int64_t number) const {
@@ -62,17 +62,24 @@ class TraceEffectSet : public ErrorClass {
     void UpdateTraces(float elapsed_seconds);
     void ClearTraces();
 
-    int Count() const { return static_cast<int>(trails_.size()); }
+    int Count() const { return count_; }
     /// The alphas of the complete lines of all trails, without the fade of their beginnings.
     double Strength() const;
-    TraceEffectData& At(int index) { return *trails_[static_cast<std::size_t>(index)]; }
+
+    /// In the order of drawing: a new trail takes the lowest place that is free, the others stay in theirs.
+    template <class Use>
+    void ForEach(Use use) const {
+        for (const auto& trail : trails_)
+            if (trail->block >= 0) use(*trail);
+    }
 
   private:
     TraceEffectData& TrailOf(int block, const char* texture, const RibbonSettings& settings);
+    void Remove(TraceEffectData& trail);
 
-    std::vector<std::unique_ptr<TraceEffectData>> trails_;   // in no order
-    std::vector<std::unique_ptr<TraceEffectData>> spare_;    // whose memory the next trails take
-    std::vector<std::int32_t> trail_of_block_;               // -1 for none
+    std::vector<std::unique_ptr<TraceEffectData>> trails_;   // and those that ended, whose memory others take
+    int count_ = 0;
+    std::vector<std::int32_t> trail_of_block_;   // -1 for none
 };
 
 }   // namespace sparkrig

@@ -316,6 +316,7 @@ TEST(Traces, AreThoseOfTheSlowOne) {
     Dice dice(7);
     TraceEffectSet set(kTraceBlocks);
     std::map<int, SlowTrail> slow;
+    std::vector<int> places(5, -1);   // of the trails' blocks, in the order of drawing
     std::size_t longest = 0;
     for (int step = 0; step < 6000; ++step) {
         for (int block = 0; block < 5; ++block) {
@@ -329,7 +330,7 @@ TEST(Traces, AreThoseOfTheSlowOne) {
                 const RibbonSettings settings = {block % 2 == 0, 3, true, 1.5f};
                 const bool is_new = slow.count(block) == 0;
                 SlowTrail& trail = slow[block];
-                if (is_new) trail.settings = settings;
+                if (is_new) trail.settings = settings, *std::ranges::find(places, -1) = block;
                 trail.Add(channel, point, life, life);
                 set.AddTracePoint("t", block, channel, point, life, life, settings);
             }
@@ -338,15 +339,23 @@ TEST(Traces, AreThoseOfTheSlowOne) {
         set.UpdateTraces(dt);
         for (auto next = slow.begin(); next != slow.end();) {
             const auto here = next++;
-            if (here->second.Update(dt)) slow.erase(here);
+            if (!here->second.Update(dt)) continue;
+            *std::ranges::find(places, here->first) = -1;
+            slow.erase(here);
         }
         ASSERT_EQ(static_cast<std::size_t>(set.Count()), slow.size()) << step;
-        for (int i = 0; i < set.Count() && step % 3 == 0; ++i) {
-            const auto vertices = RibbonOf(set.At(i));
-            ExpectEqual(vertices, slow.at(set.At(i).block).Vertices(), step);
+        std::vector<int> blocks;
+        set.ForEach([&](TraceEffectData& trail) {
+            blocks.push_back(trail.block);
+            if (step % 3 != 0 || HasFatalFailure()) return;
+            const auto vertices = RibbonOf(trail);
+            ExpectEqual(vertices, slow.at(trail.block).Vertices(), step);
             longest = std::max(longest, vertices.size());
-            if (HasFatalFailure()) return;
-        }
+        });
+        if (HasFatalFailure()) return;
+        std::vector<int> expected = places;
+        std::erase(expected, -1);
+        ASSERT_EQ(blocks, expected) << step;
     }
     EXPECT_GT(longest, 8100u);
 }
@@ -367,7 +376,7 @@ TEST(Traces, EndWithTheirLifeAndShowNothingWhereMoreLinesAreDroppedThanThereAre)
     TraceEffectSet set(kTraceBlocks);
     for (const auto& [lines, vertices] : {std::pair(3, 36u), {2000, 0u}}) {
         for (int i = 0; i < lines * kTraceChannels; ++i) set.AddTracePoint("t", 7, i % kTraceChannels, {}, 1, 1, {});
-        EXPECT_EQ(RibbonOf(set.At(0)).size(), vertices);
+        set.ForEach([&](TraceEffectData& trail) { EXPECT_EQ(RibbonOf(trail).size(), vertices); });
         set.UpdateTraces(1);   // as long as their life
         EXPECT_EQ(set.Count(), 0);
     }
