@@ -69,7 +69,8 @@ inline FourEights Transposed(Eight row_0, Eight row_1, Eight row_2, Eight row_3)
             __builtin_shufflevector(high_01, high_23, 2, 3, 10, 11, 6, 7, 14, 15)};
 }
 
-/// Four numbers from each of two places, joined as they come from memory.
+/// Four numbers from each of two places: as a vector of halves, of which the second is inserted from memory. A shuffle
+/// would have it loaded first.
 inline Eight Joined(const float* low, const float* high) {
     __extension__ using Half = __int128;
     using Halves = Half __attribute__((vector_size(32)));
