@@ -38,11 +38,10 @@ void Shape(EffectSimulation& simulation) {
         if (object.kind == SubEffectKind::Special) WriteShape(ShapeOf(object, object.Age()), table, points);
     }
     static std::vector<KRN_LVertex> vertices(kTraceVertices);
-    for (int i = 0; i < simulation.Traces().Count(); ++i) {
-        TraceEffectData& trail = simulation.Traces().At(i);
+    simulation.Traces().ForEach([](TraceEffectData& trail) {
         ShortenToFit(trail);
         if (RibbonTriangles(trail) > 0) WriteRibbon(trail, vertices.data());
-    }
+    });
 }
 
 void Play(const char* file) {
