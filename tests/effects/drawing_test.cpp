@@ -153,6 +153,34 @@ TEST_F(Drawing, StatesAreThoseThatTheEffectAsksForAndThenAsTheyWere) {
     EXPECT_EQ(gfx->EffectForDraw(), nullptr);
 }
 
+TEST_F(Drawing, TrailsAreDrawnOneByOneAsTheirEffectsAskAndThenAsItWas) {
+    gfx->SetZBufferMode(1);
+    gfx->SetCullingMode(1);
+    const auto edges = [](int id, const std::string& lines) {
+        const std::string edge = "SPECIAL {\ntype = \"none\"\nEmitEffect = \"trace:none\"\nEmitEffectPerTime = 60\n" +
+                                 lines + "TraceEffectLifeTime = 9\nTraceEffectId = " + std::to_string(id) + "\n}\n";
+        return edge + edge;
+    };
+    Load("#e\ndesc = \"e\"\n" + edges(0, "UseZBuf = 0\n") + edges(1, ""));
+    system.StartEffect("e", {});
+    for (int i = 0; i < 6; ++i) system.Update(1 / 59.0f);
+    EXPECT_EQ(Redraw(), 2);
+    EXPECT_THAT(TriangleCounts(), ElementsAre(10, 10));
+    const std::tuple<D3DRENDERSTATETYPE, DWORD, DWORD> kStates[] = {{D3DRS_ZENABLE, 0, 1},
+                                                                    {D3DRS_ZWRITEENABLE, 0, 0},
+                                                                    {D3DRS_LIGHTING, 0, 0},
+                                                                    {D3DRS_CULLMODE, D3DCULL_NONE, D3DCULL_NONE}};
+    for (const auto& [state, first, second] : kStates)
+        EXPECT_THAT((std::vector{DrawAt(0).render_states.at(state), DrawAt(1).render_states.at(state)}),
+                    ElementsAre(first, second))
+            << state;
+    EXPECT_EQ(gfx->ZBufferMode(), 1);
+    EXPECT_EQ(gfx->CullingMode(), 1);
+    EXPECT_TRUE(gfx->ZWrite());
+    Redraw();
+    EXPECT_EQ(DrawAt(1).render_states.at(D3DRS_ZENABLE), 1u);
+}
+
 TEST_F(Drawing, WhatHangsBeforeTheCameraIsSortedLastAndDrawnInCameraSpace) {
     const D3DXMATRIX view = gfx->ViewMatrix();
     DrawEffect(Particle("a", 1, "BillBoard = 3") + Particle("a", 90));
@@ -244,7 +272,8 @@ TEST_F(Drawing, PreloadingGoesDepthFirstThroughWhatIsEmitted) {
     const std::pair<std::string, const char*> kRows[] = {
         {Particle("a", 1, "EmitEffect = \"p\"") + Particle("gone", 1, ""), "file p"},
         {special_and_mesh + Particle("a", 1, "EmitEffect = \"q\""), "file q"},
-        {special_and_mesh, "file m"}};
+        {special_and_mesh, "file m"},
+        {emits("SPECIAL", "s"), "file s"}};
     for (const auto& [blocks, first] : kRows) {
         Load(effect("e", blocks) + others);
         EXPECT_THAT(ErrorOf([&] { system.PreloadEffect("e"); }), EndsWith(first));
