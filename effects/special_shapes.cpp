@@ -144,7 +144,7 @@ class RisingColour {
         const auto channel = [&](int shift) {   // in the upper half of the word
             return ((first_ >> shift & 255u) * rest & 0xFFFF0000u) + ((second_ >> shift & 255u) * share & 0xFFFF0000u);
         };
-        const Eight gone = alpha_ - alpha_ * f, alpha = gone - gone * PowerOfTwo(-rise_ * f);
+        const Eight gone = alpha_ - alpha_ * f, alpha = gone - gone * RoughPowerOfTwo(-rise_ * f);
         return Truncated(alpha) << kAlpha | channel(kRed) | channel(kGreen) >> 8 | channel(kBlue) >> 16;
     }
 
@@ -161,7 +161,7 @@ inline TwoEights RisenHalf(const float* const (&rises)[kTogether], int half, Eig
     const auto [drift, sway] = PairsOfEach(rises, 4, half);
     const auto [damping, height] = PairsOfEach(rises, 8, half);
     const Eight aside = drift + sway * RoughSineOfHalfTurns(speed * f + start);
-    return {kFlame ? aside * RoughPowerOfTwo(damping * f) : aside, height};
+    return {kFlame ? aside * PowerOfTwo(damping * f) : aside, height};
 }
 
 /// Both rise alike; a flame's points draw together and spread as they rise.

@@ -206,7 +206,7 @@ TEST(SpecialShapes, AreThoseOfTheSlowReference) {
         RandomTable table;
         table.Draw();
         const SpecialShape shape = RandomShape(static_cast<SpecialType>(round % 9), dice);
-        const double bound = 3e-5 * std::max({shape.scale.x, shape.scale.y, shape.scale.z}) + 1e-5;
+        const double bound = 5e-6 * std::max({shape.scale.x, shape.scale.y, shape.scale.z}) + 1e-5;
         KRN_PointVertex found[kSpecialPoints];
         const std::vector<Point> expected = Reference(shape, table).Points();
         ASSERT_EQ(static_cast<std::size_t>(WriteShape(shape, table, found)), expected.size()) << round;
