@@ -54,6 +54,14 @@ class Drawing : public testing::Test {
         for (const RecordedDraw& draw : gfx.recording.Draws()) counts.push_back(draw.count);
         return counts;
     }
+    /// Each state in each of the draws.
+    void ExpectStates(const std::vector<std::pair<D3DRENDERSTATETYPE, std::vector<DWORD>>>& states) const {
+        for (const auto& [state, expected] : states) {
+            std::vector<DWORD> found;
+            for (const RecordedDraw& draw : gfx.recording.Draws()) found.push_back(draw.render_states.at(state));
+            EXPECT_EQ(found, expected) << state;
+        }
+    }
     EffectParticleVertex Vertex(std::size_t draw, std::size_t vertex) const {
         EffectParticleVertex out;
         std::memcpy(&out, DrawAt(draw).vertices.data() + vertex * sizeof out, sizeof out);
@@ -130,21 +138,15 @@ TEST_F(Drawing, StatesAreThoseThatTheEffectAsksForAndThenAsTheyWere) {
     gfx->SetFogEnable(true);
     gfx->SetLighting(true, nullptr);
     gfx->SetCullingMode(1);
-    DrawEffect("SPECIAL {\ntype = \"flame\"\n}\n" + Particle("a", 1, "UseZBuf = 0") +
-               Particle("a", 2, "WriteZBuf = 0"));
-    const std::tuple<D3DRENDERSTATETYPE, DWORD, DWORD, DWORD> kStates[] = {
-        // of the special and the two particles
-        {D3DRS_ZENABLE, 1, 0, 1},
-        {D3DRS_ZWRITEENABLE, 0, 1, 0},
-        {D3DRS_CULLMODE, D3DCULL_CW, D3DCULL_NONE, D3DCULL_NONE},
-        {D3DRS_LIGHTING, 0, 0, 0},
-        {D3DRS_FOGENABLE, 0, 0, 0}};
-    for (const auto& [state, special, first, second] : kStates)
-        EXPECT_THAT((std::vector{DrawAt(0).render_states.at(state), DrawAt(1).render_states.at(state),
-                                 DrawAt(2).render_states.at(state)}),
-                    ElementsAre(special, first, second))
-            << state;
-    EXPECT_NE(DrawAt(0).texture, 0u) << "the spot";
+    DrawEffect("SPECIAL {\ntype = \"flame\"\n}\n" + Particle("a", -1, "WriteZBuf = 0") +
+               Particle("a", 1, "WriteZBuf = 0") + Particle("a", 2, "UseZBuf = 0"));
+    // of a particle, the special, another particle that looks like the first, and one that does not
+    ExpectStates({{D3DRS_ZENABLE, {1, 1, 1, 0}},
+                  {D3DRS_ZWRITEENABLE, {0, 0, 0, 1}},
+                  {D3DRS_CULLMODE, {D3DCULL_NONE, D3DCULL_CW, D3DCULL_NONE, D3DCULL_NONE}},
+                  {D3DRS_LIGHTING, {0, 0, 0, 0}},
+                  {D3DRS_FOGENABLE, {0, 0, 0, 0}}});
+    EXPECT_NE(DrawAt(1).texture, 0u) << "the spot";
     EXPECT_EQ(gfx->BlendingMode(), 7);
     EXPECT_EQ(gfx->BlendingAlpha(), 77);
     EXPECT_EQ(gfx->ZBufferMode(), 1);
@@ -166,14 +168,10 @@ TEST_F(Drawing, TrailsAreDrawnOneByOneAsTheirEffectsAskAndThenAsItWas) {
     for (int i = 0; i < 6; ++i) system.Update(1 / 59.0f);
     EXPECT_EQ(Redraw(), 2);
     EXPECT_THAT(TriangleCounts(), ElementsAre(10, 10));
-    const std::tuple<D3DRENDERSTATETYPE, DWORD, DWORD> kStates[] = {{D3DRS_ZENABLE, 0, 1},
-                                                                    {D3DRS_ZWRITEENABLE, 0, 0},
-                                                                    {D3DRS_LIGHTING, 0, 0},
-                                                                    {D3DRS_CULLMODE, D3DCULL_NONE, D3DCULL_NONE}};
-    for (const auto& [state, first, second] : kStates)
-        EXPECT_THAT((std::vector{DrawAt(0).render_states.at(state), DrawAt(1).render_states.at(state)}),
-                    ElementsAre(first, second))
-            << state;
+    ExpectStates({{D3DRS_ZENABLE, {0, 1}},
+                  {D3DRS_ZWRITEENABLE, {0, 0}},
+                  {D3DRS_LIGHTING, {0, 0}},
+                  {D3DRS_CULLMODE, {D3DCULL_NONE, D3DCULL_NONE}}});
     EXPECT_EQ(gfx->ZBufferMode(), 1);
     EXPECT_EQ(gfx->CullingMode(), 1);
     EXPECT_TRUE(gfx->ZWrite());

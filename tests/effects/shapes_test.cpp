@@ -8,6 +8,7 @@
 
 #include "base/random.h"
 #include "effects/eight.h"
+#include "effects/special_effect_renderer.h"
 #include "effects/special_shapes.h"
 #include "effects/trace_ribbon.h"
 #include "tests/effects/reference.h"
@@ -222,6 +223,24 @@ TEST(SpecialShapes, AreThoseOfTheSlowReference) {
     }
 }
 
+TEST(SpecialShapes, StandAsTheirInstances) {
+    SpecialEffect special;
+    VisualEffectObject object;
+    object.sub_effect = &special;
+    object.position = {5, 6, 7};
+    object.alpha = 0.5f;
+    object.random[0] = 0.579f;
+    object.rotation = {0, 0, std::sqrt(0.5f), std::sqrt(0.5f)};   // a quarter turn about z
+    object.base_orientation = {3, 0, 0, 3};                       // about x, and not yet of unit length
+    const SpecialShape shape = ShapeOf(object, 2);
+    EXPECT_LE(Length(ToVec(shape.forward - D3DXVECTOR3(0, 0, 1))), 1e-6);   // x to y, then y to z
+    EXPECT_LE(Length(ToVec(shape.up - D3DXVECTOR3(0, -1, 0))), 1e-6);
+    EXPECT_EQ(shape.position, object.position);
+    EXPECT_EQ(shape.first >> 24, 127u);
+    EXPECT_EQ(shape.seed, 57);
+    EXPECT_EQ(shape.age, 2);
+}
+
 TEST(SpecialShapes, PointsHaveWholeSizes) {
     EXPECT_EQ(ShapePointSize(SpecialType::Snake, {3, 4, 5}, 1.3f), 7);   // 7.8
     EXPECT_EQ(ShapePointSize(SpecialType::Wave, {3, 4, 5}, 1), 10);
@@ -380,6 +399,15 @@ TEST(Traces, EndWithTheirLifeAndShowNothingWhereMoreLinesAreDroppedThanThereAre)
         set.UpdateTraces(1);   // as long as their life
         EXPECT_EQ(set.Count(), 0);
     }
+}
+
+TEST(Traces, ForgetTheirDeadLines) {
+    TraceEffectSet set(kTraceBlocks);
+    for (int i = 0; i < 5000; ++i) {
+        for (const int channel : {0, 1}) set.AddTracePoint("t", 7, channel, {}, 1, 1, {});
+        set.UpdateTraces(0.1f);
+    }
+    set.ForEach([](const TraceEffectData& trail) { EXPECT_LE(trail.lines.size(), 30u) << "ten are alive"; });
 }
 
 }   // namespace
