@@ -139,13 +139,15 @@ TEST_F(Drawing, StatesAreThoseThatTheEffectAsksForAndThenAsTheyWere) {
     gfx->SetLighting(true, nullptr);
     gfx->SetCullingMode(1);
     DrawEffect("SPECIAL {\ntype = \"flame\"\n}\n" + Particle("a", -1, "WriteZBuf = 0") +
-               Particle("a", 1, "WriteZBuf = 0") + Particle("a", 2, "UseZBuf = 0"));
-    // of a particle, the special, another particle that looks like the first, and one that does not
-    ExpectStates({{D3DRS_ZENABLE, {1, 1, 1, 0}},
-                  {D3DRS_ZWRITEENABLE, {0, 0, 0, 1}},
-                  {D3DRS_CULLMODE, {D3DCULL_NONE, D3DCULL_CW, D3DCULL_NONE, D3DCULL_NONE}},
-                  {D3DRS_LIGHTING, {0, 0, 0, 0}},
-                  {D3DRS_FOGENABLE, {0, 0, 0, 0}}});
+               Particle("a", 5, "UseZBuf = 0"));
+    system.StartEffect("e", {0, 2, 0});
+    Redraw();
+    // of the first particle, the special, both again, and the other particles
+    ExpectStates({{D3DRS_ZENABLE, {1, 1, 1, 1, 0}},
+                  {D3DRS_ZWRITEENABLE, {0, 0, 0, 0, 1}},
+                  {D3DRS_CULLMODE, {D3DCULL_NONE, D3DCULL_CW, D3DCULL_NONE, D3DCULL_CW, D3DCULL_NONE}},
+                  {D3DRS_LIGHTING, {0, 0, 0, 0, 0}},
+                  {D3DRS_FOGENABLE, {0, 0, 0, 0, 0}}});
     EXPECT_NE(DrawAt(1).texture, 0u) << "the spot";
     EXPECT_EQ(gfx->BlendingMode(), 7);
     EXPECT_EQ(gfx->BlendingAlpha(), 77);
