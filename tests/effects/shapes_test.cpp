@@ -395,7 +395,7 @@ TEST(Traces, EndWithTheirLifeAndShowNothingWhereMoreLinesAreDroppedThanThereAre)
     TraceEffectSet set(kTraceBlocks);
     for (const auto& [lines, vertices] : {std::pair(3, 36u), {2000, 0u}}) {
         for (int i = 0; i < lines * kTraceChannels; ++i) set.AddTracePoint("t", 7, i % kTraceChannels, {}, 1, 1, {});
-        set.ForEach([&](TraceEffectData& trail) { EXPECT_EQ(RibbonOf(trail).size(), vertices); });
+        set.ForEach([&, expected = vertices](TraceEffectData& trail) { EXPECT_EQ(RibbonOf(trail).size(), expected); });
         set.UpdateTraces(1);   // as long as their life
         EXPECT_EQ(set.Count(), 0);
     }
