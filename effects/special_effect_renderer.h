@@ -26,8 +26,8 @@ class SpecialEffectRenderer {
     void FillDefaultTexture();
     void DrawPoints(KRN_Texture* texture, int count);
 
-    KRN_Gfx* gfx_ = nullptr;   // borrowed
     RandomTable table_;
+    KRN_Gfx* gfx_ = nullptr;   // borrowed
     KRN_VertexListTemp<KRN_PointVertex> points_{PrimitiveMode::PointList};
     KRN_Texture spot_;   // where an effect names no texture
 };
