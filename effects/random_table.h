@@ -24,8 +24,8 @@ struct Cycles {
     /// before it 8, which count the cycles modulo kSpecialPoints. Good to 134 million periods, and harmless beyond.
     static constexpr double kFixedPoint = 0x1.8p+28;
 
-    alignas(64) double start[kSpecialPoints];        // periods at age 0, and kFixedPoint
-    alignas(64) double per_second[kSpecialPoints];   // periods
+    double start[kSpecialPoints];        // periods at age 0, and kFixedPoint
+    double per_second[kSpecialPoints];   // periods
 };
 
 /// The random numbers of a point of a flame or smoke while it rises once, as its formula uses them; sways are in half
@@ -38,7 +38,7 @@ struct Rise {
 struct RandomTable {
     static constexpr int kMost = 16;            // numbers of one point
     float values[2 * kSpecialPoints + kMost];   // T: in [0, 1], over and over, so that At(k) + i needs no modulus
-    alignas(64) Rise rises[kSpecialPoints];     // of the points whose numbers begin at T[k]
+    Rise rises[kSpecialPoints];                 // of the points whose numbers begin at T[k]
     Cycles slow, fast;                          // of half a second and more, and of less
 
     /// kSpecialPoints draws of Random01.
