@@ -2,13 +2,12 @@
 # Full screen: the focus goes to another window and comes back by the window manager, without a move of the mouse.
 . "$(dirname "$0")/desktop.sh" "$@"
 
-is_active() { [ "$(xdotool getactivewindow 2>/dev/null)" = "$window" ]; }
 # A busy window manager can miss the keys.
 switch_back() {
     local try
     for try in 1 2 3; do
         xdotool keydown alt key Tab keyup alt
-        until_true 5 is_active && return
+        until_true 5 has_focus "$window" && return
     done
     fail "the window manager does not switch"
 }
