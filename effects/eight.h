@@ -8,7 +8,7 @@
 
 #include "effects/four.h"
 
-#pragma GCC diagnostic ignored "-Wpsabi"
+#pragma GCC diagnostic ignored "-Wpsabi"   // about how they would be handed over
 
 namespace sparkrig {
 
